@@ -1,0 +1,46 @@
+# How a folder of this project becomes a library, a program or a test.
+
+add_library(velko_options INTERFACE)
+target_compile_features(velko_options INTERFACE cxx_std_20)
+target_include_directories(velko_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(velko_options INTERFACE -Wall -Wextra -Wpedantic)
+if(VELKO_STRICT)
+    target_compile_options(velko_options INTERFACE -Werror)
+endif()
+if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
+    target_compile_options(velko_options INTERFACE -Wthread-safety)
+endif()
+if(VELKO_SANITIZE)
+    target_compile_options(velko_options INTERFACE
+        -fsanitize=${VELKO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+    target_link_options(velko_options INTERFACE -fsanitize=${VELKO_SANITIZE})
+endif()
+
+# velko_library(NAME SOURCES a.cpp ... USES other_library ... [PRIVATE_USES ...])
+function(velko_library name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;USES;PRIVATE_USES" ${ARGN})
+    add_library(${name} STATIC ${ARG_SOURCES})
+    target_link_libraries(${name} PUBLIC velko_options ${ARG_USES} PRIVATE ${ARG_PRIVATE_USES})
+endfunction()
+
+# velko_program(NAME SOURCES a.cpp ... USES library ...)
+function(velko_program name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;USES" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE velko_options ${ARG_USES})
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+endfunction()
+
+# velko_test(NAME SOURCES a.cpp ... USES library ... [TIMEOUT seconds])
+# One GoogleTest program; each of its cases is a test of its own for ctest.
+function(velko_test name)
+    cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;USES" ${ARGN})
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 120)
+    endif()
+    velko_program(${name} SOURCES ${ARG_SOURCES} USES ${ARG_USES} GTest::gtest_main)
+    gtest_discover_tests(${name}
+        DISCOVERY_MODE PRE_TEST
+        WORKING_DIRECTORY ${PROJECT_SOURCE_DIR}
+        PROPERTIES TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+endfunction()

@@ -1,0 +1,53 @@
+// The task pool: threads that run works in their order and that multiply while
+// some of them wait.
+//
+// As many threads run as were asked for; a thread inside a `blocking_scope`
+// does not count, so that works waiting for a lock never keep others from
+// running. Threads start when needed and idle ones beyond the number asked for
+// end after a while. Destruction lets the running works end, destroys those
+// that have not begun, and joins. Threads: any; destroy outside the pool.
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "platform/concurrency/Scheduler.h"
+
+namespace concurrency {
+
+class ThreadPool final : public scheduler {
+public:
+    explicit ThreadPool(unsigned nThreads);
+    ~ThreadPool() override;
+    ThreadPool(const ThreadPool&) = delete;
+    ThreadPool& operator=(const ThreadPool&) = delete;
+
+    void schedule(work fnWork) override;
+
+    // True when no work waits or runs.
+    bool is_idle() const;
+
+private:
+    class worker;
+
+    void RunWorker();
+    void GrowIfNeeded(); // with m_lock held
+    void BeginBlocking();
+    void EndBlocking();
+
+    const unsigned m_nWanted;
+    mutable std::mutex m_lock;
+    std::condition_variable m_changed;
+    std::deque<work> m_queue;
+    std::vector<std::thread> m_threads;
+    std::vector<std::thread> m_ended; // threads that left, to be joined
+    unsigned m_nThreads = 0;
+    unsigned m_nIdle = 0;
+    unsigned m_nBlocked = 0;
+    bool m_bStopping = false;
+};
+
+}

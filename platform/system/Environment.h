@@ -1,0 +1,76 @@
+// The facts of the machine and of the application's one view, and who supplies
+// them.
+//
+// The process's main function (or a test's) installs an `IEnvironment` before
+// anything of the component is made, and removes it at the end. The functions
+// below it carry the names of the application model; they only ask the
+// environment.
+// Threads: install and remove on the UI thread; `MainDispatcher`,
+// `DeviceFamily` and `DesignModeEnabled` from any thread, the rest on the UI thread.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/foundation/Event.h"
+#include "platform/foundation/Geometry.h"
+
+namespace Windows::UI::Core {
+class CoreDispatcher;
+}
+namespace Windows::UI::Xaml {
+class DispatcherTimer;
+class FrameworkElement;
+}
+namespace Windows::Graphics {
+class IGraphicsFactory;
+}
+
+namespace Platform {
+
+class IEnvironment {
+public:
+    virtual ~IEnvironment() = default;
+
+    virtual std::string DeviceFamily() const = 0; // "Windows.Desktop", "Windows.Mobile", ...
+    virtual float LogicalDpi() const = 0;         // dots per logical inch, 96 by default
+    virtual bool DesignModeEnabled() const = 0;
+    virtual std::shared_ptr<Windows::UI::Core::CoreDispatcher> MainDispatcher() const = 0;
+    virtual std::shared_ptr<Windows::UI::Xaml::DispatcherTimer> CreateTimer() = 0;
+
+    // The window's size, logical units, at the origin.
+    virtual Windows::Foundation::Rect WindowBounds() const = 0;
+
+    // Makes devices, factories and swap chains; never empty.
+    virtual std::shared_ptr<Windows::Graphics::IGraphicsFactory> GraphicsFactory() = 0;
+
+    // State of the control key now.
+    virtual bool IsControlKeyDown() const = 0;
+
+    Windows::Foundation::Event<> Suspending;
+    Windows::Foundation::Event<> Resuming;
+    Windows::Foundation::Event<Windows::Foundation::Size> WindowSizeChanged;
+};
+
+void SetEnvironment(std::shared_ptr<IEnvironment> pEnvironment);
+std::shared_ptr<IEnvironment> Environment(); // raises until one is set
+
+}
+
+namespace Windows::System::Profile {
+struct AnalyticsInfo {
+    static std::string DeviceFamily() { return Platform::Environment()->DeviceFamily(); }
+};
+}
+
+namespace Windows::Graphics::Display {
+struct DisplayInformation {
+    static float LogicalDpi() { return Platform::Environment()->LogicalDpi(); }
+};
+}
+
+namespace Windows::ApplicationModel {
+struct DesignMode {
+    static bool DesignModeEnabled() { return Platform::Environment()->DesignModeEnabled(); }
+};
+}
