@@ -1,5 +1,6 @@
 # How a folder of this project becomes a library, a program or a test.
 
+get_filename_component(VELKO_ROOT ${CMAKE_CURRENT_LIST_DIR} DIRECTORY)
 add_library(velko_options INTERFACE)
 target_compile_features(velko_options INTERFACE cxx_std_20)
 target_include_directories(velko_options INTERFACE ${PROJECT_SOURCE_DIR})
@@ -39,6 +40,9 @@ function(velko_test name)
         set(ARG_TIMEOUT 120)
     endif()
     velko_program(${name} SOURCES ${ARG_SOURCES} USES ${ARG_USES} GTest::gtest_main)
+    if(VELKO_SANITIZE MATCHES thread)
+        target_sources(${name} PRIVATE ${VELKO_ROOT}/tests/support/TsanSuppressions.cpp)
+    endif()
     gtest_discover_tests(${name}
         DISCOVERY_MODE PRE_TEST
         WORKING_DIRECTORY ${PROJECT_SOURCE_DIR}

@@ -1,34 +1,28 @@
 #include "platform/concurrency/Task.h"
 
-#include <string>
+#include <atomic>
 
-#include "platform/foundation/Exception.h"
+#include "platform/foundation/Describe.h"
 #include "platform/system/Debug.h"
 
 namespace concurrency {
 
-namespace detail {
-
 namespace {
 
-std::string Describe(const std::exception_ptr& pError) {
-    try {
-        std::rethrow_exception(pError);
-    } catch (const Platform::Exception& error) {
-        return std::string(error.TypeName()) + ": " + error.what();
-    } catch (const std::exception& error) {
-        return error.what();
-    } catch (...) {
-        return "unknown failure";
-    }
-}
+std::atomic<std::uint64_t> g_nCanceled{0};
 
 }
+
+std::uint64_t canceled_task_count() {
+    return g_nCanceled.load(std::memory_order_relaxed);
+}
+
+namespace detail {
 
 state_base::~state_base() {
     if (m_eOutcome == outcome::failure && !m_bObserved) {
-        Platform::Debug::OutputDebugString("unobserved failure of a task: " + Describe(m_pError) +
-                                           "\n");
+        Platform::Debug::OutputDebugString(
+            "unobserved failure of a task: " + Platform::Describe(m_pError) + "\n");
     }
 }
 
@@ -59,6 +53,9 @@ void state_base::finish(outcome eOutcome, const std::function<void()>& fnStore) 
         }
         fnStore();
         m_eOutcome = eOutcome;
+        if (eOutcome == outcome::canceled) {
+            g_nCanceled.fetch_add(1, std::memory_order_relaxed);
+        }
         continuations.swap(m_continuations);
         m_ended.notify_all();
     }
@@ -96,6 +93,11 @@ void state_base::throw_outcome() {
         throw task_canceled();
     }
     std::rethrow_exception(pError);
+}
+
+void state_base::mark_observed() {
+    const std::lock_guard<std::mutex> lock(m_lock);
+    m_bObserved = true;
 }
 
 bool suspend_until_done(state_base& state, std::coroutine_handle<> handle,

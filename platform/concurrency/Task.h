@@ -20,6 +20,7 @@
 
 #include <condition_variable>
 #include <coroutine>
+#include <cstdint>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -61,6 +62,7 @@ public:
 
     // Raises the failure or the cancelled state; returns for a value.
     void throw_outcome();
+    void mark_observed();
 
 protected:
     // Stores with `fnStore` under the lock, then runs the continuations.
@@ -285,6 +287,9 @@ public:
         return detail::settled_awaiter(m_pState, nullptr);
     }
 
+    // Says that a failure of the ended task was looked at by other means.
+    void mark_observed() const { m_pState->mark_observed(); }
+
     // A continuation: of the value (skipped when there is none, the outcome
     // passing on), or of the task itself when `F` takes a task.
     template <class F>
@@ -394,11 +399,14 @@ task<std::invoke_result_t<F>> create_task(F fnBody,
     co_return fnBody();
 }
 
-// A task that ends when told to. Copies tell the same task.
+// A task that ends when told to. Copies tell the same task; when the last of
+// them goes and nobody has told, the task ends as cancelled.
 template <class T>
 class task_completion_event {
 public:
-    task_completion_event() : m_pState(std::make_shared<detail::state<T>>()) {}
+    task_completion_event()
+        : m_pState(std::make_shared<detail::state<T>>()),
+          m_pTeller(std::make_shared<const teller>(m_pState)) {}
     template <class... U>
     void set(U&&... value) const {
         m_pState->set_value(std::forward<U>(value)...);
@@ -410,7 +418,19 @@ public:
     task<T> get_task() const { return task<T>(m_pState); }
 
 private:
+    class teller {
+    public:
+        explicit teller(std::shared_ptr<detail::state<T>> pState) : m_pState(std::move(pState)) {}
+        teller(const teller&) = delete;
+        teller& operator=(const teller&) = delete;
+        ~teller() { m_pState->set_canceled(); }
+
+    private:
+        std::shared_ptr<detail::state<T>> m_pState;
+    };
+
     std::shared_ptr<detail::state<T>> m_pState;
+    std::shared_ptr<const teller> m_pTeller;
 };
 
 template <class T, class... U>
@@ -419,6 +439,9 @@ task<T> task_from_result(U&&... value) {
     completion.set(std::forward<U>(value)...);
     return completion.get_task();
 }
+
+// How many tasks of this process have ended as cancelled so far; for tools.
+std::uint64_t canceled_task_count();
 
 // Ends when all have ended: with the first failure in list order, else as
 // cancelled when one was or the token is by then, else with a value.

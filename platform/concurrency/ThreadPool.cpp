@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <system_error>
 #include <utility>
 
 namespace concurrency {
@@ -76,11 +77,21 @@ void ThreadPool::GrowIfNeeded() {
         thread.join();
     }
     m_ended.clear();
+    // When more works wait than threads idle, each idle thread has one to take.
     const bool bWorkWaits = m_queue.size() > m_nIdle;
-    if (bWorkWaits && m_nThreads - m_nBlocked < m_nWanted + m_nIdle && m_nThreads < kMaxThreads &&
+    if (bWorkWaits && m_nThreads - m_nBlocked < m_nWanted && m_nThreads < kMaxThreads &&
         !m_bStopping) {
-        ++m_nThreads;
+        StartThread();
+    }
+}
+
+void ThreadPool::StartThread() {
+    try {
         m_threads.emplace_back([this] { RunWorker(); });
+        ++m_nThreads;
+    } catch (const std::system_error&) {
+        // The machine gives no more threads. The work stays in the queue, for a
+        // thread that there is or for the next try: it is not the caller's again.
     }
 }
 

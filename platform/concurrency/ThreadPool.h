@@ -35,6 +35,7 @@ private:
 
     void RunWorker();
     void GrowIfNeeded(); // with m_lock held
+    void StartThread();  // with m_lock held
     void BeginBlocking();
     void EndBlocking();
 

@@ -47,6 +47,7 @@ private:
     static concurrency::task<void> CallWhenDone(concurrency::task<T> task,
                                                 CompletedHandler fnHandler) {
         co_await task.settled_anywhere();
+        task.mark_observed(); // the handler is told the status
         const AsyncOperation operation(task);
         fnHandler(operation, operation.Status());
     }

@@ -35,10 +35,11 @@ public:
     }
 
     void remove(EventRegistrationToken token) {
+        std::shared_ptr<const List> pOld; // goes after the lock: what a handler owns may call here
         const std::lock_guard<std::mutex> lock(m_lock);
         auto pNew = std::make_shared<List>(*m_pHandlers);
         std::erase_if(*pNew, [&](const auto& entry) { return entry.first == token.Value; });
-        m_pHandlers = std::move(pNew);
+        pOld = std::exchange(m_pHandlers, std::move(pNew));
     }
 
     void raise(Args... args) const {

@@ -15,6 +15,7 @@ constexpr HRESULT MakeHResult(std::uint32_t nCode) {
 }
 
 inline constexpr HRESULT S_OK = 0;
+inline constexpr HRESULT S_FALSE = 1;
 inline constexpr HRESULT E_FAIL = MakeHResult(0x80004005U);
 inline constexpr HRESULT E_NOINTERFACE = MakeHResult(0x80004002U);
 inline constexpr HRESULT E_POINTER = MakeHResult(0x80004003U);

@@ -1,0 +1,151 @@
+#include "app/viewer/CommandLine.h"
+
+#include <array>
+
+namespace velko::viewer {
+
+namespace {
+
+constexpr int kSmallestEdge = 64;
+constexpr int kLargestEdge = 16384;
+
+// Qt takes these, with one value each.
+constexpr std::array kQtOptions{"platform", "style", "display", "geometry", "stylesheet"};
+
+bool IsQtOption(const QString& strArgument) {
+    for (const char* szOption : kQtOptions) {
+        const QString strName = QString::fromLatin1(szOption);
+        if (strArgument == "-" + strName || strArgument == "--" + strName) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::optional<QSize> ParseSize(const QString& strText) {
+    const QStringList edges = strText.split('x');
+    if (edges.size() != 2) {
+        return std::nullopt;
+    }
+    bool bWidth = false;
+    bool bHeight = false;
+    const QSize size(edges[0].toInt(&bWidth), edges[1].toInt(&bHeight));
+    const auto fits = [](int nEdge) { return nEdge >= kSmallestEdge && nEdge <= kLargestEdge; };
+    if (!bWidth || !bHeight || !fits(size.width()) || !fits(size.height())) {
+        return std::nullopt;
+    }
+    return size;
+}
+
+class Parser {
+public:
+    Parser(const QStringList& arguments, QString& strComplaint)
+        : m_arguments(arguments), m_strComplaint(strComplaint) {}
+
+    std::optional<CommandLine> Parse() {
+        while (m_strComplaint.isEmpty() && m_nNext < m_arguments.size()) {
+            Take(m_arguments[m_nNext++]);
+        }
+        return m_strComplaint.isEmpty() ? std::optional(m_result) : std::nullopt;
+    }
+
+private:
+    void Take(const QString& strArgument) {
+        if (m_bFilesOnly || !strArgument.startsWith('-') || strArgument == "-") {
+            TakeFile(strArgument);
+        } else if (strArgument == "--") {
+            m_bFilesOnly = true;
+        } else if (IsQtOption(strArgument)) {
+            Value(strArgument);
+        } else {
+            TakeOption(strArgument);
+        }
+    }
+
+    void TakeFile(const QString& strArgument) {
+        if (!m_result.strFile.isEmpty()) {
+            m_strComplaint = "Only one file at a time: " + strArgument;
+        }
+        m_result.strFile = strArgument;
+    }
+
+    void TakeOption(const QString& strArgument) {
+        if (strArgument == "--help" || strArgument == "-h") {
+            m_result.bHelp = true;
+        } else if (strArgument == "--version") {
+            m_result.bVersion = true;
+        } else if (strArgument == "--screenshot") {
+            m_result.strScreenshot = Value(strArgument);
+        } else if (strArgument == "--page") {
+            TakePage(Value(strArgument));
+        } else if (strArgument == "--size") {
+            TakeSize(Value(strArgument));
+        } else if (strArgument.section('=', 0, 0) == "--time-to-ink") {
+            TakeTimeToInk(strArgument);
+        } else {
+            m_strComplaint = "Unknown option: " + strArgument;
+        }
+    }
+
+    QString Value(const QString& strOption) {
+        if (m_nNext >= m_arguments.size()) {
+            m_strComplaint = "A value is missing after " + strOption;
+            return {};
+        }
+        return m_arguments[m_nNext++];
+    }
+
+    void TakePage(const QString& strValue) {
+        bool bGood = false;
+        m_result.nPage = strValue.toInt(&bGood);
+        if (m_strComplaint.isEmpty() && (!bGood || m_result.nPage < 1)) {
+            m_strComplaint = "Not a page number: " + strValue;
+        }
+    }
+
+    void TakeSize(const QString& strValue) {
+        const auto size = ParseSize(strValue);
+        if (m_strComplaint.isEmpty() && !size) {
+            m_strComplaint = "Not a size such as 980x1040: " + strValue;
+        }
+        m_result.size = size.value_or(CommandLine::kDefaultSize);
+    }
+
+    void TakeTimeToInk(const QString& strArgument) {
+        m_result.bTimeToInk = true;
+        const QString strStart = strArgument.section('=', 1);
+        bool bGood = false;
+        const qint64 nStart = strStart.toLongLong(&bGood);
+        if (bGood) {
+            m_result.nStartedAt = nStart;
+        } else if (!strStart.isEmpty()) {
+            m_strComplaint = "Not a time in nanoseconds: " + strStart;
+        }
+    }
+
+    const QStringList& m_arguments;
+    QString& m_strComplaint;
+    CommandLine m_result;
+    qsizetype m_nNext = 0;
+    bool m_bFilesOnly = false;
+};
+
+}
+
+std::optional<CommandLine> ParseCommandLine(const QStringList& arguments, QString& strComplaint) {
+    strComplaint.clear();
+    return Parser(arguments, strComplaint).Parse();
+}
+
+QString UsageText() {
+    return QStringLiteral(
+        "Usage: velko-viewer [options] [FILE.pdf]\n"
+        "\n"
+        "  --screenshot OUT.png  write a picture of the window and end\n"
+        "  --page N              begin at page N\n"
+        "  --size WxH            size of the window, 980x1040 by default\n"
+        "  --version             print the version\n"
+        "  --help                print this\n");
+}
+
+}

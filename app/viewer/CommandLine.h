@@ -1,0 +1,34 @@
+// The viewer's command line.
+//
+// Read before there is an application object; Qt's own options are left for it.
+// Threads: any.
+#pragma once
+
+#include <QSize>
+#include <QString>
+#include <QStringList>
+#include <cstdint>
+#include <optional>
+
+namespace velko::viewer {
+
+struct CommandLine {
+    static constexpr QSize kDefaultSize{980, 1040};
+
+    QString strFile; // may be empty
+    QString strScreenshot;
+    int nPage = 1;             // as the reader counts
+    QSize size = kDefaultSize; // of the window
+    bool bHelp = false;
+    bool bVersion = false;
+    bool bTimeToInk = false;                // print how long the start took, then end
+    std::optional<std::int64_t> nStartedAt; // nanoseconds of the wall clock, for `bTimeToInk`
+};
+
+// `arguments` without the program's name. Empty, and a sentence in
+// `strComplaint`, for what cannot be understood.
+std::optional<CommandLine> ParseCommandLine(const QStringList& arguments, QString& strComplaint);
+
+QString UsageText();
+
+}

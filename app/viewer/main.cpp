@@ -1,0 +1,106 @@
+// The desktop viewer. The order of the start is its speed: the document begins
+// to open on the pool before Qt connects to the display, and the window's
+// final size is known before the first layout.
+#include <QApplication>
+#include <QFile>
+#include <cstdio>
+
+#include "app/viewer/CommandBar.h"
+#include "app/viewer/CommandLine.h"
+#include "app/viewer/MainWindow.h"
+#include "app/viewer/Screenshot.h"
+#include "app/viewer/StartClock.h"
+#include "widget/VelkoRuntime.h"
+
+namespace velko::viewer {
+
+namespace {
+
+constexpr int kUsageError = 2;
+
+// Prints the time at which the first rendered pixels were handed to the display.
+void ReportTimeToInk(const vkit::VelkoPdfView& view, const CommandLine& options) {
+    QObject::connect(
+        &view, &vkit::VelkoPdfView::Painted, &view,
+        [&view, nStartedAt = options.nStartedAt] {
+            if (!view.HasInk()) {
+                return;
+            }
+            if (const auto dbElapsed = MillisecondsSinceStart(nStartedAt)) {
+                std::printf("time to ink: %.1f ms\n", *dbElapsed);
+            }
+            QCoreApplication::quit();
+        },
+        Qt::QueuedConnection); // after the paint has been flushed
+}
+
+// Brings the page that the command line asks for, once.
+void ShowFirst(vkit::VelkoPdfView& view, int nPage) {
+    if (nPage > 0) {
+        QObject::connect(
+            &view, &vkit::VelkoPdfView::Opened, &view, [&view, nPage] { view.GotoPage(nPage); },
+            Qt::SingleShotConnection);
+    }
+}
+
+vkit::VelkoRuntime::Options RuntimeOptions(const CommandLine& options) {
+    vkit::VelkoRuntime::Options runtime;
+    runtime.environment.size = {static_cast<float>(options.size.width()),
+                                static_cast<float>(options.size.height() - CommandBar::kHeight)};
+    return runtime;
+}
+
+int RunViewer(int argc, char** argv, const CommandLine& options) {
+    const vkit::VelkoRuntime runtime(RuntimeOptions(options));
+    auto pControl = vkit::VelkoPdfView::CreateControl();
+    vkit::VelkoPdfView::Opening opening;
+    if (!options.strFile.isEmpty()) {
+        opening = vkit::VelkoPdfView::BeginOpen(*pControl, options.strFile);
+    }
+    if (!options.strScreenshot.isEmpty() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    QApplication app(argc, argv);
+    QApplication::setApplicationName("velko-viewer");
+    QApplication::setDesktopFileName("velko-viewer");
+    MainWindow window(std::move(pControl), options.size);
+    if (options.bTimeToInk) {
+        ReportTimeToInk(window.View(), options);
+    }
+    if (!options.strScreenshot.isEmpty()) {
+        new Screenshot(window, options, &window);
+    } else {
+        ShowFirst(window.View(), options.nPage - 1);
+    }
+    window.Begin(options.strFile, std::move(opening));
+    window.show();
+    return QApplication::exec();
+}
+
+int Run(int argc, char** argv) {
+    QStringList arguments;
+    for (int nArgument = 1; nArgument < argc; ++nArgument) {
+        arguments << QFile::decodeName(argv[nArgument]);
+    }
+    QString strComplaint;
+    const auto options = ParseCommandLine(arguments, strComplaint);
+    if (!options) {
+        std::fprintf(stderr, "velko-viewer: %s\n\n%s", qUtf8Printable(strComplaint),
+                     qUtf8Printable(UsageText()));
+        return kUsageError;
+    }
+    if (options->bHelp || options->bVersion) {
+        const QString strText = options->bHelp ? UsageText() : "velko-viewer " VELKO_VERSION "\n";
+        std::fputs(qUtf8Printable(strText), stdout);
+        return 0;
+    }
+    return RunViewer(argc, argv, *options);
+}
+
+}
+
+}
+
+int main(int argc, char** argv) {
+    return velko::viewer::Run(argc, argv);
+}

@@ -1,0 +1,46 @@
+#include "bench/HeapCount.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+std::atomic<std::uint64_t> g_nAllocations{0};
+
+void* Allocate(std::size_t nSize) {
+    g_nAllocations.fetch_add(1, std::memory_order_relaxed);
+    if (void* const pMemory = std::malloc(nSize == 0 ? 1 : nSize)) {
+        return pMemory;
+    }
+    throw std::bad_alloc();
+}
+
+}
+
+void* operator new(std::size_t nSize) {
+    return Allocate(nSize);
+}
+void* operator new[](std::size_t nSize) {
+    return Allocate(nSize);
+}
+void operator delete(void* pMemory) noexcept {
+    std::free(pMemory);
+}
+void operator delete[](void* pMemory) noexcept {
+    std::free(pMemory);
+}
+void operator delete(void* pMemory, std::size_t) noexcept {
+    std::free(pMemory);
+}
+void operator delete[](void* pMemory, std::size_t) noexcept {
+    std::free(pMemory);
+}
+
+namespace velko::bench {
+
+std::uint64_t HeapAllocations() {
+    return g_nAllocations.load(std::memory_order_relaxed);
+}
+
+}

@@ -1,0 +1,98 @@
+// Steps of the UI thread, with Google Benchmark: a scroll step over pages that
+// are laid out, a step of a zoom gesture, a paint. Beside the paint stands its
+// floor, the same pixels copied by the painter alone.
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+#include <QImage>
+#include <QPainter>
+#include <memory>
+
+#include "bench/ControlUnderTest.h"
+#include "bench/Corpus.h"
+#include "bench/HeapCount.h"
+#include "control/PDFViewCtrl.h"
+#include "control/PDFViewerManager.h"
+
+namespace {
+
+using velko::bench::ControlUnderTest;
+using velko::bench::CorpusFile;
+using velko::bench::HeapAllocations;
+
+// Sharp, and at rest, in the middle of the second page.
+void Prepare(ControlUnderTest& control) {
+    control.Open(CorpusFile("text-20.pdf"));
+    control.Control().GotoPage(1);
+    control.Control().MoveScreen(200.0, 0.0);
+    control.RunUntilIdle();
+}
+
+void CountHeap(benchmark::State& state, std::uint64_t nBefore) {
+    state.counters["heap_per_step"] = benchmark::Counter(
+        static_cast<double>(HeapAllocations() - nBefore), benchmark::Counter::kAvgIterations);
+}
+
+void MoveStep(benchmark::State& state) {
+    ControlUnderTest control(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+    Prepare(control);
+    double dbStep = 40.0;
+    const std::uint64_t nBefore = HeapAllocations();
+    for (auto _ : state) {
+        control.Control().MoveScreen(dbStep, 0.0);
+        dbStep = -dbStep;
+    }
+    CountHeap(state, nBefore);
+}
+BENCHMARK(MoveStep)->Args({1000, 1400})->Args({1920, 1080})->Unit(benchmark::kMicrosecond);
+
+void ZoomStep(benchmark::State& state) {
+    ControlUnderTest control(1000, 1400);
+    Prepare(control);
+    const auto pManager = control.Control().PageViewMgr();
+    double dbScale = 1.3;
+    const std::uint64_t nBefore = HeapAllocations();
+    for (auto _ : state) {
+        pManager->PageScaled({500.0F, 700.0F}, dbScale, true, false);
+        dbScale = 2.8 - dbScale;
+    }
+    CountHeap(state, nBefore);
+}
+BENCHMARK(ZoomStep)->Unit(benchmark::kMicrosecond);
+
+void Paint(benchmark::State& state) {
+    ControlUnderTest control(1920, 1080);
+    Prepare(control);
+    const std::uint64_t nBefore = HeapAllocations();
+    for (auto _ : state) {
+        control.Control().UpdateViewer();
+    }
+    CountHeap(state, nBefore);
+}
+BENCHMARK(Paint)->Unit(benchmark::kMicrosecond);
+
+void PaintFloor(benchmark::State& state) {
+    QImage target(1920, 1080, QImage::Format_ARGB32_Premultiplied);
+    QImage page(1920, 1080, QImage::Format_ARGB32_Premultiplied);
+    page.fill(0xFFFFFFFF);
+    for (auto _ : state) {
+        target.fill(0xFFE0E0E0);
+        QPainter painter(&target);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+        painter.drawImage(0, 0, page);
+        painter.end();
+        benchmark::DoNotOptimize(target.constBits());
+    }
+}
+BENCHMARK(PaintFloor)->Unit(benchmark::kMicrosecond);
+
+}
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    benchmark::Initialize(&argc, argv);
+    int nQtArguments = 1;
+    const QApplication application(nQtArguments, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

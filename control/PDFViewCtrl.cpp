@@ -1,0 +1,212 @@
+#include "control/PDFViewCtrl.h"
+
+#include <utility>
+
+#include "control/InsertDocumentPasswdwordDlgUIOprateion.h"
+#include "control/Markup.h"
+#include "control/PDFViewerManager.h"
+#include "control/VelkoViewControl.h"
+#include "document/VLK_Document.h"
+#include "platform/foundation/FirstFailure.h"
+#include "platform/system/Environment.h"
+#include "platform/ui/CoreDispatcher.h"
+#include "platform/ui/SwapChainPanel.h"
+#include "settings/AppConfig.h"
+#include "surface/PDFViewCanvas.h"
+
+namespace velko::vkit {
+
+namespace {
+
+namespace Xaml = Windows::UI::Xaml;
+
+// A render worker that raises an event may hold the last reference; the
+// control and its elements end on the UI thread all the same.
+class EndOnUiThread {
+public:
+    explicit EndOnUiThread(std::shared_ptr<Windows::UI::Core::CoreDispatcher> pDispatcher)
+        : m_pDispatcher(std::move(pDispatcher)) {}
+
+    void operator()(PDFViewCtrl* pControl) const {
+        std::unique_ptr<PDFViewCtrl> pOwned(pControl);
+        if (!m_pDispatcher->HasThreadAccess()) {
+            m_pDispatcher->RunAsync(Windows::UI::Core::CoreDispatcherPriority::normal,
+                                    [pOwned = std::move(pOwned)] {});
+        }
+    }
+
+private:
+    std::shared_ptr<Windows::UI::Core::CoreDispatcher> m_pDispatcher;
+};
+
+}
+
+PDFViewCtrl::PDFViewCtrl() {
+    DefaultStyleKey = kPDFViewCtrlStyle;
+    if (!Windows::ApplicationModel::DesignMode::DesignModeEnabled()) {
+        AppConfig::Init();
+    }
+}
+
+PDFViewCtrl::~PDFViewCtrl() = default;
+
+std::shared_ptr<PDFViewCtrl> PDFViewCtrl::Create() {
+    RegisterControlMarkup();
+    const std::shared_ptr<PDFViewCtrl> pControl(
+        new PDFViewCtrl, EndOnUiThread(Platform::Environment()->MainDispatcher()));
+    const std::weak_ptr<PDFViewCtrl> wkControl = pControl;
+    pControl->Loaded.add([wkControl] {
+        if (const auto pLoaded = wkControl.lock()) {
+            pLoaded->OnLoaded();
+        }
+    });
+    pControl->Unloaded.add([wkControl] {
+        if (const auto pUnloaded = wkControl.lock()) {
+            pUnloaded->OnUnloaded();
+        }
+    });
+    return pControl;
+}
+
+std::shared_ptr<PDFViewCtrl> PDFViewCtrl::Self() {
+    return std::static_pointer_cast<PDFViewCtrl>(shared_from_this());
+}
+
+std::shared_ptr<PDFViewCtrl> PDFViewCtrl::Enter() {
+    if (m_bDisposed) {
+        throw Platform::ObjectDisposedException("the viewer control is disposed");
+    }
+    return Self();
+}
+
+void PDFViewCtrl::Dispose() {
+    if (m_bDisposed) {
+        return;
+    }
+    const auto pSelf = Self();
+    Platform::FirstFailure failure;
+    failure.Run([this] { CloseDocument(true); });
+    if (m_pDocument) { // attached inside `CloseDocEvent`
+        failure.Run([this] { CloseDocument(true); });
+    }
+    m_bDisposed = true;
+    failure.Run([this] { RemoveTemplate(); });
+    m_pPageViewMgr.reset();
+    m_pViewControl.reset();
+    m_pLayout.reset();
+    m_pAppBar.reset();
+    m_pProgressRing.reset();
+    m_pExtensionsManager.reset();
+    failure.Rethrow();
+}
+
+void PDFViewCtrl::OnApplyTemplate() {
+    ContentControl::OnApplyTemplate();
+    const auto fnPart = [this]<class Part>(const char* szName, std::shared_ptr<Part>& pPart) {
+        const auto pElement = GetTemplateChild(szName);
+        pPart = std::dynamic_pointer_cast<Part>(pElement);
+        if (pElement && !pPart) {
+            throw Platform::InvalidCastException(std::string("wrong kind of part: ") + szName);
+        }
+    };
+    fnPart(kLayoutPart, m_pLayout);
+    fnPart(kProgressRingPart, m_pProgressRing);
+    fnPart(kViewControlPart, m_pViewControl);
+    if (!m_pViewControl) {
+        throw Platform::NullReferenceException("the style has no ViewControl part");
+    }
+    m_pViewControl->FindBaseViewContorl(); // documents open before anything is loaded
+    m_pPageViewMgr = m_pViewControl->PageViewMgr();
+    fnPart(kAppBarPart, m_pAppBar);
+    if (m_bProgressRingShown) {
+        ShowProgressRing();
+    }
+    if (IsLoaded()) {
+        ConnectPanel();
+    }
+}
+
+void PDFViewCtrl::OnUnloaded() {
+    m_pPageViewMgr.reset();
+}
+
+void PDFViewCtrl::ShowProgressRing() {
+    m_bProgressRingShown = true;
+    if (m_pProgressRing && m_pProgressRing->Visibility() == Xaml::Visibility::Collapsed) {
+        m_pProgressRing->Visibility(Xaml::Visibility::Visible);
+    }
+}
+
+void PDFViewCtrl::HideProgressRing() {
+    m_bProgressRingShown = false;
+    if (m_pProgressRing && m_pProgressRing->Visibility() == Xaml::Visibility::Visible) {
+        m_pProgressRing->Visibility(Xaml::Visibility::Collapsed);
+    }
+}
+
+bool PDFViewCtrl::IsProgressRingVisible() {
+    const auto pSelf = Enter();
+    return m_pProgressRing ? m_pProgressRing->Visibility() == Xaml::Visibility::Visible
+                           : m_bProgressRingShown;
+}
+
+std::shared_ptr<IUIExtensionsEvents> PDFViewCtrl::ExtensionsManager() {
+    const auto pSelf = Enter();
+    return m_pExtensionsManager;
+}
+
+void PDFViewCtrl::ExtensionsManager(std::shared_ptr<IUIExtensionsEvents> pManager) {
+    const auto pSelf = Enter();
+    m_pExtensionsManager.swap(pManager);
+}
+
+std::shared_ptr<PDFViewCtrl::Grid> PDFViewCtrl::Layout() {
+    const auto pSelf = Enter();
+    return m_pLayout;
+}
+
+std::shared_ptr<PDFViewerManager> PDFViewCtrl::PageViewMgr() {
+    const auto pSelf = Enter();
+    return m_pPageViewMgr;
+}
+
+std::shared_ptr<VelkoViewControl> PDFViewCtrl::ViewControl() {
+    const auto pSelf = Enter();
+    return m_pViewControl;
+}
+
+std::shared_ptr<VLK_Document> PDFViewCtrl::Document() {
+    const auto pSelf = Enter();
+    return m_pDocument;
+}
+
+std::shared_ptr<PDFViewerState> PDFViewCtrl::ViewerState() {
+    const auto pSelf = Enter();
+    return m_pViewerState;
+}
+
+std::shared_ptr<IJudgePasswordHelper> PDFViewCtrl::PasswordJudge() {
+    const auto pSelf = Enter();
+    return m_pPasswordOperation;
+}
+
+void PDFViewCtrl::SetIsCanScrollPageViewEnabled(bool bEnabled) {
+    const auto pSelf = Enter();
+    m_bIsCanScrollPageViewEnabled = bEnabled;
+    if (m_pViewControl) {
+        m_pViewControl->CanvasPanel()->ManipulationMode =
+            bEnabled ? Xaml::Input::ManipulationMode::All : Xaml::Input::ManipulationMode::System;
+    }
+}
+
+bool PDFViewCtrl::IsCanScrollPageViewEnabled() {
+    const auto pSelf = Enter();
+    return m_bIsCanScrollPageViewEnabled;
+}
+
+void PDFViewCtrl::IsCanScrollPageViewEnabled(bool bEnabled) {
+    const auto pSelf = Enter();
+    m_bIsCanScrollPageViewEnabled = bEnabled;
+}
+
+}

@@ -1,0 +1,302 @@
+// The viewer control: a host places it in its tree, gives it a file, a path or
+// an engine document, and gets a shown document, events and commands.
+//
+// Lifetime: `Create` makes it; it can open documents at once, before it has a
+// window, a size or its template. Every operation keeps the control alive for
+// its own length, so a host may let go of it anywhere, also in an event.
+// `Dispose` closes it for good; every operation raises `ObjectDisposedException`
+// afterwards.
+// Threads: UI thread only. `RenderPageEvent` alone is raised on render workers,
+// and page events that the document raises may come on its workers too.
+// Units: points, rectangles and the canvas's size are logical, `MoveScreen` and
+// the centre of `ZoomAtPoint` device pixels, page space the file's user space.
+// Fallbacks: a command without a document or viewer does nothing and answers a
+// fixed value, named at each operation as "none: ...". The viewer answers the
+// rest, also for indexes that are out of range.
+// Errors: failures of the platform, the engine and the host's own handlers are
+// raised to the caller, or end the asynchronous operation; the control stays
+// usable. Handlers may call any command, close the document, open another or
+// let go of the control.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "control/IUIExtensionsEvents.h"
+#include "control/LiveObject.h"
+#include "control/PDFViewerState.h"
+#include "control/events/DocEventArgs.h"
+#include "control/events/PageEventArgs.h"
+#include "document/IDocumentOwner.h"
+#include "document/engine/Action.h"
+#include "document/engine/ErrorCode.h"
+#include "platform/concurrency/Task.h"
+#include "platform/foundation/Color.h"
+#include "platform/foundation/Event.h"
+#include "platform/foundation/Geometry.h"
+#include "platform/foundation/PropertyValue.h"
+#include "platform/storage/StorageFile.h"
+#include "platform/ui/Element.h"
+#include "viewers/core/IViewerOwner.h"
+#include "viewers/core/Records.h"
+
+namespace velko::vkit {
+
+class IJudgePasswordHelper;
+class IPDFViewer;
+class InsertDocumentPasswdwordDlgUIOprateion;
+class PDFViewCanvas;
+class PDFViewerManager;
+class RenderPageEventArgs;
+class VLK_Document;
+struct VLK_DocOpenRecord;
+struct VLK_DocOpenResult;
+class VelkoViewControl;
+
+class PDFViewCtrl final : public Windows::UI::Xaml::Controls::ContentControl,
+                          public IDocumentOwner,
+                          public IViewerOwner,
+                          private LiveObject {
+public:
+    using Color = Windows::UI::Color;
+    using ErrorCode = velko::common::ErrorCode;
+    using Grid = Windows::UI::Xaml::Controls::Grid;
+    using PDFDoc = velko::pdf::PDFDoc;
+    using Point = Windows::Foundation::Point;
+    using PropertySet = Windows::Foundation::Collections::PropertySet;
+    using Rect = Windows::Foundation::Rect;
+    using Size = Windows::Foundation::Size;
+    using StorageFile = Windows::Storage::StorageFile;
+
+    // An event of the control: handlers take the sender and the record.
+    template <class Record>
+    using ControlEvent = Windows::Foundation::Event<const std::shared_ptr<PDFViewCtrl>&,
+                                                    const std::shared_ptr<Record>&>;
+
+    // On the UI thread. Opens the settings, unless in design mode.
+    static std::shared_ptr<PDFViewCtrl> Create();
+    ~PDFViewCtrl() override;
+
+    // Closes the document and lets go of viewer and canvas.
+    void Dispose();
+
+    // --- the host's input sink, the template's root, the canvas's scale ---
+    std::shared_ptr<IUIExtensionsEvents> ExtensionsManager();
+    void ExtensionsManager(std::shared_ptr<IUIExtensionsEvents> pManager);
+    std::shared_ptr<Grid> Layout();
+    float CompositionScaleX(); // none: 1
+    float CompositionScaleY(); // none: 1
+
+    // --- opening ---
+
+    // Ends with the error code of the open. e_ErrPassword means that a password
+    // is asked for: success then shows in `OpenDocEvent` alone. A file of 2 GiB
+    // or more is e_ErrUnsupported, no file e_ErrUnknown. The document that was
+    // open stays until the result is there. A platform failure ends the task
+    // as that failure; the ring then stays shown and the old document open.
+    concurrency::task<ErrorCode> OpenPdfDocument(std::shared_ptr<StorageFile> pFile,
+                                                 std::string strPassword);
+    concurrency::task<ErrorCode> OpenPdfDocument(std::string strPath, std::string strPassword);
+
+    std::shared_ptr<StorageFile> GetDocumentFile(); // none: empty
+
+    // --- pages ---
+    void GotoPage(std::int32_t nPageIndex);
+    // Brings a point of page space into the middle of the visible canvas, unless it is visible.
+    void GotoExactlyPage(std::int32_t nPageIndex, Point ptPage);
+    void GotoDestination(const std::shared_ptr<velko::pdf::IAction>& pAction);
+    bool GotoFirstPage();               // true: moved; none: false
+    bool GotoLastPage();                // true: moved; none: false
+    bool GotoPrevPage();                // true: was at the start, nothing moved; no document: false
+    bool GotoNextPage();                // true: was at the end, nothing moved; no document: false
+    std::int32_t GetCurrentPageIndex(); // none: 0
+    std::int32_t GetPageIndexAtPoint(Point pt);  // no manager: -1, no viewer: 0
+    std::vector<std::int32_t> GetVisiblePages(); // none: an empty list
+
+    // --- zoom and layout ---
+    // Zoom modes: 0 none (scale 1), 1 fit page, 2 fit width, 3 fit height.
+    std::int32_t GetZoomMode();
+    void SetZoomMode(std::int32_t nMode);
+    // Layout modes: 1 continuous, 2 single page, 3 reflow; 0 before the first.
+    std::int32_t GetPageLayoutMode();
+    // Keeps the page; scale and offsets start anew.
+    void SetPageLayoutMode(std::int32_t nMode);
+
+    // --- the document ---
+    std::shared_ptr<PDFDoc> GetPDFDoc(); // none: empty
+    // Shows a document of the engine that the host holds; nothing for the one shown.
+    void SetPDFDoc(const std::shared_ptr<PDFDoc>& pPdfDoc);
+    void CloseDocument();
+    bool GetDeleteFileOnClose(); // none: false
+    void SetDeleteFileOnClose(bool bDelete);
+    std::uint32_t GetRenderFlags(); // none: 0
+    void SetRenderFlags(std::uint32_t nFlags);
+    void AddHiddenAnnotType(std::int32_t nType);
+    std::int32_t GetPageCount(); // none: 0
+
+    float GetScale(); // no document: 0, no viewer: 1
+    void SetScale(float fScale);
+    float GetMinScale(); // no document: 0, no viewer: 1
+    float GetMaxScale(); // no document: 0, no viewer: 3
+    void MoveScreen(double dbOffsetY, double dbOffsetX);
+    void ZoomAtPoint(Point ptCentre, double dbScale, bool bIsInertial, bool isScrollComplete);
+    void RotateViewer(std::int32_t nRotate);
+    std::int32_t GetRotate(); // none: 0
+    Size GetCanvasSize();     // none: 0 x 0
+
+    // --- events ---
+    ControlEvent<RenderCanvasEventArgs> RenderCanvasEvent;
+    ControlEvent<RenderPageEventArgs> RenderPageEvent;
+    ControlEvent<DocEventArgs> OpenDocEvent;
+    ControlEvent<DocEventArgs> CloseDocEvent;
+    ControlEvent<PageLoadedEventArgs> PageLoadedEvent;
+    ControlEvent<PageUnloadedEventArgs> PageUnloadedEvent;
+    ControlEvent<PageVisibleEventArgs> PageVisibleEvent;
+    ControlEvent<PageInvisibleEventArgs> PageInvisibleEvent;
+    ControlEvent<PageChangedEventArgs> PageChangedEvent;
+    ControlEvent<PageLayoutModeChangedEventArgs> PageLayoutModeChangedEvent;
+
+    // Only remembered; the next open takes the document's saved mode.
+    void SetDefaultLayoutMode(std::int32_t nMode);
+
+    // --- colours ---
+    Color PageBgColor();      // none: black
+    Color PageFgColor();      // none: black
+    bool NightMode();         // true for the night colours exactly
+    void NightMode(bool bOn); // nothing in reflow
+    void SetPageColors(Color background, Color foreground);
+
+    // --- painting ---
+    void RedrawScreen();
+    void UpdatePageAfterAnnotEdit(std::int32_t nPageIndex);
+    void UpdateViewer();
+    void CancelRender();
+
+    // Off: no gesture handling, and manipulation is left to the system.
+    void SetIsCanScrollPageViewEnabled(bool bEnabled);
+    bool IsCanScrollPageViewEnabled();
+    void IsCanScrollPageViewEnabled(bool bEnabled); // the property alone
+
+    // --- conversions ---
+    // Six numbers a, b, c, d, e, f; none: the identity. `nExtra` has no meaning.
+    std::array<double, 6> GetDisplayMatrix(std::int32_t nPageIndex, std::int32_t nExtra = 0);
+    // none: page 0 and the point
+    std::shared_ptr<PDFPagePoint> DevicePointToPagePoint(Point pt);
+    Point PagePointToDevicePoint(std::int32_t nPageIndex, Point pt); // none: (0, 0)
+    // none: a rectangle of zeros
+    Rect DeviceRectToPageRect(std::int32_t nPageIndex, const Rect& rc);
+    Rect PageRectToDeviceRect(std::int32_t nPageIndex, const Rect& rc);
+    Rect GetPageRectAtPoint(Point pt, std::int32_t nPageIndex);
+
+    // Writes the view of the open document into `values`, for the host to keep.
+    // Raises `NullReferenceException` without a document.
+    void SaveViewState(PropertySet& values);
+
+    // --- for tools and for the parts of the control ---
+    std::shared_ptr<PDFViewerManager>
+    PageViewMgr(); // empty before the template and after unloading
+    std::shared_ptr<VelkoViewControl> ViewControl(); // empty before the template
+    std::shared_ptr<VLK_Document> Document();        // empty when none is attached
+    std::shared_ptr<PDFViewerState> ViewerState();   // the last that was read; may be empty
+    bool IsProgressRingVisible();
+
+    // Who judges the password of the document that waits for one; empty when none does.
+    std::shared_ptr<IJudgePasswordHelper> PasswordJudge();
+
+    // --- IViewerOwner ---
+    void RaiseRenderCanvas(const std::shared_ptr<RenderCanvasEventArgs>& pArgs) override;
+    double GetFitScale(std::int32_t nZoomMode) override;
+    void RaisePageLoaded(std::int32_t nPageIndex) override;
+
+    // --- IDocumentOwner ---
+    void RaisePageLoaded(const std::shared_ptr<PDFDoc>& pPdfDoc, std::int32_t nPageIndex) override;
+    void RaisePageUnloaded(const std::shared_ptr<PDFDoc>& pPdfDoc,
+                           std::int32_t nPageIndex) override;
+    void RaiseRenderPage(const std::shared_ptr<RenderPageEventArgs>& pArgs) override;
+
+private:
+    friend class InsertDocumentPasswdwordDlgUIOprateion;
+
+    PDFViewCtrl();
+    void OnApplyTemplate() override;
+    void OnLoaded();
+    void OnUnloaded();
+
+    // What every operation holds for its length; raises when disposed.
+    std::shared_ptr<PDFViewCtrl> Enter();
+    std::shared_ptr<PDFViewCtrl> Self();
+
+    // Opening and closing.
+    using FileTask = concurrency::task<std::shared_ptr<StorageFile>>;
+    using OpenTask = concurrency::task<std::shared_ptr<VLK_DocOpenResult>>;
+    concurrency::task<ErrorCode> FinishOpenFromPath(FileTask file, OpenTask opening);
+    concurrency::task<ErrorCode> FinishOpen(OpenTask opening);
+    ErrorCode OnOpenDocResult(const VLK_DocOpenResult& result);
+    void AttachDocument(const std::shared_ptr<VLK_Document>& pDocument);
+    // False when the document was replaced while its first layout was made.
+    bool ShowOpenedDocument();
+    void ShowPasswordDialog(const std::shared_ptr<VLK_DocOpenRecord>& pRecord);
+    void CloseDocument(bool bClearViewer);
+    void CloseOpenDocument();
+    void ForgetPasswordOf(const std::shared_ptr<VLK_Document>& pDocument);
+    void ForgetPasswordOperation(const InsertDocumentPasswdwordDlgUIOprateion& operation);
+    void ClearViewer();
+    void RaiseOpenDoc(const std::shared_ptr<VLK_Document>& pDocument, ErrorCode nErrorCode,
+                      std::int32_t nCanceled);
+    std::shared_ptr<PDFViewerState> LoadViewState();
+    void ShowProgressRing();
+    void HideProgressRing();
+
+    // Commands.
+    std::shared_ptr<IPDFViewer> Viewer() const; // empty without manager or viewer
+    std::int32_t CurrentPageOr0() const;
+    std::int32_t ManagerMode() const;
+    std::shared_ptr<PDFViewCanvas> Canvas() const;
+    Rect GetVisibleCanvasRect() const;
+    bool IsJumpNeeded(std::int32_t nPageIndex) const;
+    Size CanvasSize() const;
+    float LimitScale(float fScale);
+    static void CheckFinite(double dbFirst, double dbSecond); // raises invalid argument
+    void ManagerGotoPage(std::int32_t nPageIndex);
+    void ManagerInitLayOut(std::int32_t nPageIndex, double dbScale);
+    std::shared_ptr<PDFDoc> EngineDocument() const;
+    std::shared_ptr<VLK_Document> OpenDocument() const; // empty also while it is being closed
+    float ScaleX() const;
+    float ScaleY() const;
+
+    // Forwarding of input to the host's sink.
+    void ConnectPanel();
+    void ConnectManipulation();
+    void ConnectPointer();
+    template <class Args>
+    void Forward(Windows::Foundation::Event<Args&>& event,
+                 void (IUIExtensionsEvents::*fnOperation)(const IUIExtensionsEvents::Sender&,
+                                                          Args&));
+    void ForwardCompositionScale();
+    void ForwardSize();
+
+    std::shared_ptr<IUIExtensionsEvents> m_pExtensionsManager;
+    std::shared_ptr<PDFViewerManager> m_pPageViewMgr;
+    std::shared_ptr<VelkoViewControl> m_pViewControl;
+    std::shared_ptr<VLK_Document> m_pDocument;
+    std::int32_t m_nLayoutMode = 1;
+    std::int32_t m_nZoomMode = 0;
+    std::shared_ptr<Grid> m_pLayout;
+    std::shared_ptr<Windows::UI::Xaml::FrameworkElement> m_pAppBar;
+    std::shared_ptr<Windows::UI::Xaml::FrameworkElement> m_pProgressRing;
+    std::shared_ptr<PDFViewerState> m_pViewerState;
+
+    // The ring's state, also while there is no template to show it.
+    bool m_bProgressRingShown = false;
+    bool m_bIsCanScrollPageViewEnabled = true;
+    // The document whose closing events run; it is not closed twice.
+    std::shared_ptr<VLK_Document> m_pClosingDocument;
+    std::shared_ptr<InsertDocumentPasswdwordDlgUIOprateion> m_pPasswordOperation;
+    std::atomic<bool> m_bDisposed{false}; // render workers raise events
+};
+
+}

@@ -1,0 +1,67 @@
+// What viewers and the document tell the host through the control.
+
+#include <memory>
+
+#include "control/PDFViewCtrl.h"
+#include "document/RenderPageEventArgs.h"
+#include "platform/foundation/Exception.h"
+
+namespace velko::vkit {
+
+namespace {
+
+bool IsDisconnected(const Platform::Exception& failure) {
+    return failure.HResult() == Platform::RPC_E_DISCONNECTED ||
+           failure.HResult() == Platform::JSCRIPT_E_CANTEXECUTE;
+}
+
+// A subscriber in another process may be gone without having removed itself.
+template <class Event, class Sender, class Record>
+void RaiseToConnected(Event& event, const Sender& pSender, const Record& pRecord) {
+    const auto pSubscribers = event.Snapshot();
+    for (const auto& [nToken, fnHandler] : *pSubscribers) {
+        try {
+            fnHandler(pSender, pRecord);
+        } catch (const Platform::Exception& failure) {
+            if (!IsDisconnected(failure)) {
+                throw;
+            }
+            event.remove({nToken});
+        }
+    }
+}
+
+}
+
+void PDFViewCtrl::RaiseRenderCanvas(const std::shared_ptr<RenderCanvasEventArgs>& pArgs) {
+    if (!m_bDisposed) {
+        RenderCanvasEvent.raise(Self(), pArgs);
+    }
+}
+
+void PDFViewCtrl::RaiseRenderPage(const std::shared_ptr<RenderPageEventArgs>& pArgs) {
+    if (!m_bDisposed) {
+        RenderPageEvent.raise(Self(), pArgs);
+    }
+}
+
+void PDFViewCtrl::RaisePageLoaded(std::int32_t nPageIndex) {
+    RaisePageLoaded(EngineDocument(), nPageIndex);
+}
+
+void PDFViewCtrl::RaisePageLoaded(const std::shared_ptr<PDFDoc>& pPdfDoc, std::int32_t nPageIndex) {
+    if (!m_bDisposed && !PageLoadedEvent.empty()) {
+        RaiseToConnected(PageLoadedEvent, Self(),
+                         std::make_shared<PageLoadedEventArgs>(pPdfDoc, nPageIndex));
+    }
+}
+
+void PDFViewCtrl::RaisePageUnloaded(const std::shared_ptr<PDFDoc>& pPdfDoc,
+                                    std::int32_t nPageIndex) {
+    if (!m_bDisposed && !PageUnloadedEvent.empty()) {
+        RaiseToConnected(PageUnloadedEvent, Self(),
+                         std::make_shared<PageUnloadedEventArgs>(pPdfDoc, nPageIndex));
+    }
+}
+
+}

@@ -1,0 +1,121 @@
+// Colours, painting, and what is drawn of a document.
+
+#include <memory>
+
+#include "control/PDFViewCtrl.h"
+#include "control/PDFViewerManager.h"
+#include "document/VLK_Document.h"
+#include "viewers/core/IPDFViewer.h"
+
+namespace velko::vkit {
+
+namespace {
+
+using Windows::UI::Color;
+
+constexpr Color kNightBackground{255, 0, 0, 27};
+constexpr Color kNightForeground{255, 93, 91, 113};
+constexpr std::int32_t kReflow = 3;
+
+}
+
+Color PDFViewCtrl::PageBgColor() {
+    const auto pSelf = Enter();
+    const auto pViewer = Viewer();
+    return pViewer ? pViewer->GetPageBackgroundColor() : Windows::UI::Colors::Black;
+}
+
+Color PDFViewCtrl::PageFgColor() {
+    const auto pSelf = Enter();
+    const auto pViewer = Viewer();
+    return pViewer ? pViewer->GetPageForegroundColor() : Windows::UI::Colors::Black;
+}
+
+bool PDFViewCtrl::NightMode() {
+    const auto pSelf = Enter();
+    return PageBgColor() == kNightBackground && PageFgColor() == kNightForeground;
+}
+
+void PDFViewCtrl::NightMode(bool bOn) {
+    const auto pSelf = Enter();
+    if (ManagerMode() == kReflow) {
+        return;
+    }
+    if (bOn) {
+        SetPageColors(kNightBackground, kNightForeground);
+    } else {
+        SetPageColors(Windows::UI::Colors::White, Windows::UI::Colors::Black);
+    }
+}
+
+void PDFViewCtrl::SetPageColors(Color background, Color foreground) {
+    const auto pSelf = Enter();
+    const auto pViewer = Viewer();
+    if (OpenDocument() && pViewer) {
+        pViewer->SetPageColors(background, foreground);
+    }
+}
+
+void PDFViewCtrl::RedrawScreen() {
+    const auto pSelf = Enter();
+    if (const auto pViewer = Viewer()) {
+        pViewer->RedrawScreen();
+    }
+}
+
+void PDFViewCtrl::UpdatePageAfterAnnotEdit(std::int32_t nPageIndex) {
+    const auto pSelf = Enter();
+    if (const auto pViewer = Viewer()) {
+        pViewer->UpdatePageAfterAnnotEdit(nPageIndex);
+    }
+}
+
+void PDFViewCtrl::UpdateViewer() {
+    const auto pSelf = Enter();
+    const auto pViewer = Viewer();
+    if (OpenDocument() && pViewer) {
+        pViewer->UpdateViewer();
+    }
+}
+
+void PDFViewCtrl::CancelRender() {
+    const auto pSelf = Enter();
+    if (const auto pViewer = Viewer()) {
+        pViewer->CancelRender();
+    }
+}
+
+bool PDFViewCtrl::GetDeleteFileOnClose() {
+    const auto pSelf = Enter();
+    const auto pDocument = OpenDocument();
+    return pDocument && pDocument->DeleteFileOnClose();
+}
+
+void PDFViewCtrl::SetDeleteFileOnClose(bool bDelete) {
+    const auto pSelf = Enter();
+    if (const auto pDocument = OpenDocument()) {
+        pDocument->DeleteFileOnClose(bDelete);
+    }
+}
+
+std::uint32_t PDFViewCtrl::GetRenderFlags() {
+    const auto pSelf = Enter();
+    const auto pDocument = OpenDocument();
+    return pDocument ? pDocument->RenderFlags() : 0;
+}
+
+void PDFViewCtrl::SetRenderFlags(std::uint32_t nFlags) {
+    const auto pSelf = Enter();
+    if (const auto pDocument = OpenDocument()) {
+        pDocument->RenderFlags(nFlags);
+    }
+}
+
+void PDFViewCtrl::AddHiddenAnnotType(std::int32_t nType) {
+    const auto pSelf = Enter();
+    if (const auto pDocument = OpenDocument()) {
+        pDocument->AddHiddenAnnotType(nType);
+    }
+}
+
+}

@@ -1,0 +1,82 @@
+// Owns the current viewer, chooses its class by the layout mode, and turns
+// every step that may change the set of visible pages into page events.
+//
+// Lifetime: made by `VelkoViewControl`, which it knows weakly; a viewer that is
+// left in a manager that goes is disposed of in the UI thread's next turn.
+// Layout modes: 1 continuous; any other has no viewer.
+// Threads: UI thread only. Units: as `IPDFViewer` says.
+// Errors: a failing viewer operation raises, and no page event follows it; a
+// viewer that outlived its document may fail for that without anybody hearing. A
+// host's handler may close the document or bring another viewer in any event:
+// the events of the step that is over then do not go on.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "platform/foundation/Geometry.h"
+#include "viewers/core/IPDFViewer.h"
+
+namespace velko::vkit {
+
+class PDFViewCanvas;
+class PDFViewCtrl;
+class VLK_Document;
+class VelkoViewControl;
+
+class PDFViewerManager final : public std::enable_shared_from_this<PDFViewerManager> {
+public:
+    explicit PDFViewerManager(std::weak_ptr<VelkoViewControl> wkViewControl);
+    ~PDFViewerManager();
+    PDFViewerManager(const PDFViewerManager&) = delete;
+    PDFViewerManager& operator=(const PDFViewerManager&) = delete;
+
+    // Without a viewer: page 0 and the point as it is.
+    std::shared_ptr<PDFPagePoint> DevicePointToPagePoint(Windows::Foundation::Point pt);
+    void UpdateViewer();
+
+    // The current viewer, empty when there is none. Setting one closes nothing.
+    const std::shared_ptr<IPDFViewer>& GetViewer() const { return m_pViewer; }
+    void SetViewer(std::shared_ptr<IPDFViewer> pViewer);
+
+    // --- for the control and `VelkoViewControl` ---
+
+    // 0 until the first `ChangeViewer`.
+    std::int32_t LayoutMode() const { return m_nLayoutMode; }
+
+    // Closes the viewer and makes one for `nMode`, also when the mode stays.
+    void ChangeViewer(std::int32_t nMode, const std::shared_ptr<VLK_Document>& pDocument,
+                      const std::shared_ptr<PDFViewCanvas>& pCanvas);
+
+    // Each calls the viewer's operation of the name, then raises for the pages
+    // that went out of sight, those that came into sight, and the change.
+    void InitLayOut(std::int32_t nPageIndex, double dbScale, double dbOffsetX, double dbOffsetY);
+    void GotoPage(std::int32_t nPageIndex);
+    void MoveScreen(double dbOffsetY, double dbOffsetX);
+    void PageScaled(Windows::Foundation::Point point, double dbScale, bool bIsInertial,
+                    bool isScrollComplete);
+
+    // The viewer's, after a change of size; raises no page event.
+    void InvaildateLayout();
+
+    std::vector<std::int32_t> GetVisiblePages() const;
+
+private:
+    using Pages = std::vector<std::int32_t>;
+
+    template <class F>
+    void TrackPages(F fnOperation);
+    void RaisePageEvents(const std::shared_ptr<IPDFViewer>& pViewer, const Pages& before,
+                         const Pages& after);
+    std::shared_ptr<PDFViewCtrl> Control() const;
+    bool IsAtWork(const std::shared_ptr<IPDFViewer>& pViewer) const;
+    void StopWheelZoom();
+
+    std::shared_ptr<IPDFViewer> m_pViewer;
+    std::int32_t m_nLayoutMode = 0;
+    std::weak_ptr<VelkoViewControl> m_pViewControl;
+    std::weak_ptr<VLK_Document> m_wkViewerDocument; // what `ChangeViewer` made the viewer on
+};
+
+}

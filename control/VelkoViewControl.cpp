@@ -1,0 +1,278 @@
+#include "control/VelkoViewControl.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <utility>
+
+#include "control/Markup.h"
+#include "control/PDFViewCtrl.h"
+#include "control/PDFViewerManager.h"
+#include "platform/foundation/Exception.h"
+#include "platform/system/Debug.h"
+#include "platform/system/Environment.h"
+#include "platform/ui/CoreDispatcher.h"
+#include "platform/ui/Markup.h"
+#include "surface/PDFViewCanvas.h"
+#include "viewers/core/IPDFViewer.h"
+
+namespace velko::vkit {
+
+namespace {
+
+using Windows::Foundation::Point;
+namespace Input = Windows::UI::Xaml::Input;
+
+constexpr std::chrono::milliseconds kWheelZoomSettles{500};
+constexpr double kWheelZoomStep = 0.5;
+constexpr std::int32_t kSinglePage = 2;
+constexpr std::int32_t kReflow = 3;
+
+// The limits while no viewer tells its own.
+constexpr float kMinScale = 1.0F;
+constexpr float kMaxScale = 3.0F;
+
+float ScaleOf(const std::shared_ptr<IPDFViewer>& pViewer) {
+    return pViewer ? pViewer->GetScale() : 1.0F;
+}
+float MinScaleOf(const std::shared_ptr<IPDFViewer>& pViewer) {
+    return pViewer ? pViewer->GetMinScale() : kMinScale;
+}
+float MaxScaleOf(const std::shared_ptr<IPDFViewer>& pViewer) {
+    return pViewer ? pViewer->GetMaxScale() : kMaxScale;
+}
+
+void LogSwipe(float fX, float fY) {
+    char szLine[96];
+    std::snprintf(szLine, sizeof szLine, "m_pPageViewContext LoadCurViewPage: [%g, %g]...\n",
+                  static_cast<double>(fX), static_cast<double>(fY));
+    Platform::Debug::OutputDebugString(szLine);
+}
+
+}
+
+std::shared_ptr<VelkoViewControl> VelkoViewControl::Create() {
+    RegisterControlMarkup();
+    const std::shared_ptr<VelkoViewControl> pControl(new VelkoViewControl);
+    pControl->Initialize();
+    return pControl;
+}
+
+VelkoViewControl::~VelkoViewControl() {
+    StopWheelZoom();
+}
+
+void VelkoViewControl::Initialize() {
+    const auto pSelf = std::static_pointer_cast<VelkoViewControl>(shared_from_this());
+    const std::weak_ptr<VelkoViewControl> wkSelf = pSelf;
+    const auto fnCall = [wkSelf](void (VelkoViewControl::*fnHandler)()) {
+        return [wkSelf, fnHandler] {
+            if (const auto pControl = wkSelf.lock()) {
+                (pControl.get()->*fnHandler)();
+            }
+        };
+    };
+    m_pPageViewMgr = std::make_shared<PDFViewerManager>(wkSelf);
+    m_pWheelZoomTimer = Platform::Environment()->CreateTimer();
+    m_pWheelZoomTimer->Interval(kWheelZoomSettles);
+    m_pWheelZoomTimer->Tick.add(fnCall(&VelkoViewControl::OnWheelZoomSettled));
+    Loaded.add(fnCall(&VelkoViewControl::FindBaseViewContorl));
+    Unloaded.add(fnCall(&VelkoViewControl::OnUnloaded));
+    LoadParts();
+    ConnectEvents();
+}
+
+void VelkoViewControl::LoadParts() {
+    const auto pContent = Windows::UI::Xaml::Markup::LoadMarkup(kVelkoViewControlPage);
+    m_pPanel = std::dynamic_pointer_cast<Panel>(pContent);
+    if (!m_pPanel) {
+        throw Platform::InvalidCastException("the page of the view control is no canvas panel");
+    }
+    Content(m_pPanel);
+    m_pViewCtrl = std::make_shared<PDFViewCanvas>(m_pPanel);
+    m_pViewCtrl->Initialize();
+}
+
+// After the canvas has subscribed, so that it knows of a new size before the
+// viewer lays out for it.
+void VelkoViewControl::ConnectEvents() {
+    const std::weak_ptr<VelkoViewControl> wkSelf =
+        std::static_pointer_cast<VelkoViewControl>(shared_from_this());
+    const auto fnConnect = [&wkSelf](auto& event, auto fnHandler) {
+        event.add([wkSelf, fnHandler](auto& args) {
+            if (const auto pControl = wkSelf.lock()) {
+                (pControl.get()->*fnHandler)(args);
+            }
+        });
+    };
+    fnConnect(m_pPanel->ManipulationStarted, &VelkoViewControl::OnManipulationStarted);
+    fnConnect(m_pPanel->ManipulationDelta, &VelkoViewControl::OnManipulationDelta);
+    fnConnect(m_pPanel->ManipulationCompleted, &VelkoViewControl::OnManipulationCompleted);
+    fnConnect(m_pPanel->PointerWheelChanged, &VelkoViewControl::OnPointerWheelChanged);
+    fnConnect(m_pPanel->SizeChanged, &VelkoViewControl::OnViewControlSizeChanged);
+}
+
+void VelkoViewControl::FindBaseViewContorl() {
+    for (auto pParent = Parent(); pParent; pParent = pParent->Parent()) {
+        if (const auto pControl = std::dynamic_pointer_cast<PDFViewCtrl>(pParent)) {
+            m_wkBaseViewContorl = pControl;
+            return;
+        }
+    }
+}
+
+void VelkoViewControl::OnUnloaded() {
+    m_pPageViewMgr.reset();
+    StopWheelZoom();
+}
+
+void VelkoViewControl::StopWheelZoom() {
+    if (m_pWheelZoomTimer && m_pWheelZoomTimer->IsEnabled()) {
+        m_pWheelZoomTimer->Stop();
+    }
+}
+
+bool VelkoViewControl::IsInputOff() const {
+    if (!m_pPageViewMgr) {
+        return true; // unloaded
+    }
+    const auto pControl = BaseViewContorl();
+    return pControl && !pControl->IsCanScrollPageViewEnabled();
+}
+
+Point VelkoViewControl::ToDevice(Point pt) const {
+    return {pt.X * m_pPanel->CompositionScaleX(), pt.Y * m_pPanel->CompositionScaleY()};
+}
+
+void VelkoViewControl::OnManipulationStarted(Input::ManipulationStartedRoutedEventArgs& args) {
+    if (IsInputOff()) {
+        return;
+    }
+    m_ptLastManipulation = args.Position;
+    m_ptStartManipulation = args.Position;
+}
+
+void VelkoViewControl::OnManipulationDelta(Input::ManipulationDeltaRoutedEventArgs& args) {
+    if (IsInputOff()) {
+        return;
+    }
+    const bool bHasPinched = args.Cumulative.Scale != 1.0F;
+    if (args.IsInertial && bHasPinched) {
+        return;
+    }
+    if (args.Delta.Scale == 1.0F) {
+        PanBy(args.Position, bHasPinched);
+    } else if (m_pPageViewMgr->LayoutMode() == kReflow) {
+        return;
+    } else {
+        PinchAt(args.Position, args.Delta.Scale);
+    }
+    args.Handled = true;
+}
+
+void VelkoViewControl::PanBy(Point ptPosition, bool bHasPinched) {
+    const float fX = m_ptLastManipulation.X - ptPosition.X;
+    const float fY = m_ptLastManipulation.Y - ptPosition.Y;
+    m_ptLastManipulation = ptPosition;
+    if (!bHasPinched) {
+        const auto pManager = m_pPageViewMgr;
+        pManager->MoveScreen(fY * m_pPanel->CompositionScaleY(),
+                             fX * m_pPanel->CompositionScaleX());
+    }
+}
+
+void VelkoViewControl::PinchAt(Point ptPosition, float fScale) {
+    const auto pManager = m_pPageViewMgr;
+    const auto pViewer = pManager->GetViewer();
+    const float fCurrent = ScaleOf(pViewer);
+    const float fTarget =
+        std::min(std::max(fCurrent * fScale, MinScaleOf(pViewer)), MaxScaleOf(pViewer));
+    if (fTarget != fCurrent) {
+        pManager->PageScaled(ToDevice(ptPosition), fTarget, true, false);
+    }
+}
+
+void VelkoViewControl::OnManipulationCompleted(Input::ManipulationCompletedRoutedEventArgs& args) {
+    if (IsInputOff()) {
+        return;
+    }
+    const auto pManager = m_pPageViewMgr;
+    const auto pViewer = pManager->GetViewer();
+    if (args.Cumulative.Scale != 1.0F) {
+        if (pManager->LayoutMode() != kReflow) {
+            pManager->PageScaled(ToDevice(args.Position), ScaleOf(pViewer), false, true);
+        }
+        return;
+    }
+    const float fX = (m_ptStartManipulation.X - args.Position.X) * m_pPanel->CompositionScaleX();
+    const float fY = (m_ptStartManipulation.Y - args.Position.Y) * m_pPanel->CompositionScaleY();
+    LogSwipe(fX, fY);
+    if (pViewer) {
+        pViewer->AlignPageAfterScroll(fY, fX);
+    }
+}
+
+void VelkoViewControl::OnPointerWheelChanged(Input::PointerRoutedEventArgs& args) {
+    if (IsInputOff()) {
+        return;
+    }
+    const auto pManager = m_pPageViewMgr;
+    const std::int32_t nMode = pManager->LayoutMode();
+    if (Platform::Environment()->IsControlKeyDown()) {
+        if (nMode != kReflow) {
+            ZoomByWheel(ToDevice(args.Position), args.MouseWheelDelta);
+        }
+    } else if (nMode == kSinglePage) {
+        TurnPageByWheel(args.MouseWheelDelta);
+    } else {
+        // A horizontal wheel moves nothing, but is a step with its page events.
+        const double dbDown = -static_cast<double>(args.MouseWheelDelta);
+        pManager->MoveScreen(args.IsHorizontalMouseWheel ? 0.0 : dbDown, 0.0);
+    }
+}
+
+// Only the first page ends the turning here; beyond the last the viewer answers.
+void VelkoViewControl::TurnPageByWheel(int nDelta) {
+    const auto pManager = m_pPageViewMgr;
+    const auto pViewer = pManager->GetViewer();
+    const std::int32_t nCurrent = pViewer ? pViewer->GetCurrentPageIndex() : 0;
+    pManager->GotoPage(std::max(nCurrent + (nDelta >= 1 ? -1 : 1), 0));
+}
+
+void VelkoViewControl::ZoomByWheel(Point ptDevice, int nDelta) {
+    const auto pManager = m_pPageViewMgr;
+    const auto pViewer = pManager->GetViewer();
+    const bool bOut = nDelta < 1;
+    const double dbCurrent = ScaleOf(pViewer);
+    const double dbLimit = bOut ? MinScaleOf(pViewer) : MaxScaleOf(pViewer);
+    if (dbCurrent == dbLimit) {
+        return;
+    }
+    const double dbTarget = bOut ? std::max(dbLimit, dbCurrent - kWheelZoomStep)
+                                 : std::min(dbLimit, dbCurrent + kWheelZoomStep);
+    m_ptWheelZoom = ptDevice;
+    pManager->PageScaled(ptDevice, dbTarget, true, false);
+    if (!pViewer || pManager->GetViewer() != pViewer) {
+        return; // nothing was zoomed, or what was is gone
+    }
+    m_dbWheelZoomScale = dbTarget;
+    StopWheelZoom();
+    m_pWheelZoomTimer->Start();
+}
+
+void VelkoViewControl::OnWheelZoomSettled() {
+    m_pWheelZoomTimer->Stop();
+    if (const auto pManager = m_pPageViewMgr) {
+        pManager->PageScaled(m_ptWheelZoom, m_dbWheelZoomScale, false, true);
+    }
+}
+
+void VelkoViewControl::OnViewControlSizeChanged(const Windows::UI::Xaml::SizeChangedEventArgs&) {
+    if (IsInputOff()) {
+        return;
+    }
+    const auto pManager = m_pPageViewMgr;
+    pManager->InvaildateLayout();
+}
+
+}

@@ -1,0 +1,88 @@
+// The part of the control that holds the drawing canvas and the viewer manager,
+// and that turns gestures, the wheel and size changes into scrolling and zoom.
+//
+// Lifetime: stands in the template of a `PDFViewCtrl`, which it finds by
+// walking up the tree and then knows weakly. After `Unloaded` its manager is
+// gone and all handlers do nothing.
+// Units: positions of events are logical and are multiplied by the panel's
+// composition scale, read at each event. Threads: UI thread only.
+// Errors: a failure in a handler goes to whoever raised the event.
+#pragma once
+
+#include <memory>
+
+#include "control/LiveObject.h"
+#include "platform/foundation/Geometry.h"
+#include "platform/ui/Input.h"
+#include "platform/ui/SwapChainPanel.h"
+
+namespace Windows::UI::Xaml {
+class DispatcherTimer;
+}
+
+namespace velko::vkit {
+
+class PDFViewCanvas;
+class PDFViewCtrl;
+class PDFViewerManager;
+
+class VelkoViewControl final : public Windows::UI::Xaml::Controls::UserControl, private LiveObject {
+public:
+    using Panel = Windows::UI::Xaml::Controls::SwapChainPanel;
+
+    // Builds the parts from the markup and makes the canvas.
+    static std::shared_ptr<VelkoViewControl> Create();
+    ~VelkoViewControl() override;
+
+    const std::shared_ptr<PDFViewCanvas>& ViewCtrl() const { return m_pViewCtrl; }
+    const std::shared_ptr<PDFViewerManager>& PageViewMgr() const { return m_pPageViewMgr; }
+    std::shared_ptr<PDFViewCtrl> BaseViewContorl() const { return m_wkBaseViewContorl.lock(); }
+
+    // The panel that the canvas draws on.
+    const std::shared_ptr<Panel>& CanvasPanel() const { return m_pPanel; }
+
+    // Looks for the control above this element; without one what was found stays.
+    void FindBaseViewContorl();
+
+    // The settled step of a wheel zoom is for the viewer that was zoomed.
+    void StopWheelZoom();
+
+    // Handlers of the panel's events.
+    void OnManipulationStarted(Windows::UI::Xaml::Input::ManipulationStartedRoutedEventArgs& args);
+    void OnManipulationDelta(Windows::UI::Xaml::Input::ManipulationDeltaRoutedEventArgs& args);
+    void OnManipulationCompleted(
+        Windows::UI::Xaml::Input::ManipulationCompletedRoutedEventArgs& args);
+    void OnPointerWheelChanged(Windows::UI::Xaml::Input::PointerRoutedEventArgs& args);
+    void OnViewControlSizeChanged(const Windows::UI::Xaml::SizeChangedEventArgs& args);
+
+private:
+    using Point = Windows::Foundation::Point;
+
+    VelkoViewControl() = default;
+    void Initialize();
+    void LoadParts();
+    void ConnectEvents();
+    void OnUnloaded();
+    void OnWheelZoomSettled();
+
+    bool IsInputOff() const;
+    Point ToDevice(Point pt) const;
+
+    void PanBy(Point ptPosition, bool bHasPinched);
+    void PinchAt(Point ptPosition, float fScale);
+    void TurnPageByWheel(int nDelta);
+    void ZoomByWheel(Point ptDevice, int nDelta);
+
+    std::shared_ptr<Panel> m_pPanel;
+    std::shared_ptr<PDFViewCanvas> m_pViewCtrl;
+    std::shared_ptr<PDFViewerManager> m_pPageViewMgr;
+    std::weak_ptr<PDFViewCtrl> m_wkBaseViewContorl;
+
+    Point m_ptLastManipulation;  // logical
+    Point m_ptStartManipulation; // logical
+    std::shared_ptr<Windows::UI::Xaml::DispatcherTimer> m_pWheelZoomTimer;
+    Point m_ptWheelZoom; // device pixels
+    double m_dbWheelZoomScale = 0.0;
+};
+
+}

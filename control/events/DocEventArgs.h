@@ -1,0 +1,29 @@
+// What the events about a whole document carry.
+//
+// Threads: values, read-only once built.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+#include "document/engine/ErrorCode.h"
+
+namespace velko::pdf {
+class PDFDoc;
+}
+
+namespace velko::vkit {
+
+class DocEventArgs {
+public:
+    DocEventArgs(std::shared_ptr<velko::pdf::PDFDoc> pDocument, velko::common::ErrorCode nErrorCode,
+                 std::int32_t nCanceled)
+        : Document(std::move(pDocument)), ErrorCode(nErrorCode), IsCanceled(nCanceled) {}
+
+    const std::shared_ptr<velko::pdf::PDFDoc> Document; // may be empty
+    const velko::common::ErrorCode ErrorCode;           // e_ErrSuccess when it opened
+    const std::int32_t IsCanceled; // 1 when the reader gave up the password, else 0
+};
+
+}

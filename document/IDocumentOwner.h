@@ -1,0 +1,34 @@
+// What a document may ask of the control that owns it.
+//
+// The document holds it weakly and does nothing once it is gone.
+// Threads: `RaiseRenderPage` on a render worker, under the document's render
+// lock; the page events on the thread that the page table names for each.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+namespace velko::pdf {
+class PDFDoc;
+}
+
+namespace velko::vkit {
+
+class RenderPageEventArgs;
+
+class IDocumentOwner {
+public:
+    virtual ~IDocumentOwner() = default;
+
+    // A page object became available, or was given up. A subscriber that
+    // fails as disconnected is removed by the owner; other failures pass through.
+    virtual void RaisePageLoaded(const std::shared_ptr<velko::pdf::PDFDoc>& pPdfDoc,
+                                 std::int32_t nPageIndex) = 0;
+    virtual void RaisePageUnloaded(const std::shared_ptr<velko::pdf::PDFDoc>& pPdfDoc,
+                                   std::int32_t nPageIndex) = 0;
+
+    // A page or a block was rendered; the host may draw on the bitmap.
+    virtual void RaiseRenderPage(const std::shared_ptr<RenderPageEventArgs>& pArgs) = 0;
+};
+
+}

@@ -1,0 +1,88 @@
+// Bringing one page up on the pool.
+#include <string>
+#include <utility>
+
+#include "document/Conversion_p.h"
+#include "document/VLK_Document.h"
+#include "platform/foundation/Exception.h"
+#include "platform/system/Debug.h"
+
+namespace velko::vkit {
+
+using concurrency::critical_section;
+using Platform::Debug::OutputDebugString;
+using velko::pdf::PDFPage;
+using Windows::Foundation::Rect;
+
+concurrency::task<std::shared_ptr<VLK_PageHandle>> VLK_Document::LoadPageAsync(
+    std::int32_t nPageIndex, concurrency::cancellation_token token) {
+    return LoadPageOnPool(EngineDoc(), nPageIndex, std::move(token));
+}
+
+concurrency::task<VLK_Document::HandlePtr> VLK_Document::LoadPageOnPool(
+    PdfDocPtr pPdfDoc, std::int32_t nPageIndex, concurrency::cancellation_token token) {
+    const auto pSelf = shared_from_this();
+    co_await concurrency::resume_background(std::move(token));
+    try {
+        ThrowIfDisposed();
+        HandlePtr pHandle = LoadPage(pPdfDoc, nPageIndex);
+        ThrowIfDisposed();
+        co_return pHandle;
+    } catch (const Platform::ObjectDisposedException&) {
+        throw concurrency::task_canceled(); // closed meanwhile, which is nobody's failure
+    }
+}
+
+VLK_Document::HandlePtr VLK_Document::LoadPage(const PdfDocPtr& pPdfDoc, std::int32_t nPageIndex) {
+    OutputDebugString("LoadPageAsync " + std::to_string(nPageIndex) + "\n");
+    if (const EntryPtr pEntry = FindEntry(pPdfDoc, nPageIndex)) {
+        const EntryView view = View(pEntry);
+        if (view.pPage) {
+            return LoadKnownPage(view, nPageIndex);
+        }
+    }
+    return LoadNewPage(pPdfDoc, nPageIndex);
+}
+
+VLK_Document::HandlePtr VLK_Document::LoadKnownPage(const EntryView& view,
+                                                    std::int32_t nPageIndex) {
+    if (!view.pPage->IsParsed()) {
+        view.pPage->StartParse(0, nullptr, 0);
+        OutputDebugString("LoadPageAsync --- Parser Completely: " + std::to_string(nPageIndex) +
+                          "\n");
+    }
+    if (view.bWantsBox) {
+        StorePageBox(*view.pHandle, *view.pPage);
+    }
+    return view.pHandle;
+}
+
+VLK_Document::HandlePtr VLK_Document::LoadNewPage(const PdfDocPtr& pPdfDoc,
+                                                  std::int32_t nPageIndex) {
+    const EntryPtr pEntry = EnsureEntry(pPdfDoc, nPageIndex);
+    const auto pHandle = std::make_shared<VLK_PageHandle>(); // the caller's own, not the table's
+    pHandle->m_pPage = pEntry ? View(pEntry).pPage : nullptr;
+    if (!pHandle->m_pPage) {
+        pHandle->m_pPage = pPdfDoc->GetPage(nPageIndex);
+    }
+    if (!pHandle->m_pPage) {
+        throw velko::common::EngineException(velko::common::ErrorCode::e_ErrNotFound,
+                                             "the engine has no such page");
+    }
+    if (!pHandle->m_pPage->IsParsed()) {
+        pHandle->m_pPage->StartParse(0, nullptr, 0);
+    }
+    StorePageBox(*pHandle, *pHandle->m_pPage);
+    return pHandle;
+}
+
+// Writes only what is new: a handle that others hold is written once.
+void VLK_Document::StorePageBox(VLK_PageHandle& handle, const PDFPage& page) {
+    const Rect rc = detail::ToPlatformRect(page.GetBox(0));
+    const critical_section::scoped_lock lock(*m_spPageLock);
+    if (!(handle.m_rcPageBox == rc)) {
+        handle.m_rcPageBox = rc;
+    }
+}
+
+}

@@ -1,0 +1,192 @@
+// Rendering a rectangle of a page, and the ways between page and device space.
+#include <algorithm>
+#include <utility>
+
+#include "document/Conversion_p.h"
+#include "document/RenderPageEventArgs.h"
+#include "document/Utility.h"
+#include "document/VLK_Document.h"
+#include "document/engine/Renderer.h"
+#include "platform/foundation/Exception.h"
+#include "platform/storage/DataReaderWriter.h"
+#include "platform/system/Activation.h"
+
+namespace velko::vkit {
+
+using concurrency::critical_section;
+using velko::common::Bitmap;
+using velko::common::Renderer;
+using velko::common::vxbase::Matrix2D;
+using velko::pdf::PDFPage;
+using Windows::Foundation::Point;
+using Windows::Foundation::Rect;
+
+namespace {
+
+constexpr std::uint32_t kWhite = 0xFFFFFFFFU;
+constexpr std::uint32_t kBlack = 0xFF000000U;
+
+std::shared_ptr<Bitmap> MakeFilledBitmap(const RenderBlockRequest& request) {
+    const std::int32_t nWidth =
+        detail::Truncate(static_cast<float>(request.nBitmapWidth) * request.fScale);
+    const std::int32_t nHeight =
+        detail::Truncate(static_cast<float>(request.nBitmapHeight) * request.fScale);
+    auto pBitmap =
+        Platform::GetActivationFactory<velko::common::IBitmapFactory>(velko::common::kBitmapClass)
+            ->Create(nWidth, nHeight, Bitmap::kFormat32, nullptr, 0);
+    pBitmap->FillRect(request.nBackColor, {0, 0, nWidth, nHeight});
+    return pBitmap;
+}
+
+Matrix2D MakeBlockMatrix(const RenderBlockRequest& request) {
+    Matrix2D matrix = request.pPage->GetDisplayMatrix(
+        request.nLeft, request.nTop, detail::Truncate(request.fDisplayWidth),
+        detail::Truncate(request.fDisplayHeight), request.nRotate);
+    matrix.Scale(request.fScale, request.fScale, 0);
+    return matrix;
+}
+
+std::shared_ptr<Renderer> MakeRenderer(const RenderBlockRequest& request,
+                                       std::shared_ptr<Bitmap> pBitmap) {
+    auto pRenderer = Platform::GetActivationFactory<velko::common::IRendererFactory>(
+                         velko::common::kRendererClass)
+                         ->Create(std::move(pBitmap));
+    pRenderer->SetAbortFlag(request.token.flag());
+    if (request.nBackColor == kWhite && request.nForeColor == kBlack) {
+        pRenderer->SetColorMode(Renderer::kColorModeNormal);
+    } else {
+        pRenderer->SetColorMode(Renderer::kColorModeMapped);
+        pRenderer->SetMappingModeColors(request.nBackColor, request.nForeColor);
+    }
+    return pRenderer;
+}
+
+void DrawAnnots(const RenderBlockRequest& request, Renderer& renderer, const Matrix2D& matrix) {
+    const auto& hidden = request.hiddenAnnotTypes;
+    const std::int32_t nCount = request.pPage->GetAnnotCount();
+    for (std::int32_t nIndex = 0; nIndex < nCount; ++nIndex) {
+        auto pAnnot = request.pPage->GetAnnot(nIndex);
+        if (pAnnot && std::find(hidden.begin(), hidden.end(), pAnnot->GetType()) == hidden.end()) {
+            renderer.RenderAnnot(std::move(pAnnot), matrix);
+        }
+    }
+}
+
+// Without a pause object the engine has drawn all when the start returns.
+void DrawPage(const RenderBlockRequest& request, Renderer& renderer, const Matrix2D& matrix) {
+    if ((request.nRenderFlags & VLK_Document::kRenderContent) != 0) {
+        renderer.SetRenderContentFlags(Renderer::kRenderContent);
+        renderer.StartRender(request.pPage, matrix, nullptr);
+    }
+    if ((request.nRenderFlags & VLK_Document::kRenderAnnots) != 0) {
+        DrawAnnots(request, renderer, matrix);
+    }
+}
+
+Matrix2D MatrixOf(const PDFPage& page, double dbLeft, double dbTop, double dbWidth, double dbHeight,
+                  std::int32_t nRotate) {
+    return page.GetDisplayMatrix(detail::Truncate(dbLeft), detail::Truncate(dbTop),
+                                 detail::Truncate(dbWidth), detail::Truncate(dbHeight), nRotate);
+}
+
+Matrix2D Reverse(const Matrix2D& matrix) {
+    Matrix2D reverse;
+    reverse.SetReverse(matrix);
+    return reverse;
+}
+
+}
+
+void VLK_Document::FillRenderState(RenderBlockRequest& request) const {
+    ThrowIfDisposed();
+    request.nRenderFlags = m_nRenderFlags;
+    request.hiddenAnnotTypes = m_vecHiddenAnnotTypes;
+}
+
+bool VLK_Document::RenderPageBlock(const RenderBlockRequest& request, BitmapBox& outBox) {
+    ThrowIfDisposed();
+    if (!request.pPage) {
+        throw Platform::NullReferenceException("a render needs a page");
+    }
+    const critical_section::scoped_lock lock(m_RenderLock);
+    request.token.throw_if_canceled();
+    if (m_bDisposed) {
+        throw concurrency::task_canceled(); // closed while this waited
+    }
+    std::shared_ptr<Bitmap> pBitmap = MakeFilledBitmap(request);
+    const Matrix2D matrix = MakeBlockMatrix(request);
+    const std::shared_ptr<Renderer> pRenderer = MakeRenderer(request, pBitmap);
+    if (!request.pPage->IsParsed()) {
+        request.pPage->StartParse(0, nullptr, 0);
+    }
+    DrawPage(request, *pRenderer, matrix);
+    if (const auto pOwner = Owner()) {
+        pOwner->RaiseRenderPage(
+            std::make_shared<RenderPageEventArgs>(pRenderer, request.pPage->GetIndex(), matrix));
+    }
+    outBox.pBitmap = std::move(pBitmap);
+    return true;
+}
+
+std::shared_ptr<PixelSource> VLK_Document::BitmapToPixelSource(Bitmap& bitmap) {
+    Windows::Storage::Streams::DataWriter writer;
+    writer.WriteBytes(bitmap.GetBuffer());
+    return std::make_shared<PixelSource>(writer.DetachBuffer(),
+                                         static_cast<std::uint32_t>(bitmap.GetWidth()),
+                                         static_cast<std::uint32_t>(bitmap.GetHeight()));
+}
+
+std::shared_ptr<PDFPage> VLK_Document::TablePage(std::int32_t nPageIndex) {
+    const EntryPtr pEntry = ReLoadPageIndex(nPageIndex);
+    return pEntry ? View(pEntry).pPage : nullptr;
+}
+
+Point VLK_Document::DevicePointToPagePoint(std::int32_t nPageIndex, double dbLeft, double dbTop,
+                                           double dbWidth, double dbHeight, std::int32_t nRotate,
+                                           Point pt) {
+    const auto pPage = TablePage(nPageIndex);
+    if (!pPage) {
+        return pt;
+    }
+    return Utility::TransformPoint(
+        Reverse(MatrixOf(*pPage, dbLeft, dbTop, dbWidth, dbHeight, nRotate)), pt);
+}
+
+Point VLK_Document::PagePointToDevicePoint(std::int32_t nPageIndex, double dbLeft, double dbTop,
+                                           double dbWidth, double dbHeight, std::int32_t nRotate,
+                                           Point pt) {
+    const auto pPage = TablePage(nPageIndex);
+    if (!pPage) {
+        return pt;
+    }
+    return Utility::TransformPoint(MatrixOf(*pPage, dbLeft, dbTop, dbWidth, dbHeight, nRotate), pt);
+}
+
+Rect VLK_Document::DeviceRectToPageRect(std::int32_t nPageIndex, double dbLeft, double dbTop,
+                                        double dbWidth, double dbHeight, std::int32_t nRotate,
+                                        const Rect& rc) {
+    const auto pPage = TablePage(nPageIndex);
+    if (!pPage) {
+        return Rect::Empty();
+    }
+    return Utility::TransformRect(
+        Reverse(MatrixOf(*pPage, dbLeft, dbTop, dbWidth, dbHeight, nRotate)), rc);
+}
+
+Rect VLK_Document::PageRectToDeviceRect(std::int32_t nPageIndex, double dbLeft, double dbTop,
+                                        double dbWidth, double dbHeight, std::int32_t nRotate,
+                                        const Rect& rc) {
+    const auto pPage = TablePage(nPageIndex);
+    if (!pPage) {
+        return Rect::Empty();
+    }
+    return Utility::TransformRect(MatrixOf(*pPage, dbLeft, dbTop, dbWidth, dbHeight, nRotate), rc);
+}
+
+Matrix2D VLK_Document::GetDisplayMatrix(std::int32_t nPageIndex, double dbLeft, double dbTop,
+                                        double dbWidth, double dbHeight, std::int32_t nRotate) {
+    const auto pPage = TablePage(nPageIndex);
+    return pPage ? MatrixOf(*pPage, dbLeft, dbTop, dbWidth, dbHeight, nRotate) : Matrix2D();
+}
+
+}

@@ -1,0 +1,256 @@
+#include "engines/mupdf/Destinations.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <optional>
+#include <utility>
+
+namespace velko::engines::mupdf {
+
+namespace {
+
+constexpr int kMaxOperands = 4;
+constexpr int kMaxNameHops = 8; // a name may stand for another name
+
+// A destination as its array has it. Plain data, filled inside guarded bodies.
+struct RawDestination {
+    bool bFound = false;
+    std::int32_t nPage = 0;
+    std::int32_t nMode = 2;
+    std::array<float, kMaxOperands> operands{};
+    std::array<bool, kMaxOperands> absent = {true, true, true, true};
+};
+
+// A link as the file has it. The URI is borrowed from the file's objects.
+struct RawLink {
+    fz_rect rcArea = fz_empty_rect;
+    RawDestination destination;
+    const char* szUri = nullptr;
+};
+
+class Destination final : public pdf::IDestination {
+public:
+    Destination(const RawDestination& raw, float fPageTop);
+
+    std::int32_t GetPageIndex(const pdf::PDFDoc&) const override { return m_nPage; }
+    std::int32_t GetZoomMode() const override { return m_nMode; }
+    float GetLeft() const override { return m_fLeft; }
+    float GetTop() const override { return m_fTop; }
+    float GetRight() const override { return m_fRight; }
+    float GetBottom() const override { return m_fBottom; }
+    bool IsLeftAbsent() const override { return m_bLeftAbsent; }
+    bool IsTopAbsent() const override { return m_bTopAbsent; }
+
+private:
+    std::int32_t m_nPage;
+    std::int32_t m_nMode;
+    float m_fLeft = 0.0F;
+    float m_fTop = 0.0F;
+    float m_fRight = 0.0F;
+    float m_fBottom = 0.0F;
+    bool m_bLeftAbsent = true;
+    bool m_bTopAbsent = true;
+};
+
+class GoToAction final : public pdf::IAction {
+public:
+    explicit GoToAction(std::shared_ptr<pdf::IDestination> pDestination)
+        : m_pDestination(std::move(pDestination)) {}
+    std::shared_ptr<pdf::IDestination> GetDestination() const override { return m_pDestination; }
+
+private:
+    std::shared_ptr<pdf::IDestination> m_pDestination;
+};
+
+Destination::Destination(const RawDestination& raw, float fPageTop)
+    : m_nPage(raw.nPage), m_nMode(raw.nMode), m_fTop(fPageTop) {
+    const auto& at = raw.operands;
+    switch (raw.nMode) {
+        case 1: // left, top, zoom
+            m_bLeftAbsent = raw.absent[0];
+            m_bTopAbsent = raw.absent[1];
+            m_fLeft = at[0];
+            m_fTop = m_bTopAbsent ? fPageTop : at[1];
+            m_fRight = at[2];
+            break;
+        case 3:
+        case 4:
+        case 7:
+        case 8: // one operand, which stands for both
+            m_bLeftAbsent = m_bTopAbsent = raw.absent[0];
+            m_fLeft = at[0];
+            m_fTop = raw.absent[0] ? fPageTop : at[0];
+            break;
+        case 5: // left, bottom, right, top
+            m_bLeftAbsent = raw.absent[0];
+            m_bTopAbsent = raw.absent[3];
+            m_fLeft = at[0];
+            m_fBottom = at[1];
+            m_fRight = at[2];
+            m_fTop = m_bTopAbsent ? fPageTop : at[3];
+            break;
+        default: // the whole page or its contents
+            break;
+    }
+}
+
+std::int32_t ModeOf(const char* szKind) {
+    constexpr std::array<const char*, 8> kKinds = {"XYZ",  "Fit",  "FitH",  "FitV",
+                                                   "FitR", "FitB", "FitBH", "FitBV"};
+    const auto it = std::find_if(kKinds.begin(), kKinds.end(), [&](const char* szName) {
+        return std::strcmp(szName, szKind) == 0;
+    });
+    return it == kKinds.end() ? 2 : static_cast<std::int32_t>(it - kKinds.begin()) + 1;
+}
+
+// Everything from here to the next comment of this kind runs inside guarded
+// bodies and may throw as the library does.
+
+// A name may stand in the older dictionary of the catalogue or in the newer tree.
+pdf_obj* LookUpName(fz_context* ctx, pdf_document* pDocument, pdf_obj* pName) {
+    pdf_obj* const pCatalog = pdf_dict_get(ctx, pdf_trailer(ctx, pDocument), PDF_NAME(Root));
+    pdf_obj* const pOld = pdf_dict_get(ctx, pCatalog, PDF_NAME(Dests));
+    pdf_obj* const pFound = pdf_is_name(ctx, pName)
+                                ? pdf_dict_get(ctx, pOld, pName)
+                                : pdf_dict_gets(ctx, pOld, pdf_to_str_buf(ctx, pName));
+    if (pFound != nullptr || !pdf_is_string(ctx, pName)) {
+        return pFound;
+    }
+    return pdf_lookup_name(ctx, pDocument, PDF_NAME(Dests), pName);
+}
+
+pdf_obj* ResolveNames(fz_context* ctx, pdf_document* pDocument, pdf_obj* pDestination) {
+    for (int nHop = 0; nHop < kMaxNameHops && !pdf_is_array(ctx, pDestination); ++nHop) {
+        if (pdf_is_dict(ctx, pDestination)) {
+            pDestination = pdf_dict_get(ctx, pDestination, PDF_NAME(D));
+        } else if (pdf_is_name(ctx, pDestination) || pdf_is_string(ctx, pDestination)) {
+            pDestination = LookUpName(ctx, pDocument, pDestination);
+        } else {
+            return nullptr;
+        }
+    }
+    return pdf_is_array(ctx, pDestination) ? pDestination : nullptr;
+}
+
+std::int32_t PageOf(fz_context* ctx, pdf_document* pDocument, pdf_obj* pPage) {
+    if (pdf_is_int(ctx, pPage)) {
+        return pdf_to_int(ctx, pPage);
+    }
+    return pdf_is_dict(ctx, pPage) ? pdf_lookup_page_number(ctx, pDocument, pPage) : -1;
+}
+
+RawDestination ReadDestination(fz_context* ctx, pdf_document* pDocument, pdf_obj* pDestination,
+                               std::int32_t nPages) {
+    RawDestination raw;
+    pdf_obj* const pArray = ResolveNames(ctx, pDocument, pDestination);
+    if (pArray == nullptr) {
+        return raw;
+    }
+    raw.nPage = PageOf(ctx, pDocument, pdf_array_get(ctx, pArray, 0));
+    raw.nMode = ModeOf(pdf_to_name(ctx, pdf_array_get(ctx, pArray, 1)));
+    for (int i = 0; i < kMaxOperands; ++i) {
+        pdf_obj* const pOperand = pdf_array_get(ctx, pArray, i + 2);
+        const float fValue = pdf_to_real(ctx, pOperand);
+        if (pdf_is_number(ctx, pOperand) && std::isfinite(fValue)) {
+            raw.operands[static_cast<std::size_t>(i)] = fValue;
+            raw.absent[static_cast<std::size_t>(i)] = false;
+        }
+    }
+    raw.bFound = raw.nPage >= 0 && raw.nPage < nPages;
+    return raw;
+}
+
+RawLink ReadLink(fz_context* ctx, pdf_document* pDocument, pdf_obj* pAnnot, std::int32_t nPages) {
+    RawLink link;
+    link.rcArea = pdf_dict_get_rect(ctx, pAnnot, PDF_NAME(Rect));
+    pdf_obj* pTarget = pdf_dict_get(ctx, pAnnot, PDF_NAME(Dest));
+    pdf_obj* const pAction = pdf_dict_get(ctx, pAnnot, PDF_NAME(A));
+    if (pTarget == nullptr) {
+        pdf_obj* const pKind = pdf_dict_get(ctx, pAction, PDF_NAME(S));
+        if (pdf_name_eq(ctx, pKind, PDF_NAME(GoTo))) {
+            pTarget = pdf_dict_get(ctx, pAction, PDF_NAME(D));
+        } else if (pdf_name_eq(ctx, pKind, PDF_NAME(URI))) {
+            link.szUri = pdf_to_text_string(ctx, pdf_dict_get(ctx, pAction, PDF_NAME(URI)));
+        }
+    }
+    if (pTarget != nullptr) {
+        link.destination = ReadDestination(ctx, pDocument, pTarget, nPages);
+    }
+    return link;
+}
+
+// From here on plain C++ again.
+
+std::shared_ptr<pdf::IAction> MakeAction(const RawDestination& raw, const PageTop& fnPageTop) {
+    return std::make_shared<GoToAction>(std::make_shared<Destination>(raw, fnPageTop(raw.nPage)));
+}
+
+// The link of one entry; nothing for other annotations and for broken ones.
+std::optional<RawLink> LinkAt(OpenedFile& file, pdf_obj* pArray, int nEntry, std::int32_t nPages) {
+    fz_context* const ctx = ThreadContext();
+    RawLink link;
+    bool bLink = false;
+    try {
+        file.Use([&] {
+            pdf_obj* const pAnnot = pdf_array_get(ctx, pArray, nEntry);
+            bLink =
+                pdf_name_eq(ctx, pdf_dict_get(ctx, pAnnot, PDF_NAME(Subtype)), PDF_NAME(Link)) != 0;
+            if (bLink) {
+                link = ReadLink(ctx, file.Document(), pAnnot, nPages);
+            }
+        });
+    } catch (const LibraryError&) {
+        return std::nullopt;
+    }
+    return bLink ? std::optional(link) : std::nullopt;
+}
+
+}
+
+std::vector<pdf::LinkRecord> ReadLinks(OpenedFile& file, std::int32_t nPage, std::int32_t nPages,
+                                       const PageTop& fnPageTop) {
+    fz_context* const ctx = ThreadContext();
+    pdf_obj* pArray = nullptr;
+    int nEntries = 0;
+    file.Use([&] {
+        pArray =
+            pdf_dict_get(ctx, pdf_lookup_page_obj(ctx, file.Document(), nPage), PDF_NAME(Annots));
+        nEntries = pdf_array_len(ctx, pArray);
+    });
+    std::vector<pdf::LinkRecord> links;
+    for (int i = 0; i < nEntries; ++i) {
+        const std::optional<RawLink> link = LinkAt(file, pArray, i, nPages);
+        if (!link || (!link->destination.bFound && link->szUri == nullptr)) {
+            continue;
+        }
+        pdf::LinkRecord record;
+        record.rcArea = {link->rcArea.x0, link->rcArea.y0, link->rcArea.x1, link->rcArea.y1};
+        if (link->destination.bFound) {
+            record.pAction = MakeAction(link->destination, fnPageTop);
+        } else {
+            record.strUri = link->szUri;
+        }
+        links.push_back(std::move(record));
+    }
+    return links;
+}
+
+std::shared_ptr<pdf::IAction> ReadNamedDestination(OpenedFile& file, const std::string& strName,
+                                                   std::int32_t nPages, const PageTop& fnPageTop) {
+    fz_context* const ctx = ThreadContext();
+    RawDestination raw;
+    Handle<pdf_obj, pdf_drop_obj> name;
+    try {
+        file.Use([&] {
+            name.Out() = pdf_new_string(ctx, strName.data(), strName.size());
+            raw = ReadDestination(ctx, file.Document(), name.Get(), nPages);
+        });
+    } catch (const LibraryError&) {
+        return nullptr;
+    }
+    return raw.bFound ? MakeAction(raw, fnPageTop) : nullptr;
+}
+
+}

@@ -1,0 +1,275 @@
+#include "engines/mupdf/Document.h"
+
+#include <algorithm>
+#include <array>
+#include <new>
+#include <utility>
+
+#include "engines/mupdf/Destinations.h"
+#include "engines/mupdf/Drawings.h"
+#include "engines/mupdf/Page.h"
+
+namespace velko::engines::mupdf {
+
+namespace {
+
+using common::EngineException;
+using common::ErrorCode;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::int32_t kUserPassword = 2;
+constexpr std::int32_t kOwnerPassword = 3;
+constexpr std::uint32_t kAllPermissions = 0xFFFFFFFFU;
+
+// Pages whose facts are read at one go, and how long `Load` goes on reading.
+constexpr std::int32_t kSlice = 64;
+constexpr std::chrono::milliseconds kTableBudget{150};
+
+// Reads the facts of the slice that starts at `nFirst` into the table.
+void ReadSlice(OpenedFile& file, PageTable& table, std::int32_t nFirst) {
+    fz_context* const ctx = ThreadContext();
+    std::array<PageFacts, kSlice> facts;
+    const std::int32_t nEnd = std::min(nFirst + kSlice, table.Count());
+    file.Use([&] {
+        for (std::int32_t i = nFirst; i < nEnd; ++i) {
+            facts[static_cast<std::size_t>(i - nFirst)] = ReadPageFacts(ctx, file.Document(), i);
+        }
+    });
+    for (std::int32_t i = nFirst; i < nEnd; ++i) {
+        table.Put(i, facts[static_cast<std::size_t>(i - nFirst)]);
+    }
+}
+
+std::int32_t PasswordTypeOf(OpenedFile::Access eAccess) {
+    switch (eAccess) {
+        case OpenedFile::Access::kOwner:
+            return kOwnerPassword;
+        case OpenedFile::Access::kUser:
+            return kUserPassword;
+        default:
+            return pdf::PDFDoc::kNoPassword;
+    }
+}
+
+}
+
+Document::Document(std::shared_ptr<common::vxbase::IFileReaderCallback> pReader)
+    : m_pReader(std::move(pReader)), m_nKey(DisplayListCache::Instance().NewDocument()) {}
+
+Document::~Document() {
+    DisplayListCache::Instance().DropDocument(m_nKey);
+    m_pFile.reset();
+    m_pLocked.reset();
+    m_pSizesFile.reset();
+    try {
+        m_pReader->Release();
+    } catch (...) {
+        // There is nobody left to tell.
+    }
+}
+
+ErrorCode Document::Load(const std::string& strPassword) {
+    const Lock lock(m_lock);
+    try {
+        return LoadUnderLock(strPassword);
+    } catch (const LibraryError& error) {
+        return error.Kind() == FZ_ERROR_MEMORY ? ErrorCode::e_ErrOutOfMemory
+                                               : ErrorCode::e_ErrFormat;
+    } catch (const EngineException& error) {
+        return error.Code();
+    } catch (const std::bad_alloc&) {
+        return ErrorCode::e_ErrOutOfMemory;
+    } catch (const std::exception&) {
+        return ErrorCode::e_ErrFile; // of the reader, which is all that is left
+    }
+}
+
+ErrorCode Document::LoadUnderLock(const std::string& strPassword) {
+    std::shared_ptr<OpenedFile> pFile = std::exchange(m_pLocked, nullptr);
+    if (!pFile || pFile->IsDamaged()) {
+        pFile = std::make_shared<OpenedFile>(m_pReader);
+    }
+    const OpenedFile::Access eAccess = pFile->Authenticate(strPassword);
+    if (eAccess == OpenedFile::Access::kRefused) {
+        m_pLocked = std::move(pFile);
+        return ErrorCode::e_ErrPassword;
+    }
+    const std::int32_t nPages = pFile->CountPages();
+    if (nPages == 0) {
+        return ErrorCode::e_ErrFormat;
+    }
+    auto pLoaded = std::make_shared<Loaded>(nPages);
+    pLoaded->strPassword = strPassword;
+    pLoaded->nPasswordType = PasswordTypeOf(eAccess);
+    pLoaded->nEncryptionType = pFile->EncryptionType();
+    pLoaded->nPermissions =
+        eAccess == OpenedFile::Access::kUser ? pFile->Permissions() : kAllPermissions;
+    pFile->LoadPageTree();
+    const Clock::time_point end = Clock::now() + kTableBudget;
+    for (std::int32_t i = 0; i < nPages && (i == 0 || Clock::now() < end); i += kSlice) {
+        ReadSlice(*pFile, pLoaded->table, i);
+    }
+    Publish(std::move(pFile), std::move(pLoaded));
+    return ErrorCode::e_ErrSuccess;
+}
+
+void Document::Publish(std::shared_ptr<OpenedFile> pFile, std::shared_ptr<Loaded> pLoaded) {
+    m_pFile = std::move(pFile);
+    DisplayListCache::Instance().DropDocument(m_nKey);
+    const Lock lock(m_stateLock);
+    m_pState = std::move(pLoaded);
+}
+
+std::shared_ptr<Document::Loaded> Document::State() const {
+    const Lock lock(m_stateLock);
+    return m_pState;
+}
+
+std::shared_ptr<Document::Loaded> Document::LoadedState() const {
+    auto pState = State();
+    if (!pState) {
+        throw EngineException(ErrorCode::e_ErrNotLoaded, "the document is not loaded");
+    }
+    return pState;
+}
+
+std::int32_t Document::GetPageCount() const {
+    const auto pState = State();
+    return pState ? pState->table.Count() : 0;
+}
+
+std::int32_t Document::GetPasswordType() const {
+    const auto pState = State();
+    return pState ? pState->nPasswordType : kNoPassword;
+}
+
+std::uint32_t Document::GetUserPermissions() const {
+    const auto pState = State();
+    return pState ? pState->nPermissions : 0;
+}
+
+std::int32_t Document::GetEncryptionType() const {
+    const auto pState = State();
+    return pState ? pState->nEncryptionType : 0;
+}
+
+std::shared_ptr<pdf::PDFPage> Document::GetPage(std::int32_t nIndex) {
+    return std::make_shared<Page>(shared_from_this(), nIndex, FactsOf(nIndex));
+}
+
+PageFacts Document::FactsOf(std::int32_t nPage) {
+    const auto pState = LoadedState();
+    if (nPage < 0 || nPage >= pState->table.Count()) {
+        throw EngineException(ErrorCode::e_ErrParam, "the document has no such page");
+    }
+    if (const auto facts = pState->table.Find(nPage)) {
+        return *facts;
+    }
+    ReadFactsAround(*pState, nPage);
+    return pState->table.Find(nPage).value();
+}
+
+void Document::ReadFactsAround(Loaded& loaded, std::int32_t nPage) {
+    const Lock lock(m_sizesLock);
+    if (loaded.table.Find(nPage)) {
+        return; // another thread was faster
+    }
+    if (!m_pSizesFile || m_pSizesFile->IsDamaged()) {
+        m_pSizesFile = OpenAgain(loaded);
+    }
+    ReadSlice(*m_pSizesFile, loaded.table, nPage / kSlice * kSlice);
+}
+
+std::shared_ptr<OpenedFile> Document::OpenAgain(const Loaded& loaded) const {
+    auto pFile = std::make_shared<OpenedFile>(m_pReader);
+    if (pFile->Authenticate(loaded.strPassword) == OpenedFile::Access::kRefused ||
+        pFile->CountPages() != loaded.table.Count()) {
+        throw EngineException(ErrorCode::e_ErrFile, "the file has changed");
+    }
+    pFile->LoadPageTree();
+    return pFile;
+}
+
+std::shared_ptr<OpenedFile> Document::UsableFile() {
+    if (m_pFile->IsDamaged()) {
+        m_pFile = OpenAgain(*LoadedState());
+    }
+    return m_pFile;
+}
+
+template <class Draw>
+std::shared_ptr<const Drawing> Document::CachedOrDrawn(const DisplayListCache::Key& key,
+                                                       Operation::AbortFlag pAbort, Draw&& fnDraw) {
+    DisplayListCache& cache = DisplayListCache::Instance();
+    if (auto pDrawing = cache.Find(key)) {
+        return pDrawing;
+    }
+    const Lock lock(m_lock);
+    if (auto pDrawing = cache.Find(key)) {
+        return pDrawing; // another thread was faster
+    }
+    LoadedState();
+    const std::shared_ptr<OpenedFile> pFile = UsableFile();
+    Operation operation(std::move(pAbort), CurrentBudgets().parse);
+    operation.ThrowIfAborted();
+    std::shared_ptr<const Drawing> pDrawing = fnDraw(pFile, operation);
+    cache.Put(key, pDrawing);
+    return pDrawing;
+}
+
+std::shared_ptr<const Drawing> Document::ContentOf(std::int32_t nPage,
+                                                   Operation::AbortFlag pAbort) {
+    return CachedOrDrawn({m_nKey, nPage, DisplayListCache::Kind::Content}, std::move(pAbort),
+                         [nPage](const std::shared_ptr<OpenedFile>& pFile, Operation& operation) {
+                             return DrawContent(pFile, nPage, operation);
+                         });
+}
+
+std::shared_ptr<const Drawing> Document::AnnotsOf(std::int32_t nPage, std::int32_t nAnnots,
+                                                  Operation::AbortFlag pAbort) {
+    return CachedOrDrawn(
+        {m_nKey, nPage, DisplayListCache::Kind::Annots}, std::move(pAbort),
+        [nPage, nAnnots](const std::shared_ptr<OpenedFile>& pFile, Operation& operation) {
+            return DrawAnnots(pFile, nPage, nAnnots, operation);
+        });
+}
+
+std::vector<std::int32_t> Document::AnnotKindsOf(std::int32_t nPage, std::int32_t nAnnots) {
+    const Lock lock(m_lock);
+    LoadedState();
+    return ReadAnnotKinds(*UsableFile(), nPage, nAnnots);
+}
+
+float Document::PageTop(OpenedFile& file, Loaded& loaded, std::int32_t nPage) {
+    if (!loaded.table.Find(nPage)) {
+        ReadSlice(file, loaded.table, nPage / kSlice * kSlice);
+    }
+    return loaded.table.Find(nPage).value().rcBox.Top;
+}
+
+std::vector<pdf::LinkRecord> Document::GetLinks(std::int32_t nPageIndex) {
+    const auto pState = LoadedState();
+    if (nPageIndex < 0 || nPageIndex >= pState->table.Count()) {
+        throw EngineException(ErrorCode::e_ErrParam, "the document has no such page");
+    }
+    const Lock lock(m_lock);
+    const std::shared_ptr<OpenedFile> pFile = UsableFile();
+    return ReadLinks(*pFile, nPageIndex, pState->table.Count(),
+                     [&](std::int32_t nPage) { return PageTop(*pFile, *pState, nPage); });
+}
+
+std::shared_ptr<pdf::IAction> Document::FindNamedDestination(const std::string& strName) {
+    const auto pState = LoadedState();
+    const Lock lock(m_lock);
+    const std::shared_ptr<OpenedFile> pFile = UsableFile();
+    return ReadNamedDestination(*pFile, strName, pState->table.Count(), [&](std::int32_t nPage) {
+        return PageTop(*pFile, *pState, nPage);
+    });
+}
+
+std::shared_ptr<common::Progressive> Document::StartSaveAs(
+    std::shared_ptr<Windows::Storage::StorageFile>, std::uint32_t, common::IPauseCallback*) {
+    throw EngineException(ErrorCode::e_ErrUnsupported, "this engine does not write documents");
+}
+
+}

@@ -1,0 +1,101 @@
+// One open document: `velko.pdf.PDFDoc`, and its links for a host.
+//
+// Threads: any. Two locks span work of the library, and never nest:
+// - the document's lock spans every use of the library's document: parsing,
+//   interpreting a page into a list, annotations, links. Running a list needs
+//   no lock, and no call that a UI thread makes takes this one after `Load`.
+// - the sizes' lock spans reads of page sizes that `Load` did not get to;
+//   these have a file of their own, so they wait for each other only.
+// The state's lock, the page table's and the one of the cache of drawings are
+// leaves, held for a look-up, and may be taken under the first two.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "document/engine/HostServices.h"
+#include "document/engine/PDFDoc.h"
+#include "engines/mupdf/DisplayListCache.h"
+#include "engines/mupdf/OpenedFile.h"
+#include "engines/mupdf/Operation.h"
+#include "engines/mupdf/PageTable.h"
+#include "platform/concurrency/CriticalSection.h"
+
+namespace velko::engines::mupdf {
+
+class Document final : public pdf::PDFDoc,
+                       public pdf::ILinkSource,
+                       public std::enable_shared_from_this<Document> {
+public:
+    explicit Document(std::shared_ptr<common::vxbase::IFileReaderCallback> pReader);
+    ~Document() override;
+
+    common::ErrorCode Load(const std::string& strPassword) override;
+    std::int32_t GetPageCount() const override;
+    std::shared_ptr<pdf::PDFPage> GetPage(std::int32_t nIndex) override;
+    std::int32_t GetPasswordType() const override;
+    std::uint32_t GetUserPermissions() const override;
+    std::int32_t GetEncryptionType() const override;
+    std::shared_ptr<common::Progressive> StartSaveAs(
+        std::shared_ptr<Windows::Storage::StorageFile> pFile, std::uint32_t nFlags,
+        common::IPauseCallback* pPause) override;
+
+    std::vector<pdf::LinkRecord> GetLinks(std::int32_t nPageIndex) override;
+    std::shared_ptr<pdf::IAction> FindNamedDestination(const std::string& strName) override;
+
+    // For pages and renderers. What a page draws, from the cache or made now;
+    // `pAbort` may be empty. Raises `EngineException` and `task_canceled`.
+    std::shared_ptr<const Drawing> ContentOf(std::int32_t nPage, Operation::AbortFlag pAbort);
+    std::shared_ptr<const Drawing> AnnotsOf(std::int32_t nPage, std::int32_t nAnnots,
+                                            Operation::AbortFlag pAbort);
+    std::vector<std::int32_t> AnnotKindsOf(std::int32_t nPage, std::int32_t nAnnots);
+
+private:
+    using Lock = concurrency::critical_section::scoped_lock;
+
+    // What `Load` found. Immutable but for the table, which fills.
+    struct Loaded {
+        explicit Loaded(std::int32_t nPages) : table(nPages) {}
+        PageTable table;
+        std::string strPassword;
+        std::int32_t nPasswordType = kNoPassword;
+        std::uint32_t nPermissions = 0;
+        std::int32_t nEncryptionType = 0;
+    };
+
+    std::shared_ptr<Loaded> State() const;       // empty until loaded
+    std::shared_ptr<Loaded> LoadedState() const; // raises until loaded
+
+    common::ErrorCode LoadUnderLock(const std::string& strPassword) VLK_REQUIRES(m_lock);
+    void Publish(std::shared_ptr<OpenedFile> pFile, std::shared_ptr<Loaded> pLoaded)
+        VLK_REQUIRES(m_lock);
+
+    // The file, opened anew if it is damaged. Raises `EngineException`.
+    std::shared_ptr<OpenedFile> UsableFile() VLK_REQUIRES(m_lock);
+    std::shared_ptr<OpenedFile> OpenAgain(const Loaded& loaded) const;
+
+    PageFacts FactsOf(std::int32_t nPage);
+    void ReadFactsAround(Loaded& loaded, std::int32_t nPage);
+    float PageTop(OpenedFile& file, Loaded& loaded, std::int32_t nPage);
+
+    template <class Draw>
+    std::shared_ptr<const Drawing> CachedOrDrawn(const DisplayListCache::Key& key,
+                                                 Operation::AbortFlag pAbort, Draw&& fnDraw);
+
+    const std::shared_ptr<common::vxbase::IFileReaderCallback> m_pReader;
+    const std::uint64_t m_nKey; // in the cache of drawings
+
+    concurrency::critical_section m_lock;
+    std::shared_ptr<OpenedFile> m_pFile VLK_GUARDED_BY(m_lock);   // empty until loaded
+    std::shared_ptr<OpenedFile> m_pLocked VLK_GUARDED_BY(m_lock); // waits for its password
+
+    concurrency::critical_section m_sizesLock;
+    std::shared_ptr<OpenedFile> m_pSizesFile VLK_GUARDED_BY(m_sizesLock); // opened when needed
+
+    mutable concurrency::critical_section m_stateLock;
+    std::shared_ptr<Loaded> m_pState VLK_GUARDED_BY(m_stateLock);
+};
+
+}

@@ -1,0 +1,196 @@
+#include "engines/mupdf/Drawings.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <utility>
+
+#include "engines/mupdf/PictureProbe.h"
+
+namespace velko::engines::mupdf {
+
+namespace {
+
+void DropPage(fz_context* ctx, pdf_page* pPage) {
+    fz_drop_page(ctx, &pPage->super);
+}
+
+using PageHandle = Handle<pdf_page, DropPage>;
+
+// The kinds from 1 on, in their order.
+constexpr std::array<const char*, 27> kSubtypes = {
+    "Text",        "Link",      "FreeText",       "Line",     "Square",    "Circle", "Polygon",
+    "PolyLine",    "Highlight", "Underline",      "Squiggly", "StrikeOut", "Stamp",  "Caret",
+    "Ink",         "PSInk",     "FileAttachment", "Sound",    "Movie",     "Widget", "Screen",
+    "PrinterMark", "TrapNet",   "Watermark",      "3D",       "Popup",     "Redact"};
+
+std::int32_t KindOf(const char* szSubtype) {
+    const auto it = std::find_if(kSubtypes.begin(), kSubtypes.end(), [&](const char* szName) {
+        return std::strcmp(szName, szSubtype) == 0;
+    });
+    return it == kSubtypes.end() ? 0 : static_cast<std::int32_t>(it - kSubtypes.begin()) + 1;
+}
+
+pdf_obj* AnnotArray(fz_context* ctx, pdf_obj* pPage) {
+    return pdf_dict_get(ctx, pPage, PDF_NAME(Annots));
+}
+
+// Runs what only the file's content can make fail; such a failure leaves out
+// the rest of the body and nothing else.
+template <class Body>
+void UseLeniently(OpenedFile& file, Body&& body) {
+    try {
+        file.Use(std::forward<Body>(body));
+    } catch (const LibraryError&) {
+        // What came before the fault stays.
+    }
+}
+
+// A page of the library; empty where the file has none that can be loaded.
+PageHandle LoadPage(OpenedFile& file, std::int32_t nPage) {
+    fz_context* const ctx = ThreadContext();
+    PageHandle page;
+    UseLeniently(file, [&] { page.Out() = pdf_load_page(ctx, file.Document(), nPage); });
+    return page;
+}
+
+// Records what `fnRun` draws into the device that it is given.
+template <class Run>
+Drawing::Part Record(OpenedFile& file, Run&& fnRun) {
+    fz_context* const ctx = ThreadContext();
+    Drawing::Part part;
+    DeviceHandle device;
+    file.Use([&] {
+        part.list.Out() = fz_new_display_list(ctx, fz_infinite_rect);
+        device.Out() = fz_new_list_device(ctx, part.list.Get());
+    });
+    UseLeniently(file, [&] { fnRun(ctx, device.Get()); });
+    UseLeniently(file, [&] { fz_close_device(ctx, device.Get()); });
+    part.bHasPictures = HasPictures(part.list.Get());
+    return part;
+}
+
+std::shared_ptr<const Drawing> Finish(std::shared_ptr<Drawing> pDrawing,
+                                      const AllocationWatch& watch, const Operation& operation) {
+    operation.ThrowIfAborted();
+    pDrawing->nBytes += watch.NetBytes();
+    return pDrawing;
+}
+
+// Finds the library's annotations for the entries of a page's list. Both come
+// in the list's order, the library's without links, popups and broken entries
+// and with the form fields in a list of their own.
+class AnnotMatcher {
+public:
+    AnnotMatcher(fz_context* ctx, pdf_page* pPage)
+        : m_ctx(ctx),
+          m_pAnnot(pdf_first_annot(ctx, pPage)),
+          m_pWidget(pdf_first_widget(ctx, pPage)) {}
+
+    pdf_annot* Match(pdf_obj* pEntry) {
+        if (m_pAnnot != nullptr && IsSame(m_pAnnot, pEntry)) {
+            return std::exchange(m_pAnnot, pdf_next_annot(m_ctx, m_pAnnot));
+        }
+        if (m_pWidget != nullptr && IsSame(m_pWidget, pEntry)) {
+            return std::exchange(m_pWidget, pdf_next_widget(m_ctx, m_pWidget));
+        }
+        return nullptr;
+    }
+
+private:
+    bool IsSame(pdf_annot* pAnnot, pdf_obj* pEntry) {
+        return pdf_objcmp_resolve(m_ctx, pdf_annot_obj(m_ctx, pAnnot), pEntry) == 0;
+    }
+
+    fz_context* m_ctx;
+    pdf_annot* m_pAnnot;
+    pdf_annot* m_pWidget;
+};
+
+// The library's annotation for each entry; empty for those without one.
+std::vector<pdf_annot*> MatchAnnots(OpenedFile& file, pdf_page* pPage, std::int32_t nAnnots) {
+    fz_context* const ctx = ThreadContext();
+    std::vector<pdf_annot*> annots(static_cast<std::size_t>(nAnnots), nullptr);
+    UseLeniently(file, [&] {
+        AnnotMatcher matcher(ctx, pPage);
+        pdf_obj* const pArray = AnnotArray(ctx, pPage->obj);
+        for (int i = 0; i < nAnnots; ++i) {
+            annots[static_cast<std::size_t>(i)] = matcher.Match(pdf_array_get(ctx, pArray, i));
+        }
+    });
+    return annots;
+}
+
+// Where the part draws; a part that draws nothing loses its list.
+void Measure(OpenedFile& file, Drawing::Part& part) {
+    fz_context* const ctx = ThreadContext();
+    fz_rect rc = fz_empty_rect;
+    DeviceHandle device;
+    UseLeniently(file, [&] {
+        device.Out() = fz_new_bbox_device(ctx, &rc);
+        fz_run_display_list(ctx, part.list.Get(), device.Get(), fz_identity, fz_infinite_rect,
+                            nullptr);
+        fz_close_device(ctx, device.Get());
+    });
+    part.rcBounds = rc;
+    if (fz_is_empty_rect(rc)) {
+        part = Drawing::Part();
+    }
+}
+
+}
+
+std::shared_ptr<const Drawing> DrawContent(std::shared_ptr<OpenedFile> pFile, std::int32_t nPage,
+                                           Operation& operation) {
+    const AllocationWatch watch;
+    auto pDrawing = std::make_shared<Drawing>();
+    pDrawing->pFile = pFile;
+    pDrawing->parts.emplace_back();
+    if (const PageHandle page = LoadPage(*pFile, nPage)) {
+        pDrawing->parts.front() = Record(*pFile, [&](fz_context* ctx, fz_device* pDevice) {
+            pdf_run_page_contents(ctx, page.Get(), pDevice, fz_identity, operation.Cookie());
+        });
+    }
+    return Finish(std::move(pDrawing), watch, operation);
+}
+
+std::shared_ptr<const Drawing> DrawAnnots(std::shared_ptr<OpenedFile> pFile, std::int32_t nPage,
+                                          std::int32_t nAnnots, Operation& operation) {
+    const AllocationWatch watch;
+    auto pDrawing = std::make_shared<Drawing>();
+    pDrawing->pFile = pFile;
+    pDrawing->parts.resize(static_cast<std::size_t>(nAnnots));
+    if (const PageHandle page = LoadPage(*pFile, nPage)) {
+        const std::vector<pdf_annot*> annots = MatchAnnots(*pFile, page.Get(), nAnnots);
+        for (std::size_t i = 0; i < annots.size(); ++i) {
+            if (annots[i] == nullptr) {
+                continue;
+            }
+            Drawing::Part& part = pDrawing->parts[i];
+            part = Record(*pFile, [&](fz_context* ctx, fz_device* pDevice) {
+                pdf_run_annot(ctx, annots[i], pDevice, fz_identity, operation.Cookie());
+            });
+            Measure(*pFile, part);
+        }
+    }
+    return Finish(std::move(pDrawing), watch, operation);
+}
+
+std::vector<std::int32_t> ReadAnnotKinds(OpenedFile& file, std::int32_t nPage,
+                                         std::int32_t nAnnots) {
+    fz_context* const ctx = ThreadContext();
+    std::vector<std::int32_t> kinds(static_cast<std::size_t>(nAnnots), -1);
+    UseLeniently(file, [&] {
+        pdf_obj* const pArray = AnnotArray(ctx, pdf_lookup_page_obj(ctx, file.Document(), nPage));
+        for (int i = 0; i < nAnnots; ++i) {
+            pdf_obj* const pEntry = pdf_array_get(ctx, pArray, i);
+            if (pdf_is_dict(ctx, pEntry)) {
+                kinds[static_cast<std::size_t>(i)] =
+                    KindOf(pdf_to_name(ctx, pdf_dict_get(ctx, pEntry, PDF_NAME(Subtype))));
+            }
+        }
+    });
+    return kinds;
+}
+
+}

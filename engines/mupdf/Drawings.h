@@ -1,0 +1,33 @@
+// Interpreting pages and annotations into display lists.
+//
+// Threads: under the lock of the document that owns the file. The lists are in
+// the library's page space: points, Y down, after rotation and user unit.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "engines/mupdf/DisplayListCache.h"
+#include "engines/mupdf/OpenedFile.h"
+#include "engines/mupdf/Operation.h"
+
+namespace velko::engines::mupdf {
+
+// Content that is broken, or that exceeds the operation's time, is drawn as
+// far as it goes; a page without usable content gives an empty part. Raises
+// `EngineException` for a failed read and for want of memory, `task_canceled`
+// when the operation is aborted.
+std::shared_ptr<const Drawing> DrawContent(std::shared_ptr<OpenedFile> pFile, std::int32_t nPage,
+                                           Operation& operation);
+
+// As above, with one part for each of the `nAnnots` entries of the page's list.
+std::shared_ptr<const Drawing> DrawAnnots(std::shared_ptr<OpenedFile> pFile, std::int32_t nPage,
+                                          std::int32_t nAnnots, Operation& operation);
+
+// The kinds of the page's annotations as in `document/engine/Annot.h`; -1 for
+// an entry that is no annotation. Raises `EngineException` for a failed read.
+std::vector<std::int32_t> ReadAnnotKinds(OpenedFile& file, std::int32_t nPage,
+                                         std::int32_t nAnnots);
+
+}

@@ -1,0 +1,194 @@
+#include "engines/mupdf/OpenedFile.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace velko::engines::mupdf {
+
+namespace {
+
+using common::EngineException;
+using common::ErrorCode;
+
+// Bits of `pdf_authenticate_password`.
+constexpr int kNoPasswordNeeded = 1;
+constexpr int kOwnerPassword = 4;
+
+// Up to this many bytes the file is probably in memory, so that reading each
+// page's dictionary to know the page tree costs little.
+constexpr std::uint32_t kCheapTreeBytes = std::uint32_t{48} << 20;
+constexpr std::int32_t kCheapTreePages = 300;
+
+constexpr int kMaxTreeDepth = 32;
+
+// Leaves of a page tree, up to `nLimit`; for trees whose count cannot be true.
+int CountLeaves(fz_context* ctx, pdf_obj* pNode, int nDepth, int nLimit) {
+    pdf_obj* const pKids = pdf_dict_get(ctx, pNode, PDF_NAME(Kids));
+    if (!pdf_is_array(ctx, pKids)) {
+        return pdf_is_dict(ctx, pNode) ? 1 : 0;
+    }
+    if (nDepth >= kMaxTreeDepth) {
+        return 0;
+    }
+    int nLeaves = 0;
+    const int nKids = pdf_array_len(ctx, pKids);
+    for (int i = 0; i < nKids && nLeaves < nLimit; ++i) {
+        nLeaves += CountLeaves(ctx, pdf_array_get(ctx, pKids, i), nDepth + 1, nLimit - nLeaves);
+    }
+    return std::min(nLeaves, nLimit);
+}
+
+// Codes of `PDFDoc::GetEncryptionType`.
+int Rc4Type(int nBits) {
+    return nBits <= 40 ? 1 : 2;
+}
+
+// The method of one of the crypt filters (`/V` 4 and 5); 0 for none.
+int CryptFilterType(fz_context* ctx, pdf_obj* pEncrypt, const char* szUse, int nBits) {
+    pdf_obj* const pName = pdf_dict_gets(ctx, pEncrypt, szUse);
+    pdf_obj* const pFilter = pdf_dict_get(ctx, pdf_dict_get(ctx, pEncrypt, PDF_NAME(CF)), pName);
+    const char* const szMethod = pdf_to_name(ctx, pdf_dict_get(ctx, pFilter, PDF_NAME(CFM)));
+    if (std::strcmp(szMethod, "V2") == 0) {
+        return Rc4Type(nBits);
+    }
+    if (std::strcmp(szMethod, "AESV2") == 0) {
+        return 3;
+    }
+    return std::strcmp(szMethod, "AESV3") == 0 ? 5 : 0;
+}
+
+// Of the streams, else of the strings, else of the attached files.
+int CryptFilterType(fz_context* ctx, pdf_obj* pEncrypt, int nBits) {
+    for (const char* const szUse : {"StmF", "StrF", "EFF"}) {
+        if (const int nType = CryptFilterType(ctx, pEncrypt, szUse, nBits); nType != 0) {
+            return nType;
+        }
+    }
+    return 0;
+}
+
+int EncryptionTypeOf(fz_context* ctx, pdf_obj* pEncrypt) {
+    if (!pdf_is_dict(ctx, pEncrypt)) {
+        return 0;
+    }
+    if (std::strcmp(pdf_to_name(ctx, pdf_dict_get(ctx, pEncrypt, PDF_NAME(Filter))), "Standard") !=
+        0) {
+        return -1;
+    }
+    pdf_obj* const pLength = pdf_dict_get(ctx, pEncrypt, PDF_NAME(Length));
+    const int nVersion = pdf_to_int(ctx, pdf_dict_get(ctx, pEncrypt, PDF_NAME(V)));
+    switch (nVersion) {
+        case 1:
+            return 1;
+        case 2:
+        case 3:
+            return Rc4Type(pdf_is_int(ctx, pLength) ? pdf_to_int(ctx, pLength) : 40);
+        case 4:
+        case 5:
+        case 6:
+            return CryptFilterType(ctx, pEncrypt,
+                                   pdf_is_int(ctx, pLength) ? pdf_to_int(ctx, pLength) : 128);
+        default:
+            return -1;
+    }
+}
+
+}
+
+OpenedFile::OpenedFile(std::shared_ptr<common::vxbase::IFileReaderCallback> pReader)
+    : m_stream(std::move(pReader)) {
+    fz_context* const ctx = ThreadContext();
+    try {
+        StreamHandle stream;
+        Use([&] {
+            stream.Out() = m_stream.NewStream(ctx);
+            m_pDocument = pdf_open_document_with_stream(ctx, stream.Get());
+        });
+    } catch (...) {
+        if (m_pDocument != nullptr) {
+            pdf_drop_document(ctx, m_pDocument);
+        }
+        throw;
+    }
+}
+
+OpenedFile::~OpenedFile() {
+    fz_context* const ctx = ThreadContext();
+    if (m_bPageTreeLoaded) {
+        pdf_drop_page_tree(ctx, m_pDocument);
+    }
+    pdf_drop_document(ctx, m_pDocument);
+}
+
+OpenedFile::Access OpenedFile::Authenticate(const std::string& strPassword) {
+    fz_context* const ctx = ThreadContext();
+    int nResult = 0;
+    bool bEncrypted = false;
+    Use([&] {
+        bEncrypted = pdf_is_dict(ctx, pdf_dict_get(ctx, pdf_trailer(ctx, m_pDocument),
+                                                   PDF_NAME(Encrypt))) != 0;
+        nResult = pdf_authenticate_password(ctx, m_pDocument, strPassword.c_str());
+        if (nResult == 0) {
+            nResult = pdf_authenticate_password(ctx, m_pDocument, "");
+        }
+    });
+    if (nResult == 0) {
+        return Access::kRefused;
+    }
+    if (!bEncrypted || nResult == kNoPasswordNeeded) {
+        return Access::kUnencrypted;
+    }
+    return (nResult & kOwnerPassword) != 0 ? Access::kOwner : Access::kUser;
+}
+
+std::int32_t OpenedFile::CountPages() {
+    fz_context* const ctx = ThreadContext();
+    int nPages = 0;
+    Use([&] {
+        nPages = pdf_count_pages(ctx, m_pDocument);
+        // Every page is an object of its own, so a larger count is made up.
+        if (nPages > pdf_xref_len(ctx, m_pDocument)) {
+            pdf_obj* const pRoot = pdf_dict_get(ctx, pdf_trailer(ctx, m_pDocument), PDF_NAME(Root));
+            nPages = CountLeaves(ctx, pdf_dict_get(ctx, pRoot, PDF_NAME(Pages)), 0,
+                                 pdf_xref_len(ctx, m_pDocument));
+        }
+    });
+    return std::max(nPages, 0);
+}
+
+void OpenedFile::LoadPageTree() {
+    fz_context* const ctx = ThreadContext();
+    bool bLoaded = false;
+    try {
+        Use([&] {
+            if (FileSize() <= kCheapTreeBytes ||
+                pdf_count_pages(ctx, m_pDocument) <= kCheapTreePages) {
+                pdf_load_page_tree(ctx, m_pDocument);
+                bLoaded = true;
+            }
+        });
+    } catch (const LibraryError&) {
+        // A tree with faults is searched page by page.
+    }
+    m_bPageTreeLoaded = bLoaded;
+}
+
+std::int32_t OpenedFile::EncryptionType() {
+    fz_context* const ctx = ThreadContext();
+    int nType = 0;
+    Use([&] {
+        nType = EncryptionTypeOf(
+            ctx, pdf_dict_get(ctx, pdf_trailer(ctx, m_pDocument), PDF_NAME(Encrypt)));
+    });
+    return nType;
+}
+
+std::uint32_t OpenedFile::Permissions() {
+    fz_context* const ctx = ThreadContext();
+    int nBits = 0;
+    Use([&] { nBits = pdf_document_permissions(ctx, m_pDocument); });
+    return static_cast<std::uint32_t>(nBits);
+}
+
+}

@@ -1,0 +1,70 @@
+// A PDF file that the library has open.
+//
+// A file that met a failed read or a refused allocation may hold wrong facts
+// in the library's tables; its document then opens another one in its place.
+//
+// Threads: one at a time, under the document's lock, except for the last
+// reference, which may go anywhere. Display lists made from a file keep it alive.
+#pragma once
+
+#include <mupdf/pdf.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "document/engine/IFileReaderCallback.h"
+#include "engines/mupdf/ReaderStream.h"
+
+namespace velko::engines::mupdf {
+
+class OpenedFile {
+public:
+    // What authentication found; `kRefused` is a wrong or missing password.
+    enum class Access { kRefused, kUnencrypted, kUser, kOwner };
+
+    // Parses the cross-reference table, repairing it if need be. Raises
+    // `EngineException`: a failed read, out of memory, not a PDF.
+    explicit OpenedFile(std::shared_ptr<common::vxbase::IFileReaderCallback> pReader);
+    ~OpenedFile();
+    OpenedFile(const OpenedFile&) = delete;
+    OpenedFile& operator=(const OpenedFile&) = delete;
+
+    pdf_document* Document() const { return m_pDocument; }
+    std::uint32_t FileSize() const { return m_stream.Size(); }
+
+    // May be called again after a refusal. A file that opens without a
+    // password opens with any. Raises as the constructor does.
+    Access Authenticate(const std::string& strPassword);
+
+    // Pages that can be looked up. Raises as the constructor does.
+    std::int32_t CountPages();
+
+    // Keeps the whole page tree at hand where reading it is cheap. Page
+    // numbers are looked up one by one elsewhere; a failure changes nothing.
+    void LoadPageTree();
+
+    std::int32_t EncryptionType();
+    std::uint32_t Permissions();
+
+    // Runs `body` guarded, with the thread's context. Raises `EngineException`
+    // with the file's code when a read failed and the memory code when an
+    // allocation stayed refused, also when the library went on without; the
+    // file is then damaged. Other errors of the library pass through.
+    template <class Body>
+    void Use(Body&& body);
+
+    bool IsDamaged() const { return m_bDamaged; }
+
+private:
+    class UseScope;
+
+    ReaderStream m_stream;
+    pdf_document* m_pDocument = nullptr;
+    bool m_bPageTreeLoaded = false;
+    bool m_bDamaged = false;
+};
+
+}
+
+#include "engines/mupdf/OpenedFileUse.h"

@@ -1,0 +1,60 @@
+#include "engines/mupdf/Operation.h"
+
+#include <cstdint>
+#include <utility>
+
+#include "platform/concurrency/Cancellation.h"
+
+namespace velko::engines::mupdf {
+
+namespace {
+
+constexpr unsigned kPollsPerClock = 16;
+
+thread_local Operation* t_pOperation = nullptr;
+
+std::atomic<std::int64_t> g_nParseBudget{Budgets().parse.count()};
+std::atomic<std::int64_t> g_nRenderBudget{Budgets().render.count()};
+
+}
+
+Budgets CurrentBudgets() {
+    return {std::chrono::milliseconds(g_nParseBudget.load()),
+            std::chrono::milliseconds(g_nRenderBudget.load())};
+}
+
+void SetBudgets(const Budgets& budgets) {
+    g_nParseBudget = budgets.parse.count();
+    g_nRenderBudget = budgets.render.count();
+}
+
+Operation::Operation(AbortFlag pAbort, Clock::duration budget)
+    : m_pOuter(t_pOperation), m_pAbort(std::move(pAbort)), m_deadline(Clock::now() + budget) {
+    t_pOperation = this;
+}
+
+Operation::~Operation() {
+    t_pOperation = m_pOuter;
+}
+
+void Operation::ThrowIfAborted() const {
+    if (IsAborted()) {
+        throw concurrency::task_canceled();
+    }
+}
+
+void Operation::Poll() noexcept {
+    Operation* const pOperation = t_pOperation;
+    if (pOperation == nullptr || pOperation->m_cookie.abort != 0) {
+        return;
+    }
+    if (pOperation->IsAborted()) {
+        pOperation->m_cookie.abort = 1;
+    } else if (++pOperation->m_nPolls % kPollsPerClock == 0 &&
+               Clock::now() > pOperation->m_deadline) {
+        pOperation->m_bTimedOut = true;
+        pOperation->m_cookie.abort = 1;
+    }
+}
+
+}

@@ -1,0 +1,69 @@
+#include "engines/mupdf/Page.h"
+
+#include <utility>
+
+#include "document/engine/DisplayMatrix.h"
+#include "document/engine/ErrorCode.h"
+#include "engines/mupdf/Document.h"
+#include "engines/mupdf/FinishedProgress.h"
+
+namespace velko::engines::mupdf {
+
+using common::EngineException;
+using common::ErrorCode;
+
+Page::Page(std::shared_ptr<Document> pDocument, std::int32_t nIndex, const PageFacts& facts)
+    : m_pDocument(std::move(pDocument)), m_nIndex(nIndex), m_facts(facts) {}
+
+std::shared_ptr<common::Progressive> Page::StartParse(std::int32_t, common::IPauseCallback*,
+                                                      std::int32_t) {
+    Content(nullptr);
+    return std::make_shared<FinishedProgress>();
+}
+
+std::shared_ptr<const Drawing> Page::Content(Operation::AbortFlag pAbort) {
+    auto pDrawing = m_pDocument->ContentOf(m_nIndex, std::move(pAbort));
+    m_bParsed = true;
+    return pDrawing;
+}
+
+std::shared_ptr<const Drawing> Page::Annots(Operation::AbortFlag pAbort) {
+    return m_pDocument->AnnotsOf(m_nIndex, m_facts.nAnnots, std::move(pAbort));
+}
+
+common::vxbase::Matrix2D Page::GetDisplayMatrix(std::int32_t nLeft, std::int32_t nTop,
+                                                std::int32_t nWidth, std::int32_t nHeight,
+                                                std::int32_t nRotate) const {
+    return pdf::MakeDisplayMatrix(m_facts.rcBox, m_facts.nRotation, nLeft, nTop, nWidth, nHeight,
+                                  nRotate);
+}
+
+std::shared_ptr<const Page::Kinds> Page::AnnotKinds() {
+    {
+        const concurrency::critical_section::scoped_lock lock(m_kindsLock);
+        if (m_pKinds) {
+            return m_pKinds;
+        }
+    }
+    auto pKinds =
+        std::make_shared<const Kinds>(m_pDocument->AnnotKindsOf(m_nIndex, m_facts.nAnnots));
+    const concurrency::critical_section::scoped_lock lock(m_kindsLock);
+    m_pKinds = pKinds;
+    return pKinds;
+}
+
+std::shared_ptr<pdf::IAnnot> Page::GetAnnot(std::int32_t nIndex) {
+    if (nIndex < 0 || nIndex >= m_facts.nAnnots) {
+        throw EngineException(ErrorCode::e_ErrParam, "the page has no such annotation");
+    }
+    const std::int32_t nKind = (*AnnotKinds())[static_cast<std::size_t>(nIndex)];
+    if (nKind < 0) {
+        return nullptr;
+    }
+    return std::make_shared<Annotation>(shared_from_this(), nIndex, nKind);
+}
+
+Annotation::Annotation(std::shared_ptr<Page> pPage, std::int32_t nIndex, std::int32_t nKind)
+    : m_pPage(std::move(pPage)), m_nIndex(nIndex), m_nKind(nKind) {}
+
+}

@@ -1,0 +1,135 @@
+#include "platform/fake/TestHost.h"
+
+#include <algorithm>
+#include <mutex>
+#include <stdexcept>
+
+#include "platform/fake/OffUiScope.h"
+#include "platform/system/Debug.h"
+
+namespace Platform::Fake {
+
+struct TestHost::Log {
+    std::mutex lock;
+    std::vector<std::string> texts;
+};
+
+TestHost::TestHost(ManualPool /*eKind*/)
+    : m_pDispatcher(std::make_shared<ManualDispatcher>()),
+      m_pClock(std::make_shared<ManualClock>(m_pDispatcher)),
+      m_pEnvironment(std::make_shared<FakeEnvironment>(m_pDispatcher, m_pClock)),
+      m_pData(std::make_shared<MemoryApplicationData>()),
+      m_pLog(std::make_shared<Log>()),
+      m_pManualPool(std::make_shared<ManualScheduler>()) {
+    concurrency::set_task_pool(m_pManualPool);
+    Install();
+}
+
+TestHost::TestHost(RealPool pool)
+    : m_pDispatcher(std::make_shared<ManualDispatcher>()),
+      m_pClock(std::make_shared<ManualClock>(m_pDispatcher)),
+      m_pEnvironment(std::make_shared<FakeEnvironment>(m_pDispatcher, m_pClock)),
+      m_pData(std::make_shared<MemoryApplicationData>()),
+      m_pLog(std::make_shared<Log>()),
+      m_pRealPool(std::make_shared<concurrency::ThreadPool>(pool.nThreads)) {
+    concurrency::set_task_pool(m_pRealPool);
+    Install();
+}
+
+void TestHost::Install() {
+    m_fnSinkBefore = Debug::SetSink([pLog = m_pLog](std::string_view strText) {
+        const std::lock_guard<std::mutex> lock(pLog->lock);
+        pLog->texts.emplace_back(strText);
+    });
+    SetEnvironment(m_pEnvironment);
+    Windows::Storage::ApplicationData::SetCurrent(m_pData);
+    m_context.emplace(m_pDispatcher);
+}
+
+TestHost::~TestHost() {
+    if (m_pManualPool) {
+        m_pManualPool->ShutDown();
+    }
+    concurrency::set_task_pool(nullptr);
+    m_pRealPool.reset();
+    m_pDispatcher->ShutDown();
+    m_context.reset();
+    Windows::Storage::ApplicationData::SetCurrent(nullptr);
+    SetEnvironment(nullptr);
+    Debug::SetSink(std::move(m_fnSinkBefore));
+}
+
+ManualScheduler& TestHost::Pool() const {
+    if (!m_pManualPool) {
+        throw std::logic_error("the host runs a pool of real threads");
+    }
+    return *m_pManualPool;
+}
+
+bool TestHost::Step() {
+    return m_pDispatcher->RunOne() || (m_pManualPool && m_pManualPool->RunOne());
+}
+
+bool TestHost::IsPoolIdle() const {
+    return !m_pRealPool || m_pRealPool->is_idle();
+}
+
+bool TestHost::RunUntil(const std::function<bool()>& fnDone) {
+    constexpr std::size_t kLimit = 1'000'000;
+    for (std::size_t nStep = 0; nStep < kLimit; ++nStep) {
+        if (fnDone()) {
+            return true;
+        }
+        if (!Step()) {
+            return fnDone();
+        }
+    }
+    throw std::logic_error("works never end");
+}
+
+bool TestHost::WaitUntil(const std::function<bool()>& fnDone, std::chrono::milliseconds limit) {
+    const auto end = std::chrono::steady_clock::now() + limit;
+    while (!RunUntil(fnDone)) {
+        if (std::chrono::steady_clock::now() >= end) {
+            return false;
+        }
+        m_pDispatcher->WaitForWork(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
+void TestHost::Drain() {
+    const auto fnNothingLeft = [this] {
+        // In this order: a pool that is idle posts nothing more.
+        const bool bPoolIdle = IsPoolIdle() && (!m_pManualPool || m_pManualPool->Pending() == 0);
+        return bPoolIdle && m_pDispatcher->Pending() == 0;
+    };
+    if (!WaitUntil(fnNothingLeft)) {
+        throw std::logic_error("the pool does not come to rest");
+    }
+}
+
+std::vector<std::string> TestHost::DebugOutput() const {
+    const std::lock_guard<std::mutex> lock(m_pLog->lock);
+    return m_pLog->texts;
+}
+
+std::size_t TestHost::CountDebug(const std::string& strText) const {
+    const std::lock_guard<std::mutex> lock(m_pLog->lock);
+    return static_cast<std::size_t>(
+        std::count(m_pLog->texts.begin(), m_pLog->texts.end(), strText));
+}
+
+bool TestHost::DebugContains(const std::string& strPart) const {
+    const std::lock_guard<std::mutex> lock(m_pLog->lock);
+    return std::any_of(m_pLog->texts.begin(), m_pLog->texts.end(), [&](const std::string& strText) {
+        return strText.find(strPart) != std::string::npos;
+    });
+}
+
+void TestHost::ClearDebug() {
+    const std::lock_guard<std::mutex> lock(m_pLog->lock);
+    m_pLog->texts.clear();
+}
+
+}

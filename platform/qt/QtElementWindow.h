@@ -1,0 +1,124 @@
+// A widget that hosts a tree of elements with one swap chain panel in it.
+//
+// The root gets the widget's size; the panel first, with its composition
+// scale, so that both are in force before any handler runs. The tree is loaded
+// as long as the widget exists; a hidden widget keeps it loaded. The widget
+// paints the panel's front image pixel by pixel, draws a small busy mark while a
+// progress ring of the tree is visible, and turns pointers and wheels into
+// the panel's events.
+//
+// Units: the widget's own are Qt's; elements get device pixels divided by the
+// composition scale. Threads: UI thread only. One such widget at a time may
+// tell the environment of its size.
+// Errors: what a handler of the tree throws never reaches Qt; it goes to
+// `OnFailure`, or to the log when that is empty.
+#pragma once
+
+#include <QImage>
+#include <QWidget>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "platform/foundation/Event.h"
+#include "platform/qt/ManipulationTracker.h"
+#include "platform/qt/QtEnvironment.h"
+#include "platform/ui/Element.h"
+#include "platform/ui/SwapChainPanel.h"
+
+class QEventPoint;
+class QTouchEvent;
+
+namespace Platform::Qt {
+
+class QtBusyMark;
+class QtSwapChain;
+
+class QtElementWindow : public QWidget {
+public:
+    // `pRoot` has its panel somewhere below, or is it; a control's template is
+    // applied here when it was not yet.
+    QtElementWindow(std::shared_ptr<QtEnvironment> pEnvironment,
+                    std::shared_ptr<Windows::UI::Xaml::FrameworkElement> pRoot,
+                    QWidget* pParent = nullptr);
+    ~QtElementWindow() override;
+
+    const std::shared_ptr<Windows::UI::Xaml::Controls::SwapChainPanel>& Panel() const {
+        return m_pPanel;
+    }
+
+    // The frame that is shown, in device pixels; null before the first.
+    QImage FrontImage() const;
+
+    // From now on the paint shows the frame of this moment, whatever is
+    // presented, until it is released; for changes that the reader is to see
+    // in one step.
+    void HoldFrame();
+    void ReleaseFrame();
+    bool IsFrameHeld() const { return !m_heldFrame.isNull(); }
+
+    // Whether a visible ring is shown as a busy mark; true at first.
+    void ShowBusyMark(bool bShow);
+
+    std::function<void(std::exception_ptr)> OnFailure;
+    // Around a change of size: before the elements hear of it, and after.
+    std::function<void()> OnBeforeArrange;
+    std::function<void()> OnAfterArrange;
+    std::function<void()> OnPresented; // a frame is ready; the paint follows
+    std::function<void()> OnPainted;   // the front image went to the widget
+
+protected:
+    bool event(QEvent* pEvent) override;
+    void paintEvent(QPaintEvent* pEvent) override;
+    void resizeEvent(QResizeEvent* pEvent) override;
+    void showEvent(QShowEvent* pEvent) override;
+    void hideEvent(QHideEvent* pEvent) override;
+    void mousePressEvent(QMouseEvent* pEvent) override;
+    void mouseMoveEvent(QMouseEvent* pEvent) override;
+    void mouseReleaseEvent(QMouseEvent* pEvent) override;
+    void enterEvent(QEnterEvent* pEvent) override;
+    void leaveEvent(QEvent* pEvent) override;
+    void wheelEvent(QWheelEvent* pEvent) override;
+
+private:
+    // Gathers fine wheel steps into whole notches of 120; turning back begins anew.
+    struct Notches {
+        int nRest = 0;
+        int Take(int nDelta);
+    };
+
+    void Guard(const std::function<void()>& fnBody);
+    void Arrange();
+    void FollowPixelRatio();
+    void PaintFront(QPainter& painter, const QRegion& region);
+    void WatchSwapChain();
+    void WatchTree(const std::shared_ptr<Windows::UI::Xaml::FrameworkElement>& pElement);
+    void UpdateBusyMark();
+    Windows::Foundation::Point ToElement(QPointF pt) const;
+    void RaisePointer(
+        Windows::Foundation::Event<Windows::UI::Xaml::Input::PointerRoutedEventArgs&>& event,
+        QPointF pt);
+    void RaiseWheel(const QWheelEvent& event, int nDelta, bool bHorizontal);
+    bool PanByTouchpad(const QWheelEvent& event);
+    void HandleTouch(const QTouchEvent& event);
+    void HandleTouchPoint(const QEventPoint& point);
+    void LosePointers();
+
+    const std::shared_ptr<QtEnvironment> m_pEnvironment;
+    const std::shared_ptr<Windows::UI::Xaml::FrameworkElement> m_pRoot;
+    std::shared_ptr<Windows::UI::Xaml::Controls::SwapChainPanel> m_pPanel;
+    std::shared_ptr<QtSwapChain> m_pSwapChain;
+    std::unique_ptr<ManipulationTracker> m_pTracker;
+    std::vector<std::function<void()>> m_unsubscribe;
+    std::vector<std::shared_ptr<Windows::UI::Xaml::FrameworkElement>> m_rings;
+    Notches m_vertical;
+    Notches m_horizontal;
+    double m_dbRatio = 0.0; // the one last arranged for
+    QImage m_heldFrame;
+    bool m_bMouseDown = false;
+    bool m_bShowBusyMark = true;
+    QtBusyMark* m_pBusyMark; // a child
+};
+
+}

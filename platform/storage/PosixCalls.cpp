@@ -1,0 +1,230 @@
+#include "platform/storage/PosixCalls_p.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <limits>
+#include <memory>
+#include <mutex>
+#include <system_error>
+#include <utility>
+
+#include "platform/concurrency/Scheduler.h"
+#include "platform/foundation/Exception.h"
+#include "platform/storage/StorageFaults.h"
+
+namespace Windows::Storage {
+
+namespace {
+
+static_assert(sizeof(off_t) == 8, "files beyond 2 GiB need 64-bit offsets");
+
+std::atomic<bool> g_bHooked{false};
+std::mutex g_hookLock;
+std::shared_ptr<const FaultHook> g_pHook; // guarded by g_hookLock
+
+// Calls `fnCall` again while a signal interrupts it. Gives -1 and `errno`, as
+// the call itself does, for an ordered fault.
+template <class F>
+auto Call(const char* pszCall, F fnCall) -> decltype(fnCall()) {
+    if (const int nFault = Posix::OrderedFault(pszCall)) {
+        errno = nFault;
+        return -1;
+    }
+    const concurrency::blocking_scope blocking;
+    for (;;) {
+        const auto nResult = fnCall();
+        if (nResult != -1 || errno != EINTR) {
+            return nResult;
+        }
+    }
+}
+
+}
+
+void SetStorageFaultHook(FaultHook fnHook) {
+    auto pHook = fnHook ? std::make_shared<const FaultHook>(std::move(fnHook)) : nullptr;
+    const std::lock_guard<std::mutex> lock(g_hookLock);
+    g_pHook.swap(pHook);
+    g_bHooked = g_pHook != nullptr;
+}
+
+namespace Posix {
+
+int OrderedFault(const char* pszCall) {
+    if (!g_bHooked.load(std::memory_order_relaxed)) {
+        return 0;
+    }
+    std::shared_ptr<const FaultHook> pHook;
+    {
+        const std::lock_guard<std::mutex> lock(g_hookLock);
+        pHook = g_pHook;
+    }
+    return pHook ? (*pHook)(pszCall) : 0;
+}
+
+void RaiseError(int nError, Direction eDirection, const std::string& strWhat) {
+    const std::string strMessage = strWhat + ": " + std::generic_category().message(nError);
+    switch (nError) {
+        case ENOENT:
+        case ENOTDIR:
+        case ELOOP:
+        case ENAMETOOLONG:
+            throw Platform::FileNotFoundException(strMessage);
+        case EACCES:
+        case EPERM:
+        case EROFS:
+        case EISDIR:
+        case ETXTBSY:
+        case ENXIO: // a socket
+            throw Platform::AccessDeniedException(strMessage);
+        case ENOSPC:
+        case EDQUOT:
+        case EFBIG:
+            throw Platform::DiskFullException(strMessage);
+        case ENOMEM:
+            throw Platform::OutOfMemoryException(strMessage);
+        default:
+            break;
+    }
+    if (eDirection == Direction::Read) {
+        throw Platform::ReadFaultException(strMessage);
+    }
+    throw Platform::WriteFaultException(strMessage);
+}
+
+FileDescriptor::FileDescriptor(FileDescriptor&& other) noexcept
+    : m_nFd(std::exchange(other.m_nFd, -1)) {}
+
+FileDescriptor::~FileDescriptor() {
+    if (m_nFd >= 0) {
+        ::close(m_nFd);
+    }
+}
+
+FileDescriptor OpenRegular(const std::string& strPath, int nFlags) {
+    struct stat status {};
+    // Looked at before, because opening a device may already act on it, and
+    // again afterwards, because the path may have changed hands in between.
+    if (Call("stat", [&] { return ::stat(strPath.c_str(), &status); }) != 0) {
+        RaiseError(errno, Direction::Read, strPath);
+    }
+    if (!S_ISREG(status.st_mode)) {
+        throw Platform::AccessDeniedException(strPath + ": not a file");
+    }
+    FileDescriptor fd(Call("open", [&] {
+        return ::open(strPath.c_str(), nFlags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    }));
+    if (fd.Get() < 0) {
+        RaiseError(errno, Direction::Read, strPath);
+    }
+    if (!S_ISREG(Status(fd.Get(), strPath).st_mode)) {
+        throw Platform::AccessDeniedException(strPath + ": not a file");
+    }
+    return fd;
+}
+
+struct stat Status(int nFd, const std::string& strPath) {
+    struct stat status {};
+    if (Call("fstat", [&] { return ::fstat(nFd, &status); }) != 0) {
+        RaiseError(errno, Direction::Read, strPath);
+    }
+    return status;
+}
+
+std::vector<std::uint8_t> ReadAt(int nFd, std::uint64_t nOffset, std::uint64_t nCount) {
+    const struct stat status = Status(nFd, "read");
+    const auto nSize = static_cast<std::uint64_t>(std::max<off_t>(status.st_size, 0));
+    if (nOffset >= nSize) {
+        return {};
+    }
+    std::vector<std::uint8_t> bytes(std::min(nCount, nSize - nOffset));
+    std::size_t nDone = 0;
+    while (nDone < bytes.size()) {
+        const ssize_t nRead = Call("pread", [&] {
+            return ::pread(nFd, bytes.data() + nDone, bytes.size() - nDone,
+                           static_cast<off_t>(nOffset + nDone));
+        });
+        if (nRead < 0) {
+            RaiseError(errno, Direction::Read, "read");
+        }
+        if (nRead == 0) {
+            break; // the file has shrunk
+        }
+        nDone += static_cast<std::size_t>(nRead);
+    }
+    bytes.resize(nDone);
+    return bytes;
+}
+
+void WriteAt(int nFd, std::uint64_t nOffset, std::span<const std::uint8_t> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t nWritten = Call("pwrite", [&] {
+            return ::pwrite(nFd, bytes.data(), bytes.size(), static_cast<off_t>(nOffset));
+        });
+        if (nWritten < 0) {
+            RaiseError(errno, Direction::Write, "write");
+        }
+        nOffset += static_cast<std::uint64_t>(nWritten);
+        bytes = bytes.subspan(static_cast<std::size_t>(nWritten));
+    }
+}
+
+void Sync(int nFd) {
+    if (Call("fsync", [&] { return ::fsync(nFd); }) != 0) {
+        RaiseError(errno, Direction::Write, "sync");
+    }
+}
+
+void SyncFolder(const std::string& strFolder) {
+    const FileDescriptor fd(Call(
+        "open", [&] { return ::open(strFolder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+    if (fd.Get() < 0) {
+        RaiseError(errno, Direction::Write, strFolder);
+    }
+    // Some file systems know no sync of a folder; there is nothing to do then.
+    if (Call("fsync", [&] { return ::fsync(fd.Get()); }) != 0 && errno != EINVAL &&
+        errno != ENOTSUP) {
+        RaiseError(errno, Direction::Write, strFolder);
+    }
+}
+
+std::string FolderOf(const std::string& strPath) {
+    const std::size_t nSlash = strPath.rfind('/');
+    if (nSlash == std::string::npos) {
+        return ".";
+    }
+    return nSlash == 0 ? "/" : strPath.substr(0, nSlash);
+}
+
+std::string NameOf(const std::string& strPath) {
+    return strPath.substr(strPath.rfind('/') + 1);
+}
+
+std::string MakeAbsolute(const std::string& strPath) {
+    if (strPath.empty() || strPath.front() == '/') {
+        return strPath;
+    }
+    std::error_code error;
+    const std::filesystem::path folder = std::filesystem::current_path(error);
+    if (error) {
+        RaiseError(error.value(), Direction::Read, "working folder");
+    }
+    return (folder / strPath).string();
+}
+
+bool IsWriteProtected(const std::string& strPath, const struct stat& status) {
+    constexpr mode_t kAnyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
+    return (status.st_mode & kAnyWrite) == 0 ||
+           ::faccessat(AT_FDCWD, strPath.c_str(), W_OK, AT_EACCESS) != 0 ||
+           ::faccessat(AT_FDCWD, FolderOf(strPath).c_str(), W_OK | X_OK, AT_EACCESS) != 0;
+}
+
+}
+
+}

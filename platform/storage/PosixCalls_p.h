@@ -1,0 +1,63 @@
+// The system calls that files are made of, with their failures as exceptions.
+//
+// Interrupted calls are repeated, short reads and writes completed. A call that
+// may wait for a disk tells the thread's pool so. Threads: any.
+#pragma once
+
+#include <sys/stat.h>
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace Windows::Storage::Posix {
+
+// Raises the platform exception for an error number: what is not there is not
+// found, what must not be touched is denied, and the rest is the fault of the
+// direction in which the data went.
+enum class Direction { Read, Write };
+[[noreturn]] void RaiseError(int nError, Direction eDirection, const std::string& strWhat);
+
+// An open file; closes it. Not copyable.
+class FileDescriptor {
+public:
+    explicit FileDescriptor(int nFd) : m_nFd(nFd) {}
+    FileDescriptor(FileDescriptor&& other) noexcept;
+    FileDescriptor& operator=(FileDescriptor&&) = delete;
+    ~FileDescriptor();
+    int Get() const { return m_nFd; }
+
+private:
+    int m_nFd;
+};
+
+// Opens a regular file; anything else raises `AccessDeniedException`, without
+// waiting for whoever is at the other end of it.
+FileDescriptor OpenRegular(const std::string& strPath, int nFlags);
+
+struct stat Status(int nFd, const std::string& strPath);
+
+// Up to `nCount` bytes at `nOffset`: fewer only at the end of the file.
+std::vector<std::uint8_t> ReadAt(int nFd, std::uint64_t nOffset, std::uint64_t nCount);
+void WriteAt(int nFd, std::uint64_t nOffset, std::span<const std::uint8_t> bytes);
+
+// Synchronises a file, or a folder by its path, with the disk.
+void Sync(int nFd);
+void SyncFolder(const std::string& strFolder);
+
+// The error number that a test ordered for this call, else 0.
+int OrderedFault(const char* pszCall);
+
+// The folder of a path ("." when it names none) and the last component.
+std::string FolderOf(const std::string& strPath);
+std::string NameOf(const std::string& strPath);
+
+// Absolute from the working folder; nothing is resolved.
+std::string MakeAbsolute(const std::string& strPath);
+
+// True when the file's bytes cannot be replaced: nobody may write it, or this
+// process may not write it or the folder that a replacement needs.
+bool IsWriteProtected(const std::string& strPath, const struct stat& status);
+
+}

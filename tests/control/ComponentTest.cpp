@@ -1,0 +1,76 @@
+// The component's classes by name, its template and its end.
+
+#include "component/Component.h"
+#include "component/XamlMetaDataProvider.h"
+#include "control/Markup.h"
+#include "platform/ui/Markup.h"
+#include "tests/control/ControlFixture.h"
+
+namespace velko::testing {
+namespace {
+
+class ComponentTest : public ControlFixture {};
+
+TEST_F(ComponentTest, ClassesAreMadeByTheirNames) {
+    vkit::RegisterComponent();
+    const auto pFactory =
+        Platform::GetActivationFactory<vkit::IElementFactory>("velko.vkit.PDFViewCtrl");
+    const auto pMade = std::dynamic_pointer_cast<vkit::PDFViewCtrl>(pFactory->ActivateInstance());
+    ASSERT_NE(pMade, nullptr);
+    EXPECT_EQ(pMade->GetPageCount(), 0);
+    EXPECT_THROW(vkit::DllGetActivationFactory("velko.vkit.Nothing"),
+                 Platform::ClassNotRegisteredException);
+    const vkit::XamlMetaDataProvider provider;
+    EXPECT_EQ(provider.GetXamlType("velko.vkit.VelkoViewControl")->BaseTypeName,
+              "Windows.UI.Xaml.Controls.UserControl");
+    EXPECT_EQ(provider.GetXamlType("velko.vkit"), nullptr);
+}
+
+TEST_F(ComponentTest, MayUnloadOnceNoControlLives) {
+    Show();
+    Open();
+    EXPECT_EQ(vkit::DllCanUnloadNow(), Platform::S_FALSE);
+    pControl.reset();
+    host.Drain();
+    EXPECT_EQ(vkit::DllCanUnloadNow(), Platform::S_OK);
+    EXPECT_EQ(pEngine->LiveDocs(), 0);
+    EXPECT_EQ(pGraphics->LiveBitmaps(), 0);
+}
+
+TEST_F(ComponentTest, AStyleOfTheHostNeedsTheRightParts) {
+    namespace Xaml = Windows::UI::Xaml;
+    pControl->ApplyTemplate();
+    EXPECT_EQ(pControl->Layout()->Name(), "Layout");
+    EXPECT_NE(pControl->FindName("mainAppBar"), nullptr);
+    EXPECT_EQ(pControl->ViewControl()->BaseViewContorl(), pControl);
+
+    const auto fnMake = [](std::shared_ptr<Xaml::FrameworkElement> pViewControl) {
+        return [pViewControl] {
+            const auto pRoot = std::make_shared<Xaml::Controls::Grid>();
+            pRoot->Name("Layout");
+            if (pViewControl) {
+                pViewControl->Name("ViewControl");
+                pRoot->AppendChild(pViewControl);
+            }
+            return pRoot;
+        };
+    };
+    const auto fnRegister = [&](auto pElement) {
+        Xaml::Markup::RegisterMarkup(vkit::kPDFViewCtrlStyle, fnMake(pElement));
+    };
+    fnRegister(std::make_shared<Xaml::Controls::Grid>());
+    const auto pOther = vkit::PDFViewCtrl::Create();
+    EXPECT_THROW(pOther->ApplyTemplate(), Platform::InvalidCastException);
+    fnRegister(std::shared_ptr<Xaml::FrameworkElement>());
+    EXPECT_THROW(pOther->ApplyTemplate(), Platform::NullReferenceException);
+    fnRegister(vkit::VelkoViewControl::Create());
+    EXPECT_NO_THROW(pOther->ApplyTemplate()); // ring and bar may be missing
+    const auto opening = pOther->OpenPdfDocument(File(), "");
+    EXPECT_TRUE(pOther->IsProgressRingVisible());
+    Run(opening);
+    EXPECT_FALSE(pOther->IsProgressRingVisible());
+    Xaml::Markup::UnregisterMarkup(vkit::kPDFViewCtrlStyle);
+}
+
+}
+}

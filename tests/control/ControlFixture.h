@@ -1,0 +1,143 @@
+// A control on the manual platform and the scripted engine, with a log of its
+// events.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "control/PDFViewCtrl.h"
+#include "control/PDFViewerManager.h"
+#include "control/VelkoViewControl.h"
+#include "platform/fake/RecordingGraphicsFactory.h"
+#include "platform/fake/TestHost.h"
+#include "settings/AppConfig.h"
+#include "tests/control/ScriptedViewer.h"
+#include "tests/support/scripted_engine/ScriptedEngine.h"
+
+namespace velko::testing {
+
+using common::ErrorCode;
+using Platform::Fake::MemoryStorageFile;
+using Strings = std::vector<std::string>;
+
+class ControlFixture : public ::testing::Test {
+protected:
+    explicit ControlFixture(int nPages = 5)
+        : pEngine(std::make_shared<ScriptedEngine>(MakePages(nPages, 600.0F, 800.0F))) {
+        host.Environment().SetGraphicsFactory(pGraphics);
+        pControl = vkit::PDFViewCtrl::Create();
+        Listen(*pControl);
+    }
+    ~ControlFixture() override {
+        pControl.reset();
+        host.Drain();
+        vkit::AppConfig::Close();
+    }
+
+    // Shows the control in a window of that size.
+    void Show(float fWidth = 1000.0F, float fHeight = 800.0F) {
+        pControl->ApplyTemplate();
+        pControl->Arrange({fWidth, fHeight});
+        pControl->RaiseLoaded();
+        host.Drain();
+    }
+
+    static std::shared_ptr<MemoryStorageFile> File(const std::string& strName = "a.pdf") {
+        return MemoryStorageFile::Create("/docs/" + strName, std::vector<std::uint8_t>(1000, 37));
+    }
+
+    concurrency::task<ErrorCode> Run(concurrency::task<ErrorCode> opening) {
+        EXPECT_TRUE(host.WaitUntil([&] { return opening.is_done(); }));
+        return opening;
+    }
+    ErrorCode Open(const std::string& strName = "a.pdf", const std::string& strPassword = "") {
+        return Run(pControl->OpenPdfDocument(File(strName), strPassword)).get();
+    }
+
+    // Puts a scripted viewer in the place of the current one.
+    std::shared_ptr<ScriptedViewer> UseScriptedViewer() {
+        auto pViewer = std::make_shared<ScriptedViewer>();
+        pControl->PageViewMgr()->SetViewer(pViewer);
+        return pViewer;
+    }
+
+    void Listen(vkit::PDFViewCtrl& control) {
+        const auto fnDoc = [this](const char* szName) {
+            return [this, szName](const auto&, const auto& pArgs) {
+                events.push_back(std::string(szName) + " " +
+                                 std::to_string(static_cast<int>(pArgs->ErrorCode)) + " " +
+                                 std::to_string(pArgs->IsCanceled));
+                Hook(szName);
+            };
+        };
+        control.OpenDocEvent.add(fnDoc("OpenDoc"));
+        control.CloseDocEvent.add(fnDoc("CloseDoc"));
+        const auto fnPage = [this](const char* szName) {
+            return [this, szName](const auto&, const auto& pArgs) {
+                events.push_back(std::string(szName) + " " + std::to_string(pArgs->PageIndex));
+                Hook(szName);
+            };
+        };
+        control.PageLoadedEvent.add(fnPage("PageLoaded"));
+        control.PageUnloadedEvent.add(fnPage("PageUnloaded"));
+        control.PageVisibleEvent.add(fnPage("PageVisible"));
+        control.PageInvisibleEvent.add(fnPage("PageInvisible"));
+        control.PageChangedEvent.add([this](const auto&, const auto& pArgs) {
+            events.push_back("PageChanged " + Text(pArgs->OldVisiblePages) + "->" +
+                             Text(pArgs->NewVisiblePages));
+            Hook("PageChanged");
+        });
+        control.PageLayoutModeChangedEvent.add([this](const auto&, const auto& pArgs) {
+            events.push_back("Mode " + std::to_string(pArgs->OldLayoutMode) + "->" +
+                             std::to_string(pArgs->NewLayoutMode));
+            Hook("Mode");
+        });
+    }
+
+    static std::string Text(const std::vector<std::int32_t>& pages) {
+        std::string strText;
+        for (const auto nPage : pages) {
+            strText += (strText.empty() ? "" : ",") + std::to_string(nPage);
+        }
+        return "[" + strText + "]";
+    }
+
+    // The events without those of single pages, which the layout decides.
+    Strings DocEvents() const {
+        Strings found;
+        for (const auto& strEvent : events) {
+            if (strEvent.rfind("Page", 0) != 0) {
+                found.push_back(strEvent);
+            }
+        }
+        return found;
+    }
+
+    // Runs `fnAct` in the next event of the name, once.
+    void InEvent(const std::string& strName, std::function<void()> fnAct) {
+        strHookedEvent = strName;
+        fnHook = std::move(fnAct);
+    }
+    void Hook(const std::string& strName) {
+        if (strName == strHookedEvent && fnHook) {
+            const auto fnAct = std::exchange(fnHook, nullptr);
+            fnAct();
+        }
+    }
+
+    Platform::Fake::TestHost host;
+    std::shared_ptr<Platform::Fake::RecordingGraphicsFactory> pGraphics =
+        std::make_shared<Platform::Fake::RecordingGraphicsFactory>();
+    std::shared_ptr<ScriptedEngine> pEngine;
+    ScriptedEngine::Registration registration{pEngine};
+    std::shared_ptr<vkit::PDFViewCtrl> pControl;
+    Strings events;
+    std::string strHookedEvent;
+    std::function<void()> fnHook;
+};
+
+}

@@ -1,0 +1,204 @@
+// Hosts that throw, re-enter, close or let go of the control inside its events.
+
+#include <stdexcept>
+
+#include "document/VLK_Document.h"
+#include "tests/control/ControlFixture.h"
+
+namespace velko::testing {
+namespace {
+
+struct HostFailure : std::runtime_error {
+    HostFailure() : std::runtime_error("host") {}
+};
+
+const char* const kOpenEvents[] = {"PageLoaded", "PageVisible", "PageChanged", "Mode", "OpenDoc"};
+
+class HostHandlersTest : public ControlFixture {
+protected:
+    HostHandlersTest() { Show(); }
+
+    void ExpectUsable() {
+        EXPECT_EQ(Open("after.pdf"), ErrorCode::e_ErrSuccess);
+        EXPECT_EQ(pControl->GetDocumentFile()->Name(), "after.pdf");
+        EXPECT_EQ(pControl->GetVisiblePages().front(), 0);
+        EXPECT_TRUE(pControl->GotoLastPage());
+        EXPECT_EQ(pControl->GetVisiblePages().back(), 4);
+    }
+};
+
+TEST_F(HostHandlersTest, AFailureInAnyEventOfAnOpenEndsTheOpen) {
+    for (const char* szEvent : kOpenEvents) {
+        SCOPED_TRACE(szEvent);
+        InEvent(szEvent, [] { throw HostFailure(); });
+        EXPECT_THROW(Open(), HostFailure);
+        ExpectUsable();
+        pControl->CloseDocument();
+    }
+}
+
+TEST_F(HostHandlersTest, FailuresWhileClosingReachTheCallerAndLeaveNothingOpen) {
+    for (const char* szEvent : {"PageUnloaded", "CloseDoc"}) {
+        SCOPED_TRACE(szEvent);
+        Open();
+        InEvent(szEvent, [] { throw HostFailure(); });
+        EXPECT_THROW(pControl->CloseDocument(), HostFailure);
+        EXPECT_EQ(pControl->GetPDFDoc(), nullptr);
+        EXPECT_EQ(pControl->PageViewMgr()->GetViewer(), nullptr);
+        EXPECT_EQ(events.back(), "CloseDoc 0 0");
+        ExpectUsable();
+    }
+}
+
+TEST_F(HostHandlersTest, ClosingInAnyEventOfAnOpenStaysClosed) {
+    for (const char* szEvent : kOpenEvents) {
+        SCOPED_TRACE(szEvent);
+        events.clear();
+        InEvent(szEvent, [&] { pControl->CloseDocument(); });
+        EXPECT_EQ(Open(), ErrorCode::e_ErrSuccess);
+        EXPECT_EQ(pControl->GetPDFDoc(), nullptr);
+        EXPECT_EQ(pControl->PageViewMgr()->GetViewer(), nullptr);
+        // Nothing is told of the document after it was told to be closed.
+        EXPECT_EQ(DocEvents().back(), "CloseDoc 0 0");
+        ExpectUsable();
+        pControl->CloseDocument();
+    }
+}
+
+TEST_F(HostHandlersTest, AnotherDocumentFromAnyEventOfAnOpenIsTheOneShown) {
+    for (const char* szEvent : kOpenEvents) {
+        SCOPED_TRACE(szEvent);
+        const auto pOther = pEngine->MakeLoadedDoc();
+        InEvent(szEvent, [&] { pControl->SetPDFDoc(pOther); });
+        Open();
+        EXPECT_EQ(pControl->GetPDFDoc(), pOther);
+        ASSERT_NE(pControl->PageViewMgr()->GetViewer(), nullptr);
+        EXPECT_EQ(pControl->GetVisiblePages().front(), 0);
+        ExpectUsable();
+        pControl->CloseDocument();
+    }
+}
+
+TEST_F(HostHandlersTest, ADocumentAttachedWhileClosingKeepsItsViewer) {
+    Open();
+    const auto pOther = pEngine->MakeLoadedDoc();
+    InEvent("CloseDoc", [&] { pControl->SetPDFDoc(pOther); });
+    pControl->CloseDocument();
+    EXPECT_EQ(pControl->GetPDFDoc(), pOther);
+    EXPECT_NE(pControl->PageViewMgr()->GetViewer(), nullptr);
+    ExpectUsable();
+}
+
+TEST_F(HostHandlersTest, ClosingInsideClosingClosesOnce) {
+    Open();
+    events.clear();
+    InEvent("CloseDoc", [&] {
+        pControl->CloseDocument();
+        EXPECT_EQ(pControl->GetPageCount(), 0); // commands find no document by now
+        pControl->GotoPage(2);
+        EXPECT_EQ(pControl->GetScale(), 0.0F);
+    });
+    pControl->CloseDocument();
+    EXPECT_EQ(DocEvents(), (Strings{"CloseDoc 0 0"}));
+    ExpectUsable();
+}
+
+TEST_F(HostHandlersTest, AHostThatReplacesEveryDocumentDoesNotHangAnOpen) {
+    Open();
+    int nReplaced = 0;
+    pControl->CloseDocEvent.add([&](const auto&, const auto&) {
+        if (++nReplaced < 50) {
+            pControl->SetPDFDoc(pEngine->MakeLoadedDoc());
+        }
+    });
+    EXPECT_EQ(Open("new.pdf"), ErrorCode::e_ErrSuccess);
+    EXPECT_LT(nReplaced, 50);
+    EXPECT_EQ(pControl->GetDocumentFile()->Name(), "new.pdf");
+}
+
+TEST_F(HostHandlersTest, LettingGoInAnyEventEndsTheControlAfterIt) {
+    for (const char* szEvent : {"PageLoaded", "PageVisible", "PageChanged", "Mode", "OpenDoc",
+                                "PageUnloaded", "CloseDoc"}) {
+        SCOPED_TRACE(szEvent);
+        auto pShort = vkit::PDFViewCtrl::Create();
+        Listen(*pShort);
+        pShort->ApplyTemplate();
+        pShort->Arrange({500.0F, 500.0F});
+        const std::weak_ptr<vkit::PDFViewCtrl> wkShort = pShort;
+        InEvent(szEvent, [&] { pShort.reset(); });
+        const auto opening = pShort->OpenPdfDocument(File(), "");
+        host.Drain();
+        EXPECT_EQ(opening.get(), ErrorCode::e_ErrSuccess);
+        if (pShort) {
+            pShort->CloseDocument();
+        }
+        host.Drain();
+        EXPECT_TRUE(wkShort.expired());
+    }
+    EXPECT_EQ(pEngine->LiveDocs(), 0);
+}
+
+TEST_F(HostHandlersTest, DisposingInAnyEventOfAnOpenEndsQuietly) {
+    for (const char* szEvent : kOpenEvents) {
+        SCOPED_TRACE(szEvent);
+        auto pShort = vkit::PDFViewCtrl::Create();
+        Listen(*pShort);
+        pShort->ApplyTemplate();
+        pShort->Arrange({500.0F, 500.0F});
+        InEvent(szEvent, [&] { pShort->Dispose(); });
+        const auto opening = pShort->OpenPdfDocument(File(), "");
+        host.Drain();
+        EXPECT_EQ(opening.get(), ErrorCode::e_ErrSuccess);
+        EXPECT_THROW(pShort->GetPageCount(), Platform::ObjectDisposedException);
+    }
+}
+
+TEST_F(HostHandlersTest, AControlThatGoesWhileAnOpenRunsLeavesNothing) {
+    auto pShort = vkit::PDFViewCtrl::Create();
+    const auto opening = pShort->OpenPdfDocument(File(), "");
+    pShort.reset();
+    host.Drain();
+    EXPECT_TRUE(opening.is_value());
+    EXPECT_EQ(pEngine->LiveDocs(), 0);
+}
+
+TEST_F(HostHandlersTest, AnOpenThatEndsAfterDisposeFailsAndKeepsNoDocument) {
+    const auto opening = pControl->OpenPdfDocument(File(), "");
+    pControl->Dispose();
+    EXPECT_THROW(Run(opening).get(), Platform::ObjectDisposedException);
+    EXPECT_EQ(pEngine->LiveDocs(), 0);
+    EXPECT_THROW(pControl->OpenPdfDocument(File(), ""), Platform::ObjectDisposedException);
+    EXPECT_THROW(pControl->CloseDocument(), Platform::ObjectDisposedException);
+    EXPECT_NO_THROW(pControl->Dispose());
+}
+
+TEST_F(HostHandlersTest, HandlersOfAFrameMayClose) {
+    Open();
+    bool bClosed = false;
+    pControl->RenderCanvasEvent.add([&](const auto& pSender, const auto&) {
+        if (!bClosed) {
+            bClosed = true;
+            pSender->CloseDocument();
+        }
+    });
+    pControl->UpdateViewer();
+    host.Drain();
+    EXPECT_TRUE(bClosed);
+    EXPECT_EQ(pControl->PageViewMgr()->GetViewer(), nullptr);
+    ExpectUsable();
+}
+
+TEST_F(HostHandlersTest, DisconnectedSubscribersAreRemovedOthersFailTheStep) {
+    int nCalls = 0;
+    pControl->PageLoadedEvent.add([&](const auto&, const auto&) {
+        ++nCalls;
+        throw Platform::DisconnectedException();
+    });
+    EXPECT_EQ(Open(), ErrorCode::e_ErrSuccess);
+    EXPECT_EQ(nCalls, 1);
+    EXPECT_EQ(Open(), ErrorCode::e_ErrSuccess);
+    EXPECT_EQ(nCalls, 1);
+}
+
+}
+}

@@ -1,0 +1,109 @@
+// The manager's page events and its change of viewers.
+
+#include <stdexcept>
+
+#include "surface/PDFViewCanvas.h"
+#include "tests/control/ControlFixture.h"
+
+namespace velko::testing {
+namespace {
+
+class ManagerTest : public ControlFixture {
+protected:
+    ManagerTest() {
+        Show();
+        Open();
+        pViewer = UseScriptedViewer();
+        pManager = pControl->PageViewMgr();
+        events.clear();
+    }
+    std::shared_ptr<ScriptedViewer> pViewer;
+    std::shared_ptr<vkit::PDFViewerManager> pManager;
+};
+
+TEST_F(ManagerTest, PagesGoOutOfSightBeforeOthersComeIntoIt) {
+    pViewer->visiblePages = {1, 2, 3};
+    pViewer->fnDuringMove = [&] { pViewer->visiblePages = {3, 5, 4}; };
+    pManager->MoveScreen(1, 0);
+    EXPECT_EQ(events, (Strings{"PageInvisible 1", "PageInvisible 2", "PageVisible 5",
+                               "PageVisible 4", "PageChanged [1,2,3]->[3,5,4]"}));
+    events.clear();
+    pManager->GotoPage(4);
+    pManager->InitLayOut(0, 1, 0, 0);
+    pManager->PageScaled({0, 0}, 1, false, true);
+    EXPECT_EQ(events, (Strings(3, "PageChanged [3,5,4]->[3,5,4]")));
+}
+
+TEST_F(ManagerTest, AFailingStepRaisesNothing) {
+    pViewer->fnDuringMove = [] { throw std::runtime_error("engine"); };
+    EXPECT_THROW(pManager->GotoPage(1), std::runtime_error);
+    EXPECT_TRUE(events.empty());
+}
+
+TEST_F(ManagerTest, AHandlerThatClosesEndsTheStepsEvents) {
+    pViewer->visiblePages = {1, 2};
+    pViewer->fnDuringMove = [&] { pViewer->visiblePages = {3}; };
+    InEvent("PageInvisible", [&] { pControl->CloseDocument(); });
+    pManager->MoveScreen(1, 0);
+    EXPECT_EQ(events.front(), "PageInvisible 1");
+    EXPECT_EQ(events.back(), "CloseDoc 0 0");
+    EXPECT_EQ(pViewer->calls, (Strings{"MoveScreen 1 0", "ClearScreen", "CloseViewer"}));
+}
+
+TEST_F(ManagerTest, AViewerThatIsClosedAtWorkEndsItsStepQuietly) {
+    pViewer->fnDuringMove = [&] {
+        pControl->CloseDocument();
+        throw Platform::ObjectDisposedException();
+    };
+    EXPECT_NO_THROW(pManager->GotoPage(1));
+    EXPECT_EQ(events.back(), "CloseDoc 0 0");
+    const auto pOther = UseScriptedViewer();
+    pOther->fnDuringMove = [] { throw Platform::ObjectDisposedException(); };
+    EXPECT_THROW(pManager->GotoPage(1), Platform::ObjectDisposedException);
+}
+
+TEST_F(ManagerTest, ChangingToTheSameModeRemakesTheViewer) {
+    const auto pCanvas = pControl->ViewControl()->ViewCtrl();
+    pManager->ChangeViewer(1, nullptr, pCanvas);
+    EXPECT_EQ(pViewer->calls, (Strings{"CloseViewer"}));
+    const auto pFirst = pManager->GetViewer();
+    ASSERT_NE(pFirst, nullptr);
+    pManager->ChangeViewer(1, nullptr, pCanvas);
+    EXPECT_NE(pManager->GetViewer(), pFirst);
+    pManager->ChangeViewer(9, nullptr, pCanvas);
+    EXPECT_EQ(pManager->GetViewer(), nullptr);
+    EXPECT_EQ(pManager->LayoutMode(), 9);
+    EXPECT_TRUE(pManager->GetVisiblePages().empty());
+    EXPECT_EQ(pManager->DevicePointToPagePoint({4, 5})->pt, (Windows::Foundation::Point{4, 5}));
+    pManager->GotoPage(1);
+    EXPECT_TRUE(events.empty());
+}
+
+TEST_F(ManagerTest, UnloadingTakesTheManagerAndEndsItsViewer) {
+    pManager.reset();
+    pControl->RaiseUnloaded();
+    EXPECT_EQ(pControl->PageViewMgr(), nullptr);
+    EXPECT_EQ(pControl->ViewControl()->PageViewMgr(), nullptr);
+    EXPECT_EQ(pControl->GetPageIndexAtPoint({1, 1}), -1);
+    host.Drain();
+    EXPECT_EQ(pViewer->calls, (Strings{"Dispose"}));
+    EXPECT_THROW(Open("b.pdf"), Platform::NullReferenceException);
+    pControl->ReapplyTemplate();
+    pControl->RaiseLoaded();
+    EXPECT_EQ(Open("b.pdf"), ErrorCode::e_ErrSuccess);
+    EXPECT_EQ(pControl->GetVisiblePages().front(), 0);
+}
+
+TEST_F(ManagerTest, RecordsKeepTheirListsAndTheEngineDocument) {
+    std::shared_ptr<vkit::PageChangedEventArgs> pKept;
+    pControl->PageChangedEvent.add([&](const auto&, const auto& pArgs) { pKept = pArgs; });
+    pViewer->visiblePages = {2};
+    pManager->MoveScreen(1, 0);
+    pViewer->visiblePages = {3};
+    EXPECT_EQ(pKept->OldVisiblePages, (std::vector<std::int32_t>{2}));
+    EXPECT_EQ(pKept->NewVisiblePages, (std::vector<std::int32_t>{2}));
+    EXPECT_EQ(pKept->Document, pControl->GetPDFDoc());
+}
+
+}
+}

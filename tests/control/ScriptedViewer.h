@@ -1,0 +1,146 @@
+// A viewer whose answers a test sets and whose calls it reads.
+#pragma once
+
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "viewers/core/IPDFViewer.h"
+
+namespace velko::testing {
+
+class ScriptedViewer : public vkit::IPDFViewer {
+public:
+    // What it answers.
+    std::int32_t nCurrentPage = 0;
+    float fScale = 1.0F;
+    float fMinScale = 0.5F;
+    float fMaxScale = 4.0F;
+    std::int32_t nRotate = 0;
+    std::vector<std::int32_t> visiblePages;
+    Rect rcPage;
+    Point ptDevice;
+    std::shared_ptr<vkit::WrapperDeviceRect> pRectResult =
+        std::make_shared<vkit::WrapperDeviceRect>();
+    std::shared_ptr<vkit::PagePosition> pPosition;
+    Color background{255, 1, 2, 3};
+    Color foreground{255, 4, 5, 6};
+
+    // What it was asked, "Name a b"; questions without effect are not kept.
+    std::vector<std::string> calls;
+    // Runs inside each operation that moves the layout, before it returns.
+    std::function<void()> fnDuringMove;
+
+    void PageScaled(Point pt, double dbScale, bool bInertial, bool bComplete) override {
+        Note("PageScaled %g %g %g %d %d", pt.X, pt.Y, dbScale, bInertial, bComplete);
+        fScale = static_cast<float>(dbScale);
+        During();
+    }
+    void MoveScreen(double dbY, double dbX) override {
+        Note("MoveScreen %g %g", dbY, dbX), During();
+    }
+    void RotateViewer(std::int32_t n) override { Note("RotateViewer %d", n); }
+    void InvaildateLayout() override { Note("InvaildateLayout"); }
+    void InitLayOut(std::int32_t nPage, double dbScale, double dbX, double dbY) override {
+        Note("InitLayOut %d %g %g %g", nPage, dbScale, dbX, dbY);
+        During();
+    }
+    void UpdateViewer() override { Note("UpdateViewer"); }
+    void OnRenderCanvas(const std::shared_ptr<vkit::WPRenderDC>&) override {}
+    void CloseViewer() override { Note("CloseViewer"); }
+    void GotoPage(std::int32_t nPage) override { Note("GotoPage %d", nPage), During(); }
+    std::int32_t GetCurrentPageIndex() override { return nCurrentPage; }
+    float GetScale() override { return fScale; }
+    void SetScale(float f) override { fScale = f; }
+    float GetMinScale() override { return fMinScale; }
+    float GetMaxScale() override { return fMaxScale; }
+    std::int32_t GetRotate() override { return nRotate; }
+    void SetRotate(std::int32_t n) override { nRotate = n; }
+    std::shared_ptr<vkit::PagePosition> GetPagePosition() override { return pPosition; }
+    std::shared_ptr<vkit::PDFPagePoint> DevicePointToPagePoint(Point pt) override {
+        auto p = std::make_shared<vkit::PDFPagePoint>();
+        p->nPageIndex = 7;
+        p->pt = {pt.X + 1, pt.Y + 1};
+        return p;
+    }
+    std::shared_ptr<vkit::Render_PageScreenOffsetInfo> GetPageScreenOffset(std::int32_t) override {
+        return nullptr;
+    }
+    std::shared_ptr<vkit::WrapperDevicePoint> PagePointToDevicePoint(std::int32_t nPage,
+                                                                     Point) override {
+        auto p = std::make_shared<vkit::WrapperDevicePoint>();
+        p->bIsValid = true;
+        p->nPageIndex = nPage;
+        p->pt = ptDevice;
+        return p;
+    }
+    std::shared_ptr<vkit::WrapperDeviceRect> PageRectToDeviceRect(std::int32_t,
+                                                                  const Rect&) override {
+        return pRectResult;
+    }
+    void AlignPageAfterScroll(double dbY, double dbX) override { Note("Align %g %g", dbY, dbX); }
+    void ClearPagesBitmap() override {}
+    void PageSizeChanged(double dbX, double dbY) override {
+        Note("PageSizeChanged %g %g", dbX, dbY);
+    }
+    void GotoDestination(std::int32_t nPage, std::int32_t nMode,
+                         const std::vector<float>& v) override {
+        Note("GotoDestination %d %d %g %g %g %g", nPage, nMode, v.at(0), v.at(1), v.at(2), v.at(3));
+    }
+    void SetNightMode(bool) override {}
+    void RedrawScreen() override { Note("RedrawScreen"); }
+    void UpdatePageAfterAnnotEdit(std::int32_t n) override { Note("AnnotEdit %d", n); }
+    std::shared_ptr<vkit::WrapperDeviceRect> PageRectToScreenRect(std::int32_t,
+                                                                  const Rect&) override {
+        return pRectResult;
+    }
+    std::shared_ptr<vkit::WrapperDeviceRect> ScreenRectToPageRect(std::int32_t,
+                                                                  const Rect&) override {
+        return pRectResult;
+    }
+    bool IsPointInPage(Point) override { return false; }
+    std::int32_t GetPageIndexAtPoint(Point) override { return 7; }
+    Point AdjustPointInPage(Point pt, std::int32_t) override { return pt; }
+    Rect GetPageRectAtPoint(Point, std::int32_t) override { return rcPage; }
+    void ClearCanvas(const std::shared_ptr<vkit::WPRenderDC>&) override {}
+    void ClearScreen() override { Note("ClearScreen"); }
+    std::shared_ptr<vkit::WrapperDeviceRect> DeviceRectToPageRect(std::int32_t,
+                                                                  const Rect&) override {
+        return pRectResult;
+    }
+    std::array<double, 6> GetDisplayMatrix(std::int32_t nPage) override {
+        return {2.0, 0.0, 0.0, 2.0, static_cast<double>(nPage), 0.0};
+    }
+    void CancelRender() override { Note("CancelRender"); }
+    Color GetPageBackgroundColor() override { return background; }
+    void SetPageBackgroundColor(Color c) override { background = c; }
+    Color GetPageForegroundColor() override { return foreground; }
+    void SetPageForegroundColor(Color c) override { foreground = c; }
+    void SetPageColors(Color b, Color f) override {
+        Note("SetPageColors");
+        background = b;
+        foreground = f;
+    }
+    void SaveViewerState(PropertySet& values) override {
+        values.Insert("OffsetX", Windows::Foundation::PropertyValue::Create<double>(77.0));
+    }
+    std::vector<std::int32_t> GetVisiblePages() override { return visiblePages; }
+    void Dispose() override { Note("Dispose"); }
+
+private:
+    template <class... A>
+    void Note(const char* szFormat, A... args) {
+        char szText[160];
+        std::snprintf(szText, sizeof szText, szFormat, args...);
+        calls.emplace_back(szText);
+    }
+    void Note(const char* szText) { calls.emplace_back(szText); }
+    void During() {
+        if (fnDuringMove) {
+            fnDuringMove();
+        }
+    }
+};
+
+}

@@ -1,0 +1,176 @@
+// The view of a document, saved by a host and found again at the next open.
+
+#include "tests/control/ControlFixture.h"
+
+namespace velko::testing {
+namespace {
+
+using Windows::Foundation::PropertyValue;
+using Windows::Foundation::Collections::PropertySet;
+
+class ViewStateTest : public ControlFixture {
+protected:
+    void Keep(const PropertySet& values, const std::string& strPath = "/docs/a.pdf") {
+        const auto strToken = host.Data().MostRecentlyUsedList()->Add(strPath, strPath);
+        host.Data().LocalSettings()->Values()->Insert(
+            strToken,
+            PropertyValue::Create<PropertyValue::Composite>(std::make_shared<PropertySet>(values)));
+    }
+    static PropertySet Saved(bool bRotated) {
+        PropertySet values;
+        values.Insert("Scale", PropertyValue::Create<double>(2.5));
+        values.Insert("OffsetX", PropertyValue::Create<double>(-10.0));
+        values.Insert("OffsetY", PropertyValue::Create<double>(-200.0));
+        values.Insert("RotatedScreen", PropertyValue::Create<bool>(bRotated));
+        values.Insert("ViewState", PropertyValue::Create<std::int32_t>(1));
+        values.Insert("CurrentPageIndex", PropertyValue::Create<std::int32_t>(3));
+        values.Insert("Rotate", PropertyValue::Create<std::int32_t>(1));
+        values.Insert("IsSDToLocalFile", PropertyValue::Create<bool>(true));
+        values.Insert("ReflowScale", PropertyValue::Create<double>(1.5));
+        values.Insert("IsReflowShowPicture", PropertyValue::Create<bool>(false));
+        return values;
+    }
+};
+
+TEST_F(ViewStateTest, WhatIsWrittenOfAFile) {
+    Show(1000, 800);
+    Open();
+    const auto pViewer = UseScriptedViewer();
+    pViewer->fScale = 1.5F;
+    pViewer->nRotate = 3;
+    pViewer->pPosition = std::make_shared<vkit::PagePosition>();
+    pViewer->pPosition->nPageIndex = 2;
+    pViewer->pPosition->dbOffsetX = 5.0;
+    pViewer->pPosition->dbOffsetY = -6.0;
+    PropertySet values;
+    pControl->SaveViewState(values);
+    EXPECT_EQ(values.Lookup("FileName").Get<std::string>(), "a.pdf");
+    EXPECT_GT(values.Lookup("FileTime").Get<std::int64_t>(), 133'000'000'000'000'000); // past 2022
+    EXPECT_EQ(values.Lookup("FileSize").Get<std::uint32_t>(), 1000U);
+    EXPECT_EQ(values.Lookup("PasswordProtected").Get<std::string>(), "0");
+    EXPECT_EQ(values.Lookup("ViewState").Get<std::int32_t>(), 1);
+    EXPECT_EQ(values.Lookup("Rotate").Get<std::int32_t>(), 3);
+    EXPECT_EQ(values.Lookup("Scale").Get<double>(), 1.5);
+    EXPECT_EQ(values.Lookup("CurrentPageIndex").Get<std::int32_t>(), 2);
+    EXPECT_EQ(values.Lookup("OffsetX").Get<double>(), 77.0); // the viewer has the last word
+    EXPECT_EQ(values.Lookup("OffsetY").Get<double>(), -6.0);
+    EXPECT_TRUE(values.Lookup("RotatedScreen").Get<bool>());
+    EXPECT_EQ(values.Size(), 11U);
+}
+
+TEST_F(ViewStateTest, WhatIsLeftOutWithoutFileAndInReflow) {
+    Show(800, 800);
+    pControl->SetPDFDoc(pEngine->MakeLoadedDoc());
+    pControl->SetPageLayoutMode(3);
+    PropertySet values;
+    pControl->SaveViewState(values);
+    EXPECT_EQ(values.Lookup("FileName").Get<std::string>(), "");
+    EXPECT_FALSE(values.HasKey("FileSize"));
+    EXPECT_FALSE(values.HasKey("PasswordProtected"));
+    EXPECT_FALSE(values.HasKey("Scale"));
+    EXPECT_FALSE(values.HasKey("Rotate"));
+    EXPECT_FALSE(values.Lookup("RotatedScreen").Get<bool>()); // a square is not rotated
+}
+
+TEST_F(ViewStateTest, AProtectedFileIsToldSo) {
+    pEngine->SetEncryptionType(2);
+    Show();
+    Open();
+    PropertySet values;
+    pControl->SaveViewState(values);
+    EXPECT_EQ(values.Lookup("PasswordProtected").Get<std::string>(), "1");
+}
+
+TEST_F(ViewStateTest, TheSameScreenBringsAllBack) {
+    Keep(Saved(true));
+    Show(1000, 800);
+    Open();
+    const auto pState = pControl->ViewerState();
+    EXPECT_EQ(pState->Scale, 2.5);
+    EXPECT_EQ(pState->OffsetX, -10.0);
+    EXPECT_EQ(pState->OffsetY, -200.0);
+    EXPECT_EQ(pState->CurrentPageIndex, 3);
+    EXPECT_EQ(pState->Rotate, 1);
+    EXPECT_TRUE(pState->IsSDToLocalFile);
+    EXPECT_EQ(pState->ReflowScale, 1.5);
+    EXPECT_FALSE(pState->IsReflowShowPicture);
+    EXPECT_EQ(pControl->GetCurrentPageIndex(), 3);
+    EXPECT_EQ(pControl->GetRotate(), 0); // a saved rotation is not brought back
+}
+
+TEST_F(ViewStateTest, ATurnedScreenBringsBackPageAndModeOnly) {
+    Keep(Saved(false));
+    Show(1000, 800);
+    Open();
+    EXPECT_EQ(pControl->ViewerState()->Scale, 1.0);
+    EXPECT_EQ(pControl->ViewerState()->OffsetX, 0.0);
+    EXPECT_EQ(pControl->ViewerState()->OffsetY, 0.0);
+    EXPECT_EQ(pControl->ViewerState()->CurrentPageIndex, 3);
+}
+
+TEST_F(ViewStateTest, NothingSavedIsTheDefaults) {
+    Keep(Saved(true), "/docs/other.pdf");
+    host.Data().MostRecentlyUsedList()->Add("/docs/b.pdf", "/docs/b.pdf"); // an entry without a set
+    Show();
+    for (const char* szName : {"a.pdf", "b.pdf"}) {
+        Open(szName);
+        const vkit::PDFViewerState defaults;
+        EXPECT_EQ(pControl->ViewerState()->CurrentPageIndex, 0);
+        EXPECT_EQ(pControl->ViewerState()->ViewState, 1);
+        EXPECT_EQ(pControl->ViewerState()->ReflowScale, defaults.ReflowScale);
+    }
+    const auto strToken = host.Data().MostRecentlyUsedList()->Add("/docs/c.pdf", "/docs/c.pdf");
+    host.Data().LocalSettings()->Values()->Insert(strToken, PropertyValue::Create<bool>(true));
+    EXPECT_EQ(Open("c.pdf"), ErrorCode::e_ErrSuccess);
+}
+
+TEST_F(ViewStateTest, MismatchedTypesFailTheOpenSaveForTwoKeys) {
+    Show();
+    auto values = Saved(true);
+    values.Insert("ReflowScale", PropertyValue::Create<std::int32_t>(9));
+    values.Insert("IsReflowShowPicture", PropertyValue::Create<double>(0.0));
+    Keep(values);
+    EXPECT_EQ(Open(), ErrorCode::e_ErrSuccess);
+    EXPECT_EQ(pControl->ViewerState()->ReflowScale, 2.5);
+    EXPECT_TRUE(pControl->ViewerState()->IsReflowShowPicture);
+    for (const char* szKey : {"Scale", "OffsetY", "RotatedScreen", "ViewState", "CurrentPageIndex",
+                              "Rotate", "IsSDToLocalFile"}) {
+        auto wrong = Saved(true);
+        wrong.Insert(szKey, PropertyValue::Create<std::string>("x"));
+        Keep(wrong);
+        EXPECT_THROW(Open(), Platform::InvalidCastException) << szKey;
+    }
+    EXPECT_EQ(Open("fine.pdf"), ErrorCode::e_ErrSuccess);
+}
+
+TEST_F(ViewStateTest, Mode0IsSinglePageAndAPageThatIsGoneTheLast) {
+    auto values = Saved(true);
+    values.Insert("ViewState", PropertyValue::Create<std::int32_t>(0));
+    Keep(values);
+    Show();
+    Open();
+    EXPECT_EQ(pControl->GetPageLayoutMode(), 2);
+    values = Saved(true);
+    values.Insert("CurrentPageIndex", PropertyValue::Create<std::int32_t>(400));
+    Keep(values);
+    Open();
+    EXPECT_FALSE(pControl->GetVisiblePages().empty());
+    EXPECT_EQ(pControl->GetVisiblePages().back(), 4);
+}
+
+TEST_F(ViewStateTest, ASavedViewIsFoundAgain) {
+    Show(1000, 800);
+    Open();
+    pControl->GotoPage(2);
+    PropertySet values;
+    pControl->SaveViewState(values);
+    Keep(values);
+    pControl->CloseDocument();
+    Open();
+    EXPECT_EQ(pControl->ViewerState()->CurrentPageIndex, 2);
+    EXPECT_EQ(pControl->ViewerState()->Scale, values.Lookup("Scale").Get<double>());
+    EXPECT_EQ(pControl->GetCurrentPageIndex(), 2);
+}
+
+}
+}

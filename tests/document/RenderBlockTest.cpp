@@ -1,0 +1,309 @@
+// Rendering a rectangle of a page into a bitmap, one render at a time.
+#include <atomic>
+#include <thread>
+
+#include "platform/foundation/Exception.h"
+#include "tests/document/DocumentFixture.h"
+
+namespace velko::testing {
+namespace {
+
+using common::EngineException;
+using concurrency::task_canceled;
+using vkit::BitmapBox;
+using vkit::RenderBlockRequest;
+using vkit::VLK_Document;
+
+constexpr std::uint32_t kRed = 0xFFFF0000U;
+
+std::uint32_t PixelAt(common::Bitmap& bitmap, std::int32_t x, std::int32_t y) {
+    const std::uint8_t* pPixel =
+        bitmap.GetBuffer().data() + 4 * (static_cast<std::ptrdiff_t>(y) * bitmap.GetWidth() + x);
+    return pPixel[0] | (pPixel[1] << 8U) | (pPixel[2] << 16U) |
+           (static_cast<std::uint32_t>(pPixel[3]) << 24U);
+}
+
+class RenderBlockTest : public SteppedDocumentTest {
+protected:
+    RenderBlockTest() {
+        std::vector<ScriptedPage> pages = MakePages(2, 96, 64);
+        pages[0].annots = {{1, {8, 8, 16, 16}, kRed}, {0, {}, 0}, {20, {40, 40, 48, 48}, kRed}};
+        m_pEngine->SetPages(std::move(pages));
+        m_pDocument = WrapDocument();
+    }
+
+    std::shared_ptr<pdf::PDFPage> Page(std::int32_t nPageIndex = 0) {
+        m_pDocument->GetPageSize(nPageIndex);
+        return m_pDocument->ReLoadPageIndex(nPageIndex)->m_pPageHandle->m_pPage;
+    }
+    std::shared_ptr<common::Bitmap> Render(const RenderBlockRequest& request) {
+        BitmapBox box;
+        EXPECT_TRUE(m_pDocument->RenderPageBlock(request, box));
+        return box.pBitmap;
+    }
+    // A render on another thread ends only if no lock was left behind.
+    void ExpectLockIsFree() {
+        const auto pPage = Page(1);
+        std::thread([&] { EXPECT_NE(Render(Block(pPage, 0, 0, 8, 8)), nullptr); }).join();
+    }
+
+    DocumentPtr m_pDocument;
+};
+
+TEST_F(RenderBlockTest, BlocksJoinedEqualThePageRenderedWhole) {
+    for (std::int32_t nRotate = 0; nRotate < 4; ++nRotate) {
+        RenderBlockRequest whole = Block(Page(1), 0, 0, 96, 96);
+        whole.nRotate = nRotate;
+        const auto pWhole = Render(whole);
+        for (const auto& [nX, nY] : {std::pair(0, 0), std::pair(32, 0), std::pair(56, 24)}) {
+            RenderBlockRequest block = whole;
+            block.nLeft = -nX;
+            block.nTop = -nY;
+            block.nBitmapWidth = 40;
+            block.nBitmapHeight = 40;
+            const auto pBlock = Render(block);
+            for (std::int32_t nPixel = 0; nPixel < 40 * 40; ++nPixel) {
+                const std::int32_t x = nPixel % 40;
+                const std::int32_t y = nPixel / 40;
+                ASSERT_EQ(PixelAt(*pBlock, x, y), PixelAt(*pWhole, nX + x, nY + y))
+                    << "rotation " << nRotate << ", pixel " << x << ", " << y;
+            }
+        }
+    }
+}
+
+TEST_F(RenderBlockTest, ScaleAppliesToBitmapAndMatrixAndSizesAreTruncated) {
+    RenderBlockRequest request = Block(Page(1), -8, -16, 25, 15);
+    request.fDisplayWidth = 96.9F;
+    request.fDisplayHeight = 64.9F;
+    request.fScale = 0.5F;
+    Render(request);
+    const EngineCall call = m_pEngine->Calls(EngineOp::StartRender).back();
+    EXPECT_EQ(call.nWidth, 12);
+    EXPECT_EQ(call.nHeight, 7);
+    EXPECT_FLOAT_EQ(call.matrix.A, 0.5F);
+    EXPECT_FLOAT_EQ(call.matrix.D, -0.5F);
+    EXPECT_FLOAT_EQ(call.matrix.E, -4.0F);
+    EXPECT_FLOAT_EQ(call.matrix.F, (64.0F - 16.0F) * 0.5F);
+    EXPECT_TRUE(call.bHasAbortFlag == false) << "a request without a token has none to poll";
+}
+
+TEST_F(RenderBlockTest, BitmapIsFilledWithTheBackColourWherePageIsNot) {
+    RenderBlockRequest request = Block(Page(1), 8, 8, 20, 20);
+    request.nBackColor = 0xFF102030U;
+    const auto pBitmap = Render(request);
+    EXPECT_EQ(PixelAt(*pBitmap, 0, 0), 0xFF102030U);
+    EXPECT_EQ(PixelAt(*pBitmap, 19, 7), 0xFF102030U);
+    EXPECT_NE(PixelAt(*pBitmap, 8, 8), 0xFF102030U);
+}
+
+TEST_F(RenderBlockTest, OnlyBlackOnWhiteIsTheNormalColourMode) {
+    struct Case {
+        std::uint32_t nBack;
+        std::uint32_t nFore;
+        std::int32_t nMode;
+    };
+    for (const Case& colours :
+         {Case{0xFFFFFFFFU, 0xFF000000U, 0}, Case{0xFFFFFFFFU, 0xFF000001U, 2},
+          Case{0xFFFFFFFEU, 0xFF000000U, 2}, Case{0xFF000000U, 0xFFFFFFFFU, 2}}) {
+        RenderBlockRequest request = Block(Page(1), 0, 0, 8, 8);
+        request.nBackColor = colours.nBack;
+        request.nForeColor = colours.nFore;
+        Render(request);
+        const EngineCall call = m_pEngine->Calls(EngineOp::StartRender).back();
+        EXPECT_EQ(call.nColorMode, colours.nMode);
+        if (colours.nMode == 2) {
+            EXPECT_EQ(call.nBackColor, colours.nBack);
+            EXPECT_EQ(call.nForeColor, colours.nFore);
+        }
+    }
+}
+
+TEST_F(RenderBlockTest, FlagsChooseContentAndAnnotations) {
+    for (std::uint32_t nFlags = 0; nFlags < 4; ++nFlags) {
+        m_pEngine->ClearLog();
+        m_pDocument->RenderFlags(nFlags);
+        RenderBlockRequest request = Block(Page(), 0, 0, 96, 64);
+        m_pDocument->FillRenderState(request);
+        m_pDocument->RenderFlags(7); // what comes later does not reach the request
+        const auto pBitmap = Render(request);
+        EXPECT_EQ(m_pEngine->Count(EngineOp::StartRender), (nFlags & 1U) != 0 ? 1 : 0);
+        EXPECT_EQ(m_pEngine->Count(EngineOp::RenderAnnot), (nFlags & 2U) != 0 ? 2 : 0)
+            << "the entry of the list that is no annotation is left out";
+        EXPECT_EQ(PixelAt(*pBitmap, 0, 0) == 0xFFFFFFFFU, (nFlags & 1U) == 0);
+        EXPECT_EQ(PixelAt(*pBitmap, 12, 52) == kRed, (nFlags & 2U) != 0);
+    }
+}
+
+TEST_F(RenderBlockTest, HiddenAnnotationTypesAreLeftOut) {
+    m_pDocument->AddHiddenAnnotType(20);
+    m_pDocument->AddHiddenAnnotType(5);
+    m_pDocument->AddHiddenAnnotType(20);
+    EXPECT_EQ(m_pDocument->HiddenAnnotTypes(), (std::vector<std::int32_t>{20, 5}));
+    RenderBlockRequest request = Block(Page(), 0, 0, 96, 64);
+    m_pDocument->FillRenderState(request);
+    m_pDocument->AddHiddenAnnotType(1);
+    Render(request);
+    const auto calls = m_pEngine->Calls(EngineOp::RenderAnnot);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_EQ(calls[0].nIndex, 0);
+}
+
+TEST_F(RenderBlockTest, OwnerHearsOfEachRenderWithItsMatrixAndMayRenderItself) {
+    const RenderBlockRequest request = Block(Page(), -4, -4, 16, 16);
+    int nDepth = 0;
+    m_pOwner->fnOnRendered = [&](const vkit::RenderPageEventArgs& args) {
+        EXPECT_FLOAT_EQ(args.Matrix.E, -4.0F);
+        if (++nDepth == 1) {
+            Render(request);
+        }
+    };
+    m_pOwner->TakeEvents();
+    Render(request);
+    EXPECT_EQ(m_pOwner->TakeEvents(), (Texts{"rendered 0", "rendered 0"}));
+    m_pDocument->SetOwner({});
+    Render(request);
+    EXPECT_TRUE(m_pOwner->TakeEvents().empty());
+}
+
+TEST_F(RenderBlockTest, NoOtherRenderStartsWhileAHandlerRuns) {
+    std::thread other;
+    int nDuring = -1;
+    const auto pOtherPage = Page(1);
+    m_pOwner->fnOnRendered = [&](const vkit::RenderPageEventArgs& args) {
+        if (args.PageIndex != 0) {
+            return;
+        }
+        std::atomic<bool> bStarted = false;
+        other = std::thread([&, pOtherPage] {
+            bStarted = true;
+            Render(Block(pOtherPage, 0, 0, 8, 8));
+        });
+        bStarted.wait(false);
+        for (int nTurn = 0; nTurn < 500 && m_pEngine->Count(EngineOp::CreateBitmap) < 2; ++nTurn) {
+            std::this_thread::yield();
+        }
+        nDuring = m_pEngine->Count(EngineOp::CreateBitmap);
+    };
+    Render(Block(Page(), 0, 0, 8, 8));
+    other.join();
+    EXPECT_EQ(nDuring, 1);
+    EXPECT_EQ(m_pEngine->Count(EngineOp::CreateBitmap), 2);
+}
+
+TEST_F(RenderBlockTest, CancelledRequestNeverReachesTheEngine) {
+    const concurrency::cancellation_token_source source;
+    RenderBlockRequest request = Block(Page(), 0, 0, 8, 8);
+    request.token = source.get_token();
+    source.cancel();
+    BitmapBox box;
+    EXPECT_THROW(m_pDocument->RenderPageBlock(request, box), task_canceled);
+    EXPECT_EQ(box.pBitmap, nullptr);
+    EXPECT_EQ(m_pEngine->Count(EngineOp::CreateBitmap), 0);
+    ExpectLockIsFree();
+}
+
+TEST_F(RenderBlockTest, EveryFailureEndsTheRenderAndFreesTheLock) {
+    const RenderBlockRequest request = Block(Page(), 0, 0, 96, 64);
+    int nMet = 0;
+    for (const EngineOp eOp :
+         {EngineOp::StartParse, EngineOp::CreateBitmap, EngineOp::CreateRenderer,
+          EngineOp::StartRender, EngineOp::GetAnnotCount, EngineOp::GetAnnot,
+          EngineOp::RenderAnnot}) {
+        bool bMet = true;
+        for (int nCall = 1; bMet; ++nCall) {
+            ASSERT_LT(nCall, 10) << EngineOpName(eOp);
+            const int nBefore = m_pEngine->FailuresRaised();
+            m_pEngine->FailCall(eOp, nCall);
+            BitmapBox box;
+            try {
+                m_pDocument->RenderPageBlock(request, box);
+            } catch (const EngineException&) {
+                EXPECT_EQ(box.pBitmap, nullptr);
+            }
+            bMet = m_pEngine->FailuresRaised() > nBefore;
+            nMet += bMet ? 1 : 0;
+            m_pEngine->ClearFailures();
+            EXPECT_EQ(box.pBitmap == nullptr, bMet) << EngineOpName(eOp) << " " << nCall;
+            box.pBitmap.reset();
+            EXPECT_EQ(m_pEngine->LiveBitmaps(), 0);
+            ExpectLockIsFree();
+        }
+    }
+    EXPECT_GE(nMet, 10);
+    m_pOwner->fnOnRendered = [](const auto&) { throw Platform::AccessDeniedException(); };
+    BitmapBox box;
+    EXPECT_THROW(m_pDocument->RenderPageBlock(request, box), Platform::AccessDeniedException);
+    m_pOwner->fnOnRendered = nullptr;
+    ExpectLockIsFree();
+}
+
+TEST_F(RenderBlockTest, SizesThatNoBitmapHasAreRefused) {
+    BitmapBox box;
+    for (const float fScale : {0.0F, -1.0F, 1e30F, std::numeric_limits<float>::quiet_NaN()}) {
+        RenderBlockRequest request = Block(Page(), 0, 0, 8, 8);
+        request.fScale = fScale;
+        EXPECT_THROW(m_pDocument->RenderPageBlock(request, box), EngineException) << fScale;
+    }
+    EXPECT_THROW(m_pDocument->RenderPageBlock({}, box), Platform::NullReferenceException);
+    ExpectLockIsFree();
+}
+
+TEST_F(RenderBlockTest, PixelsAreCopiedIntoABufferOfTheirOwn) {
+    RenderBlockRequest request = Block(Page(), 200, 0, 1, 1);
+    request.nBackColor = 0x80FF0000U;
+    auto pBitmap = Render(request);
+    const auto pSource = VLK_Document::BitmapToPixelSource(*pBitmap);
+    pBitmap.reset();
+    const auto pixels = pSource->Pixels->Bytes();
+    EXPECT_EQ(std::vector<std::uint8_t>(pixels.begin(), pixels.end()),
+              (std::vector<std::uint8_t>{0, 0, 0x80, 0x80}));
+    EXPECT_EQ(pSource->Width, 1U);
+    EXPECT_EQ(pSource->Height, 1U);
+}
+
+class RenderThreadsTest : public ThreadedDocumentTest {
+protected:
+    concurrency::task<bool> Start(const DocumentPtr& pDocument, std::int32_t nPageIndex,
+                                  const concurrency::cancellation_token_source& source) {
+        pDocument->GetPageSize(nPageIndex);
+        RenderBlockRequest request =
+            Block(pDocument->ReLoadPageIndex(nPageIndex)->m_pPageHandle->m_pPage, 0, 0, 16, 16);
+        request.token = source.get_token();
+        return concurrency::create_task([pDocument, request] {
+            BitmapBox box;
+            return pDocument->RenderPageBlock(request, box) && box.pBitmap != nullptr;
+        });
+    }
+};
+
+TEST_F(RenderThreadsTest, CancelledWhileItWaitsForTheLockNeverReachesTheEngine) {
+    const DocumentPtr pDocument = WrapDocument();
+    const auto pGate = m_pEngine->Hold(EngineOp::StartRender, 0);
+    const concurrency::cancellation_token_source first;
+    const concurrency::cancellation_token_source second;
+    const auto running = Start(pDocument, 0, first);
+    ASSERT_TRUE(pGate->WaitUntilReached());
+    const auto waiting = Start(pDocument, 1, second);
+    second.cancel();
+    pGate->Open();
+    EXPECT_TRUE(Await(running));
+    EXPECT_THROW(Await(waiting), task_canceled);
+    EXPECT_EQ(m_pEngine->Count(EngineOp::CreateBitmap), 1);
+}
+
+TEST_F(RenderThreadsTest, CancelledWhileTheEngineDrawsEndsEarly) {
+    const DocumentPtr pDocument = WrapDocument();
+    const auto pGate = m_pEngine->Hold(EngineOp::StartRender, 0);
+    const concurrency::cancellation_token_source source;
+    const auto running = Start(pDocument, 0, source);
+    ASSERT_TRUE(pGate->WaitUntilReached());
+    source.cancel();
+    EXPECT_THROW(Await(running), task_canceled);
+    EXPECT_EQ(m_pEngine->AbortedRenders(), 1);
+    EXPECT_EQ(m_pEngine->LiveBitmaps(), 0);
+    EXPECT_TRUE(Await(Start(pDocument, 1, {})));
+}
+
+}
+}

@@ -1,0 +1,107 @@
+// Identifiers, colours as text, units, the device family.
+#include "document/Utility.h"
+
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <set>
+
+#include "document/PageRange.h"
+#include "document/VelkoPointerWrapObj.h"
+#include "platform/fake/TestHost.h"
+#include "platform/foundation/PropertyValue.h"
+
+namespace velko::testing {
+namespace {
+
+using vkit::Utility;
+using Windows::UI::Color;
+
+TEST(IdentifierTest, TextsHaveTheirShapeVersionAndVariant) {
+    const std::regex braced(
+        "\\{[0-9A-F]{8}-[0-9A-F]{4}-4[0-9a-f]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}\\}");
+    const std::regex plain("[0-9A-F]{12}4[0-9A-F]{3}[89AB][0-9A-F]{15}");
+    const std::regex three(
+        "[0-9A-F]{12}4[0-9A-F]{3}[89AB][0-9A-F]{15}"
+        "[0-9A-F]{12}4[0-9A-F]{3}-[89AB][0-9A-F]{15}-"
+        "[0-9A-F]{12}4[0-9A-F]{3}[89AB][0-9A-F]{3}");
+    std::set<std::string> seen;
+    bool bLowerLetter = false;
+    for (int nText = 0; nText < 100; ++nText) {
+        const std::string strBraced = Utility::NewGuidString();
+        EXPECT_TRUE(std::regex_match(strBraced, braced)) << strBraced;
+        const std::string strGroup = strBraced.substr(15, 4);
+        bLowerLetter = bLowerLetter || strGroup.find_first_of("abcdef") != std::string::npos;
+        const std::string strPlain = Utility::NewGuidStringPlain();
+        EXPECT_TRUE(std::regex_match(strPlain, plain)) << strPlain;
+        const std::string strLong = Utility::NewLongIdString();
+        EXPECT_TRUE(std::regex_match(strLong, three)) << strLong;
+        for (const std::string& strText : {strBraced, strPlain, strLong}) {
+            EXPECT_TRUE(seen.insert(strText).second) << strText;
+        }
+    }
+    EXPECT_TRUE(bLowerLetter) << "the third group is in lower case";
+}
+
+TEST(ColorTextTest, ReadsSixAndEightDigits) {
+    const Color white{255, 255, 255, 255};
+    const std::pair<const char*, Color> kCases[] = {
+        {"#FF0000", {255, 255, 0, 0}},
+        {"#80FF0000", {128, 255, 0, 0}},
+        {"#0a0B0c", {255, 10, 11, 12}},
+        {"", white},
+        {"FF00000", white},
+        {"#GG0000", white},
+        {"#0000GG", white},
+        {"#80FF00G0", white},
+        {"#FF000", white},
+        {"#FF00000", white},
+        {"#FF0000000", white},
+    };
+    for (const auto& [szText, color] : kCases) {
+        EXPECT_EQ(Utility::ColorFromString(szText), color) << szText;
+    }
+    EXPECT_EQ(Utility::ColorToString(Utility::ColorFromString("#80FF0000")), "#80FF0000");
+    EXPECT_EQ(Utility::ColorToString({1, 2, 3, 0xAB}), "#010203AB");
+}
+
+TEST(DeviceTest, FamiliesAreNoOppositesAndUnitsFollowTheDpi) {
+    const Platform::Fake::TestHost host;
+    EXPECT_TRUE(Utility::IsDesktop());
+    EXPECT_FALSE(Utility::IsMobile());
+    host.Environment().SetDeviceFamily("Windows.Mobile");
+    EXPECT_TRUE(Utility::IsMobile());
+    host.Environment().SetDeviceFamily("Windows.Xbox");
+    EXPECT_FALSE(Utility::IsDesktop() || Utility::IsMobile());
+    EXPECT_EQ(Utility::PointsToPixels(72), 96.0);
+    host.Environment().SetLogicalDpi(144);
+    EXPECT_EQ(Utility::PointsToPixels(72), 144.0);
+    EXPECT_EQ(Utility::PixelsToPoints(144), 72.0);
+}
+
+TEST(TransformHelperTest, EmptyStaysEmptyAndBoxesAreUpright) {
+    common::vxbase::Matrix2D turn; // a quarter turn
+    turn.A = 0;
+    turn.B = 1;
+    turn.C = -1;
+    turn.D = 0;
+    using Windows::Foundation::Rect;
+    EXPECT_EQ(Utility::TransformRect(turn, {1, 2, 10, 20}), Rect(-22, 1, 20, 10));
+    EXPECT_TRUE(Utility::TransformRect(turn, Rect::Empty()).IsEmpty());
+    EXPECT_EQ(Utility::TransformPoint(turn, {1, 2}), (Windows::Foundation::Point{-2, 1}));
+}
+
+TEST(WrapObjectTest, CarriesABoxedHandle) {
+    using Windows::Foundation::PropertyValue;
+    vkit::VelkoPointerWrapObj wrap;
+    EXPECT_EQ(wrap.Target(), nullptr);
+    const std::int64_t nHandle = INT64_MIN + 5;
+    wrap.Target(std::make_shared<PropertyValue>(PropertyValue::Create(nHandle)));
+    EXPECT_EQ(static_cast<const PropertyValue*>(wrap.Target().get())->Get<std::int64_t>(), nHandle);
+    const vkit::PageRange range(3, 9);
+    EXPECT_EQ(range.First, 3);
+    EXPECT_EQ(range.Last, 9);
+}
+
+}
+}

@@ -1,0 +1,398 @@
+#include "tests/engine/EngineConformance.h"
+
+#include <array>
+#include <string>
+
+#include "platform/concurrency/Cancellation.h"
+
+namespace velko::testing {
+
+using common::EngineException;
+using common::ErrorCode;
+using common::Progressive;
+using common::vxbase::Matrix2D;
+using common::vxbase::PointF;
+using common::vxbase::RectF;
+
+namespace {
+
+template <class Call>
+ErrorCode CodeRaisedBy(Call&& fnCall) {
+    try {
+        fnCall();
+    } catch (const EngineException& error) {
+        return error.Code();
+    }
+    return ErrorCode::e_ErrSuccess;
+}
+
+// The colours of the quarters as they stand on the screen, row by row.
+std::array<std::uint32_t, 4> QuartersOf(common::Bitmap& bitmap) {
+    const std::int32_t x = bitmap.GetWidth() / 4;
+    const std::int32_t y = bitmap.GetHeight() / 4;
+    return {PixelAt(bitmap, x, y), PixelAt(bitmap, 3 * x, y), PixelAt(bitmap, x, 3 * y),
+            PixelAt(bitmap, 3 * x, 3 * y)};
+}
+
+// The quarters of `QuarteredPage` after so many quarter turns clockwise.
+std::array<std::uint32_t, 4> TurnedQuarters(std::int32_t nTurns) {
+    std::array<std::uint32_t, 4> q = {kTopLeft, kTopRight, kBottomLeft, kBottomRight};
+    for (std::int32_t i = 0; i < (nTurns & 3); ++i) {
+        q = {q[2], q[0], q[3], q[1]};
+    }
+    return q;
+}
+
+}
+
+ScriptedPage QuarteredPage(std::int32_t nRotation) {
+    ScriptedPage page;
+    page.rcBox = {10.0F, 20.0F, 210.0F, 120.0F};
+    page.nRotation = nRotation;
+    page.ePaper = ScriptedPage::Paper::None;
+    page.rects = {{{10.0F, 20.0F, 110.0F, 70.0F}, kBottomLeft},
+                  {{110.0F, 20.0F, 210.0F, 70.0F}, kBottomRight},
+                  {{10.0F, 70.0F, 110.0F, 120.0F}, kTopLeft},
+                  {{110.0F, 70.0F, 210.0F, 120.0F}, kTopRight}};
+    return page;
+}
+
+void EngineConformance::SetUp() {
+    m_pEngine = GetParam().fnMake();
+    m_pEngine->Register();
+}
+
+std::shared_ptr<pdf::PDFDoc> EngineConformance::Create(const DocumentDescription& description) {
+    return m_pEngine->Create(description, &m_pReader);
+}
+
+std::shared_ptr<pdf::PDFDoc> EngineConformance::Open(const std::vector<ScriptedPage>& pages) {
+    auto pDoc = Create({pages, {}, {}});
+    EXPECT_EQ(pDoc->Load({}), ErrorCode::e_ErrSuccess);
+    return pDoc;
+}
+
+std::shared_ptr<pdf::PDFPage> EngineConformance::OpenPage(const ScriptedPage& page) {
+    return Open({page})->GetPage(0);
+}
+
+TEST_P(EngineConformance, LoadAsksForThePasswordUntilItIsRight) {
+    const auto pDoc = Create({{QuarteredPage(), QuarteredPage()}, "user", "owner"});
+    EXPECT_EQ(pDoc->GetPageCount(), 0);
+    EXPECT_EQ(pDoc->Load({}), ErrorCode::e_ErrPassword);
+    EXPECT_EQ(pDoc->Load("wrong"), ErrorCode::e_ErrPassword);
+    EXPECT_EQ(pDoc->GetPageCount(), 0);
+    EXPECT_NE(CodeRaisedBy([&] { pDoc->GetPage(0); }), ErrorCode::e_ErrSuccess);
+
+    ASSERT_EQ(pDoc->Load("user"), ErrorCode::e_ErrSuccess);
+    EXPECT_EQ(pDoc->GetPageCount(), 2);
+    EXPECT_EQ(pDoc->GetPasswordType(), 2);
+    EXPECT_EQ(pDoc->GetUserPermissions(), 0xFFFFFFFCU);
+
+    // A failed call leaves what is loaded as it was; a good one replaces it.
+    const auto pPage = pDoc->GetPage(1);
+    EXPECT_EQ(pDoc->Load("wrong"), ErrorCode::e_ErrPassword);
+    EXPECT_EQ(pDoc->GetPageCount(), 2);
+    EXPECT_EQ(QuartersOf(*Render(pPage, WholePage(*pPage))), TurnedQuarters(0));
+    ASSERT_EQ(pDoc->Load("owner"), ErrorCode::e_ErrSuccess);
+    EXPECT_EQ(pDoc->GetPasswordType(), 3);
+    EXPECT_EQ(pDoc->GetUserPermissions(), 0xFFFFFFFFU);
+    EXPECT_EQ(QuartersOf(*Render(pPage, WholePage(*pPage))), TurnedQuarters(0));
+}
+
+TEST_P(EngineConformance, OpenDocumentsNeedNoPassword) {
+    const auto pDoc = Create({{QuarteredPage()}, {}, {}});
+    ASSERT_EQ(pDoc->Load("not needed"), ErrorCode::e_ErrSuccess);
+    EXPECT_EQ(pDoc->GetPasswordType(), pdf::PDFDoc::kNoPassword);
+    EXPECT_EQ(pDoc->GetEncryptionType(), 0);
+    EXPECT_EQ(pDoc->GetUserPermissions(), 0xFFFFFFFFU);
+}
+
+TEST_P(EngineConformance, LoadReportsFailedReadsAndMayBeRepeated) {
+    const auto pDoc = Create({{QuarteredPage()}, {}, {}});
+    m_pReader->FailRead(1, true, MemoryReader::Fault::Raise);
+    EXPECT_EQ(pDoc->Load({}), ErrorCode::e_ErrFile);
+    m_pReader->FailRead(1, true, MemoryReader::Fault::Refuse);
+    EXPECT_EQ(pDoc->Load({}), ErrorCode::e_ErrFile);
+    EXPECT_EQ(pDoc->GetPageCount(), 0);
+    m_pReader->StopFailing();
+    EXPECT_EQ(pDoc->Load({}), ErrorCode::e_ErrSuccess);
+    EXPECT_EQ(pDoc->GetPageCount(), 1);
+}
+
+TEST_P(EngineConformance, TheReaderIsReleasedOnceWithTheLastReference) {
+    auto pDoc = Open({QuarteredPage()});
+    auto pPage = pDoc->GetPage(0);
+    const std::weak_ptr<pdf::PDFDoc> wkDoc = pDoc;
+    pDoc.reset();
+    EXPECT_EQ(m_pReader->Releases(), 0);
+    EXPECT_EQ(QuartersOf(*Render(pPage, WholePage(*pPage))), TurnedQuarters(0));
+    pPage.reset();
+    EXPECT_TRUE(wkDoc.expired());
+    EXPECT_EQ(m_pReader->Releases(), 1);
+    EXPECT_EQ(m_pReader->BadReads(), 0);
+}
+
+TEST_P(EngineConformance, PagesTellSizeBoxAndRotation) {
+    std::vector<ScriptedPage> pages;
+    for (std::int32_t nRotation = 0; nRotation < 4; ++nRotation) {
+        pages.push_back(QuarteredPage(nRotation));
+    }
+    const auto pDoc = Open(pages);
+    ASSERT_EQ(pDoc->GetPageCount(), 4);
+    for (std::int32_t i = 0; i < 4; ++i) {
+        const auto pPage = pDoc->GetPage(i);
+        EXPECT_EQ(pPage->GetIndex(), i);
+        EXPECT_EQ(pPage->GetRotation(), i);
+        EXPECT_FLOAT_EQ(pPage->GetWidth(), (i & 1) != 0 ? 100.0F : 200.0F);
+        EXPECT_FLOAT_EQ(pPage->GetHeight(), (i & 1) != 0 ? 200.0F : 100.0F);
+        const RectF rc = pPage->GetBox(0);
+        EXPECT_FLOAT_EQ(rc.Left, 10.0F);
+        EXPECT_FLOAT_EQ(rc.Bottom, 20.0F);
+        EXPECT_FLOAT_EQ(rc.Right, 210.0F);
+        EXPECT_FLOAT_EQ(rc.Top, 120.0F);
+    }
+    for (const std::int32_t nIndex : {-1, 4, 1'000'000}) {
+        EXPECT_EQ(CodeRaisedBy([&] { pDoc->GetPage(nIndex); }), ErrorCode::e_ErrParam);
+    }
+}
+
+TEST_P(EngineConformance, TheDisplayMatrixFillsTheRectangleInEveryRotation) {
+    // Corners of the page, clockwise from the top left, and the same of the
+    // device rectangle (30, 40) with 300 by 600 pixels.
+    constexpr std::array<PointF, 4> kPage = {
+        {{10.0F, 120.0F}, {210.0F, 120.0F}, {210.0F, 20.0F}, {10.0F, 20.0F}}};
+    constexpr std::array<PointF, 4> kDevice = {
+        {{30.0F, 40.0F}, {330.0F, 40.0F}, {330.0F, 640.0F}, {30.0F, 640.0F}}};
+    for (std::int32_t nRotation = 0; nRotation < 4; ++nRotation) {
+        const auto pPage = OpenPage(QuarteredPage(nRotation));
+        for (std::int32_t nRotate = 0; nRotate < 4; ++nRotate) {
+            const Matrix2D matrix = pPage->GetDisplayMatrix(30, 40, 300, 600, nRotate);
+            Matrix2D back;
+            back.SetReverse(matrix);
+            for (std::size_t i = 0; i < 4; ++i) {
+                // A corner moves on by one for every quarter turn.
+                const PointF want =
+                    kDevice[(i + static_cast<std::size_t>(nRotation + nRotate)) % 4];
+                const PointF pt = matrix.TransformPoint(kPage[i]);
+                EXPECT_NEAR(pt.X, want.X, 0.01F) << nRotation << " " << nRotate << " " << i;
+                EXPECT_NEAR(pt.Y, want.Y, 0.01F) << nRotation << " " << nRotate << " " << i;
+                const PointF ptPage = back.TransformPoint(want);
+                EXPECT_NEAR(ptPage.X, kPage[i].X, 0.01F);
+                EXPECT_NEAR(ptPage.Y, kPage[i].Y, 0.01F);
+            }
+        }
+    }
+}
+
+TEST_P(EngineConformance, DrawingFollowsTheDisplayMatrixInEveryRotation) {
+    for (std::int32_t nRotation = 0; nRotation < 4; ++nRotation) {
+        const auto pPage = OpenPage(QuarteredPage(nRotation));
+        for (std::int32_t nRotate = 0; nRotate < 4; ++nRotate) {
+            for (const double dbScale : {0.5, 1.0, 3.0}) {
+                const auto pBitmap = Render(pPage, WholePage(*pPage, dbScale, nRotate));
+                EXPECT_EQ(QuartersOf(*pBitmap), TurnedQuarters(nRotation + nRotate))
+                    << nRotation << " " << nRotate << " " << dbScale;
+            }
+        }
+    }
+}
+
+TEST_P(EngineConformance, BlocksJoinedAreTheWholePage) {
+    const auto pPage = OpenPage(QuarteredPage(1));
+    for (std::int32_t nRotate = 0; nRotate < 4; ++nRotate) {
+        const View whole = WholePage(*pPage, 2.0, nRotate);
+        const auto pWhole = Render(pPage, whole);
+        auto pJoined = CreateBitmap(whole.nWidth, whole.nHeight);
+        constexpr std::int32_t kBlock = 70;
+        for (View block = whole; block.nTop < whole.nHeight; block.nTop += kBlock) {
+            for (block.nLeft = 0; block.nLeft < whole.nWidth; block.nLeft += kBlock) {
+                block.nWidth = std::min(kBlock, whole.nWidth - block.nLeft);
+                block.nHeight = std::min(kBlock, whole.nHeight - block.nTop);
+                const auto pBlock = Render(pPage, block);
+                for (std::int32_t y = 0; y < block.nHeight; ++y) {
+                    for (std::int32_t x = 0; x < block.nWidth; ++x) {
+                        pJoined->FillRect(PixelAt(*pBlock, x, y),
+                                          {block.nLeft + x, block.nTop + y, block.nLeft + x + 1,
+                                           block.nTop + y + 1});
+                    }
+                }
+            }
+        }
+        const Difference difference = Compare(*pWhole, *pJoined);
+        EXPECT_EQ(difference.nPixels, 0) << "rotation " << nRotate << ", by " << difference.nMax;
+    }
+}
+
+TEST_P(EngineConformance, WhatThePageLeavesOpenKeepsTheBitmapsColour) {
+    ScriptedPage page = QuarteredPage();
+    page.rects = {{{10.0F, 20.0F, 110.0F, 70.0F}, kBottomLeft}};
+    const auto pPage = OpenPage(page);
+    View view = WholePage(*pPage);
+    view.nLeft = -20; // a margin of 20 pixels that is not the page's
+    view.nWidth += 20;
+    auto pBitmap = CreateBitmap(view.nWidth, view.nHeight);
+    pBitmap->FillRect(0xFF123456U, {0, 0, view.nWidth, view.nHeight});
+    CreateRenderer(pBitmap)->StartRender(
+        pPage, pPage->GetDisplayMatrix(20, 0, view.nPageWidth, view.nPageHeight, 0), nullptr);
+    EXPECT_EQ(PixelAt(*pBitmap, 10, 75), 0xFF123456U);
+    EXPECT_EQ(PixelAt(*pBitmap, 20, 75), kBottomLeft);
+    EXPECT_EQ(PixelAt(*pBitmap, 119, 99), kBottomLeft);
+    EXPECT_EQ(PixelAt(*pBitmap, 120, 75), 0xFF123456U);
+    EXPECT_EQ(PixelAt(*pBitmap, 50, 25), 0xFF123456U);
+}
+
+TEST_P(EngineConformance, ContentBeyondThePageIsNotDrawn) {
+    ScriptedPage page = QuarteredPage();
+    page.rects = {{{-500.0F, -500.0F, 900.0F, 900.0F}, kBottomLeft}};
+    const auto pPage = OpenPage(page);
+    auto pBitmap = CreateBitmap(300, 200);
+    pBitmap->FillRect(kWhite, {0, 0, 300, 200});
+    CreateRenderer(pBitmap)->StartRender(pPage, pPage->GetDisplayMatrix(50, 50, 200, 100, 0),
+                                         nullptr);
+    EXPECT_EQ(PixelAt(*pBitmap, 50, 50), kBottomLeft);
+    EXPECT_EQ(PixelAt(*pBitmap, 249, 149), kBottomLeft);
+    EXPECT_EQ(PixelAt(*pBitmap, 49, 100), kWhite);
+    EXPECT_EQ(PixelAt(*pBitmap, 250, 100), kWhite);
+    EXPECT_EQ(PixelAt(*pBitmap, 150, 49), kWhite);
+    EXPECT_EQ(PixelAt(*pBitmap, 150, 150), kWhite);
+}
+
+TEST_P(EngineConformance, MappedColoursRunFromForegroundToBackground) {
+    constexpr std::uint32_t kPaper = 0xFF102030U;
+    constexpr std::uint32_t kInk = 0xFFE0D0C0U;
+    ScriptedPage page = QuarteredPage();
+    page.rects = {{{10.0F, 20.0F, 110.0F, 120.0F}, kBlack},
+                  {{110.0F, 20.0F, 160.0F, 120.0F}, kWhite}};
+    const auto pPage = OpenPage(page);
+    View view = WholePage(*pPage);
+    view.nBackColor = kPaper;
+    view.nForeColor = kInk;
+    const auto pBitmap = Render(pPage, view);
+    EXPECT_EQ(PixelAt(*pBitmap, 50, 50), kInk);
+    EXPECT_EQ(PixelAt(*pBitmap, 120, 50), kPaper);
+    EXPECT_EQ(PixelAt(*pBitmap, 180, 50), kPaper) << "bare paper";
+}
+
+TEST_P(EngineConformance, ParsingIsMarkedAndItsProgressEnds) {
+    const auto pPage = OpenPage(QuarteredPage());
+    EXPECT_FALSE(pPage->IsParsed());
+    const auto pProgress = pPage->StartParse(0, nullptr, 0);
+    ASSERT_TRUE(pProgress);
+    int nSteps = 0;
+    std::int32_t nState = pProgress->Continue();
+    while (nState == Progressive::kToBeContinued && nSteps < 1000) {
+        nState = pProgress->Continue();
+        ++nSteps;
+    }
+    EXPECT_EQ(nState, Progressive::kFinished);
+    EXPECT_TRUE(pPage->IsParsed());
+}
+
+TEST_P(EngineConformance, AnnotationsAreDrawnOneByOne) {
+    ScriptedPage page = QuarteredPage();
+    page.annots = {{5, {20.0F, 30.0F, 60.0F, 50.0F}, 0xFF00FFFFU},
+                   {0, {}, 0},
+                   {13, {120.0F, 80.0F, 160.0F, 100.0F}, 0xFFFF00FFU}};
+    const auto pPage = OpenPage(page);
+    ASSERT_EQ(pPage->GetAnnotCount(), 3);
+    const auto pSquare = pPage->GetAnnot(0);
+    const auto pStamp = pPage->GetAnnot(2);
+    ASSERT_TRUE(pSquare);
+    EXPECT_EQ(pSquare->GetType(), 5);
+    EXPECT_FALSE(pPage->GetAnnot(1));
+    ASSERT_TRUE(pStamp);
+    EXPECT_EQ(pStamp->GetType(), 13);
+    for (const std::int32_t nIndex : {-1, 3}) {
+        EXPECT_NE(CodeRaisedBy([&] { pPage->GetAnnot(nIndex); }), ErrorCode::e_ErrSuccess);
+    }
+
+    // The content leaves them out; each then draws itself and nothing else.
+    auto pBitmap = Render(pPage, WholePage(*pPage));
+    EXPECT_EQ(PixelAt(*pBitmap, 20, 80), kBottomLeft);
+    const auto pRenderer = CreateRenderer(pBitmap);
+    const Matrix2D matrix = pPage->GetDisplayMatrix(0, 0, 200, 100, 0);
+    EXPECT_TRUE(pRenderer->RenderAnnot(pSquare, matrix));
+    EXPECT_EQ(PixelAt(*pBitmap, 11, 80), 0xFF00FFFFU);
+    EXPECT_EQ(PixelAt(*pBitmap, 48, 80), 0xFF00FFFFU);
+    EXPECT_EQ(PixelAt(*pBitmap, 52, 80), kBottomLeft);
+    EXPECT_EQ(PixelAt(*pBitmap, 130, 30), kTopRight);
+    EXPECT_TRUE(pRenderer->RenderAnnot(pStamp, matrix));
+    EXPECT_EQ(PixelAt(*pBitmap, 130, 30), 0xFFFF00FFU);
+}
+
+TEST_P(EngineConformance, ASetAbortFlagEndsADrawingAsCancelled) {
+    ScriptedPage page = QuarteredPage();
+    page.annots = {{5, {20.0F, 30.0F, 60.0F, 50.0F}, 0xFF00FFFFU}};
+    const auto pPage = OpenPage(page);
+    auto pBitmap = CreateBitmap(200, 100);
+    const auto pRenderer = CreateRenderer(pBitmap);
+    const auto pAbort = std::make_shared<std::atomic<bool>>(true);
+    pRenderer->SetAbortFlag(pAbort);
+    const Matrix2D matrix = pPage->GetDisplayMatrix(0, 0, 200, 100, 0);
+    EXPECT_THROW(pRenderer->StartRender(pPage, matrix, nullptr), concurrency::task_canceled);
+    EXPECT_THROW(pRenderer->RenderAnnot(pPage->GetAnnot(0), matrix), concurrency::task_canceled);
+    EXPECT_EQ(PixelAt(*pBitmap, 100, 50), 0U);
+
+    // A flag that is not set changes nothing, and an abort leaves no trace.
+    *pAbort = false;
+    pRenderer->StartRender(pPage, matrix, nullptr);
+    EXPECT_EQ(QuartersOf(*pBitmap), TurnedQuarters(0));
+}
+
+TEST_P(EngineConformance, BitmapsAreZeroAndFillClipped) {
+    const auto pBitmap = CreateBitmap(10, 5);
+    EXPECT_EQ(pBitmap->GetWidth(), 10);
+    EXPECT_EQ(pBitmap->GetHeight(), 5);
+    ASSERT_EQ(pBitmap->GetBuffer().size(), 200U);
+    EXPECT_EQ(PixelAt(*pBitmap, 9, 4), 0U);
+    pBitmap->FillRect(0xFF102030U, {-5, -5, 3, 2});
+    pBitmap->FillRect(0x80FF0000U, {8, 3, 100, 100});
+    pBitmap->FillRect(kWhite, {5, 1, 4, 4}); // nothing
+    EXPECT_EQ(PixelAt(*pBitmap, 0, 0), 0xFF102030U);
+    EXPECT_EQ(PixelAt(*pBitmap, 2, 1), 0xFF102030U);
+    EXPECT_EQ(PixelAt(*pBitmap, 3, 1), 0U);
+    EXPECT_EQ(PixelAt(*pBitmap, 2, 2), 0U);
+    EXPECT_EQ(PixelAt(*pBitmap, 9, 4), 0x80800000U) << "multiplied by its alpha";
+    EXPECT_EQ(PixelAt(*pBitmap, 4, 2), 0U);
+    EXPECT_EQ(pBitmap->GetBuffer()[2], 0x10U) << "red is the third byte";
+}
+
+TEST_P(EngineConformance, BitmapsOfScreensAreMadeAndAbsurdOnesRefused) {
+    EXPECT_EQ(CreateBitmap(2 * 3840, 2 * 2160)->GetBuffer().size(), 4U * 7680 * 4320);
+    EXPECT_EQ(CodeRaisedBy([] { CreateBitmap(0, 5); }), ErrorCode::e_ErrParam);
+    EXPECT_EQ(CodeRaisedBy([] { CreateBitmap(5, -1); }), ErrorCode::e_ErrParam);
+    EXPECT_EQ(CodeRaisedBy([] { CreateBitmap(0x7FFFFFFF, 0x7FFFFFFF); }),
+              ErrorCode::e_ErrOutOfMemory);
+    const auto pFactory =
+        Platform::GetActivationFactory<common::IBitmapFactory>(common::kBitmapClass);
+    EXPECT_EQ(CodeRaisedBy([&] { pFactory->Create(5, 5, 24, nullptr, 0); }), ErrorCode::e_ErrParam);
+}
+
+TEST_P(EngineConformance, StrangersAreRefused) {
+    class OtherAnnot final : public pdf::IAnnot {
+        std::int32_t GetType() const override { return 5; }
+    };
+    const auto pRenderer = CreateRenderer(CreateBitmap(10, 10));
+    EXPECT_EQ(CodeRaisedBy([&] { pRenderer->StartRender(nullptr, {}, nullptr); }),
+              ErrorCode::e_ErrParam);
+    EXPECT_EQ(CodeRaisedBy([&] { pRenderer->RenderAnnot(std::make_shared<OtherAnnot>(), {}); }),
+              ErrorCode::e_ErrParam);
+    EXPECT_EQ(CodeRaisedBy([] { CreateRenderer(nullptr); }), ErrorCode::e_ErrParam);
+}
+
+TEST_P(EngineConformance, MatricesWithoutAnInverseDrawNothing) {
+    const auto pPage = OpenPage(QuarteredPage());
+    const auto pBitmap = CreateBitmap(20, 20);
+    const auto pRenderer = CreateRenderer(pBitmap);
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    for (const Matrix2D& matrix :
+         {Matrix2D{0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F}, pPage->GetDisplayMatrix(0, 0, 0, 0, 0),
+          Matrix2D{kInfinity, 0.0F, 0.0F, 1.0F, 0.0F, 0.0F},
+          Matrix2D{1.0F, 0.0F, 0.0F, 1.0F, std::numeric_limits<float>::quiet_NaN(), 0.0F}}) {
+        pRenderer->StartRender(pPage, matrix, nullptr);
+        EXPECT_EQ(PixelAt(*pBitmap, 10, 10), 0U);
+    }
+}
+
+}

@@ -1,0 +1,148 @@
+// Time budgets, aborts and the bound on what is kept.
+
+#include <chrono>
+#include <thread>
+
+#include "engines/mupdf/Allocator.h"
+#include "engines/mupdf/DisplayListCache.h"
+#include "platform/concurrency/Cancellation.h"
+#include "tests/engine/MuPdfFixture.h"
+
+namespace velko::testing {
+
+using engines::mupdf::DisplayListCache;
+using engines::mupdf::SetBudgets;
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+namespace {
+
+// Far above what is needed, far below what the work would take.
+constexpr milliseconds kPatience{5000};
+
+milliseconds Since(Clock::time_point start) {
+    return std::chrono::duration_cast<milliseconds>(Clock::now() - start);
+}
+
+// Sets the flag once the engine is at work on another thread.
+void AbortWhenAtWork(const std::shared_ptr<std::atomic<bool>>& pAbort) {
+    const std::size_t nBefore = engines::mupdf::EngineBytes();
+    while (engines::mupdf::EngineBytes() == nBefore) {
+        std::this_thread::yield();
+    }
+    *pAbort = true;
+}
+
+}
+
+class LimitsTest : public MuPdfTest {};
+
+TEST_F(LimitsTest, AParseBeyondItsBudgetKeepsWhatItHas) {
+    const auto pDoc = OpenDoc(NestedFormsDocument(12));
+    ASSERT_TRUE(pDoc);
+    SetBudgets({milliseconds(100), milliseconds(200)});
+    const auto pPage = pDoc->GetPage(0);
+    const auto start = Clock::now();
+    EXPECT_EQ(pPage->StartParse(0, nullptr, 0)->Continue(), common::Progressive::kFinished);
+    EXPECT_TRUE(pPage->IsParsed());
+    const auto pBitmap = Render(pPage, WholePage(*pPage));
+    EXPECT_LT(Since(start), kPatience);
+    EXPECT_EQ(PixelAt(*pBitmap, 50, 50), 0xFFFF0000U) << "what came before the bomb";
+}
+
+TEST_F(LimitsTest, AParseIsAbortedByARendersFlag) {
+    const auto pDoc = OpenDoc(NestedFormsDocument(12));
+    ASSERT_TRUE(pDoc);
+    const auto pPage = pDoc->GetPage(0);
+    View view = WholePage(*pPage);
+    const auto pAbort = std::make_shared<std::atomic<bool>>(false);
+    view.pAbort = pAbort;
+    std::thread aborter([&] { AbortWhenAtWork(pAbort); });
+    const auto start = Clock::now();
+    EXPECT_THROW(Render(pPage, view), concurrency::task_canceled);
+    EXPECT_LT(Since(start), kPatience);
+    aborter.join();
+    EXPECT_FALSE(pPage->IsParsed());
+}
+
+TEST_F(LimitsTest, ARenderIsAbortedWhileItDraws) {
+    const auto pDoc = OpenDoc(StrokesDocument(60'000));
+    ASSERT_TRUE(pDoc);
+    const auto pPage = pDoc->GetPage(0);
+    pPage->StartParse(0, nullptr, 0);
+    View view = WholePage(*pPage, 4.0);
+    const auto pAbort = std::make_shared<std::atomic<bool>>(false);
+    view.pAbort = pAbort;
+    Clock::time_point timeSet;
+    std::thread aborter([&] {
+        AbortWhenAtWork(pAbort);
+        timeSet = Clock::now();
+    });
+    EXPECT_THROW(Render(pPage, view), concurrency::task_canceled);
+    const auto timeEnd = Clock::now();
+    aborter.join();
+    RecordProperty(
+        "stopped_after_us",
+        static_cast<int>(
+            std::chrono::duration_cast<std::chrono::microseconds>(timeEnd - timeSet).count()));
+    EXPECT_LT(timeEnd - timeSet, milliseconds(500));
+}
+
+TEST_F(LimitsTest, ARenderBeyondItsBudgetKeepsWhatItHas) {
+    const auto pDoc = OpenDoc(StrokesDocument(60'000));
+    ASSERT_TRUE(pDoc);
+    const auto pPage = pDoc->GetPage(0);
+    pPage->StartParse(0, nullptr, 0);
+    SetBudgets({milliseconds(10'000), milliseconds(50)});
+    const auto start = Clock::now();
+    const auto pBitmap = Render(pPage, WholePage(*pPage, 2.0));
+    EXPECT_LT(Since(start), kPatience);
+    auto pBlank = CreateBitmap(pBitmap->GetWidth(), pBitmap->GetHeight());
+    pBlank->FillRect(kWhite, {0, 0, pBlank->GetWidth(), pBlank->GetHeight()});
+    EXPECT_GT(Compare(*pBitmap, *pBlank).nPixels, 0);
+}
+
+TEST_F(LimitsTest, KeptPagesStayWithinTheBoundAndComeBackAlike) {
+    constexpr int kPages = 12;
+    const auto pDoc = OpenDoc(MixedDocument(kPages));
+    ASSERT_TRUE(pDoc);
+    std::vector<std::shared_ptr<common::Bitmap>> pictures;
+    for (std::int32_t i = 0; i < kPages; ++i) {
+        const auto pPage = pDoc->GetPage(i);
+        pictures.push_back(Render(pPage, WholePage(*pPage)));
+    }
+    DisplayListCache& cache = DisplayListCache::Instance();
+    const std::size_t nAll = cache.Bytes();
+    ASSERT_GE(cache.Count(), static_cast<std::size_t>(kPages));
+
+    cache.SetLimits({nAll / 3, nAll / 3});
+    EXPECT_LE(cache.Bytes(), nAll / 3);
+    EXPECT_LT(cache.Count(), static_cast<std::size_t>(kPages));
+    for (std::int32_t i = 0; i < kPages; ++i) {
+        const auto pPage = pDoc->GetPage(i);
+        const auto pAgain = Render(pPage, WholePage(*pPage));
+        EXPECT_EQ(Compare(*pictures[static_cast<std::size_t>(i)], *pAgain).nPixels, 0) << i;
+        EXPECT_LE(cache.Bytes(), nAll / 3);
+    }
+
+    // A bound that no page meets keeps the one that is in use.
+    cache.SetLimits({1, 1});
+    const auto pPage = pDoc->GetPage(5);
+    EXPECT_EQ(Compare(*pictures[5], *Render(pPage, WholePage(*pPage))).nPixels, 0);
+    EXPECT_EQ(cache.Count(), 1U);
+}
+
+TEST_F(LimitsTest, ClosingADocumentGivesItsMemoryBack) {
+    DisplayListCache& cache = DisplayListCache::Instance();
+    const std::size_t nCount = cache.Count();
+    for (int i = 0; i < 3; ++i) {
+        auto pDoc = OpenDoc(MixedDocument(3));
+        ASSERT_TRUE(pDoc);
+        pDoc->GetPage(0)->StartParse(0, nullptr, 0);
+        EXPECT_GT(cache.Count(), nCount);
+        pDoc.reset();
+        EXPECT_EQ(cache.Count(), nCount);
+    }
+}
+
+}

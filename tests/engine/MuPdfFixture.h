@@ -1,0 +1,40 @@
+// Documents and helpers for the tests of the engine on MuPDF.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "document/engine/ErrorCode.h"
+#include "engines/mupdf/Operation.h"
+#include "tests/engine/EngineFixture.h"
+
+namespace velko::testing {
+
+class MuPdfTest : public ::testing::Test {
+protected:
+    void SetUp() override;    // registers the engine
+    void TearDown() override; // limits and budgets as they were
+};
+
+// Pages with text, curves and a picture of noise, 300 by 200 points.
+std::string MixedDocument(int nPages = 1);
+
+// A page of `nStrokes` long curved strokes.
+std::string StrokesDocument(int nStrokes);
+
+// `nDepth` forms, each drawing the next one ten times: 10 to the `nDepth` rectangles.
+std::string NestedFormsDocument(int nDepth);
+
+// The code of the engine's exception that `fnCall` raises; success for none.
+template <class Call>
+common::ErrorCode EngineCodeOf(Call&& fnCall) {
+    try {
+        fnCall();
+    } catch (const common::EngineException& error) {
+        return error.Code();
+    }
+    return common::ErrorCode::e_ErrSuccess;
+}
+
+}

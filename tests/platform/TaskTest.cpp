@@ -1,0 +1,278 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/concurrency/Task.h"
+#include "platform/fake/TestHost.h"
+#include "platform/foundation/Exception.h"
+
+namespace {
+
+using concurrency::cancellation_token;
+using concurrency::cancellation_token_source;
+using concurrency::create_task;
+using concurrency::resume_background;
+using concurrency::resume_foreground;
+using concurrency::task;
+using concurrency::task_canceled;
+using concurrency::task_completion_event;
+using Platform::Fake::ManualDispatcher;
+using Platform::Fake::TestHost;
+
+task<int> AddOne(task<int> before) {
+    co_return co_await before + 1;
+}
+
+task<std::string> NameOfOutcome(task<int> subject) {
+    co_await subject.settled();
+    co_return subject.is_value() ? "value" : subject.is_canceled() ? "canceled" : "failure";
+}
+
+TEST(TaskTest, ThreeOutcomesPassThroughACoroutineAndAContinuation) {
+    const TestHost host;
+    const task_completion_event<int> value;
+    const task_completion_event<int> failure;
+    const task_completion_event<int> canceled;
+    std::vector<task<int>> ends;
+    for (const auto* pEvent : {&value, &failure, &canceled}) {
+        ends.push_back(AddOne(pEvent->get_task()).then([](int n) { return n * 10; }));
+    }
+    int nContinuations = 0;
+    const task<int> skipped = canceled.get_task().then([&](int n) {
+        ++nContinuations;
+        return n;
+    });
+    value.set(4);
+    failure.set_exception(std::make_exception_ptr(Platform::DiskFullException()));
+    canceled.set_canceled();
+
+    EXPECT_EQ(ends[0].get(), 50);
+    EXPECT_THROW(ends[1].get(), Platform::DiskFullException);
+    EXPECT_THROW(ends[2].get(), task_canceled);
+    EXPECT_TRUE(skipped.is_canceled());
+    EXPECT_EQ(nContinuations, 0);
+    EXPECT_EQ(NameOfOutcome(ends[0]).get(), "value");
+    EXPECT_EQ(NameOfOutcome(ends[1]).get(), "failure");
+    EXPECT_EQ(NameOfOutcome(ends[2]).get(), "canceled");
+}
+
+TEST(TaskTest, ATaskEndsOnce) {
+    const TestHost host;
+    const task_completion_event<int> once;
+    once.set(1);
+    once.set(2);
+    once.set_canceled();
+    EXPECT_EQ(once.get_task().get(), 1);
+}
+
+TEST(TaskTest, AContinuationOfTheTaskSeesEveryOutcome) {
+    const TestHost host;
+    const task_completion_event<void> canceled;
+    const auto seen = canceled.get_task().then([](task<void> t) { return t.is_canceled(); });
+    canceled.set_canceled();
+    EXPECT_TRUE(seen.get());
+}
+
+struct Trace {
+    std::vector<std::string> steps;
+    void Here(const TestHost& host, const char* pszStep) {
+        steps.push_back(std::string(pszStep) +
+                        (host.Dispatcher().HasThreadAccess() ? " on UI" : " off UI"));
+    }
+};
+
+task<void> GoThere(const TestHost& host, Trace& trace, task<int> wait) {
+    trace.Here(host, "start");
+    co_await wait;
+    trace.Here(host, "after wait");
+    co_await resume_background();
+    trace.Here(host, "background");
+    co_await resume_foreground(host.Environment().MainDispatcher());
+    trace.Here(host, "foreground");
+}
+
+TEST(TaskTest, ACoroutineResumesWhereItWaited) {
+    TestHost host;
+    Trace trace;
+    const task_completion_event<int> wait;
+    const task<void> whole = GoThere(host, trace, wait.get_task());
+    std::thread([&] { wait.set(1); }).join();
+    EXPECT_EQ(trace.steps, std::vector<std::string>{"start on UI"}); // posted, not run elsewhere
+    EXPECT_EQ(host.Dispatcher().Pending(), 1U);
+    host.Drain();
+    EXPECT_EQ(trace.steps, (std::vector<std::string>{"start on UI", "after wait on UI",
+                                                     "background off UI", "foreground on UI"}));
+    EXPECT_TRUE(whole.is_value());
+}
+
+TEST(TaskTest, AWorkThatNeverRunsEndsItsTaskAsCancelledAndFreesIt) {
+    auto pOwned = std::make_shared<int>(7);
+    task<int> dropped;
+    task<int> behind;
+    task<int> queued;
+    {
+        TestHost host;
+        dropped = create_task([pOwned] { return *pOwned; });
+        behind = AddOne(dropped);
+        EXPECT_TRUE(host.Pool().Drop(0));
+        EXPECT_TRUE(dropped.is_canceled());
+        host.Drain();
+        EXPECT_TRUE(behind.is_canceled());
+        EXPECT_EQ(pOwned.use_count(), 1);
+        queued = create_task([pOwned] { return *pOwned; });
+    }
+    EXPECT_TRUE(queued.is_canceled());
+    EXPECT_EQ(pOwned.use_count(), 1);
+}
+
+TEST(TaskTest, AnEventThatNobodyTellsAnyMoreCancelsItsTask) {
+    const TestHost host;
+    task<int> waiting;
+    {
+        const task_completion_event<int> forgotten;
+        const task_completion_event<int> copy = forgotten; // NOLINT: a copy keeps it alive
+        waiting = AddOne(copy.get_task());
+        EXPECT_FALSE(waiting.is_done());
+    }
+    EXPECT_TRUE(waiting.is_canceled());
+}
+
+TEST(TaskTest, OnlyAFailureThatNobodyLookedAtIsLogged) {
+    const TestHost host;
+    const auto fnFail = []() -> task<int> {
+        throw Platform::ReadFaultException("sector 5");
+        co_return 0;
+    };
+    fnFail();
+    EXPECT_EQ(
+        host.CountDebug("unobserved failure of a task: Platform::ReadFaultException: sector 5\n"),
+        1U);
+    EXPECT_THROW(fnFail().get(), Platform::ReadFaultException);
+    const Windows::Foundation::AsyncOperation<int> operation(fnFail());
+    operation.Completed([](const auto&, Windows::Foundation::AsyncStatus) {});
+    EXPECT_EQ(host.DebugOutput().size(), 1U);
+}
+
+TEST(TaskTest, TheHandlerOfAnOperationHearsEveryStatusAndItsOwnFailureIsLogged) {
+    using Windows::Foundation::AsyncStatus;
+    const TestHost host;
+    std::vector<AsyncStatus> heard;
+    const auto fnHear = [&](const Windows::Foundation::AsyncOperation<int>& operation,
+                            AsyncStatus eStatus) {
+        EXPECT_EQ(operation.Status(), eStatus);
+        heard.push_back(eStatus);
+    };
+    const task_completion_event<int> value;
+    const task_completion_event<int> canceled;
+    const task_completion_event<int> failure;
+    for (const auto* pEvent : {&value, &canceled, &failure}) {
+        const Windows::Foundation::AsyncOperation<int> operation(pEvent->get_task());
+        EXPECT_EQ(operation.Status(), AsyncStatus::Started);
+        operation.Completed(fnHear);
+    }
+    value.set(1);
+    canceled.set_canceled();
+    failure.set_exception(std::make_exception_ptr(Platform::ReadFaultException()));
+    EXPECT_EQ(heard, (std::vector<AsyncStatus>{AsyncStatus::Completed, AsyncStatus::Canceled,
+                                               AsyncStatus::Error}));
+    const Windows::Foundation::AsyncOperation<int> ended(value.get_task());
+    ended.Completed([](const auto&, AsyncStatus) { throw std::runtime_error("handler broke"); });
+    EXPECT_TRUE(host.DebugContains("handler broke"));
+}
+
+TEST(TaskTest, WhenAllWaitsForAllAndTellsTheFirstFailure) {
+    const TestHost host;
+    using Events = std::vector<task_completion_event<void>>;
+    const auto fnAll = [](const Events& events, cancellation_token token) {
+        std::vector<task<void>> tasks;
+        for (const auto& event : events) {
+            tasks.push_back(event.get_task());
+        }
+        return concurrency::when_all(tasks, token);
+    };
+    const auto none = cancellation_token::none();
+
+    const Events failing(3);
+    const task<void> first = fnAll(failing, none);
+    failing[2].set_exception(std::make_exception_ptr(std::runtime_error("third")));
+    failing[1].set_exception(std::make_exception_ptr(Platform::DiskFullException()));
+    EXPECT_FALSE(first.is_done());
+    failing[0].set_canceled();
+    EXPECT_THROW(first.get(), Platform::DiskFullException); // in list order, and before cancelled
+
+    const Events canceled(2);
+    const task<void> second = fnAll(canceled, none);
+    canceled[0].set_canceled();
+    canceled[1].set();
+    EXPECT_TRUE(second.is_canceled());
+
+    const cancellation_token_source source;
+    const Events good(1);
+    const task<void> third = fnAll(good, source.get_token());
+    source.cancel();
+    EXPECT_FALSE(third.is_done()); // cancelling only asks
+    good[0].set();
+    EXPECT_TRUE(third.is_canceled());
+
+    EXPECT_TRUE(concurrency::when_all({}).is_value());
+}
+
+TEST(TaskTest, CancellationBeforeTheStartDuringAndAfter) {
+    TestHost host;
+    int nRuns = 0;
+    cancellation_token_source early;
+    early.cancel();
+    const auto never = create_task([&] { return ++nRuns; }, early.get_token());
+    EXPECT_TRUE(never.is_canceled()); // needs no thread to know it
+    EXPECT_EQ(host.Pool().Pending(), 0U);
+
+    cancellation_token_source queued;
+    const auto skipped = create_task([&] { return ++nRuns; }, queued.get_token());
+    queued.cancel();
+    host.Drain();
+    EXPECT_TRUE(skipped.is_canceled());
+    EXPECT_EQ(nRuns, 0);
+
+    cancellation_token_source during;
+    const auto token = during.get_token();
+    const auto stopped = create_task(
+        [&, token] {
+            ++nRuns;
+            during.cancel();
+            token.throw_if_canceled();
+            return ++nRuns;
+        },
+        token);
+    host.Drain();
+    EXPECT_TRUE(stopped.is_canceled());
+    EXPECT_EQ(nRuns, 1);
+
+    cancellation_token_source late;
+    const auto done = create_task([&] { return ++nRuns; }, late.get_token());
+    host.Drain();
+    late.cancel();
+    EXPECT_EQ(done.get(), 2);
+}
+
+TEST(TaskTest, ARenewedSourceLeavesOldTokensCancelledAndGivesFreshOnes) {
+    cancellation_token_source source;
+    const auto old = source.get_token();
+    EXPECT_TRUE(source.renew());
+    EXPECT_TRUE(old.is_canceled());
+    EXPECT_FALSE(source.get_token().is_canceled());
+    source.cancel();
+    EXPECT_FALSE(source.renew());
+    EXPECT_TRUE(source.get_token().is_canceled());
+
+    auto absent = cancellation_token_source::absent();
+    EXPECT_FALSE(absent.renew());
+    absent.cancel();
+    EXPECT_FALSE(absent.get_token().is_canceled());
+    EXPECT_EQ(absent.get_token().flag(), nullptr);
+}
+
+}

@@ -1,0 +1,142 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include "platform/concurrency/CriticalSection.h"
+#include "platform/concurrency/Task.h"
+#include "platform/concurrency/ThreadPool.h"
+#include "platform/fake/TestHost.h"
+#include "tests/platform/Eventually.h"
+
+namespace {
+
+using concurrency::critical_section;
+using concurrency::ThreadPool;
+using Platform::Fake::TestHost;
+
+TEST(ThreadPoolTest, GrowsWhileItsThreadsBlockAndNotOtherwise) {
+    constexpr int kBlocked = 12;
+    std::atomic<int> nWaiting{0};
+    std::atomic<bool> bThrough{false};
+    concurrency::event release[kBlocked];
+    std::atomic<int> nBusy{0};
+    std::atomic<int> nMostBusy{0};
+    std::atomic<int> nEnded{0};
+    ThreadPool pool(2);
+    for (auto& gate : release) {
+        pool.schedule([&] {
+            ++nWaiting;
+            gate.wait();
+            ++nEnded;
+        });
+    }
+    pool.schedule([&] { bThrough = true; });
+    EXPECT_TRUE(Eventually([&] { return nWaiting == kBlocked && bThrough; }));
+    for (int n = 0; n < 40; ++n) {
+        pool.schedule([&] {
+            const int nNow = ++nBusy;
+            int nMost = nMostBusy;
+            while (nNow > nMost && !nMostBusy.compare_exchange_weak(nMost, nNow)) {
+            }
+            std::this_thread::yield();
+            --nBusy;
+            ++nEnded;
+        });
+    }
+    EXPECT_TRUE(Eventually([&] { return nEnded == 40; }));
+    EXPECT_LE(nMostBusy, 2);
+    for (auto& gate : release) {
+        gate.set();
+    }
+    EXPECT_TRUE(Eventually([&] { return nEnded == 40 + kBlocked; }));
+    EXPECT_TRUE(Eventually([&] { return pool.is_idle(); }));
+}
+
+TEST(ThreadPoolTest, TheEndLetsRunningWorksFinishAndDropsTheRest) {
+    auto pToken = std::make_shared<int>(0);
+    std::atomic<bool> bStarted{false};
+    std::atomic<bool> bFinished{false};
+    std::atomic<bool> bGo{false};
+    auto pPool = std::make_unique<ThreadPool>(1);
+    pPool->schedule([&] {
+        bStarted = true;
+        while (!bGo) {
+            std::this_thread::yield();
+        }
+        bFinished = true;
+    });
+    ASSERT_TRUE(Eventually([&] { return bStarted.load(); }));
+    pPool->schedule([pToken, &bFinished] { bFinished = false; });
+    std::thread ender([&] { pPool.reset(); });
+    EXPECT_TRUE(Eventually([&] { return pToken.use_count() == 1; }));
+    bGo = true;
+    ender.join();
+    EXPECT_TRUE(bFinished);
+}
+
+TEST(ThreadPoolTest, ChainsOverManyThreadsAllEnd) {
+    TestHost host(TestHost::RealPool{3});
+    constexpr int kChains = 200;
+    std::atomic<int> nSum{0};
+    critical_section lock;
+    int nGuarded = 0;
+    const auto fnChain = [&](int n) -> concurrency::task<void> {
+        co_await concurrency::resume_background();
+        {
+            const critical_section::scoped_lock guard(lock);
+            ++nGuarded;
+        }
+        nSum += n;
+        co_await concurrency::resume_foreground(host.Environment().MainDispatcher());
+        EXPECT_TRUE(host.Dispatcher().HasThreadAccess());
+    };
+    std::vector<concurrency::task<void>> chains;
+    for (int n = 0; n < kChains; ++n) {
+        chains.push_back(fnChain(n));
+    }
+    const auto all = concurrency::when_all(chains);
+    EXPECT_TRUE(host.WaitUntil([&] { return all.is_done(); }));
+    EXPECT_TRUE(all.is_value());
+    EXPECT_EQ(nSum, kChains * (kChains - 1) / 2);
+    const critical_section::scoped_lock guard(lock);
+    EXPECT_EQ(nGuarded, kChains);
+}
+
+TEST(CriticalSectionTest, ThreadsGetItInTheOrderInWhichTheyCame) {
+    constexpr int kThreads = 8;
+    critical_section lock;
+    std::vector<int> order;
+    std::vector<std::thread> threads;
+    lock.lock();
+    lock.lock(); // the holder may take it again
+    EXPECT_TRUE(lock.is_held_by_caller());
+    class Arrival final : public concurrency::blocking_scope::observer {
+    public:
+        void begin_blocking() override { bWaits = true; } // runs once the place is taken
+        void end_blocking() override {}
+        std::atomic<bool> bWaits{false};
+    };
+    std::vector<Arrival> arrivals(kThreads);
+    for (int n = 0; n < kThreads; ++n) {
+        threads.emplace_back([&, n] {
+            concurrency::blocking_scope::set_thread_observer(&arrivals[static_cast<size_t>(n)]);
+            const critical_section::scoped_lock guard(lock);
+            order.push_back(n);
+        });
+        ASSERT_TRUE(Eventually([&] { return arrivals[static_cast<size_t>(n)].bWaits.load(); }));
+    }
+    lock.unlock();
+    EXPECT_TRUE(lock.is_held_by_caller()); // one level is left
+    EXPECT_TRUE(order.empty());
+    lock.unlock();
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(order, (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7}));
+    EXPECT_FALSE(lock.is_held_by_caller());
+}
+
+}

@@ -1,0 +1,372 @@
+#include "platform/qt/QtElementWindow.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QTest>
+#include <QWheelEvent>
+#include <algorithm>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "platform/qt/QtGraphicsFactory.h"
+#include "platform/qt/QtSwapChain.h"
+#include "tests/qt/EventLoop.h"
+
+namespace velko {
+namespace {
+
+namespace Graphics = Windows::Graphics;
+namespace Input = Windows::UI::Xaml::Input;
+namespace Controls = Windows::UI::Xaml::Controls;
+using Platform::Qt::QtElementWindow;
+using Platform::Qt::QtEnvironment;
+using Windows::Foundation::Point;
+using Windows::Foundation::Size;
+
+class QtElementWindowTest : public ::testing::Test {
+protected:
+    QtElementWindowTest() {
+        m_pRoot->AppendChild(m_pPanel);
+        m_pPanel->ManipulationStarted.add([this](auto& args) { Note("started", args.Position); });
+        m_pPanel->ManipulationDelta.add([this](auto& args) {
+            m_deltas.push_back(args);
+            Note("delta", args.Position);
+        });
+        m_pPanel->ManipulationCompleted.add(
+            [this](auto& args) { Note("completed", args.Position); });
+        m_pPanel->Tapped.add([this](auto& args) { Note("tapped", args.Position); });
+        m_pPanel->PointerCaptureLost.add([this](auto&) { m_log.emplace_back("lost"); });
+        m_pPanel->PointerWheelChanged.add([this](auto& args) {
+            m_log.push_back(std::string(args.IsHorizontalMouseWheel ? "across " : "wheel ") +
+                            std::to_string(args.MouseWheelDelta) +
+                            (m_pEnvironment->IsControlKeyDown() ? " ctrl" : ""));
+        });
+    }
+    ~QtElementWindowTest() override {
+        m_pWindow.reset();
+        m_pDispatcher->ShutDown();
+    }
+
+    void MakeWindow(QtEnvironment::Options options = {}) {
+        m_pEnvironment = std::make_shared<QtEnvironment>(m_pDispatcher, std::move(options));
+        m_pWindow = std::make_unique<QtElementWindow>(m_pEnvironment, m_pRoot);
+        m_pWindow->OnFailure = [this](const std::exception_ptr& pError) {
+            try {
+                std::rethrow_exception(pError);
+            } catch (const std::exception& failure) {
+                m_log.emplace_back(failure.what());
+            }
+        };
+        m_pWindow->resize(400, 300);
+        m_pWindow->show();
+        QCoreApplication::processEvents();
+        m_log.clear();
+    }
+
+    void Note(const char* szWhat, Point pt) {
+        m_log.push_back(std::string(szWhat) + " " + std::to_string(static_cast<int>(pt.X)) + "," +
+                        std::to_string(static_cast<int>(pt.Y)));
+    }
+
+    void Mouse(QEvent::Type eType, QPointF pt, bool bDown) {
+        const Qt::MouseButton eButton = eType == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+        QMouseEvent event(eType, pt, m_pWindow->mapToGlobal(pt), eButton,
+                          bDown ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_pWindow.get(), &event);
+    }
+    void Press(QPointF pt) { Mouse(QEvent::MouseButtonPress, pt, true); }
+    void Move(QPointF pt) { Mouse(QEvent::MouseMove, pt, true); }
+    void Release(QPointF pt) { Mouse(QEvent::MouseButtonRelease, pt, false); }
+
+    void Wheel(QPoint angle, Qt::KeyboardModifiers modifiers = Qt::NoModifier, QPoint pixels = {},
+               Qt::ScrollPhase ePhase = Qt::NoScrollPhase) {
+        QWheelEvent event(QPointF(20, 30), m_pWindow->mapToGlobal(QPointF(20, 30)), pixels, angle,
+                          Qt::NoButton, modifiers, ePhase, false);
+        QCoreApplication::sendEvent(m_pWindow.get(), &event);
+    }
+
+    // Fingers by number; each call gives the place of all that are down.
+    void PressFinger(int nFinger, QPoint pt) {
+        QTest::touchEvent(m_pWindow.get(), m_pTouchScreen).press(nFinger, pt);
+    }
+    void MoveFingers(QPoint ptFirst, QPoint ptSecond) {
+        QTest::touchEvent(m_pWindow.get(), m_pTouchScreen).move(0, ptFirst).move(1, ptSecond);
+    }
+    void AddFinger(QPoint ptFirst, QPoint pt) {
+        QTest::touchEvent(m_pWindow.get(), m_pTouchScreen).move(0, ptFirst).press(1, pt);
+    }
+    const std::shared_ptr<Platform::Qt::QtDispatcher> m_pDispatcher =
+        Platform::Qt::QtDispatcher::Create();
+    std::shared_ptr<QtEnvironment> m_pEnvironment;
+    const std::shared_ptr<Controls::Grid> m_pRoot = std::make_shared<Controls::Grid>();
+    const std::shared_ptr<Controls::SwapChainPanel> m_pPanel =
+        std::make_shared<Controls::SwapChainPanel>();
+    std::unique_ptr<QtElementWindow> m_pWindow;
+    std::vector<std::string> m_log;
+    std::vector<Input::ManipulationDeltaRoutedEventArgs> m_deltas;
+    QPointingDevice* const m_pTouchScreen = QTest::createTouchDevice(); // Qt keeps it
+};
+
+using Log = std::vector<std::string>;
+
+// --- sizes -----------------------------------------------------------------
+
+TEST_F(QtElementWindowTest, SizeAndScaleAreInForceBeforeAnyHandlerAndThePanelHearsFirst) {
+    Log heard;
+    const auto hear = [&](const char* szWho) {
+        heard.push_back(std::string(szWho) + " " +
+                        std::to_string(static_cast<int>(m_pPanel->ActualWidth())) + " " +
+                        std::to_string(static_cast<int>(m_pPanel->CompositionScaleX() * 10)));
+    };
+    m_pPanel->CompositionScaleChanged.add([&] { hear("scale"); });
+    m_pPanel->SizeChanged.add([&](const auto&) { hear("panel"); });
+    m_pRoot->SizeChanged.add([&](const auto&) { hear("root"); });
+    QtEnvironment::Options options;
+    options.fCompositionScaleX = 2.0F;
+    options.fCompositionScaleY = 2.0F;
+    MakeWindow(options);
+    EXPECT_EQ(heard, (Log{"scale 200 20", "panel 200 20", "root 200 20"}));
+    EXPECT_EQ(m_pEnvironment->WindowBounds(),
+              Windows::Foundation::Rect(0.0F, 0.0F, 200.0F, 150.0F));
+    heard.clear();
+    m_pWindow->resize(500, 300);
+    EXPECT_EQ(heard, (Log{"panel 250 20", "root 250 20"}));
+}
+
+TEST_F(QtElementWindowTest, ReportsTheDisplayAndWhatAToolFixes) {
+    MakeWindow();
+    EXPECT_EQ(m_pEnvironment->DeviceFamily(), "Windows.Desktop");
+    EXPECT_FLOAT_EQ(m_pEnvironment->LogicalDpi(), 96.0F);
+    m_pEnvironment->SetDevicePixelRatio(1.5);
+    EXPECT_FLOAT_EQ(m_pEnvironment->LogicalDpi(), 144.0F);
+    QtEnvironment::Options options;
+    options.strDeviceFamily = "Windows.Mobile";
+    options.logicalDpi = 120.0F;
+    const QtEnvironment fixed(m_pDispatcher, options);
+    EXPECT_EQ(fixed.DeviceFamily(), "Windows.Mobile");
+    EXPECT_FLOAT_EQ(fixed.LogicalDpi(), 120.0F);
+}
+
+TEST_F(QtElementWindowTest, AFailingSizeHandlerIsReportedAndTheOthersStillRun) {
+    MakeWindow();
+    m_pPanel->SizeChanged.add([](const auto&) { throw std::runtime_error("panel failed"); });
+    m_pWindow->resize(444, 300);
+    EXPECT_EQ(m_log, Log{"panel failed"});
+    EXPECT_EQ(m_pRoot->ActualWidth(), 444.0);
+}
+
+TEST_F(QtElementWindowTest, TheTreeIsLoadedAsLongAsTheWindowLives) {
+    int nUnloaded = 0;
+    m_pPanel->Unloaded.add([&] { ++nUnloaded; });
+    MakeWindow();
+    EXPECT_TRUE(m_pRoot->IsLoaded());
+    m_pWindow->hide();
+    m_pWindow->show();
+    EXPECT_EQ(nUnloaded, 0);
+    m_pWindow.reset();
+    EXPECT_EQ(nUnloaded, 1);
+}
+
+TEST_F(QtElementWindowTest, ATreeWithoutAPanelIsRefused) {
+    m_pEnvironment = std::make_shared<QtEnvironment>(m_pDispatcher, QtEnvironment::Options());
+    EXPECT_THROW(QtElementWindow(m_pEnvironment, std::make_shared<Controls::Grid>()),
+                 Platform::InvalidArgumentException);
+}
+
+// --- picture ---------------------------------------------------------------
+
+class QtPictureTest : public QtElementWindowTest {
+protected:
+    void MakeChain() {
+        MakeWindow();
+        std::shared_ptr<Graphics::ID3D11Device1> pDevice;
+        Graphics::DeviceRequest request;
+        request.eDriver = Graphics::D3D_DRIVER_TYPE::WARP;
+        m_pFactory->D3D11CreateDevice(request, pDevice);
+        Graphics::DXGI_SWAP_CHAIN_DESC1 description;
+        description.Width = 400;
+        description.Height = 300;
+        m_pChain = m_pFactory->CreateSwapChainForComposition(pDevice, description);
+        const auto pD2dFactory = m_pFactory->D2D1CreateFactory();
+        m_pContext = pD2dFactory->CreateDevice(pDevice)->CreateDeviceContext();
+        m_pContext->SetTarget(
+            pD2dFactory->CreateBitmapFromDxgiSurface(*m_pContext, m_pChain->GetBuffer(0), {}));
+        m_pPanel->SetSwapChain(m_pChain);
+    }
+    // A frame of one colour with a single odd pixel.
+    void Present(float fRed) {
+        m_pContext->BeginDraw();
+        m_pContext->Clear({fRed, 0.0F, 0.0F, 1.0F});
+        m_pContext->FillRectangle({7.0F, 9.0F, 8.0F, 10.0F},
+                                  m_pContext->CreateSolidColorBrush({0.0F, 1.0F, 0.0F, 1.0F}));
+        m_pContext->EndDraw();
+        m_pChain->Present1(1, 0);
+    }
+    QColor At(int nX, int nY) { return m_pWindow->grab().toImage().pixelColor(nX, nY); }
+
+    const std::shared_ptr<Platform::Qt::QtGraphicsFactory> m_pFactory =
+        std::make_shared<Platform::Qt::QtGraphicsFactory>();
+    std::shared_ptr<Graphics::IDXGISwapChain2> m_pChain;
+    std::shared_ptr<Graphics::ID2D1DeviceContext> m_pContext;
+};
+
+TEST_F(QtPictureTest, PaintsTheFrameBarePixelByPixel) {
+    MakeChain();
+    EXPECT_EQ(At(7, 9), QColor(224, 224, 224)) << "before the first frame";
+    int nPresented = 0;
+    int nPainted = 0;
+    m_pWindow->OnPresented = [&] { ++nPresented; };
+    m_pWindow->OnPainted = [&] { ++nPainted; };
+    Present(1.0F);
+    EXPECT_EQ(nPresented, 1);
+    EXPECT_TRUE(testing::RunUntil([&] { return nPainted > 0; }));
+    EXPECT_EQ(At(7, 9), QColor(0, 255, 0));
+    for (const QPoint pt : {QPoint(6, 9), QPoint(8, 9), QPoint(7, 8), QPoint(7, 10)}) {
+        EXPECT_EQ(At(pt.x(), pt.y()), QColor(255, 0, 0)) << pt.x() << "," << pt.y();
+    }
+    m_pWindow->resize(410, 300);
+    EXPECT_EQ(At(399, 5), QColor(255, 0, 0));
+    EXPECT_EQ(At(405, 5), QColor(224, 224, 224)) << "beyond the frame";
+}
+
+TEST_F(QtPictureTest, AHeldFrameStaysUntilItIsReleased) {
+    MakeChain();
+    Present(1.0F);
+    m_pWindow->HoldFrame();
+    Present(0.0F);
+    EXPECT_EQ(At(1, 1), QColor(255, 0, 0));
+    m_pWindow->ReleaseFrame();
+    EXPECT_EQ(At(1, 1), QColor(0, 0, 0));
+}
+
+// --- wheel -----------------------------------------------------------------
+
+TEST_F(QtElementWindowTest, FineWheelStepsGatherIntoWholeNotches) {
+    MakeWindow();
+    Wheel({0, 40});
+    Wheel({0, 40});
+    EXPECT_TRUE(m_log.empty());
+    Wheel({0, 45});
+    EXPECT_EQ(m_log, Log{"wheel 120"});
+    Wheel({0, 115}); // with the 5 that were left
+    EXPECT_EQ(m_log.size(), 2U);
+    Wheel({0, 100});
+    Wheel({0, -100}); // turning back forgets what was gathered
+    EXPECT_EQ(m_log.size(), 2U);
+    Wheel({0, -260});
+    Wheel({120, 0}, Qt::ControlModifier);
+    EXPECT_EQ(m_log, (Log{"wheel 120", "wheel 120", "wheel -360", "across 120 ctrl"}));
+}
+
+TEST_F(QtElementWindowTest, ATouchpadPansFromItsBeginningToItsEnd) {
+    MakeWindow();
+    Wheel({}, Qt::NoModifier, {}, Qt::ScrollBegin);
+    Wheel({0, 8}, Qt::NoModifier, {0, 12}, Qt::ScrollUpdate);
+    Wheel({0, 8}, Qt::NoModifier, {0, 12}, Qt::ScrollUpdate);
+    Wheel({}, Qt::NoModifier, {}, Qt::ScrollEnd);
+    EXPECT_EQ(m_log, (Log{"started 20,30", "delta 20,42", "delta 20,54", "completed 20,54"}));
+}
+
+// --- gestures --------------------------------------------------------------
+
+TEST_F(QtElementWindowTest, ADraggedMousePansAndAShortPressTaps) {
+    MakeWindow();
+    Press({100, 100});
+    Move({101, 101}); // within the reach of a tap
+    EXPECT_TRUE(m_log.empty());
+    Move({100, 150});
+    Move({100, 140});
+    Release({100, 140});
+    EXPECT_EQ(m_log,
+              (Log{"started 100,100", "delta 100,150", "delta 100,140", "completed 100,140"}));
+    ASSERT_EQ(m_deltas.size(), 2U);
+    EXPECT_EQ(m_deltas[1].Delta.Translation, (Point{0.0F, -10.0F}));
+    EXPECT_EQ(m_deltas[1].Cumulative.Translation, (Point{0.0F, 40.0F}));
+    EXPECT_EQ(m_deltas[1].Cumulative.Scale, 1.0F);
+    m_log.clear();
+    Press({50, 60});
+    Release({50, 60});
+    EXPECT_EQ(m_log, Log{"tapped 50,60"});
+}
+
+TEST_F(QtElementWindowTest, EveryStartedDragCompletesWhateverEndsIt) {
+    MakeWindow();
+    const auto expectCompletedOnce = [this](const char* szHow) {
+        EXPECT_EQ(std::count(m_log.begin(), m_log.end(), "completed 100,160"), 1) << szHow;
+        m_log.clear();
+    };
+    const auto drag = [this] {
+        Press({100, 100});
+        Move({100, 160});
+    };
+    const auto send = [this](QEvent::Type eType) {
+        QEvent event(eType);
+        QCoreApplication::sendEvent(m_pWindow.get(), &event);
+    };
+    for (const QEvent::Type eType :
+         {QEvent::UngrabMouse, QEvent::WindowDeactivate, QEvent::WindowBlocked}) {
+        drag();
+        send(eType);
+        Release({100, 200}); // one that comes late completes nothing again
+        expectCompletedOnce("an event of Qt");
+    }
+    drag();
+    m_pWindow->hide();
+    m_pWindow->show();
+    expectCompletedOnce("hidden");
+    drag();
+    Mouse(QEvent::MouseMove, {100, 170}, false); // the release went elsewhere
+    expectCompletedOnce("a move without a button");
+    drag();
+    m_pWindow.reset();
+    expectCompletedOnce("destroyed");
+}
+
+TEST_F(QtElementWindowTest, ScrollingThatIsLeftToTheSystemRaisesNoGesture) {
+    MakeWindow();
+    m_pPanel->ManipulationMode = Input::ManipulationMode::System;
+    Press({100, 100});
+    Move({100, 160});
+    Release({100, 160});
+    EXPECT_TRUE(m_log.empty());
+}
+
+TEST_F(QtElementWindowTest, ASubscriberThatFailsLeavesNoGestureOpen) {
+    MakeWindow();
+    const auto token =
+        m_pPanel->ManipulationStarted.add([](auto&) { throw std::runtime_error("host failed"); });
+    Press({100, 100});
+    Move({100, 160});
+    Release({100, 160});
+    EXPECT_EQ(m_log.back(), "completed 100,100") << "no movement was told";
+    EXPECT_EQ(std::count(m_log.begin(), m_log.end(), "host failed"), 1);
+    m_pPanel->ManipulationStarted.remove(token);
+}
+
+TEST_F(QtElementWindowTest, ASecondFingerEndsThePanAndPinches) {
+    MakeWindow();
+    PressFinger(0, {100, 100});
+    QTest::touchEvent(m_pWindow.get(), m_pTouchScreen).move(0, QPoint(100, 150));
+    AddFinger({100, 150}, {200, 150});
+    MoveFingers({50, 150}, {250, 150});
+    EXPECT_EQ(m_log, (Log{"started 100,100", "delta 100,150", "completed 100,150",
+                          "started 150,150", "delta 150,150"}));
+    EXPECT_FLOAT_EQ(m_deltas.back().Delta.Scale, 2.0F);
+    MoveFingers({60, 150}, {260, 150}); // as far apart as before
+    EXPECT_EQ(m_deltas.back().Delta.Scale, 1.0F);
+    EXPECT_FLOAT_EQ(m_deltas.back().Cumulative.Scale, 2.0F);
+    m_log.clear();
+    QTest::touchEvent(m_pWindow.get(), m_pTouchScreen)
+        .move(0, QPoint(60, 150))
+        .release(1, QPoint(260, 150));
+    QTest::touchEvent(m_pWindow.get(), m_pTouchScreen).move(0, QPoint(60, 250));
+    QTest::touchEvent(m_pWindow.get(), m_pTouchScreen).release(0, QPoint(60, 250));
+    EXPECT_EQ(m_log, Log{"completed 160,150"}) << "the finger that stays does not pan";
+}
+
+}
+}

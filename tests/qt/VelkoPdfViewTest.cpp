@@ -1,0 +1,283 @@
+#include "widget/VelkoPdfView.h"
+
+#include <gtest/gtest.h>
+
+#include <QColor>
+#include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QTimer>
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <stdexcept>
+
+#include "control/PDFViewerManager.h"
+#include "platform/qt/QtElementWindow.h"
+#include "tests/qt/ViewFixture.h"
+#include "widget/OpenFailure.h"
+
+namespace velko {
+namespace {
+
+using testing::RunUntil;
+using vkit::VelkoPdfView;
+using State = VelkoPdfView::State;
+
+class VelkoPdfViewTest : public testing::ViewFixture {
+protected:
+    VelkoPdfViewTest() {
+        QObject::connect(m_pView.get(), &VelkoPdfView::OpenFailed, m_pView.get(),
+                         [this](const QString& strPath, const QString& strReason) {
+                             m_failures << QFileInfo(strPath).fileName() + ": " + strReason;
+                         });
+        QObject::connect(m_pView.get(), &VelkoPdfView::Failed, m_pView.get(),
+                         [this](const QString& strReason) { m_failures << strReason; });
+        QObject::connect(m_pView.get(), &VelkoPdfView::Opened, m_pView.get(),
+                         [this](int nPages) { m_opened << nPages; });
+        m_pView->resize(500, 600);
+        m_pView->show();
+    }
+    ~VelkoPdfViewTest() override { m_pView.reset(); }
+
+    bool FailsToOpen(const QString& strFile) {
+        const auto nBefore = m_failures.size();
+        m_pView->Open(strFile);
+        return RunUntil([&] { return m_failures.size() > nBefore; });
+    }
+    void Key(int nKey) {
+        QKeyEvent event(QEvent::KeyPress, nKey, Qt::NoModifier);
+        QCoreApplication::sendEvent(&m_pView->Window(), &event);
+    }
+    // Where a point of a page stands on the screen, device pixels.
+    Windows::Foundation::Point OnScreen(int nPage, float fX, float fY) {
+        return m_pView->Control()->PagePointToDevicePoint(nPage, {fX, fY});
+    }
+    bool SettlesSharp() {
+        return RunUntil([this] { return m_pView->IsSharp() && !m_pView->Window().IsFrameHeld(); });
+    }
+
+    std::unique_ptr<VelkoPdfView> m_pView = std::make_unique<VelkoPdfView>();
+    QStringList m_failures;
+    QList<int> m_opened;
+};
+
+TEST_F(VelkoPdfViewTest, ShowsAPageSharpAndTellsWhereTheReaderIs) {
+    ASSERT_TRUE(OpenUntilSharp(*m_pView, WritePages("three.pdf", 3)));
+    EXPECT_EQ(m_opened, QList{3});
+    EXPECT_EQ(m_pView->PageCount(), 3);
+    const auto pt = OnScreen(0, 306.0F, 396.0F);
+    const QImage picture = m_pView->grab().toImage();
+    EXPECT_EQ(picture.pixelColor(static_cast<int>(pt.X), static_cast<int>(pt.Y)),
+              QColor(255, 0, 0));
+    QList<int> pages;
+    QObject::connect(m_pView.get(), &VelkoPdfView::PageChanged, m_pView.get(),
+                     [&](int nPage) { pages << nPage; });
+    m_pView->GotoPage(1);
+    EXPECT_TRUE(RunUntil([&] { return m_pView->CurrentPage() == 1; }));
+    m_pView->GotoPage(99);
+    EXPECT_TRUE(RunUntil([&] { return m_pView->CurrentPage() == 2; }));
+    Key(Qt::Key_Home);
+    EXPECT_TRUE(RunUntil([&] { return m_pView->CurrentPage() == 0; }));
+    EXPECT_EQ(pages, (QList{1, 2, 0}));
+    m_pView->CloseDocument();
+    EXPECT_EQ(m_pView->ViewState(), State::Empty);
+    EXPECT_EQ(m_pView->PageCount(), 0);
+    EXPECT_FALSE(m_pView->HasInk());
+    EXPECT_TRUE(m_failures.isEmpty()) << m_failures.join("; ").toStdString();
+}
+
+TEST_F(VelkoPdfViewTest, TellsInWordsWhyADocumentDoesNotOpen) {
+    testing::PdfOptions locked;
+    locked.strUserPassword = "secret";
+    struct Case {
+        QString strFile;
+        const char* szWords;
+        State eState;
+    };
+    const Case cases[] = {
+        {m_folder.filePath("missing.pdf"), "no such file", State::Failed},
+        {m_folder.path(), "folder", State::Failed},
+        {Write("text.pdf", "hello"), "not a PDF", State::Failed},
+        {Write("empty.pdf", ""), "not a PDF", State::Failed},
+        {Write("locked.pdf", testing::MakePdf({testing::PdfPage()}, locked)), "password",
+         State::PasswordNeeded},
+    };
+    for (const Case& item : cases) {
+        ASSERT_TRUE(FailsToOpen(item.strFile)) << item.strFile.toStdString();
+        EXPECT_TRUE(m_failures.back().contains(item.szWords)) << m_failures.back().toStdString();
+        EXPECT_TRUE(m_failures.back().startsWith(QFileInfo(item.strFile).fileName()));
+        EXPECT_EQ(m_pView->ViewState(), item.eState) << item.strFile.toStdString();
+        EXPECT_EQ(m_pView->PageCount(), 0);
+    }
+    EXPECT_TRUE(OpenUntilSharp(*m_pView, WritePages("good.pdf", 1))) << "after all that";
+}
+
+TEST_F(VelkoPdfViewTest, AFileThatIsNotThereLeavesTheShownDocument) {
+    ASSERT_TRUE(OpenUntilSharp(*m_pView, WritePages("good.pdf", 2)));
+    ASSERT_TRUE(FailsToOpen(m_folder.filePath("missing.pdf")));
+    EXPECT_EQ(m_pView->ViewState(), State::Shown);
+    EXPECT_TRUE(m_pView->Path().endsWith("good.pdf"));
+    EXPECT_EQ(m_pView->PageCount(), 2);
+    m_pView->GotoPage(1);
+    EXPECT_TRUE(RunUntil([&] { return m_pView->CurrentPage() == 1 && m_pView->IsSharp(); }));
+}
+
+TEST_F(VelkoPdfViewTest, OfSeveralOpensTheLastOneIsShown) {
+    m_pView->Open(WritePages("one.pdf", 1));
+    m_pView->Open(WritePages("two.pdf", 2));
+    m_pView->Open(WritePages("three.pdf", 3));
+    EXPECT_TRUE(RunUntil([&] { return m_pView->ViewState() == State::Shown; }));
+    EXPECT_EQ(m_pView->PageCount(), 3);
+    EXPECT_EQ(m_opened, QList{3});
+}
+
+TEST_F(VelkoPdfViewTest, AViewMayGoWhileADocumentOpens) {
+    m_pView->Open(WritePages("slow.pdf", 50, 500));
+    m_pView.reset();
+    m_pRuntime.reset(); // joins what still runs
+    EXPECT_TRUE(m_opened.isEmpty());
+}
+
+TEST_F(VelkoPdfViewTest, ZoomsAroundTheMiddleWithinTheLimits) {
+    ASSERT_TRUE(OpenUntilSharp(*m_pView, WritePages("pages.pdf", 5)));
+    m_pView->GotoPage(2);
+    ASSERT_TRUE(SettlesSharp());
+    const auto pAtMiddle = m_pView->Control()->DevicePointToPagePoint({250.0F, 300.0F});
+    m_pView->ZoomTo(2.0);
+    EXPECT_TRUE(RunUntil([&] { return m_pView->Zoom() == 2.0; }));
+    const auto pt = OnScreen(pAtMiddle->nPageIndex, pAtMiddle->pt.X, pAtMiddle->pt.Y);
+    EXPECT_NEAR(pt.X, 250.0F, 2.0F);
+    EXPECT_NEAR(pt.Y, 300.0F, 2.0F);
+    ASSERT_TRUE(SettlesSharp());
+    m_pView->ZoomTo(1000.0);
+    EXPECT_TRUE(RunUntil([&] { return m_pView->Zoom() == m_pView->Control()->GetMaxScale(); }));
+    m_pView->ZoomTo(0.0);
+    EXPECT_TRUE(RunUntil([&] { return m_pView->Zoom() == m_pView->Control()->GetMinScale(); }));
+    Key(Qt::Key_Plus);
+    EXPECT_TRUE(RunUntil([&] { return m_pView->Zoom() > m_pView->Control()->GetMinScale(); }));
+    m_pView->FitWidth();
+    EXPECT_TRUE(RunUntil([&] {
+        return std::fabs(m_pView->Zoom() - 500.0 / (612.0 / 72.0 * 96.0)) < 0.01;
+    })) << m_pView->Zoom();
+}
+
+struct Resize {
+    const char* szName;
+    QSize before;
+    QSize after;
+    double dbZoom;
+};
+
+class ResizeTest : public VelkoPdfViewTest, public ::testing::WithParamInterface<Resize> {};
+
+TEST_P(ResizeTest, KeepsThePagePointAtTheTopLeftAndTheZoom) {
+    m_pView->resize(GetParam().before);
+    ASSERT_TRUE(OpenUntilSharp(*m_pView, WritePages("pages.pdf", 20)));
+    m_pView->GotoPage(7);
+    m_pView->ZoomTo(GetParam().dbZoom);
+    m_pView->ScrollBy(37.0, 211.0);
+    ASSERT_TRUE(SettlesSharp());
+    const auto pManager = m_pView->Control()->PageViewMgr();
+    const int nPage = pManager->GetVisiblePages().front();
+    const auto pPlace = pManager->GetViewer()->GetPageScreenOffset(nPage);
+    const Windows::Foundation::Point ptTopLeft{
+        static_cast<float>(std::max(0.0, pPlace->dbOffsetX)),
+        static_cast<float>(std::max(0.0, pPlace->dbOffsetY))};
+    const auto pBefore = m_pView->Control()->DevicePointToPagePoint(ptTopLeft);
+    const double dbZoom = m_pView->Zoom();
+
+    m_pView->resize(GetParam().after);
+    EXPECT_EQ(m_pView->Control()->GetScale(), static_cast<float>(dbZoom));
+    const auto ptAfter = OnScreen(pBefore->nPageIndex, pBefore->pt.X, pBefore->pt.Y);
+    EXPECT_NEAR(ptAfter.Y, ptTopLeft.Y, 1.5F);
+    const bool bWider =
+        m_pView->Control()->GetPageRectAtPoint(ptAfter, nPage).Width >= GetParam().after.width();
+    if (bWider) { // a narrower page is centred
+        EXPECT_NEAR(ptAfter.X, ptTopLeft.X, 1.5F);
+    }
+    EXPECT_TRUE(SettlesSharp());
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, ResizeTest,
+                         ::testing::Values(Resize{"Wider", {500, 600}, {700, 600}, 1.5},
+                                           Resize{"Narrower", {700, 600}, {420, 600}, 1.5},
+                                           Resize{"Taller", {500, 400}, {500, 900}, 0.75},
+                                           Resize{"Turned", {500, 700}, {700, 500}, 2.0},
+                                           Resize{"Tiny", {500, 600}, {60, 40}, 1.0}),
+                         [](const auto& info) { return info.param.szName; });
+
+TEST_F(VelkoPdfViewTest, AResizeIsOneVisibleStep) {
+    ASSERT_TRUE(OpenUntilSharp(*m_pView, WritePages("pages.pdf", 3)));
+    ASSERT_TRUE(SettlesSharp());
+    // Every frame that is painted shows rendered pixels, none a blank page.
+    int nPaints = 0;
+    int nBlank = 0;
+    m_pView->Window().OnPainted = [&] {
+        ++nPaints;
+        nBlank += m_pView->Window().IsFrameHeld() || m_pView->IsSharp() ? 0 : 1;
+    };
+    for (const int nWidth : {520, 560, 480}) {
+        m_pView->resize(nWidth, 600);
+        ASSERT_TRUE(SettlesSharp());
+    }
+    EXPECT_GT(nPaints, 0);
+    EXPECT_EQ(nBlank, 0);
+}
+
+TEST_F(VelkoPdfViewTest, AfterFitWidthTheZoomFollowsTheSize) {
+    ASSERT_TRUE(OpenUntilSharp(*m_pView, WritePages("pages.pdf", 3)));
+    m_pView->FitWidth();
+    ASSERT_TRUE(SettlesSharp());
+    m_pView->resize(612, 600);
+    EXPECT_TRUE(RunUntil([&] { return std::fabs(m_pView->Zoom() - 0.75) < 0.005; }))
+        << m_pView->Zoom();
+}
+
+TEST_F(VelkoPdfViewTest, TheLoopStaysLiveWhilePagesRender) {
+    constexpr int kTickMs = 5;
+    constexpr int kLongestGapMs = 150; // a shared machine stalls; a render lasts far longer
+    QElapsedTimer gap;
+    qint64 nLongest = 0;
+    int nTicks = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &timer, [&] {
+        nLongest = std::max(nLongest, gap.restart());
+        ++nTicks;
+    });
+    gap.start();
+    timer.start(kTickMs);
+    ASSERT_TRUE(OpenUntilSharp(*m_pView, WritePages("heavy.pdf", 6, 20'000)));
+    for (int nPage = 1; nPage < 6; ++nPage) {
+        m_pView->GotoPage(nPage);
+        ASSERT_TRUE(SettlesSharp());
+    }
+    EXPECT_GT(nTicks, 10);
+    EXPECT_LT(nLongest, kLongestGapMs) << nTicks << " ticks";
+}
+
+TEST_F(VelkoPdfViewTest, AFailingHandlerOfTheHostIsReportedAndTheViewGoesOn) {
+    const auto token = m_pView->Control()->RenderCanvasEvent.add(
+        [](const auto&, const auto&) { throw std::runtime_error("host cannot paint"); });
+    m_pView->Open(WritePages("pages.pdf", 2));
+    ASSERT_TRUE(RunUntil([&] { return m_pView->ViewState() != State::Opening; }));
+    m_pView->Control()->RenderCanvasEvent.remove(token);
+    ASSERT_TRUE(OpenUntilSharp(*m_pView, WritePages("pages.pdf", 2)));
+    m_failures.clear();
+    m_pView->Control()->PageChangedEvent.add(
+        [](const auto&, const auto&) { throw std::runtime_error("host failed"); });
+    m_pView->GotoPage(1);
+    ASSERT_EQ(m_failures.size(), 1);
+    EXPECT_TRUE(m_failures.front().contains("host failed"));
+    EXPECT_TRUE(RunUntil([&] { return m_pView->CurrentPage() == 1 && m_pView->IsSharp(); }));
+}
+
+TEST(OpenFailureTest, EveryCodeHasASentence) {
+    for (int nCode = 1; nCode < 41; ++nCode) {
+        const QString strReason = vkit::ReasonOf(static_cast<velko::common::ErrorCode>(nCode));
+        EXPECT_TRUE(strReason.endsWith('.')) << nCode;
+        EXPECT_GT(strReason.split(' ').size(), 3) << strReason.toStdString();
+    }
+}
+
+}
+}

@@ -1,0 +1,62 @@
+// A runtime, a folder of documents and helpers for tests of views with the
+// real engine.
+//
+// Threads: the UI thread.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QString>
+#include <QTemporaryDir>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/qt/EventLoop.h"
+#include "tests/support/pdf_writer/PdfWriter.h"
+#include "widget/VelkoPdfView.h"
+#include "widget/VelkoRuntime.h"
+
+namespace velko::testing {
+
+class ViewFixture : public ::testing::Test {
+protected:
+    using View = vkit::VelkoPdfView;
+
+    ViewFixture() {
+        vkit::VelkoRuntime::Options options;
+        options.strDataFolder = m_folder.filePath("data");
+        m_pRuntime = std::make_unique<vkit::VelkoRuntime>(options);
+    }
+
+    QString Write(const QString& strName, const std::string& strBytes) {
+        QFile file(m_folder.filePath(strName));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(strBytes.data(), static_cast<qint64>(strBytes.size()));
+        return file.fileName();
+    }
+
+    // `nPages` pages of letter size, each with a red square of an inch at the
+    // page's middle and `nStrokes` thin lines that take time to draw.
+    QString WritePages(const QString& strName, int nPages, int nStrokes = 0) {
+        PdfPage page;
+        page.strContent = "1 0 0 rg 270 360 72 72 re f 0 0 1 RG 0.2 w ";
+        for (int nStroke = 0; nStroke < nStrokes; ++nStroke) {
+            page.strContent += std::to_string(nStroke % 600) + " 0 m " +
+                               std::to_string((nStroke * 7) % 600) + " 792 l S ";
+        }
+        const std::vector<PdfPage> pages(static_cast<std::size_t>(nPages), page);
+        return Write(strName, MakePdf(pages));
+    }
+
+    static bool OpenUntilSharp(View& view, const QString& strFile) {
+        view.Open(strFile);
+        return RunUntil([&] { return view.ViewState() == View::State::Shown && view.IsSharp(); });
+    }
+
+    QTemporaryDir m_folder;
+    std::unique_ptr<vkit::VelkoRuntime> m_pRuntime;
+};
+
+}

@@ -1,0 +1,140 @@
+// The desktop viewer: its window, its command line, and the program itself.
+#include <gtest/gtest.h>
+
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QMimeData>
+#include <QProcess>
+#include <QUrl>
+#include <memory>
+
+#include "app/viewer/CommandBar.h"
+#include "app/viewer/CommandLine.h"
+#include "app/viewer/MainWindow.h"
+#include "tests/qt/ViewFixture.h"
+
+namespace velko {
+namespace {
+
+using testing::RunUntil;
+using viewer::CommandBar;
+using viewer::CommandLine;
+using viewer::MainWindow;
+using State = vkit::VelkoPdfView::State;
+
+class MainWindowTest : public testing::ViewFixture {
+protected:
+    MainWindowTest() {
+        m_pWindow->Begin({}, {});
+        m_pWindow->show();
+    }
+    ~MainWindowTest() override { m_pWindow.reset(); }
+
+    void Drop(const QString& strFile) {
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(strFile)});
+        QDropEvent event({100, 100}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_pWindow.get(), &event);
+    }
+    bool ShowsMessageWith(const QString& strWords) {
+        return RunUntil([&] { return m_pWindow->Message().contains(strWords); });
+    }
+
+    std::unique_ptr<MainWindow> m_pWindow = std::make_unique<MainWindow>(
+        vkit::VelkoPdfView::CreateControl(), CommandLine::kDefaultSize);
+};
+
+TEST_F(MainWindowTest, ADroppedFileOpens) {
+    EXPECT_TRUE(m_pWindow->Message().contains("Ctrl+O"));
+    Drop(WritePages("dropped.pdf", 4));
+    ASSERT_TRUE(RunUntil([&] { return m_pWindow->View().ViewState() == State::Shown; }));
+    EXPECT_TRUE(m_pWindow->Message().isEmpty());
+    EXPECT_TRUE(m_pWindow->windowTitle().startsWith("dropped.pdf"))
+        << m_pWindow->windowTitle().toStdString();
+    m_pWindow->CompleteBar();
+    const auto* pBar = m_pWindow->findChild<CommandBar*>();
+    ASSERT_NE(pBar, nullptr);
+    EXPECT_EQ(pBar->CountText(), "of 4");
+    EXPECT_EQ(pBar->PageText(), "1");
+    m_pWindow->View().GotoPage(3);
+    EXPECT_TRUE(RunUntil([&] { return pBar->PageText() == "4"; }));
+}
+
+TEST_F(MainWindowTest, AFailedOpenShowsTheReasonAndTheFilesName) {
+    Drop(Write("broken <b>.pdf", "no document"));
+    ASSERT_TRUE(ShowsMessageWith("not a PDF"));
+    EXPECT_TRUE(m_pWindow->Message().contains("broken &lt;b&gt;.pdf"));
+    testing::PdfOptions locked;
+    locked.strUserPassword = "secret";
+    Drop(Write("locked.pdf", testing::MakePdf({testing::PdfPage()}, locked)));
+    ASSERT_TRUE(ShowsMessageWith("password"));
+    EXPECT_TRUE(m_pWindow->Message().contains("locked.pdf"));
+
+    Drop(WritePages("good.pdf", 1));
+    ASSERT_TRUE(RunUntil([&] { return m_pWindow->View().ViewState() == State::Shown; }));
+    EXPECT_TRUE(m_pWindow->Message().isEmpty());
+    Drop(m_folder.filePath("missing.pdf"));
+    ASSERT_TRUE(RunUntil([&] { return !m_pWindow->Notice().isEmpty(); }));
+    EXPECT_TRUE(m_pWindow->Notice().contains("missing.pdf"));
+    EXPECT_TRUE(m_pWindow->Message().isEmpty()) << "the document that is shown stays in sight";
+    EXPECT_TRUE(m_pWindow->windowTitle().startsWith("good.pdf"));
+}
+
+TEST(CommandLineTest, UnderstandsItsOptionsAndLeavesThoseOfQt) {
+    QString strComplaint;
+    const auto options =
+        viewer::ParseCommandLine({"-platform", "offscreen", "--screenshot", "a.png", "--page", "3",
+                                  "--size", "640x480", "--time-to-ink=5", "--", "-odd.pdf"},
+                                 strComplaint);
+    ASSERT_TRUE(options) << strComplaint.toStdString();
+    EXPECT_EQ(options->strFile, "-odd.pdf");
+    EXPECT_EQ(options->strScreenshot, "a.png");
+    EXPECT_EQ(options->nPage, 3);
+    EXPECT_EQ(options->size, QSize(640, 480));
+    EXPECT_EQ(options->nStartedAt, 5);
+}
+
+TEST(CommandLineTest, NamesWhatItDoesNotUnderstand) {
+    const QList<QStringList> lines{{"--pages"},       {"--page", "0"},   {"--page"},
+                                   {"--size", "9x9"}, {"--size", "640"}, {"a.pdf", "b.pdf"}};
+    for (const QStringList& line : lines) {
+        QString strComplaint;
+        EXPECT_FALSE(viewer::ParseCommandLine(line, strComplaint)) << line.join(' ').toStdString();
+        EXPECT_FALSE(strComplaint.isEmpty());
+    }
+}
+
+class ViewerProgramTest : public testing::ViewFixture {
+protected:
+    int Run(const QStringList& arguments) {
+        QProcess program;
+        program.start(VELKO_VIEWER, arguments);
+        EXPECT_TRUE(program.waitForFinished(60'000));
+        m_strErrors = QString::fromUtf8(program.readAllStandardError());
+        return program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -1;
+    }
+    QString m_strErrors;
+};
+
+TEST_F(ViewerProgramTest, WritesASharpPictureOfThePageAskedFor) {
+    const QString strPicture = m_folder.filePath("picture.png");
+    ASSERT_EQ(Run({"--screenshot", strPicture, "--page", "2", "--size", "612x832",
+                   WritePages("pages.pdf", 3)}),
+              0)
+        << m_strErrors.toStdString();
+    const QImage picture(strPicture);
+    ASSERT_EQ(picture.size(), QSize(612, 832));
+    EXPECT_EQ(picture.pixelColor(306, 40 + 396), QColor(255, 0, 0));
+}
+
+TEST_F(ViewerProgramTest, SaysWhyThereIsNoPicture) {
+    const QString strPicture = m_folder.filePath("picture.png");
+    EXPECT_EQ(Run({"--screenshot", strPicture, Write("text.pdf", "hello")}), 1);
+    EXPECT_TRUE(m_strErrors.contains("not a PDF")) << m_strErrors.toStdString();
+    EXPECT_FALSE(QFileInfo::exists(strPicture));
+    EXPECT_EQ(Run({"--no-such-option"}), 2);
+    EXPECT_EQ(Run({"--screenshot", m_folder.filePath("no/folder.png"), WritePages("a.pdf", 1)}), 1);
+}
+
+}
+}

@@ -1,0 +1,187 @@
+// Every file of the shared corpus through velko-replay: it ends as its index
+// says, within a minute, and leaves no process dead or stuck.
+//
+// Where the corpus is not at hand the test is skipped.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <mutex>
+#include <sstream>
+#include <thread>
+
+#include <QJsonArray>
+
+#include "tests/replay/ReplayProcess.h"
+
+namespace velko::testing {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kWorkers = 2;
+constexpr ReplayProcess::Limit kLimit{60};
+
+struct Row {
+    fs::path path;
+    std::string strPassword; // the first of those that the index names
+    std::string strExpected;
+    int nPages = 0;
+};
+
+std::vector<std::string> SplitTabs(const std::string& strLine) {
+    std::vector<std::string> fields;
+    std::istringstream line(strLine);
+    for (std::string strField; std::getline(line, strField, '\t');) {
+        fields.push_back(strField);
+    }
+    return fields;
+}
+
+// "user / owner" names two; "(none)" stands for an empty one.
+std::string FirstPassword(const std::string& strField) {
+    const std::string strFirst = strField.substr(0, strField.find(" / "));
+    return strFirst == "(none)" ? "" : strFirst;
+}
+
+class Index {
+public:
+    explicit Index(const fs::path& folder) : m_folder(folder), m_file(folder / "INDEX.tsv") {
+        std::string strLine;
+        if (std::getline(m_file, strLine)) {
+            m_header = SplitTabs(strLine);
+        }
+    }
+
+    std::vector<Row> Rows() {
+        std::vector<Row> rows;
+        for (std::string strLine; std::getline(m_file, strLine);) {
+            const std::vector<std::string> fields = SplitTabs(strLine);
+            const Row row{m_folder / Field(fields, "file"),
+                          FirstPassword(Field(fields, "password")), Field(fields, "expected"),
+                          std::atoi(Field(fields, "pages").c_str())};
+            if (fs::exists(row.path)) { // some are only made when they are needed
+                rows.push_back(row);
+            }
+        }
+        return rows;
+    }
+
+private:
+    // The column of that name, or one whose name begins with it.
+    std::string Field(const std::vector<std::string>& fields, const std::string& strName) const {
+        for (std::size_t n = 0; n < m_header.size() && n < fields.size(); ++n) {
+            if (m_header[n].rfind(strName, 0) == 0) {
+                return fields[n];
+            }
+        }
+        return {};
+    }
+
+    fs::path m_folder;
+    std::ifstream m_file;
+    std::vector<std::string> m_header;
+};
+
+std::string Describe(const QJsonObject& answer) {
+    return answer.contains("message") ? answer.value("message").toString().toStdString()
+                                      : std::to_string(answer.value("error").toInt(-1));
+}
+
+std::string CheckShown(ReplayProcess& replay, const Row& row) {
+    const QJsonObject waited = replay.Run({{"op", "wait"}, {"timeout_ms", 40000}});
+    const bool bSlow = row.strExpected.find("over 30 s") != std::string::npos;
+    if (!waited.value("idle").toBool() && !bSlow) {
+        return "still busy after 40 s";
+    }
+    const QJsonObject state = replay.Run({{"op", "state"}});
+    if (row.nPages > 0 && state.value("count").toInt() != row.nPages) {
+        return "has " + std::to_string(state.value("count").toInt()) + " pages instead of " +
+               std::to_string(row.nPages);
+    }
+    const QJsonArray items = state.value("items").toArray();
+    if (items.isEmpty()) {
+        return "shows no page";
+    }
+    const bool bPartly = row.strExpected.find("partly") != std::string::npos;
+    for (const QJsonValue& block : items[0]["blocks"].toArray()) {
+        if (block["display"].toBool() && !block["bitmap"].isArray() && !bPartly && !bSlow) {
+            return "a block of its first page stays blank";
+        }
+    }
+    return {};
+}
+
+// What is wrong with how the file ends; empty when it ends as it should.
+std::string Check(const Row& row) {
+    ReplayProcess replay({"--size", "600x800"}, kLimit);
+    const QJsonObject open{{"op", "open"}, {"path", QString::fromStdString(row.path.string())}};
+    QJsonObject answer = replay.Run(open);
+    if (row.strExpected == "format error") {
+        if (answer.value("error") != QJsonValue(2) && answer.value("error") != QJsonValue(1)) {
+            return "no format error but " + Describe(answer);
+        }
+    } else if (row.strExpected == "password") {
+        if (answer.value("error") != QJsonValue(3)) {
+            return "asks for no password but ends with " + Describe(answer);
+        }
+        QJsonObject withPassword = open;
+        withPassword["password"] = QString::fromStdString(row.strPassword);
+        answer = replay.Run(withPassword);
+    }
+    std::string strProblem;
+    if (row.strExpected != "format error") {
+        strProblem = answer.value("error") == QJsonValue(0) ? CheckShown(replay, row)
+                                                            : "does not open: " + Describe(answer);
+    }
+    replay.Run({{"op", "close"}});
+    const int nStatus = replay.Finish();
+    if (nStatus != 0 && strProblem.empty()) {
+        strProblem = "ends with status " + std::to_string(nStatus) + "\n" + replay.Errors();
+    }
+    return strProblem;
+}
+
+// Runs the rows on several threads; the problems, each with its file's name.
+std::vector<std::string> CheckAll(const std::vector<Row>& rows) {
+    std::atomic<std::size_t> nNext{0};
+    std::mutex lock;
+    std::vector<std::string> problems;
+    const auto fnWork = [&] {
+        for (std::size_t n = nNext++; n < rows.size(); n = nNext++) {
+            const std::string strProblem = Check(rows[n]);
+            if (!strProblem.empty()) {
+                const std::lock_guard<std::mutex> guard(lock);
+                problems.push_back(rows[n].path.filename().string() + ": " + strProblem);
+            }
+        }
+    };
+    std::vector<std::jthread> workers;
+    for (int n = 0; n < kWorkers; ++n) {
+        workers.emplace_back(fnWork);
+    }
+    workers.clear(); // joins
+    return problems;
+}
+
+class CorpusSweep : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(CorpusSweep, EachFileEndsAsItsIndexSays) {
+    const fs::path folder = fs::path(VELKO_CORPUS) / GetParam();
+    if (!fs::exists(folder / "INDEX.tsv")) {
+        GTEST_SKIP() << "no corpus at " << folder;
+    }
+    const std::vector<Row> rows = Index(folder).Rows();
+    ASSERT_FALSE(rows.empty());
+    for (const std::string& strProblem : CheckAll(rows)) {
+        ADD_FAILURE() << strProblem;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Shared, CorpusSweep, ::testing::Values("open", "made"));
+
+}
+
+}

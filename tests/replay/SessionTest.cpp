@@ -1,0 +1,220 @@
+// A reader's session through velko-replay: opening, moving, zooming, closing,
+// and what `state`, `stats`, `setting` and the events say of it.
+#include <QJsonArray>
+
+#include "tests/replay/Documents.h"
+#include "tests/replay/ReplayProcess.h"
+
+namespace velko::testing {
+
+namespace {
+
+const std::vector<std::string> kDocumentEvents{
+    "OpenDoc",     "CloseDoc",     "PageVisible",          "PageInvisible",
+    "PageChanged", "PageUnloaded", "PageLayoutModeChanged"};
+
+class SessionTest : public DocumentsTest {
+protected:
+    QJsonObject Open(ReplayProcess& replay, const std::string& strPath) {
+        return replay.Run({{"op", "open"}, {"path", QString::fromStdString(strPath)}});
+    }
+    void ExpectIdle(ReplayProcess& replay) {
+        const QJsonObject waited = replay.Run({{"op", "wait"}, {"timeout_ms", 30000}});
+        EXPECT_TRUE(waited.value("idle").toBool()) << "busy";
+        EXPECT_TRUE(waited.value("busy").toArray().isEmpty());
+    }
+};
+
+QJsonObject FirstItem(const QJsonObject& state) {
+    return state.value("items")[0].toObject();
+}
+
+TEST_F(SessionTest, OpeningTellsOfPagesBeforeTheDocumentAndClosingUnloadsThem) {
+    ReplayProcess replay;
+    EXPECT_EQ(Open(replay, WritePages("a.pdf", 3)).value("error").toInt(-1), 0);
+    EXPECT_EQ(replay.EventNames(kDocumentEvents),
+              (std::vector<std::string>{"PageVisible 0", "PageVisible 1", "PageChanged",
+                                        "PageLayoutModeChanged", "OpenDoc"}));
+    ExpectIdle(replay);
+    replay.ClearEvents();
+    replay.Run({{"op", "close"}});
+    EXPECT_EQ(replay.EventNames(kDocumentEvents),
+              (std::vector<std::string>{"PageUnloaded 0", "PageUnloaded 1", "CloseDoc"}));
+    EXPECT_EQ(replay.Run({{"op", "state"}}).value("count").toInt(-1), 0);
+    EXPECT_EQ(replay.Finish(), 0);
+}
+
+TEST_F(SessionTest, StateDescribesTheFirstLayout) {
+    ReplayProcess replay;
+    Open(replay, WritePages("a.pdf", 3));
+    ExpectIdle(replay);
+    const QJsonObject state = replay.Run({{"op", "state"}});
+    EXPECT_EQ(state.value("mode").toInt(), 1);
+    EXPECT_EQ(state.value("page").toInt(-1), 0);
+    EXPECT_EQ(state.value("count").toInt(), 3);
+    EXPECT_EQ(state.value("min_scale").toDouble(), 0.5);
+    EXPECT_EQ(state.value("max_scale").toDouble(), 4.0);
+    EXPECT_FALSE(state.value("ring").toBool(true));
+    EXPECT_FALSE(state.value("dialog").toBool(true));
+    EXPECT_EQ(state.value("visible").toArray(), (QJsonArray{0, 1}));
+
+    // 612 x 792 points at 96 DPI fill the width of 1000 pixels.
+    const QJsonObject item = FirstItem(state);
+    EXPECT_EQ(item.value("w").toInt(), 1000);
+    EXPECT_EQ(item.value("h").toInt(), 1294);
+    EXPECT_EQ(item.value("rows").toInt(), 1);
+    EXPECT_EQ(item.value("cols").toInt(), 1);
+    const QJsonObject block = item.value("blocks")[0].toObject();
+    EXPECT_EQ(block.value("id").toInt(), 1);
+    EXPECT_TRUE(block.value("display").toBool());
+    EXPECT_FALSE(block.value("rendering").toBool(true));
+    EXPECT_EQ(block.value("bitmap").toArray(), (QJsonArray{1000, 1294}));
+    const QJsonObject next = state.value("items")[1].toObject();
+    EXPECT_EQ(next.value("y").toDouble(), 1294.0 + 15.0);
+}
+
+TEST_F(SessionTest, MovesChangePagesAndRenderOnlyWhatCameIntoSight) {
+    ReplayProcess replay;
+    Open(replay, WritePages("a.pdf", 6));
+    ExpectIdle(replay);
+    const int nBefore = replay.Run({{"op", "stats"}}).value("engine_renders").toInt();
+    EXPECT_EQ(nBefore, 2);
+    replay.ClearEvents();
+    replay.Run({{"op", "move"}, {"dy", 100}, {"dx", 0}});
+    ExpectIdle(replay);
+    EXPECT_EQ(replay.Run({{"op", "stats"}}).value("engine_renders").toInt(), nBefore);
+    EXPECT_EQ(FirstItem(replay.Run({{"op", "state"}})).value("y").toDouble(), -100.0);
+    EXPECT_EQ(replay.EventNames(kDocumentEvents), std::vector<std::string>{"PageChanged"});
+
+    replay.Run({{"op", "goto"}, {"page", 4}});
+    EXPECT_EQ(replay.Run({{"op", "state"}}).value("page").toInt(), 4);
+    EXPECT_TRUE(replay.Run({{"op", "last"}}).value("value").toBool());
+    EXPECT_TRUE(replay.Run({{"op", "next"}}).value("value").toBool()) << "already at the end";
+    EXPECT_FALSE(replay.Run({{"op", "prev"}}).value("value").toBool(true));
+    EXPECT_EQ(replay.Finish(), 0);
+}
+
+TEST_F(SessionTest, AZoomKeepsThePointUnderItsCentre) {
+    ReplayProcess replay;
+    Open(replay, WritePages("a.pdf", 3));
+    ExpectIdle(replay);
+    const QJsonObject ask{
+        {"op", "convert"}, {"what", "device_to_page"}, {"page", 0}, {"x", 400}, {"y", 500}};
+    const QJsonObject before = replay.Run(ask);
+    EXPECT_TRUE(before.value("valid").toBool());
+    replay.Run({{"op", "zoom"}, {"x", 400}, {"y", 500}, {"scale", 2.5}, {"complete", true}});
+    ExpectIdle(replay);
+    const QJsonObject after = replay.Run(ask);
+    EXPECT_NEAR(after.value("x").toDouble(), before.value("x").toDouble(), 0.5);
+    EXPECT_NEAR(after.value("y").toDouble(), before.value("y").toDouble(), 0.5);
+    const QJsonObject state = replay.Run({{"op", "state"}});
+    EXPECT_EQ(state.value("scale").toDouble(), 2.5);
+    EXPECT_EQ(state.value("cache").toInt(-1), 0);
+    EXPECT_FALSE(state.value("snapshot").toBool(true));
+}
+
+TEST_F(SessionTest, WheelAndManipulationsReachTheControlAndTheHostsSink) {
+    ReplayProcess replay;
+    Open(replay, WritePages("a.pdf", 3));
+    ExpectIdle(replay);
+    replay.ClearEvents();
+    replay.Run({{"op", "wheel"}, {"x", 10}, {"y", 10}, {"delta", -120}});
+    EXPECT_EQ(FirstItem(replay.Run({{"op", "state"}})).value("y").toDouble(), -120.0);
+    const auto nCalls = [&](const char* szName) {
+        return std::count_if(
+            replay.Events().begin(), replay.Events().end(),
+            [&](const QJsonObject& event) { return event.value("name").toString() == szName; });
+    };
+    EXPECT_EQ(nCalls("OnPointerWheelChanged"), 1);
+
+    replay.Run({{"op", "manip"}, {"phase", "started"}, {"x", 500}, {"y", 500}});
+    const QJsonObject moved =
+        replay.Run({{"op", "manip"}, {"phase", "delta"}, {"x", 500}, {"y", 470}});
+    EXPECT_TRUE(moved.value("handled").toBool());
+    EXPECT_EQ(FirstItem(replay.Run({{"op", "state"}})).value("y").toDouble(), -150.0);
+    EXPECT_EQ(nCalls("OnManipulationStarted"), 2);
+    EXPECT_EQ(nCalls("OnManipulationDelta"), 1);
+}
+
+TEST_F(SessionTest, WaitCountsTheSettlingOfAWheelZoomAndSaysWhatIsBusy) {
+    ReplayProcess replay;
+    Open(replay, WritePages("a.pdf", 1));
+    ExpectIdle(replay);
+    replay.Run({{"op", "wheel"}, {"x", 500}, {"y", 500}, {"delta", 120}, {"ctrl", true}});
+    const QJsonObject hurried = replay.Run({{"op", "wait"}, {"timeout_ms", 0}});
+    EXPECT_FALSE(hurried.value("idle").toBool(true));
+    EXPECT_FALSE(hurried.value("busy").toArray().isEmpty());
+    ExpectIdle(replay);
+}
+
+TEST_F(SessionTest, AFingerPansAndTwoPinch) {
+    ReplayProcess replay;
+    Open(replay, WritePages("a.pdf", 3));
+    ExpectIdle(replay);
+    replay.Run({{"op", "drag"}, {"x0", 500}, {"y0", 900}, {"x1", 500}, {"y1", 500}});
+    ExpectIdle(replay);
+    EXPECT_LT(FirstItem(replay.Run({{"op", "state"}})).value("y").toDouble(), -300.0);
+    const double dbBefore = replay.Run({{"op", "state"}}).value("scale").toDouble();
+    replay.Run({{"op", "pinch"}, {"x", 500}, {"y", 700}, {"from", 200}, {"to", 400}});
+    ExpectIdle(replay);
+    EXPECT_GT(replay.Run({{"op", "state"}}).value("scale").toDouble(), dbBefore * 1.5);
+}
+
+TEST_F(SessionTest, ASavedViewComesBackInAnotherProcess) {
+    const std::string strPath = WritePages("a.pdf", 6);
+    const std::vector<std::string> arguments{"--data", PathOf("data")};
+    {
+        ReplayProcess replay(arguments);
+        Open(replay, strPath);
+        replay.Run({{"op", "goto"}, {"page", 3}});
+        const QJsonObject saved = replay.Run({{"op", "save_state"}}).value("values").toObject();
+        EXPECT_EQ(saved.value("CurrentPageIndex")["value"].toInt(), 3);
+        EXPECT_EQ(saved.value("CurrentPageIndex")["type"].toString(), "Int32");
+        EXPECT_EQ(saved.value("FileName")["value"].toString(), "a.pdf");
+        EXPECT_EQ(replay.Finish(), 0);
+    }
+    ReplayProcess replay(arguments);
+    Open(replay, strPath);
+    EXPECT_EQ(replay.Run({{"op", "state"}}).value("page").toInt(), 3);
+}
+
+TEST_F(SessionTest, SettingsOutliveTheProcessAndMayBeStoredWithAnotherType) {
+    const std::vector<std::string> arguments{"--data", PathOf("data")};
+    {
+        ReplayProcess replay(arguments);
+        EXPECT_TRUE(replay.Run({{"op", "setting"}, {"key", "IsAutoSave"}}).value("value").toBool());
+        replay.Run({{"op", "setting"}, {"key", "IsAutoSave"}, {"value", false}});
+        replay.Run({{"op", "setting"}, {"key", "PageBackgroundColor"}, {"value", "#80102030"}});
+        EXPECT_EQ(replay.Finish(), 0);
+    }
+    ReplayProcess replay(arguments);
+    EXPECT_FALSE(
+        replay.Run({{"op", "setting"}, {"key", "IsAutoSave"}}).value("value").toBool(true));
+    EXPECT_EQ(
+        replay.Run({{"op", "setting"}, {"key", "PageBackgroundColor"}}).value("value").toString(),
+        "#80102030");
+    const QJsonObject forced = replay.Run(
+        {{"op", "setting"}, {"key", "IsAutoSave"}, {"value", "no"}, {"type", "Platform.String"}});
+    EXPECT_TRUE(forced.value("value").toBool()) << "the value for another stored type";
+}
+
+TEST_F(SessionTest, StatsFollowTheLifeOfBitmaps) {
+    ReplayProcess replay;
+    Open(replay, WritePages("a.pdf", 2));
+    ExpectIdle(replay);
+    const QJsonObject shown = replay.Run({{"op", "stats"}});
+    EXPECT_EQ(shown.value("engine_opens").toInt(), 1);
+    EXPECT_EQ(shown.value("blocks_created").toInt(), 2);
+    EXPECT_EQ(shown.value("bitmaps_live").toInt(), 2);
+    EXPECT_EQ(shown.value("bitmap_bytes_live").toInt(), 2 * 1000 * 1294 * 4);
+    EXPECT_GE(shown.value("presents").toInt(), 1);
+    EXPECT_GE(shown.value("paints").toInt(), shown.value("presents").toInt());
+    EXPECT_GT(shown.value("peak_rss_kb").toInt(), 10000);
+    replay.Run({{"op", "close"}});
+    ExpectIdle(replay);
+    EXPECT_EQ(replay.Run({{"op", "stats"}}).value("bitmaps_live").toInt(-1), 0);
+}
+
+}
+
+}

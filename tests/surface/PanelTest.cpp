@@ -1,0 +1,212 @@
+// How the surface comes up, follows its panel, and goes.
+#include <gmock/gmock.h>
+
+#include "tests/surface/SurfaceFixture.h"
+
+namespace velko::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+
+class PanelTest : public SurfaceTest {};
+
+TEST_F(PanelTest, ComesUpInOrderAndShowsItsChainThroughTheDispatcher) {
+    Canvas().Initialize();
+
+    EXPECT_THAT(
+        CallNames(),
+        ElementsAre("D2D1CreateFactory", "CreateImagingFactory", "D3D11CreateDevice",
+                    "GetImmediateContext1", "CreateDevice", "CreateDeviceContext",
+                    "SetTextAntialiasMode", "SetUnitMode",
+                    // brushes, stroke and text
+                    "CreateSolidColorBrush", "CreateStrokeStyle", "DWriteCreateFactory",
+                    "CreateTextFormat", "CreateSolidColorBrush", "CreateSolidColorBrush",
+                    "CreateSolidColorBrush", "SetOpacity", "CreateSolidColorBrush", "SetOpacity",
+                    "CreateSolidColorBrush", "SetOpacity", "CreateSolidColorBrush", "SetOpacity",
+                    "CreateSolidColorBrush", "SetOpacity", "CreateSolidColorBrush",
+                    // the chain and its target
+                    "SetTarget", "OMSetRenderTargetsNone", "Flush", "CreateSwapChainForComposition",
+                    "SetMaximumFrameLatency", "SetMatrixTransform", "GetBuffer",
+                    "CreateBitmapFromDxgiSurface", "SetDpi", "SetTarget"));
+    EXPECT_TRUE(Canvas().IsLoadingComplete());
+    EXPECT_EQ(m_pPanel->SwapChain(), nullptr) << "shown before the dispatcher ran";
+    EXPECT_EQ(m_host.Dispatcher().Pending(concurrency::priority::normal), 1U);
+    m_host.Dispatcher().RunAll();
+    EXPECT_NE(m_pPanel->SwapChain(), nullptr);
+}
+
+TEST_F(PanelTest, AsksForTheDeviceAndTheChainThatItNeeds) {
+    Canvas().Initialize();
+
+    EXPECT_THAT(
+        LastCall(GraphicsCall::D3D11CreateDevice).values,
+        ElementsAre(1U, 32U, 0xb100U, 0xb000U, 0xa100U, 0xa000U, 0x9300U, 0x9200U, 0x9100U, 7U));
+    const RecordedCall chain = LastCall(GraphicsCall::CreateSwapChainForComposition);
+    EXPECT_EQ(chain.size, (Graphics::D2D_SIZE_U{1000, 800}))
+        << "the window's size, not the panel's";
+    EXPECT_THAT(chain.values, ElementsAre(87U, 0U, 1U, 0U, 32U, 2U, 0U, 3U, 0U, 0U));
+    EXPECT_THAT(LastCall(GraphicsCall::SetMaximumFrameLatency).values, ElementsAre(1U));
+    EXPECT_THAT(LastCall(GraphicsCall::SetTextAntialiasMode).values, ElementsAre(2U));
+    EXPECT_THAT(LastCall(GraphicsCall::SetUnitMode).values, ElementsAre(1U));
+    const RecordedCall target = LastCall(GraphicsCall::CreateBitmapFromDxgiSurface);
+    EXPECT_THAT(target.values, ElementsAre(87U, 1U, 3U));
+    EXPECT_EQ(target.fDpiX, 96.0F);
+    EXPECT_EQ(target.nObject, LastCall(GraphicsCall::SetTarget).nObject);
+
+    const RecordedCall stroke = LastCall(GraphicsCall::CreateStrokeStyle);
+    EXPECT_THAT(stroke.values, ElementsAre(0U, 0U, 2U, 0U, 5U));
+    EXPECT_THAT(stroke.floats, ElementsAre(10.0F, 0.0F, 2.0F, 2.0F, 2.0F));
+    const RecordedCall text = LastCall(GraphicsCall::CreateTextFormat);
+    EXPECT_EQ(text.strText, "Arial|");
+    EXPECT_THAT(text.values, ElementsAre(400U, 0U, 5U));
+    EXPECT_THAT(text.floats, ElementsAre(50.0F));
+}
+
+TEST_F(PanelTest, FallsBackToTheSoftwareDeviceAndRaisesWhenThereIsNone) {
+    Device().HasHardware(false);
+    Canvas().Initialize();
+    const auto devices = Device().CallsOf(GraphicsCall::D3D11CreateDevice);
+    ASSERT_EQ(devices.size(), 2U);
+    EXPECT_EQ(devices[1].values[0], 5U);
+    EXPECT_EQ(devices[1].nResult, Platform::S_OK);
+
+    const auto pOther = std::make_shared<vkit::PDFViewCanvas>(m_pPanel);
+    Device().FailCallOf(GraphicsCall::D3D11CreateDevice, 2, Platform::E_OUTOFMEMORY);
+    EXPECT_EQ(CodeRaisedBy([&] { pOther->Initialize(); }), Platform::E_OUTOFMEMORY);
+    EXPECT_FALSE(pOther->IsLoadingComplete());
+    TestClient client;
+    pOther->RenderViewer(client);
+    EXPECT_EQ(client.nFrames, 1) << "the next frame makes what is missing";
+    EXPECT_TRUE(pOther->IsLoadingComplete());
+}
+
+TEST_F(PanelTest, ANewSizeRebuildsTheTargetInOrder) {
+    Start(40.0F, 30.0F);
+    Device().ClearCalls();
+
+    m_pPanel->Arrange({60.0F, 50.0F});
+    EXPECT_THAT(CallNames(), ElementsAre("SetTarget", "OMSetRenderTargetsNone", "Flush",
+                                         "ResizeBuffers", "SetMatrixTransform", "GetBuffer",
+                                         "CreateBitmapFromDxgiSurface", "SetDpi", "SetTarget"));
+    EXPECT_EQ(Device().Calls().front().nObject, 0U) << "the old target stays bound";
+    const RecordedCall resize = LastCall(GraphicsCall::ResizeBuffers);
+    EXPECT_EQ(resize.size, (Graphics::D2D_SIZE_U{60, 50}));
+    EXPECT_THAT(resize.values, ElementsAre(2U, 87U, 0U));
+}
+
+TEST_F(PanelTest, SizesBelowOnePixelBecomeOneAndKnownSizesDoNothing) {
+    Start(40.0F, 30.0F);
+    Device().ClearCalls();
+
+    m_pPanel->SizeChanged.raise({{}, {40.0F, 30.0F}});
+    m_pPanel->CompositionScaleChanged.raise();
+    EXPECT_THAT(CallNames(), ElementsAre());
+
+    m_pPanel->Arrange({0.0F, 0.0F});
+    EXPECT_EQ(LastCall(GraphicsCall::ResizeBuffers).size, (Graphics::D2D_SIZE_U{1, 1}));
+    m_pPanel->Arrange({12.9F, 7.2F});
+    EXPECT_EQ(LastCall(GraphicsCall::ResizeBuffers).size, (Graphics::D2D_SIZE_U{12, 7}));
+}
+
+TEST_F(PanelTest, ACompositionScaleGivesRealPixelsAtLogicalSize) {
+    Start(41.0F, 30.0F);
+    m_pPanel->CompositionScale(1.5F, 2.0F);
+
+    EXPECT_EQ(LastCall(GraphicsCall::ResizeBuffers).size, (Graphics::D2D_SIZE_U{61, 60}));
+    Graphics::D2D_MATRIX_3X2_F matrix;
+    matrix._11 = 1.0F / 1.5F;
+    matrix._22 = 0.5F;
+    EXPECT_EQ(LastCall(GraphicsCall::SetMatrixTransform).matrix, matrix);
+    const RecordedCall target = LastCall(GraphicsCall::CreateBitmapFromDxgiSurface);
+    EXPECT_EQ(target.fDpiX, 144.0F);
+    EXPECT_EQ(target.fDpiY, 192.0F);
+    const RecordedCall dpi = LastCall(GraphicsCall::SetDpi);
+    EXPECT_EQ(dpi.fDpiX, 144.0F);
+    EXPECT_EQ(dpi.fDpiY, 192.0F);
+    EXPECT_EQ(Canvas().GetScaledWidth(), 61.5F);
+    EXPECT_EQ(Canvas().GetScaledHeight(), 60.0F);
+
+    m_pPanel->ArrangeAtScale({20.0F, 10.0F}, 3.0F, 3.0F);
+    EXPECT_EQ(LastCall(GraphicsCall::ResizeBuffers).size, (Graphics::D2D_SIZE_U{60, 30}));
+}
+
+TEST_F(PanelTest, APanelThatHasItsPlaceAlreadyIsTakenAsItIs) {
+    m_pPanel->ArrangeAtScale({200.0F, 100.0F}, 2.0F, 2.0F);
+    Canvas().Initialize();
+    EXPECT_EQ(Canvas().TargetBitmap()->GetPixelSize(), (Graphics::D2D_SIZE_U{400, 200}));
+}
+
+TEST_F(PanelTest, SuspendingTrimsAndResumingChangesNothing) {
+    Start();
+    Device().ClearCalls();
+    m_host.Environment().Suspending.raise();
+    EXPECT_THAT(CallNames(), ElementsAre("Trim"));
+    m_host.Environment().Resuming.raise();
+    EXPECT_THAT(CallNames(), ElementsAre("Trim"));
+}
+
+TEST_F(PanelTest, DoesNothingInTheDesigner) {
+    m_host.Environment().SetDesignMode(true);
+    Start();
+    TestClient client;
+    Canvas().RenderViewer(client);
+    Canvas().ClearAndPresent();
+    EXPECT_EQ(client.nFrames, 0);
+    EXPECT_THAT(CallNames(), ElementsAre());
+    EXPECT_TRUE(m_pPanel->SizeChanged.empty());
+}
+
+TEST_F(PanelTest, EventsDoNotKeepItAliveAndAreLeftAtItsEnd) {
+    Start();
+    const std::weak_ptr<vkit::PDFViewCanvas> wkCanvas = m_pCanvas;
+    m_pCanvas.reset();
+    EXPECT_TRUE(wkCanvas.expired());
+    EXPECT_TRUE(m_pPanel->SizeChanged.empty());
+    EXPECT_TRUE(m_pPanel->CompositionScaleChanged.empty());
+    EXPECT_TRUE(m_pPanel->Loaded.empty());
+    EXPECT_TRUE(m_pPanel->Unloaded.empty());
+    EXPECT_TRUE(m_host.Environment().Suspending.empty());
+    EXPECT_TRUE(m_host.Environment().Resuming.empty());
+    EXPECT_EQ(Device().LiveDevices(), 0);
+}
+
+TEST_F(PanelTest, ADisposedCanvasLetsGoOfAllAndRefusesEveryCall) {
+    Start();
+    TestClient client;
+    CountingBitmap bitmap(1, 1);
+    Canvas().Dispose();
+    Canvas().Dispose();
+
+    EXPECT_EQ(m_pPanel->SwapChain(), nullptr);
+    EXPECT_EQ(Device().LiveDevices(), 0);
+    EXPECT_EQ(Device().LiveSwapChains(), 0);
+    m_pPanel->Arrange({77.0F, 66.0F}); // nothing hears it
+    const Rect rc(0.0F, 0.0F, 1.0F, 1.0F);
+    const std::vector<std::function<void()>> calls = {
+        [&] { Canvas().Initialize(); },
+        [&] { Canvas().RenderViewer(client); },
+        [&] { Canvas().ClearViewer(client); },
+        [&] { Canvas().ClearAndPresent(); },
+        [&] { Canvas().FillSelection(rc); },
+        [&] { Canvas().FillRect(rc, 0); },
+        [&] { Canvas().DrawRect(rc, 0); },
+        [&] { Canvas().DrawRectWidth(rc, 0, 2.0F); },
+        [&] { Canvas().DrawEngineBitmap(bitmap, rc, rc); },
+        [&] { Canvas().GetDeviceContext(); },
+        [&] { Canvas().GetWicFactory(); },
+        [&] { Canvas().CreateRenderDC(); },
+        [&] { Canvas().CopyTarget(nullptr); },
+        [&] { Canvas().GetScaledWidth(); },
+        [&] { Canvas().GetScaledHeight(); },
+        [&] { Canvas().SetPageColor(0); },
+        [&] { Canvas().PageBrush(); },
+        [&] { Canvas().WhiteBrush(); },
+    };
+    for (std::size_t nCall = 0; nCall < calls.size(); ++nCall) {
+        EXPECT_EQ(CodeRaisedBy(calls[nCall]), Platform::RO_E_CLOSED) << "call " << nCall;
+    }
+}
+
+}
+}

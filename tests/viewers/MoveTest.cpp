@@ -1,0 +1,219 @@
+// Moves of the layout: where pages stand afterwards.
+#include <string>
+
+#include "tests/viewers/ViewerFixture.h"
+
+namespace velko::testing {
+
+namespace {
+
+struct Move {
+    double dbY;
+    double dbX;
+};
+
+// Pages of 100 x 200 on a screen of 300 x 500: centred at X 100, each 215
+// below the one before.
+class MoveTest : public ViewerTest {
+protected:
+    void OpenTen() { w.Open(MakePages(10, 100, 200), 300, 500); }
+
+    Places After(std::vector<Move> moves) {
+        for (const Move& move : moves) {
+            w.Viewer().MoveScreen(move.dbY, move.dbX);
+        }
+        return w.Laid();
+    }
+};
+
+TEST_F(MoveTest, FillsFromTheTopAndTrimsWhatLeaves) {
+    OpenTen();
+    EXPECT_EQ(w.Laid(),
+              (Places{{0, 100, 0, 100, 200}, {1, 100, 215, 100, 200}, {2, 100, 430, 100, 200}}));
+    // A page stays until its gap has left too.
+    EXPECT_EQ(After({{214, 0}}), (Places{{0, 100, -214, 100, 200},
+                                         {1, 100, 1, 100, 200},
+                                         {2, 100, 216, 100, 200},
+                                         {3, 100, 431, 100, 200}}));
+    EXPECT_EQ(After({{1, 0}}),
+              (Places{{1, 100, 0, 100, 200}, {2, 100, 215, 100, 200}, {3, 100, 430, 100, 200}}));
+    EXPECT_EQ(After({{-10, 0}}), (Places{{0, 100, -205, 100, 200},
+                                         {1, 100, 10, 100, 200},
+                                         {2, 100, 225, 100, 200},
+                                         {3, 100, 440, 100, 200}}));
+}
+
+TEST_F(MoveTest, StopsAtBothEndsOfTheDocument) {
+    OpenTen();
+    After({{4, 0}, {-10, 0}});
+    EXPECT_EQ(w.Laid().front(), (Place{0, 100, 0, 100, 200}));
+    EXPECT_EQ(After({{1e6, 0}}).back(), (Place{9, 100, 300, 100, 200}));
+    const Places atEnd = w.Laid();
+    EXPECT_EQ(After({{50, 0}}), atEnd);
+    EXPECT_EQ(After({{-1e6, 0}}).front(), (Place{0, 100, 0, 100, 200}));
+}
+
+TEST_F(MoveTest, LessThanAPixelDoesNothing) {
+    OpenTen();
+    w.Settle();
+    const std::size_t nFrames = w.Frames();
+    EXPECT_EQ(After({{0.99, -0.99}, {0.5, 0.0}}).front().dbY, 0.0);
+    w.Settle();
+    EXPECT_EQ(w.Frames(), nFrames);
+}
+
+TEST_F(MoveTest, LongMovesLoseNoPage) {
+    OpenTen();
+    const Places slow = [&] {
+        for (int n = 0; n < 120; ++n) {
+            w.Viewer().MoveScreen(10, 0);
+        }
+        return w.Laid();
+    }();
+    After({{-1e9, 0}});
+    EXPECT_EQ(After({{1200, 0}}), slow);
+    // Upwards the pages below are trimmed only as they leave.
+    After({{-700, 0}});
+    EXPECT_EQ(w.Laid().front(), (Place{2, 100, -70, 100, 200}));
+}
+
+TEST_F(MoveTest, TheLastPageNeverEndsAboveTheBottom) {
+    // The last page is short: it enters the screen with a move that the page
+    // before allowed.
+    std::vector<ScriptedPage> pages = MakePages(3, 100, 600);
+    pages.push_back(MakePage(100, 20));
+    w.Open(pages, 300, 500);
+    After({{1e5, 0}});
+    EXPECT_EQ(w.Laid().back(), (Place{3, 100, 480, 100, 20}));
+    for (const double dbStep : {450.0, 440.0, 430.0, 470.0}) {
+        After({{-1e5, 0}, {1200, 0}, {dbStep, 0}, {dbStep, 0}});
+        EXPECT_GE(w.Laid().back().dbY + w.Laid().back().nHeight, 500.0) << dbStep;
+    }
+}
+
+TEST_F(MoveTest, ADocumentThatFitsTheScreenStays) {
+    w.Open(MakePages(2, 100, 200), 300, 500);
+    const Places both = {{0, 100, 0, 100, 200}, {1, 100, 215, 100, 200}};
+    EXPECT_EQ(w.Laid(), both);
+    EXPECT_EQ(After({{100, 0}, {-100, 0}, {0, 40}, {1e7, -1e7}}), both);
+}
+
+TEST_F(MoveTest, AnOnlyPageMovesWithinItself) {
+    w.Open(MakePages(1, 100, 800), 300, 500);
+    EXPECT_EQ(After({{200, 0}}), (Places{{0, 100, -200, 100, 800}}));
+    EXPECT_EQ(After({{200, 0}}), (Places{{0, 100, -300, 100, 800}}));
+    EXPECT_EQ(After({{-1000, 0}}), (Places{{0, 100, 0, 100, 800}}));
+    EXPECT_EQ(After({{1e6, 0}}), (Places{{0, 100, -300, 100, 800}}));
+
+    w.Open(MakePages(1, 100, 80), 300, 500);
+    EXPECT_EQ(After({{30, 0}, {-30, 0}}), (Places{{0, 100, 0, 100, 80}}));
+}
+
+TEST_F(MoveTest, SidewaysWithinTheWidestPage) {
+    w.Open(MakePages(4, 400, 200), 300, 500);
+    EXPECT_EQ(w.Laid().front().dbX, 0.0);
+    EXPECT_EQ(After({{0, 60}}).front().dbX, -60.0);
+    EXPECT_EQ(After({{0, 60}}).front().dbX, -100.0);
+    EXPECT_EQ(After({{0, -30}}).back().dbX, -70.0);
+    // A page that comes in takes the offset of the one before it.
+    EXPECT_EQ(After({{300, 0}}).back(), (Place{3, -70, 345, 400, 200}));
+    EXPECT_EQ(After({{0, -500}}).front().dbX, 0.0);
+}
+
+TEST_F(MoveTest, NarrowPagesAreCentredBesideWideOnes) {
+    w.Open({MakePage(400, 200), MakePage(100, 200), MakePage(400, 200)}, 300, 500);
+    EXPECT_EQ(w.Laid(),
+              (Places{{0, 0, 0, 400, 200}, {1, 100, 215, 100, 200}, {2, 0, 430, 400, 200}}));
+    // The first of the widest decides how far the others may go.
+    EXPECT_EQ(After({{0, 500}}).front().dbX, -100.0);
+}
+
+TEST_F(MoveTest, PagesWithoutASizeAreSkippedOver) {
+    w.Open({MakePage(100, 200), MakePage(0, 0), MakePage(100, 200)}, 300, 500);
+    EXPECT_EQ(w.Laid(), (Places{{0, 100, 0, 100, 200}, {2, 100, 230, 100, 200}}));
+    EXPECT_EQ(w.Viewer().GetVisiblePages(), (std::vector<std::int32_t>{0, 2}));
+
+    w.Open(MakePages(3, 0, 0), 300, 500);
+    After({{100, 0}});
+    EXPECT_TRUE(w.Laid().empty());
+    EXPECT_EQ(w.Viewer().GetCurrentPageIndex(), 0);
+    EXPECT_EQ(w.Viewer().GetPagePosition(), nullptr);
+}
+
+TEST_F(MoveTest, ABrokenPageDoesNotKeepTheReaderFromTheOthers) {
+    w.Make(MakePages(10, 100, 200), 300, 500);
+    w.pEngine->FailPage(EngineOp::GetPage, 3);
+    w.Viewer().InitLayOut(0, 0, 0, 0);
+    After({{400, 0}});
+    EXPECT_EQ(w.Viewer().GetVisiblePages(), (std::vector<std::int32_t>{1, 2, 4, 5}));
+}
+
+TEST_F(MoveTest, TheCurrentPageChangesHalfWay) {
+    OpenTen();
+    const auto fnPageAt = [&](double dbY) {
+        w.Viewer().MoveScreen(-1e6, 0);
+        w.Viewer().MoveScreen(dbY, 0);
+        return w.Viewer().GetCurrentPageIndex();
+    };
+    EXPECT_EQ(fnPageAt(99), 0);
+    EXPECT_EQ(fnPageAt(100), 1); // half of it is above the screen
+    EXPECT_EQ(fnPageAt(216), 1);
+    // A page taller than the screen: by what it still covers of the screen.
+    w.Open(MakePages(3, 100, 800), 300, 500);
+    EXPECT_EQ(fnPageAt(549), 0);
+    EXPECT_EQ(fnPageAt(550), 1);
+    EXPECT_EQ(fnPageAt(1e6), 2);
+    EXPECT_EQ(w.Viewer().GetCurrentPageIndex(), 2);
+}
+
+TEST_F(MoveTest, TheResizeMoveTakesTheHorizontalPartFirst) {
+    w.Open(MakePages(9, 400, 200), 300, 500);
+    w.Viewer().PageSizeChanged(50, 20);
+    EXPECT_EQ(w.Laid().front(), (Place{0, -50, -20, 400, 200}));
+}
+
+TEST_F(MoveTest, WithoutALayoutOnlyTheResizeMoveMakesOne) {
+    w.Make(MakePages(9, 100, 200), 300, 500);
+    w.Viewer().MoveScreen(100, 0);
+    w.Viewer().InvaildateLayout();
+    w.Viewer().RedrawScreen();
+    w.Viewer().UpdatePageAfterAnnotEdit(0);
+    w.Viewer().PageScaled({1, 1}, 2.0, false, true);
+    EXPECT_TRUE(w.Laid().empty());
+    w.Viewer().PageSizeChanged(0, 0);
+    EXPECT_EQ(w.Laid().front().dbY, 0.0);
+}
+
+// What handlers of the host do while a step measures a page it has not seen.
+TEST_F(MoveTest, AHandlerMayMoveWithinAStep) {
+    OpenTen();
+    bool bMoved = false;
+    w.pDocumentOwner->fnLoaded = [&](std::int32_t) {
+        if (!std::exchange(bMoved, true)) {
+            w.Viewer().MoveScreen(20, 0);
+        }
+    };
+    w.Viewer().MoveScreen(200, 0);
+    EXPECT_TRUE(bMoved);
+    EXPECT_EQ(w.Laid().front(), (Place{0, 100, -200, 100, 200}));
+    w.Settle();
+    EXPECT_EQ(w.Laid().front(), (Place{1, 100, -5, 100, 200}));
+}
+
+TEST_F(MoveTest, AHandlerMayCloseOrFailWithinAStep) {
+    OpenTen();
+    w.pDocumentOwner->fnLoaded = [&](std::int32_t) { throw std::runtime_error("host"); };
+    EXPECT_THROW(w.Viewer().MoveScreen(200, 0), std::runtime_error);
+    w.pDocumentOwner->fnLoaded = nullptr;
+    EXPECT_EQ(After({{1, 0}}).back().nPage, 3);
+
+    w.pDocumentOwner->fnLoaded = [&](std::int32_t) { w.Viewer().CloseViewer(); };
+    EXPECT_THROW(w.Viewer().MoveScreen(300, 0), Platform::ObjectDisposedException);
+    EXPECT_TRUE(w.Laid().empty());
+    w.Settle();
+    EXPECT_EQ(w.Device().LiveBitmaps(), 0);
+}
+
+}
+
+}

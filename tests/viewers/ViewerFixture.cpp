@@ -1,0 +1,86 @@
+#include "tests/viewers/ViewerFixture.h"
+
+#include <algorithm>
+
+#include "settings/AppConfig.h"
+
+namespace velko::testing {
+
+std::ostream& operator<<(std::ostream& out, const Place& place) {
+    return out << "page " << place.nPage << " at (" << place.dbX << ", " << place.dbY << ") "
+               << place.nWidth << " x " << place.nHeight;
+}
+
+ViewerWorld::ViewerWorld(Platform::Fake::TestHost::ManualPool kind) : host(kind) {
+    Start();
+}
+
+ViewerWorld::ViewerWorld(Platform::Fake::TestHost::RealPool pool) : host(pool) {
+    Start();
+}
+
+void ViewerWorld::Start() {
+    pFactory = std::make_shared<Platform::Fake::RecordingGraphicsFactory>();
+    host.Environment().SetGraphicsFactory(pFactory);
+    host.Environment().SetLogicalDpi(72.0F);
+    vkit::AppConfig::Init();
+}
+
+ViewerWorld::~ViewerWorld() {
+    if (pViewer) {
+        pViewer->Dispose();
+    }
+    vkit::AppConfig::Close();
+}
+
+void ViewerWorld::Make(std::vector<ScriptedPage> pages, float fWidth, float fHeight, float fScaleX,
+                       float fScaleY) {
+    pEngine = std::make_shared<ScriptedEngine>(std::move(pages));
+    pRegistration = std::make_unique<ScriptedEngine::Registration>(pEngine);
+    pPanel = std::make_shared<Windows::UI::Xaml::Controls::SwapChainPanel>();
+    pCanvas = std::make_shared<vkit::PDFViewCanvas>(pPanel);
+    pCanvas->Initialize();
+    pPanel->ArrangeAtScale({fWidth, fHeight}, fScaleX, fScaleY);
+    pDocument = std::make_shared<vkit::VLK_Document>(pEngine->MakeLoadedDoc());
+    pDocument->SetOwner(pDocumentOwner);
+    pViewer = std::make_shared<vkit::PDFConuiunePagesViewer>(pOwner, pDocument, pCanvas);
+    host.Dispatcher().RunAll();
+    pEngine->ClearLog();
+    pFactory->ClearCalls();
+}
+
+void ViewerWorld::Open(std::vector<ScriptedPage> pages, float fWidth, float fHeight,
+                       std::int32_t nPage) {
+    Make(std::move(pages), fWidth, fHeight);
+    pViewer->InitLayOut(nPage, 0.0, 0.0, 0.0);
+}
+
+Places ViewerWorld::Laid() const {
+    Places places;
+    for (const vkit::PageItemState& item : State().items) {
+        const vkit::Render_ScreenOffsetInfo& rc = item.screenRect;
+        places.push_back({item.nPageIndex, rc.dbOffsetX, rc.dbOffsetY, rc.nWidth, rc.nHeight});
+    }
+    return places;
+}
+
+vkit::PageItemState ViewerWorld::ItemOf(std::int32_t nPage) const {
+    for (const vkit::PageItemState& item : State().items) {
+        if (item.nPageIndex == nPage) {
+            return item;
+        }
+    }
+    ADD_FAILURE() << "page " << nPage << " is not laid out";
+    return {};
+}
+
+std::size_t ViewerWorld::CountBlocks(
+    const std::function<bool(const vkit::BlockState&)>& fnWanted) const {
+    std::size_t nCount = 0;
+    for (const vkit::PageItemState& item : State().items) {
+        nCount += std::count_if(item.blocks.begin(), item.blocks.end(), fnWanted);
+    }
+    return nCount;
+}
+
+}

@@ -1,0 +1,59 @@
+// The viewer with real pool threads under it; for the thread sanitizer.
+#include <random>
+
+#include "tests/viewers/ViewerFixture.h"
+
+namespace velko::testing {
+
+namespace {
+
+TEST(ViewerStressTest, OpenScrollAndCloseWhileRendering) {
+    ViewerWorld w(Platform::Fake::TestHost::RealPool{4});
+    std::mt19937 random(7); // the same run every time
+    int nClosedAtWork = 0;
+    for (int nRound = 0; nRound < 500; ++nRound) {
+        w.Open(MakePages(40, 60, 90), 64, 128);
+        for (int nStep = 0; nStep < 6; ++nStep) {
+            w.Viewer().MoveScreen(static_cast<double>(random() % 400) - 100, 0);
+            if (random() % 3 == 0) {
+                w.host.Dispatcher().RunOne();
+            }
+            if (random() % 8 == 0) {
+                w.Viewer().RedrawScreen();
+            }
+        }
+        nClosedAtWork += w.CountBlocks([](const auto& b) { return b.bIsRendering; }) > 0 ? 1 : 0;
+        if (nRound % 3 == 0) {
+            w.pDocument->Dispose();
+        }
+        w.Viewer().Dispose();
+        w.host.Dispatcher().RunAll();
+        w.pViewer.reset();
+    }
+    w.Settle();
+    EXPECT_GT(nClosedAtWork, 50);
+    EXPECT_EQ(w.pEngine->LiveBitmaps(), 0);
+    EXPECT_EQ(w.Device().LiveBitmaps(), 0);
+}
+
+TEST(ViewerStressTest, SettlesWithEveryDisplayedBlockSharp) {
+    ViewerWorld w(Platform::Fake::TestHost::RealPool{4});
+    w.Open(MakePages(40, 60, 90), 64, 128);
+    std::mt19937 random(11);
+    for (int nStep = 0; nStep < 300; ++nStep) {
+        w.Viewer().MoveScreen(static_cast<double>(random() % 300) - 140, 0);
+        w.host.Dispatcher().RunOne();
+        if (nStep % 20 == 0) {
+            w.Viewer().PageScaled({32, 64}, 0.6 + (nStep % 7) * 0.3, false, nStep % 40 == 0);
+        }
+    }
+    w.Viewer().PageScaled({32, 64}, 1.5, false, true);
+    w.Settle();
+    EXPECT_EQ(w.CountBlocks([](const auto& b) { return b.bIsDisplay && !b.bHasBitmap; }), 0U);
+    EXPECT_EQ(w.CountBlocks([](const auto& b) { return b.bIsRendering; }), 0U);
+    EXPECT_EQ(w.pEngine->PeakRenders(), 1); // of one document, one after the other
+}
+
+}
+
+}

@@ -1,0 +1,259 @@
+// Commands that act as the reader's hands: the window, the wheel, fingers, the
+// mouse and keys.
+#include <array>
+#include <string>
+#include <vector>
+
+#include <QtGui/qtestsupport_gui.h>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMetaEnum>
+#include <QMouseEvent>
+#include <QPointingDevice>
+#include <QWheelEvent>
+
+#include "platform/qt/QtElementWindow.h"
+#include "platform/ui/SwapChainPanel.h"
+#include "tools/replay/Commands.h"
+#include "tools/replay/Session.h"
+
+namespace velko::replay {
+
+namespace {
+
+namespace Input = Windows::UI::Xaml::Input;
+using Windows::Foundation::Point;
+
+// From the canvas's logical units to the window's.
+QPointF InWindow(Session& session, Point pt) {
+    return {static_cast<double>(pt.X) * session.Panel().CompositionScaleX(),
+            static_cast<double>(pt.Y) * session.Panel().CompositionScaleY()};
+}
+
+void Send(Session& session, QEvent& event) {
+    session.ThroughWindow([&] { QCoreApplication::sendEvent(&session.Window(), &event); });
+}
+
+Point Between(Point ptFrom, Point ptTo, float fShare) {
+    return {ptFrom.X + (ptTo.X - ptFrom.X) * fShare, ptFrom.Y + (ptTo.Y - ptFrom.Y) * fShare};
+}
+
+std::int32_t Steps(const CommandFields& fields) {
+    constexpr std::int32_t kDefault = 10;
+    const std::int32_t nSteps = fields.IntOr("steps", kDefault);
+    if (nSteps < 1) {
+        throw FormatError("field \"steps\" must be at least 1");
+    }
+    return nSteps;
+}
+
+// --- window and wheel ---
+
+void RunResize(Session& session, const CommandFields& fields, JsonObject&) {
+    const std::int32_t nWidth = fields.Int("w");
+    const std::int32_t nHeight = fields.Int("h");
+    const float fScaleX = fields.FloatOr("sx", session.Panel().CompositionScaleX());
+    const float fScaleY = fields.FloatOr("sy", session.Panel().CompositionScaleY());
+    if (nWidth < 0 || nHeight < 0 || fScaleX <= 0.0F || fScaleY <= 0.0F) {
+        throw FormatError("a size must not be negative and a composition scale must be above 0");
+    }
+    session.Resize(nWidth, nHeight, fScaleX, fScaleY);
+}
+
+void RunWheel(Session& session, const CommandFields& fields, JsonObject&) {
+    const Point pt{fields.Float("x"), fields.Float("y")};
+    const std::int32_t nDelta = fields.Int("delta");
+    const bool bControl = fields.BoolOr("ctrl", false);
+    const QPoint angle = fields.BoolOr("horizontal", false) ? QPoint(nDelta, 0) : QPoint(0, nDelta);
+    const QPointF at = InWindow(session, pt);
+    QWheelEvent event(at, session.Window().mapToGlobal(at), QPoint(), angle, ::Qt::NoButton,
+                      bControl ? ::Qt::ControlModifier : ::Qt::NoModifier, ::Qt::NoScrollPhase,
+                      false);
+    Send(session, event);
+}
+
+// --- manipulations, as the recogniser would report them ---
+
+struct ManipulationFields {
+    explicit ManipulationFields(const CommandFields& fields)
+        : ptAt{fields.Float("x"), fields.Float("y")},
+          fScale(fields.FloatOr("scale", 1.0F)),
+          fCumulative(fields.FloatOr("cumulative", 1.0F)),
+          bInertial(fields.BoolOr("inertial", false)) {}
+
+    const Point ptAt;
+    const float fScale;
+    const float fCumulative;
+    const bool bInertial;
+};
+
+bool RaiseStarted(Session& session, const ManipulationFields& given) {
+    Input::ManipulationStartedRoutedEventArgs args;
+    args.Position = given.ptAt;
+    session.Panel().ManipulationStarted.raise(args);
+    return args.Handled;
+}
+
+bool RaiseDelta(Session& session, const ManipulationFields& given) {
+    Input::ManipulationDeltaRoutedEventArgs args;
+    args.Position = given.ptAt;
+    args.Delta.Scale = given.fScale;
+    args.Cumulative.Scale = given.fCumulative;
+    args.IsInertial = given.bInertial;
+    session.Panel().ManipulationDelta.raise(args);
+    return args.Handled;
+}
+
+bool RaiseCompleted(Session& session, const ManipulationFields& given) {
+    Input::ManipulationCompletedRoutedEventArgs args;
+    args.Position = given.ptAt;
+    args.Cumulative.Scale = given.fCumulative;
+    args.IsInertial = given.bInertial;
+    session.Panel().ManipulationCompleted.raise(args);
+    return args.Handled;
+}
+
+void RunManip(Session& session, const CommandFields& fields, JsonObject& result) {
+    const std::string strPhase = fields.Text("phase");
+    const ManipulationFields given(fields);
+    if (strPhase == "started") {
+        result.Add("handled", RaiseStarted(session, given));
+    } else if (strPhase == "delta") {
+        result.Add("handled", RaiseDelta(session, given));
+    } else if (strPhase == "completed") {
+        result.Add("handled", RaiseCompleted(session, given));
+    } else {
+        throw FormatError("unknown phase \"" + strPhase + "\"");
+    }
+}
+
+// --- raw pointers ---
+
+void SendMouse(Session& session, QEvent::Type eType, Point pt) {
+    const QPointF at = InWindow(session, pt);
+    const bool bDown = eType != QEvent::MouseButtonRelease;
+    QMouseEvent event(eType, at, session.Window().mapToGlobal(at),
+                      eType == QEvent::MouseMove ? ::Qt::NoButton : ::Qt::LeftButton,
+                      bDown ? ::Qt::LeftButton : ::Qt::NoButton, ::Qt::NoModifier);
+    Send(session, event);
+}
+
+QPointingDevice& TouchScreen() {
+    static QPointingDevice* const s_pDevice = QTest::createTouchDevice(); // Qt keeps it
+    return *s_pDevice;
+}
+
+// The way of real fingers: through the platform's window, so that Qt gives
+// each point its place in the widget.
+void SendTouch(Session& session, QEventPoint::State eState, const std::vector<Point>& fingers) {
+    QList<QEventPoint> points;
+    for (std::size_t n = 0; n < fingers.size(); ++n) {
+        const QPointF at = InWindow(session, fingers[n]);
+        points.emplace_back(static_cast<int>(n), eState, at, session.Window().mapToGlobal(at));
+    }
+    session.ThroughWindow(
+        [&] { qt_handleTouchEventv2(session.Window().windowHandle(), &TouchScreen(), points); });
+}
+
+void DragByMouse(Session& session, Point ptFrom, Point ptTo, std::int32_t nSteps) {
+    SendMouse(session, QEvent::MouseButtonPress, ptFrom);
+    for (std::int32_t n = 1; n <= nSteps; ++n) {
+        const float fShare = static_cast<float>(n) / static_cast<float>(nSteps);
+        SendMouse(session, QEvent::MouseMove, Between(ptFrom, ptTo, fShare));
+    }
+    SendMouse(session, QEvent::MouseButtonRelease, ptTo);
+}
+
+// Fingers that move together from one set of places to another.
+void MoveFingers(Session& session, const std::vector<Point>& from, const std::vector<Point>& to,
+                 std::int32_t nSteps) {
+    SendTouch(session, QEventPoint::Pressed, from);
+    for (std::int32_t n = 1; n <= nSteps; ++n) {
+        const float fShare = static_cast<float>(n) / static_cast<float>(nSteps);
+        std::vector<Point> now;
+        for (std::size_t nFinger = 0; nFinger < from.size(); ++nFinger) {
+            now.push_back(Between(from[nFinger], to[nFinger], fShare));
+        }
+        SendTouch(session, QEventPoint::Updated, now);
+    }
+    SendTouch(session, QEventPoint::Released, to);
+}
+
+void RunDrag(Session& session, const CommandFields& fields, JsonObject&) {
+    const Point ptFrom{fields.Float("x0"), fields.Float("y0")};
+    const Point ptTo{fields.Float("x1"), fields.Float("y1")};
+    const std::int32_t nSteps = Steps(fields);
+    const std::string strDevice = fields.TextOr("device", "touch");
+    if (strDevice == "mouse") {
+        DragByMouse(session, ptFrom, ptTo, nSteps);
+    } else if (strDevice == "touch") {
+        MoveFingers(session, {ptFrom}, {ptTo}, nSteps);
+    } else {
+        throw FormatError("unknown device \"" + strDevice + "\"");
+    }
+}
+
+// Two fingers beside each other around a centre.
+std::vector<Point> Fingers(Point ptCentre, float fDistance) {
+    const float fHalf = fDistance / 2.0F;
+    return {{ptCentre.X - fHalf, ptCentre.Y}, {ptCentre.X + fHalf, ptCentre.Y}};
+}
+
+void RunPinch(Session& session, const CommandFields& fields, JsonObject&) {
+    const Point ptCentre{fields.Float("x"), fields.Float("y")};
+    const float fFrom = fields.Float("from");
+    const float fTo = fields.Float("to");
+    MoveFingers(session, Fingers(ptCentre, fFrom), Fingers(ptCentre, fTo), Steps(fields));
+}
+
+// --- keys ---
+
+int KeyByName(const std::string& strName) {
+    const QMetaEnum keys = QMetaEnum::fromType<::Qt::Key>();
+    bool bKnown = false;
+    const int nKey = keys.keyToValue(("Key_" + strName).c_str(), &bKnown);
+    if (!bKnown) {
+        throw FormatError("unknown key \"" + strName + "\"");
+    }
+    return nKey;
+}
+
+::Qt::KeyboardModifiers Modifiers(const CommandFields& fields) {
+    ::Qt::KeyboardModifiers modifiers;
+    modifiers.setFlag(::Qt::ControlModifier, fields.BoolOr("ctrl", false));
+    modifiers.setFlag(::Qt::ShiftModifier, fields.BoolOr("shift", false));
+    modifiers.setFlag(::Qt::AltModifier, fields.BoolOr("alt", false));
+    return modifiers;
+}
+
+void RunKey(Session& session, const CommandFields& fields, JsonObject& result) {
+    const int nKey = KeyByName(fields.Text("key"));
+    const ::Qt::KeyboardModifiers modifiers = Modifiers(fields);
+    const QString strText = QString::fromStdString(fields.TextOr("text", ""));
+    QKeyEvent press(QEvent::KeyPress, nKey, modifiers, strText);
+    QKeyEvent release(QEvent::KeyRelease, nKey, modifiers, strText);
+    session.ThroughWindow([&] {
+        QWidget* const pFocused = QApplication::focusWidget();
+        QWidget* const pTarget = pFocused != nullptr ? pFocused : &session.Window();
+        press.ignore(); // accepted only by who handles it
+        QCoreApplication::sendEvent(pTarget, &press);
+        QCoreApplication::sendEvent(pTarget, &release);
+    });
+    result.Add("handled", press.isAccepted());
+}
+
+}
+
+std::span<const CommandEntry> InputCommands() {
+    static constexpr std::array<CommandEntry, 6> kCommands{{
+        {"resize", RunResize},
+        {"wheel", RunWheel},
+        {"manip", RunManip},
+        {"drag", RunDrag},
+        {"pinch", RunPinch},
+        {"key", RunKey},
+    }};
+    return kCommands;
+}
+
+}

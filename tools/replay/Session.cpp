@@ -1,0 +1,247 @@
+#include "tools/replay/Session.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+#include <filesystem>
+#include <thread>
+#include <utility>
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QResizeEvent>
+#include <QTimer>
+
+#include "control/PDFViewCtrl.h"
+#include "control/PDFViewerManager.h"
+#include "control/VelkoViewControl.h"
+#include "engines/mupdf/Register.h"
+#include "platform/concurrency/ThreadPool.h"
+#include "platform/qt/QtElementWindow.h"
+#include "platform/qt/QtEnvironment.h"
+#include "platform/qt/QtGraphicsFactory.h"
+#include "platform/storage/ApplicationData.h"
+#include "platform/storage/StorageActivity.h"
+#include "platform/storage/StorageFaults.h"
+#include "platform/system/Debug.h"
+#include "settings/AppConfig.h"
+#include "tools/replay/CountedEngine.h"
+#include "tools/replay/EventPrinter.h"
+#include "tools/replay/InputPrinter.h"
+
+namespace velko::replay {
+
+namespace {
+
+constexpr std::chrono::milliseconds kPollInterval{2};
+constexpr int kLongestResizeStep = 16'777'215; // what a widget may measure
+
+void RegisterEngineByName(const std::string& strName) {
+    if (strName != "mupdf") {
+        throw UsageError("unknown engine module: " + strName);
+    }
+    velko::engines::mupdf::RegisterEngine();
+}
+
+void PrintDebugOutput(Output& output) {
+    Platform::Debug::SetSink(
+        [&output](std::string_view strText) { output.Print(JsonObject().Add("debug", strText)); });
+}
+
+void OrderReadFaults(std::shared_ptr<Faults> pFaults) {
+    Windows::Storage::SetStorageFaultHook([pFaults = std::move(pFaults)](const char* szCall) {
+        return std::strcmp(szCall, "pread") == 0 && pFaults->Strikes(Fault::ReadError) ? EIO : 0;
+    });
+}
+
+int DevicePixels(std::int32_t nLogical, float fScale) {
+    const double dbPixels = std::round(static_cast<double>(nLogical) * fScale);
+    return static_cast<int>(std::clamp(dbPixels, 0.0, static_cast<double>(kLongestResizeStep)));
+}
+
+std::string Counted(std::size_t nCount, const char* szWhat) {
+    return std::to_string(nCount) + ' ' + szWhat;
+}
+
+}
+
+// The application data folder: the one asked for, or one of our own that goes
+// with this object.
+struct Session::Folder {
+    explicit Folder(const std::optional<std::string>& strWanted) : bOwn(!strWanted) {
+        if (strWanted) {
+            path = *strWanted;
+            return;
+        }
+        std::string strTemplate =
+            (std::filesystem::temp_directory_path() / "velko-replay-XXXXXX").string();
+        if (mkdtemp(strTemplate.data()) == nullptr) {
+            throw Platform::AccessDeniedException("no temporary folder: " + strTemplate);
+        }
+        path = strTemplate;
+    }
+    ~Folder() {
+        if (bOwn) {
+            std::error_code ignored;
+            std::filesystem::remove_all(path, ignored);
+        }
+    }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+
+    const bool bOwn;
+    std::filesystem::path path;
+};
+
+Session::Session(const Options& options, Output& output)
+    : m_output(output), m_pDataFolder(std::make_unique<Folder>(options.strDataFolder)) {
+    if (options.bDebugOutput) {
+        PrintDebugOutput(output);
+    }
+    StartPlatform(options);
+    RegisterEngineByName(options.strEngine);
+    CountEngine(m_pCounters, m_pFaults);
+    OrderReadFaults(m_pFaults);
+    MakeControl(options);
+}
+
+void Session::StartPlatform(const Options& options) {
+    m_pGraphics = std::make_shared<Platform::Qt::QtGraphicsFactory>();
+    Platform::Qt::QtEnvironment::Options facts;
+    facts.strDeviceFamily = options.strFamily;
+    facts.logicalDpi = options.fDpi;
+    facts.fCompositionScaleX = options.fScaleX;
+    facts.fCompositionScaleY = options.fScaleY;
+    facts.size = {static_cast<float>(options.nWidth), static_cast<float>(options.nHeight)};
+    facts.pGraphicsFactory = m_pGraphics;
+    m_pEnvironment = std::make_shared<Platform::Qt::QtEnvironment>(
+        Platform::Qt::QtDispatcher::Create(), std::move(facts));
+    Platform::SetEnvironment(m_pEnvironment);
+    m_pPool = std::make_shared<concurrency::ThreadPool>(
+        std::max(2U, std::thread::hardware_concurrency()));
+    concurrency::set_task_pool(m_pPool);
+    Windows::Storage::ApplicationData::SetCurrent(
+        Windows::Storage::OpenApplicationData(m_pDataFolder->path.string()));
+}
+
+void Session::MakeControl(const Options& options) {
+    m_pControl = velko::vkit::PDFViewCtrl::Create();
+    m_pWindow = std::make_unique<Platform::Qt::QtElementWindow>(m_pEnvironment, m_pControl);
+    m_pWindow->OnFailure = [this](std::exception_ptr pFailure) {
+        if (!m_pFailure) { // the first one is the cause
+            m_pFailure = std::move(pFailure);
+        }
+    };
+    ThroughWindow([&] {
+        m_pWindow->resize(DevicePixels(options.nWidth, options.fScaleX),
+                          DevicePixels(options.nHeight, options.fScaleY));
+        m_pWindow->show();
+    });
+    RunUntil([] { return true; }, std::chrono::steady_clock::now());
+}
+
+void Session::PrintEvents() {
+    PrintEventsOf(*m_pControl, m_output);
+    m_pControl->ExtensionsManager(std::make_shared<InputPrinter>(m_output));
+}
+
+Session::~Session() {
+    m_pWindow->OnFailure = [](const std::exception_ptr&) {}; // nobody is left to hear of it
+    try {
+        m_pControl->Dispose();
+    } catch (const std::exception& error) {
+        Platform::Debug::OutputDebugString(std::string("closing failed: ") + error.what() + "\n");
+    }
+    m_pWindow.reset();
+    m_pControl.reset();
+    concurrency::set_task_pool(nullptr);
+    m_pPool.reset(); // joins, before the queue that its works post to goes
+    m_pEnvironment->Dispatcher()->ShutDown();
+    Platform::SetEnvironment(nullptr);
+    Windows::Storage::SetStorageFaultHook(nullptr);
+    velko::vkit::AppConfig::Close();
+    Windows::Storage::ApplicationData::SetCurrent(nullptr);
+    Platform::Debug::SetSink(nullptr);
+}
+
+velko::vkit::VelkoViewControl& Session::ViewControl() {
+    return *m_pControl->ViewControl();
+}
+
+std::shared_ptr<velko::vkit::IPDFViewer> Session::Viewer() {
+    const auto pManager = m_pControl->PageViewMgr();
+    return pManager ? pManager->GetViewer() : nullptr;
+}
+
+Windows::UI::Xaml::Controls::SwapChainPanel& Session::Panel() {
+    return *m_pWindow->Panel();
+}
+
+void Session::ThroughWindow(const std::function<void()>& fnBody) {
+    m_pFailure = nullptr;
+    fnBody();
+    if (const std::exception_ptr pFailure = std::exchange(m_pFailure, nullptr)) {
+        std::rethrow_exception(pFailure);
+    }
+}
+
+void Session::Resize(std::int32_t nWidth, std::int32_t nHeight, float fScaleX, float fScaleY) {
+    m_pEnvironment->SetCompositionScale(fScaleX, fScaleY);
+    const QSize sizeBefore = m_pWindow->size();
+    const QSize size(DevicePixels(nWidth, fScaleX), DevicePixels(nHeight, fScaleY));
+    ThroughWindow([&] {
+        if (size != sizeBefore) {
+            m_pWindow->resize(size);
+        } else { // the scale may have changed all the same
+            QResizeEvent event(size, sizeBefore);
+            QCoreApplication::sendEvent(m_pWindow.get(), &event);
+        }
+    });
+}
+
+void Session::RunUntil(const std::function<bool()>& fnDone,
+                       std::chrono::steady_clock::time_point deadline) {
+    // Work of other threads ends without an event that would wake this one.
+    QTimer wake;
+    wake.setTimerType(::Qt::PreciseTimer);
+    wake.start(kPollInterval);
+    QCoreApplication::processEvents();
+    while (!fnDone() && std::chrono::steady_clock::now() < deadline) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+}
+
+void Session::RunFor(std::chrono::milliseconds length) {
+    RunUntil([] { return false; }, std::chrono::steady_clock::now() + length);
+}
+
+std::vector<std::string> Session::WaitUntilIdle(std::chrono::milliseconds limit) {
+    RunUntil([this] { return Pending().empty(); }, std::chrono::steady_clock::now() + limit);
+    return Pending();
+}
+
+// In the order in which work passes on: what a pool or a file thread posts is
+// in the dispatcher by the time that the thread counts as idle.
+std::vector<std::string> Session::Pending() const {
+    std::vector<std::string> busy;
+    if (!m_pPool->is_idle()) {
+        busy.emplace_back("tasks or renders on the pool");
+    }
+    if (Windows::Storage::AreFileOperationsPending()) {
+        busy.emplace_back("file operations");
+    }
+    if (!m_pPool->is_idle()) { // a file operation ended and went on there
+        busy.emplace_back("tasks or renders on the pool");
+    }
+    if (const std::size_t nPosts = m_pEnvironment->Dispatcher()->PendingCount(); nPosts > 0) {
+        busy.push_back(Counted(nPosts, "posts to the UI thread"));
+    }
+    if (const int nTimers = m_pEnvironment->RunningTimers(); nTimers > 0) {
+        busy.push_back(Counted(static_cast<std::size_t>(nTimers), "timers"));
+    }
+    busy.erase(std::unique(busy.begin(), busy.end()), busy.end());
+    return busy;
+}
+
+}

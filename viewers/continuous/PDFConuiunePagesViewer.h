@@ -1,0 +1,128 @@
+// The continuous viewer: pages one under the other, 15 device pixels apart.
+//
+// It holds no model of the whole document, only the list of pages that touch
+// the screen, in page order. A move is a change of those pages' places, limited
+// by the first and the last page once they are laid out, after which the list
+// is trimmed at one end and filled at the other. A page narrower than the
+// screen is centred. Wherever a step would leave the screen without a page, the
+// page asked for comes to stand at the top.
+// Lifetime, threads, units, errors: as `PageViewerBase`.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "viewers/continuous/ContinueViewerPageItem.h"
+#include "viewers/core/PageViewerBase.h"
+
+namespace velko::vkit {
+
+class PDFConuiunePagesViewer final : public PageViewerBase {
+public:
+    PDFConuiunePagesViewer(std::weak_ptr<IViewerOwner> wkOwner,
+                           std::shared_ptr<VLK_Document> pDocument,
+                           std::shared_ptr<PDFViewCanvas> pCanvas);
+
+    void PageScaled(Point pCentrePt, double dbScale, bool bIsInertial,
+                    bool isScrollComplete) override;
+    void MoveScreen(double dbOffsetY, double dbOffsetX) override;
+    void RotateViewer(std::int32_t nRotate) override;
+    void InvaildateLayout() override;
+    void InitLayOut(std::int32_t nPageIndex, double dbScale, double dbOffsetX,
+                    double dbOffsetY) override;
+    void OnRenderCanvas(const std::shared_ptr<WPRenderDC>& pDc) override;
+    void CloseViewer() override;
+    void GotoPage(std::int32_t nPageIndex) override;
+    std::int32_t GetCurrentPageIndex() override;
+    void AlignPageAfterScroll(double dbOffsetY, double dbOffsetX) override;
+    void PageSizeChanged(double dbOffsetX, double dbOffsetY) override;
+    void GotoDestination(std::int32_t nPageIndex, std::int32_t nZoomMode,
+                         const std::vector<float>& values) override;
+
+private:
+    static const ScreenTexts kTexts;
+
+    bool IsLastPage(std::int32_t nPageIndex) const { return nPageIndex == PageCount() - 1; }
+    PDFRenderTask MakeTask(double dbOffsetY, double dbOffsetX);
+    void RecomputeCurrentPage(); // keeps the one known when nothing is laid out
+
+    // --- a layout step ---
+    // Limits the task in place; whether a move is left to do.
+    bool ClampTaskOffset(const PageItems& items, PDFRenderTask& task);
+    void ClampOnlyPage(const ContinueViewerPageItem& page, double& dbOffsetY) const;
+    void ClampToEnds(const PageItems& items, double& dbOffsetY) const;
+    void ClampHorizontal(const PageItems& items, double& dbOffsetX) const;
+    // Moves the items in force into `newList`, then fills it.
+    bool RelayoutPageItems(PageItems& newList, const PDFRenderTask& task);
+    bool StaysOnScreen(const ContinueViewerPageItem& item, const PDFRenderTask& task) const;
+    void EnumPageTop(std::int32_t nPageIndex, PageItems& list, const PDFRenderTask& task);
+    void EnumPageBelow(std::int32_t nPageIndex, PageItems& list, const PDFRenderTask& task);
+    PageItem MakeItem(std::int32_t nPageIndex, const PDFRenderTask& task);
+    void PlaceItem(ContinueViewerPageItem& item, const DisplaySize& size, double dbOffsetX,
+                   double dbOffsetY) const;
+    void NarrowToOnlyPage(const Render_ScreenOffsetInfo& rc);
+    // One whole step: the next list is in force afterwards.
+    void LayOut(const PDFRenderTask& task);
+    void Adopt(PageItems& newList);
+    bool HoldsScreen(const PageItems& items) const;
+    void BringBack(PageItems& list, PDFRenderTask task);
+
+    // Lays out and starts the renders; returns the list now in force.
+    const PageItems& RenderScreenBitmapSync(const PDFRenderTask& task, bool bUseCacheOnly);
+    void MoveLayout(std::int32_t nPageIndex, double dbOffsetY, double dbOffsetX, double dbScale,
+                    std::int32_t nRotate);
+    void ShowStep(PDFRenderTask task);
+
+    // --- longer ways ---
+    bool MoveInSteps(double dbOffsetY, double dbOffsetX);
+    bool PinEnds();
+    bool PinFirstPage();
+    double CalcTailOverflow(std::int32_t nPageIndex);
+    DisplaySize DisplaySizeOf(std::int32_t nPageIndex);
+    void GotoPageTop(std::int32_t nPageIndex);
+    void ShowPage(std::int32_t nPageIndex, bool bFresh);
+    void ScaleForFirstLayout(double dbScale, const VLK_PageSize& size);
+    bool KeepsOrientation() const;
+    void LayOutInPlace();
+
+    // --- zoom; see the .cpp ---
+    bool Zoom(Point ptCentre, double dbScale, bool isScrollComplete, std::string& strLog);
+    PageItem FillScaleCache(Point ptCentre);
+    void StoreZoomScale(double dbScale);
+    void LayOutZoomed(std::int32_t nOldHeight);
+    void MoveUnderCentre(const ContinueViewerPageItem& item, Point ptPage, Point ptCentre);
+    bool WouldEmptyScreen(const PDFRenderTask& task) const;
+    void CompleteZoom();
+
+    // --- destinations; see the .cpp ---
+    void ScaleForDestination(std::int32_t nPageIndex, std::int32_t nZoomMode,
+                             const std::vector<float>& values);
+    void ShowDestination(PageItem pItem, std::int32_t nZoomMode, const std::vector<float>& values);
+    void ShowRectangle(PageItem pItem, const std::vector<float>& values);
+    void ShowPageBox(PageItem pItem, std::int32_t nZoomMode, float fTop);
+    concurrency::task<void> ShowLoadedPageBox(std::int32_t nPageIndex, std::int32_t nZoomMode,
+                                              float fTop);
+    void ShowBox(const ContinueViewerPageItem& item, const Rect& rcBox, std::int32_t nZoomMode,
+                 float fTop);
+    void ShowWholeBox(const ContinueViewerPageItem& item, const Rect& rcDevice);
+    void ShowBoxWidth(const ContinueViewerPageItem& item, const Rect& rcDevice, float fTop);
+    void ShowBoxHeight(const ContinueViewerPageItem& item, const Rect& rcBox, const Rect& rcDevice);
+    double RectangleFactor(const ContinueViewerPageItem& item, const Rect& rcDevice) const;
+    void ZoomAtScreenCentre(double dbScale);
+    void EndDestinationZoom();
+    PageItem LayOutAtScale(std::int32_t nPageIndex, double dbScale);
+    PageItem CenterPageItem(PageItem pItem);
+
+    // --- drawing ---
+    void DrawItem(Windows::Graphics::ID2D1DeviceContext& context,
+                  const ContinueViewerPageItem& item);
+    void DrawBlock(Windows::Graphics::ID2D1DeviceContext& context,
+                   ContinueViewerPageItemBlock& block) const;
+
+    PageItems m_spareItems;                  // the next list's memory
+    CancellationGeneration m_ctsDestination; // a destination that waits for its page
+};
+
+}

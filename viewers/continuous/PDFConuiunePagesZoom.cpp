@@ -1,0 +1,168 @@
+// Zooming around a point.
+//
+// During a gesture nothing is rendered: the blocks of the new layout take the
+// bitmaps of the old scale, by page and block number. The end of the gesture
+// keeps the last frame as a backdrop while the blocks are rendered.
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <exception>
+#include <string>
+#include <utility>
+
+#include "platform/system/Debug.h"
+#include "viewers/continuous/PDFConuiunePagesViewer.h"
+#include "viewers/continuous/PageGap_p.h"
+
+namespace velko::vkit {
+
+namespace {
+
+std::string NumberText(double dbValue) {
+    std::array<char, 32> text{};
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), dbValue).ptr;
+    return std::string(text.data(), end);
+}
+
+const char* FlagText(bool bFlag) {
+    return bFlag ? "true" : "false";
+}
+
+}
+
+void PDFConuiunePagesViewer::PageScaled(Point pCentrePt, double dbScale, bool bIsInertial,
+                                        bool isScrollComplete) {
+    ThrowIfDisposed();
+    if (PutOff([=](PageViewerBase& viewer) {
+            viewer.PageScaled(pCentrePt, dbScale, bIsInertial, isScrollComplete);
+        })) {
+        return;
+    }
+    m_ctsDestination.Renew();
+    if (!CanLayOut()) {
+        return;
+    }
+    const auto pSelf = shared_from_this();
+    std::string strLog = "PageScaled Start..." + NumberText(dbScale) + FlagText(bIsInertial) + " " +
+                         FlagText(isScrollComplete) + "......\n";
+    const bool bZoomed = Zoom(pCentrePt, dbScale, isScrollComplete, strLog);
+    if (isScrollComplete) {
+        m_pScaleBitmapCache.Clear();
+    }
+    strLog += "m_pScaleBitmapCache->Size: " + std::to_string(m_pScaleBitmapCache.Size()) +
+              "pPageViewer is NULL: " + FlagText(!bZoomed) + "PageScaled End...\n";
+    Platform::Debug::OutputDebugString(strLog);
+}
+
+// False when there is no page to zoom around.
+bool PDFConuiunePagesViewer::Zoom(Point ptCentre, double dbScale, bool isScrollComplete,
+                                  std::string& strLog) {
+    RefreshScreenSize();
+    PageItem pAnchor = FillScaleCache(ptCentre);
+    strLog += "m_pScaleBitmapCache->Size: " + std::to_string(m_pScaleBitmapCache.Size());
+    if (!pAnchor) {
+        return false;
+    }
+    const Point ptPage = DeviceToPage(*pAnchor, ptCentre);
+    DropItems();
+    StoreZoomScale(dbScale);
+    m_nCurPageIndex = pAnchor->nPageIndex;
+    LayOutZoomed(pAnchor->screenRect.nHeight);
+    pAnchor = FindItem(m_nCurPageIndex);
+    if (!pAnchor) {
+        return false;
+    }
+    MoveUnderCentre(*pAnchor, ptPage, ptCentre);
+    PinFirstPage();
+    StartRenders(!isScrollComplete);
+    // A frame that fails must not keep the gesture from ending.
+    std::exception_ptr pFailure;
+    try {
+        PaintCanvas();
+    } catch (...) {
+        pFailure = std::current_exception();
+    }
+    if (isScrollComplete) {
+        CompleteZoom();
+    }
+    if (pFailure) {
+        std::rethrow_exception(pFailure);
+    }
+    return true;
+}
+
+// Returns the page under the centre, the last of several, else the first one.
+PageViewerBase::PageItem PDFConuiunePagesViewer::FillScaleCache(Point ptCentre) {
+    if (!HasItems()) {
+        return nullptr;
+    }
+    PageItem pAnchor = m_pPageItems->front();
+    for (const PageItem& pItem : *m_pPageItems) {
+        if (ToRect(pItem->screenRect).Contains(ptCentre)) {
+            pAnchor = pItem;
+        }
+        pItem->ForEachBlock([&](const ContinueViewerPageItemBlock& block) {
+            m_pScaleBitmapCache.Add(block.m_pBitmapSource);
+        });
+    }
+    return pAnchor;
+}
+
+void PDFConuiunePagesViewer::StoreZoomScale(double dbScale) {
+    const auto fScale = static_cast<float>(dbScale);
+    if (fScale > 0.0F && m_fScale != fScale) {
+        SetScale(fScale);
+    }
+}
+
+// Lays the page out at the top. An only item that ends above the screen's
+// bottom is moved down by what its page was lower than the screen before.
+void PDFConuiunePagesViewer::LayOutZoomed(std::int32_t nOldHeight) {
+    LayOut(MakeTask(m_dbScreenHeight, 0.0));
+    if (m_pPageItems->size() != 1 || !IsLastPage(m_nCurPageIndex)) {
+        return;
+    }
+    const Render_ScreenOffsetInfo& rc = m_pPageItems->front()->screenRect;
+    if (rc.dbOffsetY + rc.nHeight < m_dbScreenHeight) {
+        LayOut(MakeTask(nOldHeight - m_dbScreenHeight, 0.0));
+    }
+}
+
+void PDFConuiunePagesViewer::MoveUnderCentre(const ContinueViewerPageItem& item, Point ptPage,
+                                             Point ptCentre) {
+    const Point ptNow = PageToDevice(item, ptPage);
+    const float fMoveX = ptNow.X - ptCentre.X;
+    const float fMoveY = ptNow.Y - ptCentre.Y;
+    PDFRenderTask task =
+        MakeTask(std::isfinite(fMoveY) ? fMoveY : 0.0, std::isfinite(fMoveX) ? fMoveX : 0.0);
+    ClampTaskOffset(*m_pPageItems, task);
+    if (WouldEmptyScreen(task)) {
+        MoveInSteps(task.dbOffsetY, task.dbOffsetX);
+    } else {
+        LayOut(task);
+    }
+}
+
+// A centre in the gap between pages may belong to a point far off its page.
+bool PDFConuiunePagesViewer::WouldEmptyScreen(const PDFRenderTask& task) const {
+    return std::none_of(m_pPageItems->begin(), m_pPageItems->end(), [&](const PageItem& pItem) {
+        const double dbTop = pItem->screenRect.dbOffsetY - task.dbOffsetY;
+        return dbTop < m_dbScreenHeight && dbTop + pItem->screenRect.nHeight + kPageGap > 0.0;
+    });
+}
+
+// The blocks take the grid of their true size, and are rendered.
+void PDFConuiunePagesViewer::CompleteZoom() {
+    if (!HasItems()) {
+        return;
+    }
+    TakeSnapshot();
+    RenewRenders();
+    for (const PageItem& pItem : *m_pPageItems) {
+        pItem->DividToBlock(CalcPageDavidBlock(*pItem));
+    }
+    StartVisibleRenders();
+}
+
+}

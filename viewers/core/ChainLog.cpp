@@ -1,0 +1,23 @@
+#include "viewers/core/ChainLog.h"
+
+#include "platform/concurrency/Cancellation.h"
+#include "platform/foundation/Exception.h"
+#include "platform/system/Debug.h"
+
+namespace velko::vkit {
+
+bool WriteChainOutcome(const ChainTexts& texts) {
+    try {
+        throw;
+    } catch (const concurrency::task_canceled&) {
+        Platform::Debug::OutputDebugString(texts.szCanceled);
+        return true;
+    } catch (const Platform::Exception&) {
+        Platform::Debug::OutputDebugString(texts.szPlatform);
+    } catch (...) {
+        Platform::Debug::OutputDebugString(texts.szOther);
+    }
+    return false;
+}
+
+}

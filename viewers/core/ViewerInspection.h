@@ -1,0 +1,44 @@
+// What a viewer shows at this moment, in numbers; for tools and tests.
+//
+// Units: device pixels. Threads: the UI thread only.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "viewers/core/Records.h"
+
+namespace velko::vkit {
+
+struct BlockState {
+    std::int32_t nBlockId = 0;
+    Render_ScreenOffsetInfo screenRect;
+    bool bIsDisplay = false;
+    bool bIsRendering = false;
+    bool bHasBitmap = false;
+    std::int32_t nBitmapWidth = 0; // 0 without a bitmap
+    std::int32_t nBitmapHeight = 0;
+};
+
+struct PageItemState {
+    std::int32_t nPageIndex = 0;
+    Render_ScreenOffsetInfo screenRect;
+    double dbScale = 0.0;
+    std::int32_t nRotate = 0;
+    Render_PageDavidBlock grid;
+    std::vector<BlockState> blocks; // row by row
+};
+
+struct ViewerState {
+    std::vector<PageItemState> items; // in list order
+    std::uint32_t nScaleCacheEntries = 0;
+    bool bShowScaleSnapshot = false;
+};
+
+class IViewerInspection {
+public:
+    virtual ~IViewerInspection() = default;
+    virtual ViewerState Inspect() const = 0; // empty after disposal
+};
+
+}

@@ -1,0 +1,231 @@
+#include "viewers/core/ViewerPageItem.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "document/VLK_Document.h"
+#include "platform/system/Debug.h"
+
+namespace velko::vkit {
+
+using concurrency::cancellation_token;
+using concurrency::task;
+using concurrency::task_canceled;
+using Windows::Foundation::Rect;
+
+namespace {
+
+constexpr ChainTexts kRenderViewerPageTexts = {
+    "ContinueViewerPageItem::RenderViewerPage Platform::Exception...\n",
+    "ContinueViewerPageItem::RenderViewerPage concurrency::task_canceled...\n",
+    "ContinueViewerPageItem::RenderViewerPage Exception...\n"};
+
+constexpr ChainTexts kUpdateTexts = {"ContinueViewerPageItem::Update() Platform::Exception...\n",
+                                     "ContinueViewerPageItem::Update() task_canceled...\n",
+                                     "Exception...\n"};
+
+// One for all, so that an item without work costs a layout step nothing.
+const task<void>& FinishedTask() {
+    static const task<void> finished = concurrency::task_from_result<void>();
+    return finished;
+}
+
+}
+
+ViewerPageItem::ViewerPageItem(std::weak_ptr<IPageItemHost> wkHost, std::int32_t nPage,
+                               double dbPageScale, std::int32_t nTurn)
+    : m_nRotate(nTurn), nPageIndex(nPage), dbScale(dbPageScale), m_wkHost(std::move(wkHost)) {}
+
+DisplaySize ViewerPageItem::GetPageDisplaySize() {
+    const auto pHost = m_wkHost.lock();
+    if (!pHost) {
+        return {};
+    }
+    return CalcPageDisplaySize(pHost->PageSizeOf(nPageIndex), m_nRotate, pHost->LayoutScreen(),
+                               dbScale);
+}
+
+void ViewerPageItem::SetSize(const DisplaySize& size) {
+    screenRect.nWidth = TruncateSide(size.fWidth);
+    screenRect.nHeight = TruncateSide(size.fHeight);
+    pageOffset.nPageWidth = screenRect.nWidth;
+    pageOffset.nPageHeight = screenRect.nHeight;
+    pageOffset.nOffsetX = 0;
+    pageOffset.nOffsetY = 0;
+}
+
+void ViewerPageItem::MoveTo(double dbOffsetX, double dbOffsetY) {
+    screenRect.dbOffsetX = dbOffsetX;
+    screenRect.dbOffsetY = dbOffsetY;
+}
+
+// --- blocks ---
+
+void ViewerPageItem::DividToBlock(const Render_PageDavidBlock& newGrid) {
+    const Render_PageDavidBlock oldGrid = grid;
+    const bool bNew = !(oldGrid == newGrid) || m_pPageBlock.empty();
+    grid = newGrid;
+    if (bNew) {
+        MakeBlocks();
+    }
+    const auto pHost = m_wkHost.lock();
+    const Rect rcScreen = pHost ? pHost->ScreenRect() : Rect();
+    for (std::int32_t nRow = 0; nRow < grid.nRows; ++nRow) {
+        for (std::int32_t nCol = 0; nCol < grid.nCols; ++nCol) {
+            PlaceBlock(*m_pPageBlock[nRow][nCol], nRow, nCol, rcScreen);
+        }
+    }
+    if (bNew) {
+        WriteGridChange(oldGrid);
+    }
+}
+
+void ViewerPageItem::MakeBlocks() {
+    ForEachBlock([](ViewerPageItemBlock& block) { block.CancelBlock(); });
+    m_pPageBlock.clear();
+    m_pPageBlock.reserve(grid.nRows);
+    std::int32_t nBlockId = 0;
+    for (std::int32_t nRow = 0; nRow < grid.nRows; ++nRow) {
+        auto& row = m_pPageBlock.emplace_back();
+        row.reserve(grid.nCols);
+        for (std::int32_t nCol = 0; nCol < grid.nCols; ++nCol) {
+            row.push_back(std::make_shared<ViewerPageItemBlock>(m_wkHost, nPageIndex, m_nRotate,
+                                                                ++nBlockId, grid));
+        }
+    }
+}
+
+// What the division truncates goes to the last row and column.
+void ViewerPageItem::PlaceBlock(ViewerPageItemBlock& block, std::int32_t nRow, std::int32_t nCol,
+                                const Rect& rcScreen) const {
+    const std::int32_t nBlockHeight = screenRect.nHeight / grid.nRows;
+    const std::int32_t nBlockWidth = screenRect.nWidth / grid.nCols;
+    const std::int32_t nLeft = nCol * nBlockWidth;
+    const std::int32_t nTop = nRow * nBlockHeight;
+    block.screenRect.dbOffsetX = screenRect.dbOffsetX + nLeft;
+    block.screenRect.dbOffsetY = screenRect.dbOffsetY + nTop;
+    block.screenRect.nWidth = nCol + 1 == grid.nCols ? screenRect.nWidth - nLeft : nBlockWidth;
+    block.screenRect.nHeight = nRow + 1 == grid.nRows ? screenRect.nHeight - nTop : nBlockHeight;
+    block.pageOffset.nPageWidth = pageOffset.nPageWidth;
+    block.pageOffset.nPageHeight = pageOffset.nPageHeight;
+    block.pageOffset.nOffsetX = -(pageOffset.nOffsetX + nLeft);
+    block.pageOffset.nOffsetY = -nTop;
+    block.m_bIsDisplay = block.screenRect.nWidth > 0 && block.screenRect.nHeight > 0 &&
+                         ToRect(block.screenRect).IntersectsWith(rcScreen);
+}
+
+void ViewerPageItem::WriteGridChange(const Render_PageDavidBlock& oldGrid) const {
+    Platform::Debug::OutputDebugString(
+        "ContinueViewerPageItem::DividToBlock: " + std::to_string(nPageIndex) + ", [" +
+        std::to_string(oldGrid.nRows) + " * " + std::to_string(oldGrid.nCols) + "] --> [" +
+        std::to_string(grid.nRows) + " * " + std::to_string(grid.nCols) + "]\n");
+}
+
+void ViewerPageItem::ClearBlocks() {
+    if (!HasBlocks()) {
+        return;
+    }
+    ForEachBlock([](ViewerPageItemBlock& block) { block.CancelBlock(); });
+    m_ctsBlocks.Renew();
+}
+
+void ViewerPageItem::ClearInvisibleBlocks() {
+    ForEachBlock([](ViewerPageItemBlock& block) {
+        if (!block.m_bIsDisplay) {
+            block.CancelBlock();
+        }
+    });
+    m_ctsBlocks.Renew();
+}
+
+// --- chains ---
+
+task<void> ViewerPageItem::RenderViewerPage(bool bUseCacheOnly) {
+    ClearInvisibleBlocks();
+    const auto pHost = m_wkHost.lock();
+    if (!pHost) {
+        return FinishedTask();
+    }
+    bool bRenders = false;
+    ForEachBlock([&](ViewerPageItemBlock& block) {
+        if (block.m_bIsDisplay && !block.HasBitmap()) {
+            auto pCached = pHost->FindScaleBitmap(nPageIndex, block.m_nBlockId);
+            if (pCached || bUseCacheOnly) {
+                block.ShowStandIn(std::move(pCached));
+            }
+        }
+        bRenders = bRenders || (!block.m_bIsRendering && block.NeedsRender());
+    });
+    if (bUseCacheOnly || !bRenders) {
+        return FinishedTask();
+    }
+    return LoadThenRender(pHost, Walk::NeedingRender, true, &kRenderViewerPageTexts);
+}
+
+task<void> ViewerPageItem::Update(bool bPaintWhenDone) {
+    ClearBlocks();
+    const auto pHost = m_wkHost.lock();
+    if (!pHost || !HasBlocks()) {
+        return FinishedTask();
+    }
+    // Should a move end this chain before the blocks are rendered, the move's
+    // own chain has to know that they are out of date.
+    ForEachBlock([](ViewerPageItemBlock& block) { block.MarkStale(); });
+    return LoadThenRender(pHost, Walk::Displayed, bPaintWhenDone, &kUpdateTexts);
+}
+
+task<void> ViewerPageItem::RenderVisibleBlocks() {
+    ClearInvisibleBlocks();
+    const auto pHost = m_wkHost.lock();
+    if (!pHost || !HasBlocks()) {
+        return FinishedTask();
+    }
+    return LoadThenRender(pHost, Walk::Idle, true, nullptr);
+}
+
+// Without texts a failure is the waiter's to log.
+task<void> ViewerPageItem::LoadThenRender(std::shared_ptr<IPageItemHost> pHost, Walk eWalk,
+                                          bool bPaintWhenDone, const ChainTexts* pTexts) {
+    const auto pSelf = shared_from_this();
+    const cancellation_token token = m_ctsBlocks.Token();
+    bool bCanceled = false;
+    try {
+        const auto pDocument = pHost->LiveDocument();
+        if (!pDocument) {
+            co_return;
+        }
+        const auto load = pDocument->LoadPageAsync(nPageIndex, token);
+        co_await load;
+        token.throw_if_canceled();
+        const task<void> renders = StartBlocks(eWalk, bPaintWhenDone, token);
+        co_await renders;
+    } catch (...) {
+        if (!pTexts) {
+            throw;
+        }
+        bCanceled = WriteChainOutcome(*pTexts);
+    }
+    if (bCanceled) {
+        throw task_canceled();
+    }
+}
+
+// The layout may have moved on while the page was loaded.
+task<void> ViewerPageItem::StartBlocks(Walk eWalk, bool bPaintWhenDone,
+                                       const cancellation_token& token) {
+    std::vector<task<void>> renders;
+    ForEachBlock([&](ViewerPageItemBlock& block) {
+        if (!block.m_bIsDisplay || eWalk == Walk::Displayed) {
+            block.CancelBlock();
+        }
+        const bool bWanted =
+            eWalk == Walk::NeedingRender ? block.NeedsRender() : block.m_bIsDisplay;
+        if (bWanted && !block.m_bIsRendering) {
+            renders.push_back(block.RenderViewerPageBlock(bPaintWhenDone));
+        }
+    });
+    return concurrency::when_all(std::move(renders), token);
+}
+
+}

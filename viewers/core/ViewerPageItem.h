@@ -1,0 +1,99 @@
+// A laid-out page: where it stands, the grid of blocks that it is cut into, and
+// the chains that bring its blocks to the screen.
+//
+// A chain loads the page (on the pool), then starts renders of blocks on the UI
+// thread, in row order. Laying the item out anew ends the chain of the step
+// before and begins one; renders of blocks that stay displayed go on.
+// Threads: the UI thread only. Units: device pixels.
+// Ownership: a viewer's list owns it, chains in flight share it; it holds its
+// viewer weakly.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "platform/concurrency/Task.h"
+#include "viewers/core/CancellationGeneration.h"
+#include "viewers/core/ChainLog.h"
+#include "viewers/core/IPageItemHost.h"
+#include "viewers/core/PageGeometry.h"
+#include "viewers/core/Records.h"
+#include "viewers/core/ViewerPageItemBlock.h"
+
+namespace velko::vkit {
+
+class ViewerPageItem final : public std::enable_shared_from_this<ViewerPageItem> {
+public:
+    using Block = std::shared_ptr<ViewerPageItemBlock>;
+    using Rows = std::vector<std::vector<Block>>;
+
+    // A scale of 0 asks for the one that fits the screen.
+    ViewerPageItem(std::weak_ptr<IPageItemHost> wkHost, std::int32_t nPage, double dbPageScale,
+                   std::int32_t nTurn);
+
+    // The page's size at the item's scale and rotation, not truncated. Raises
+    // as `IPageItemHost::PageSizeOf`.
+    DisplaySize GetPageDisplaySize();
+
+    // Stores the size, truncated, in the screen rectangle and the page offset.
+    void SetSize(const DisplaySize& size);
+    void MoveTo(double dbOffsetX, double dbOffsetY);
+
+    // Puts the grid in force. Blocks of the same grid stay, with their bitmaps;
+    // another grid drops them all. Allocates nothing while the grid stays.
+    void DividToBlock(const Render_PageDavidBlock& newGrid);
+    bool HasBlocks() const { return !m_pPageBlock.empty(); }
+
+    // For an item that leaves the list: ends its chain and all its renders.
+    void ClearBlocks();
+    // Ends the chain and the renders of blocks off the screen.
+    void ClearInvisibleBlocks();
+
+    // Each returns a task that ends with the renders that it started: as
+    // cancelled when the chain or one of them was.
+
+    // Gives displayed blocks a bitmap of the scale cache, and renders those that
+    // need one. With `bUseCacheOnly` nothing is rendered.
+    concurrency::task<void> RenderViewerPage(bool bUseCacheOnly);
+    // Renders displayed blocks anew; old bitmaps stay until replaced.
+    concurrency::task<void> Update(bool bPaintWhenDone);
+    // Renders displayed blocks that are idle, whatever bitmap they have. A
+    // failed page load fails the task.
+    concurrency::task<void> RenderVisibleBlocks();
+
+    template <class F>
+    void ForEachBlock(F fnVisit) const {
+        for (const auto& row : m_pPageBlock) {
+            for (const Block& pBlock : row) {
+                fnVisit(*pBlock);
+            }
+        }
+    }
+
+    Render_ScreenOffsetInfo screenRect;
+    Render_PDFPageOffsetInfo pageOffset; // offsets 0
+    const std::int32_t m_nRotate;
+    const std::int32_t nPageIndex;
+    double dbScale;
+    Render_PageDavidBlock grid; // 0 by 0 until divided
+    Rows m_pPageBlock;
+
+private:
+    // Which blocks a chain renders once the page is loaded.
+    enum class Walk { NeedingRender, Idle, Displayed };
+
+    concurrency::task<void> LoadThenRender(std::shared_ptr<IPageItemHost> pHost, Walk eWalk,
+                                           bool bPaintWhenDone, const ChainTexts* pTexts);
+    concurrency::task<void> StartBlocks(Walk eWalk, bool bPaintWhenDone,
+                                        const concurrency::cancellation_token& token);
+    void MakeBlocks();
+    void PlaceBlock(ViewerPageItemBlock& block, std::int32_t nRow, std::int32_t nCol,
+                    const Windows::Foundation::Rect& rcScreen) const;
+    void WriteGridChange(const Render_PageDavidBlock& oldGrid) const;
+
+    const std::weak_ptr<IPageItemHost> m_wkHost;
+    CancellationGeneration m_ctsBlocks;
+};
+
+}

@@ -1,0 +1,45 @@
+// What the viewer control needs around it in a Qt process: the UI dispatcher,
+// the task pool, the machine's facts, the settings store and the engine.
+//
+// Make one at the start of `main`, before any view; it may come before the
+// application object, so that a document opens while Qt still starts. It goes
+// after the last view: it joins the pool and drops what was posted.
+// Threads: UI thread only. One at a time.
+#pragma once
+
+#include <QString>
+#include <memory>
+
+#include "platform/qt/QtEnvironment.h"
+
+namespace concurrency {
+class ThreadPool;
+}
+
+namespace velko::vkit {
+
+class VelkoRuntime {
+public:
+    struct Options {
+        // Settings and the recently used list; empty: a folder of this
+        // component in the user's data folder.
+        QString strDataFolder;
+        Platform::Qt::QtEnvironment::Options environment;
+        bool bDebugOutput = false; // the debug output goes to standard error
+    };
+
+    VelkoRuntime();
+    explicit VelkoRuntime(Options options);
+    ~VelkoRuntime();
+    VelkoRuntime(const VelkoRuntime&) = delete;
+    VelkoRuntime& operator=(const VelkoRuntime&) = delete;
+
+    // The runtime's environment; raises when there is no runtime.
+    static std::shared_ptr<Platform::Qt::QtEnvironment> Environment();
+
+private:
+    std::shared_ptr<Platform::Qt::QtDispatcher> m_pDispatcher;
+    std::shared_ptr<concurrency::ThreadPool> m_pPool;
+};
+
+}
