@@ -12,6 +12,8 @@
 #include <utility>
 
 #include "app/viewer/CommandBar.h"
+#include "platform/qt/QtElementWindow.h"
+#include "widget/VelkoRuntime.h"
 
 namespace velko::viewer {
 
@@ -56,7 +58,7 @@ void MainWindow::ConnectView() {
         m_pView, &VelkoPdfView::Painted, this,
         [this] {
             if (m_pBar == nullptr && m_pView->HasInk()) {
-                CompleteBar();
+                QTimer::singleShot(0, this, &MainWindow::CompleteBar);
             }
         },
         Qt::QueuedConnection);
@@ -64,11 +66,15 @@ void MainWindow::ConnectView() {
 }
 
 void MainWindow::Begin(const QString& strFile, VelkoPdfView::Opening opening) {
-    if (opening.valid()) {
-        m_pView->Follow(strFile, std::move(opening));
-    } else {
+    if (!opening.valid()) {
         OnState(m_pView->ViewState());
+        return;
     }
+    m_pView->Follow(strFile, std::move(opening));
+    // A document that is open by now is laid out at the window's size and begins
+    // to render while the display still makes the window.
+    m_pView->Window().Arrange();
+    vkit::VelkoRuntime::Environment()->Dispatcher()->RunPending();
 }
 
 // --- places ----------------------------------------------------------------

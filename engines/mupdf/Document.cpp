@@ -32,7 +32,7 @@ void ReadSlice(OpenedFile& file, PageTable& table, std::int32_t nFirst) {
     const std::int32_t nEnd = std::min(nFirst + kSlice, table.Count());
     file.Use([&] {
         for (std::int32_t i = nFirst; i < nEnd; ++i) {
-            facts[static_cast<std::size_t>(i - nFirst)] = ReadPageFacts(ctx, file.Document(), i);
+            facts[static_cast<std::size_t>(i - nFirst)] = ReadPageFacts(ctx, file, i);
         }
     });
     for (std::int32_t i = nFirst; i < nEnd; ++i) {
@@ -104,7 +104,7 @@ ErrorCode Document::LoadUnderLock(const std::string& strPassword) {
     pLoaded->nEncryptionType = pFile->EncryptionType();
     pLoaded->nPermissions =
         eAccess == OpenedFile::Access::kUser ? pFile->Permissions() : kAllPermissions;
-    pFile->LoadPageTree();
+    pFile->ListPages(nPages);
     const Clock::time_point end = Clock::now() + kTableBudget;
     for (std::int32_t i = 0; i < nPages && (i == 0 || Clock::now() < end); i += kSlice) {
         ReadSlice(*pFile, pLoaded->table, i);
@@ -186,7 +186,7 @@ std::shared_ptr<OpenedFile> Document::OpenAgain(const Loaded& loaded) const {
         pFile->CountPages() != loaded.table.Count()) {
         throw EngineException(ErrorCode::e_ErrFile, "the file has changed");
     }
-    pFile->LoadPageTree();
+    pFile->ListPages(loaded.table.Count());
     return pFile;
 }
 

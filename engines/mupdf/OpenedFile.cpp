@@ -4,6 +4,8 @@
 #include <cstring>
 #include <utility>
 
+#include "engines/mupdf/PageTree.h"
+
 namespace velko::engines::mupdf {
 
 namespace {
@@ -19,25 +21,6 @@ constexpr int kOwnerPassword = 4;
 // page's dictionary to know the page tree costs little.
 constexpr std::uint32_t kCheapTreeBytes = std::uint32_t{48} << 20;
 constexpr std::int32_t kCheapTreePages = 300;
-
-constexpr int kMaxTreeDepth = 32;
-
-// Leaves of a page tree, up to `nLimit`; for trees whose count cannot be true.
-int CountLeaves(fz_context* ctx, pdf_obj* pNode, int nDepth, int nLimit) {
-    pdf_obj* const pKids = pdf_dict_get(ctx, pNode, PDF_NAME(Kids));
-    if (!pdf_is_array(ctx, pKids)) {
-        return pdf_is_dict(ctx, pNode) ? 1 : 0;
-    }
-    if (nDepth >= kMaxTreeDepth) {
-        return 0;
-    }
-    int nLeaves = 0;
-    const int nKids = pdf_array_len(ctx, pKids);
-    for (int i = 0; i < nKids && nLeaves < nLimit; ++i) {
-        nLeaves += CountLeaves(ctx, pdf_array_get(ctx, pKids, i), nDepth + 1, nLimit - nLeaves);
-    }
-    return std::min(nLeaves, nLimit);
-}
 
 // Codes of `PDFDoc::GetEncryptionType`.
 int Rc4Type(int nBits) {
@@ -114,11 +97,7 @@ OpenedFile::OpenedFile(std::shared_ptr<common::vxbase::IFileReaderCallback> pRea
 }
 
 OpenedFile::~OpenedFile() {
-    fz_context* const ctx = ThreadContext();
-    if (m_bPageTreeLoaded) {
-        pdf_drop_page_tree(ctx, m_pDocument);
-    }
-    pdf_drop_document(ctx, m_pDocument);
+    pdf_drop_document(ThreadContext(), m_pDocument);
 }
 
 OpenedFile::Access OpenedFile::Authenticate(const std::string& strPassword) {
@@ -148,30 +127,36 @@ std::int32_t OpenedFile::CountPages() {
     Use([&] {
         nPages = pdf_count_pages(ctx, m_pDocument);
         // Every page is an object of its own, so a larger count is made up.
-        if (nPages > pdf_xref_len(ctx, m_pDocument)) {
-            pdf_obj* const pRoot = pdf_dict_get(ctx, pdf_trailer(ctx, m_pDocument), PDF_NAME(Root));
-            nPages = CountLeaves(ctx, pdf_dict_get(ctx, pRoot, PDF_NAME(Pages)), 0,
-                                 pdf_xref_len(ctx, m_pDocument));
+        const int nObjects = pdf_xref_len(ctx, m_pDocument);
+        if (nPages > nObjects) {
+            nPages = CountPageLeaves(ctx, m_pDocument, nObjects);
         }
     });
     return std::max(nPages, 0);
 }
 
-void OpenedFile::LoadPageTree() {
+void OpenedFile::ListPages(std::int32_t nPages) {
+    if (FileSize() > kCheapTreeBytes && nPages > kCheapTreePages) {
+        return;
+    }
     fz_context* const ctx = ThreadContext();
-    bool bLoaded = false;
+    std::vector<std::int32_t> objects(static_cast<std::size_t>(nPages));
+    bool bListed = false;
     try {
-        Use([&] {
-            if (FileSize() <= kCheapTreeBytes ||
-                pdf_count_pages(ctx, m_pDocument) <= kCheapTreePages) {
-                pdf_load_page_tree(ctx, m_pDocument);
-                bLoaded = true;
-            }
-        });
+        Use([&] { bListed = ListPageLeaves(ctx, m_pDocument, objects); });
     } catch (const LibraryError&) {
         // A tree with faults is searched page by page.
     }
-    m_bPageTreeLoaded = bLoaded;
+    if (bListed) {
+        m_pageObjects = std::move(objects);
+    }
+}
+
+pdf_obj* OpenedFile::LoadPageObject(fz_context* ctx, std::int32_t nPage) const {
+    if (static_cast<std::size_t>(nPage) < m_pageObjects.size()) {
+        return pdf_load_object(ctx, m_pDocument, m_pageObjects[static_cast<std::size_t>(nPage)]);
+    }
+    return pdf_keep_obj(ctx, pdf_lookup_page_obj(ctx, m_pDocument, nPage));
 }
 
 std::int32_t OpenedFile::EncryptionType() {

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "document/engine/IFileReaderCallback.h"
 #include "engines/mupdf/ReaderStream.h"
@@ -40,9 +41,13 @@ public:
     // Pages that can be looked up. Raises as the constructor does.
     std::int32_t CountPages();
 
-    // Keeps the whole page tree at hand where reading it is cheap. Page
-    // numbers are looked up one by one elsewhere; a failure changes nothing.
-    void LoadPageTree();
+    // Lists the page objects where reading the whole page tree is cheap; pages
+    // are searched one by one elsewhere. Raises for a failed read only.
+    void ListPages(std::int32_t nPages);
+
+    // A new reference to a page's object; null or of another kind where the file
+    // has no such page. Guarded bodies only.
+    pdf_obj* LoadPageObject(fz_context* ctx, std::int32_t nPage) const;
 
     std::int32_t EncryptionType();
     std::uint32_t Permissions();
@@ -61,7 +66,7 @@ private:
 
     ReaderStream m_stream;
     pdf_document* m_pDocument = nullptr;
-    bool m_bPageTreeLoaded = false;
+    std::vector<std::int32_t> m_pageObjects; // by page; empty when not listed
     bool m_bDamaged = false;
 };
 

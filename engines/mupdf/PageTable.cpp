@@ -79,7 +79,7 @@ fz_rect ReadBox(fz_context* ctx, pdf_obj* pPage) {
 
 }
 
-PageFacts ReadPageFacts(fz_context* ctx, pdf_document* pDocument, std::int32_t nPage) {
+PageFacts ReadPageFacts(fz_context* ctx, const OpenedFile& file, std::int32_t nPage) {
     pdf_obj* pPage = nullptr;
     fz_rect rcBox = kLetter;
     fz_rect rcLibrary = fz_empty_rect;
@@ -90,12 +90,15 @@ PageFacts ReadPageFacts(fz_context* ctx, pdf_document* pDocument, std::int32_t n
     fz_var(mList);
     fz_var(nAnnots);
     fz_try(ctx) {
-        pPage = pdf_lookup_page_obj(ctx, pDocument, nPage);
+        pPage = file.LoadPageObject(ctx, nPage);
         if (pdf_is_dict(ctx, pPage)) {
             pdf_page_obj_transform(ctx, pPage, &rcLibrary, &mList);
             rcBox = ReadBox(ctx, pPage);
             nAnnots = pdf_array_len(ctx, pdf_dict_get(ctx, pPage, PDF_NAME(Annots)));
         }
+    }
+    fz_always(ctx) {
+        pdf_drop_obj(ctx, pPage);
     }
     fz_catch(ctx) {
         fz_rethrow_if(ctx, FZ_ERROR_TRYLATER);

@@ -7,8 +7,6 @@
 // Threads: any. One leaf lock.
 #pragma once
 
-#include <mupdf/pdf.h>
-
 #include <array>
 #include <cstdint>
 #include <memory>
@@ -16,6 +14,7 @@
 #include <vector>
 
 #include "document/engine/Geometry.h"
+#include "engines/mupdf/OpenedFile.h"
 #include "platform/concurrency/CriticalSection.h"
 
 namespace velko::engines::mupdf {
@@ -31,7 +30,7 @@ struct PageFacts {
 
 // Reads one page's facts; a page without a usable object or box counts as an
 // empty letter page. May throw as the library does; guarded bodies only.
-PageFacts ReadPageFacts(fz_context* ctx, pdf_document* pDocument, std::int32_t nPage);
+PageFacts ReadPageFacts(fz_context* ctx, const OpenedFile& file, std::int32_t nPage);
 
 class PageTable {
 public:

@@ -110,6 +110,12 @@ void QtDispatcher::RunForemost() {
     m_nPending -= std::min<std::size_t>(m_nPending, 1); // a shut-down in between left none
 }
 
+void QtDispatcher::RunPending() {
+    if (m_pReceiver) { // only the UI thread takes it away
+        QCoreApplication::sendPostedEvents(m_pReceiver.get(), kWorkPosted);
+    }
+}
+
 void QtDispatcher::ShutDown() {
     std::array<std::deque<concurrency::work>, kPriorities> unrun;
     std::unique_ptr<Receiver> pReceiver;

@@ -39,6 +39,9 @@ public:
     // Works that wait or run now.
     std::size_t PendingCount() const;
 
+    // Runs the works that wait now, without waiting for the event loop. UI thread.
+    void RunPending();
+
     void ShutDown();
 
     // Runs `fnBody` as a work of the queue is run: what it throws is logged as

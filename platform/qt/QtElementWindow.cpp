@@ -125,34 +125,35 @@ void QtElementWindow::Guard(const std::function<void()>& fnBody) {
 // --- sizes -----------------------------------------------------------------
 
 void QtElementWindow::Arrange() {
-    m_dbRatio = devicePixelRatioF();
+    const double dbRatio = devicePixelRatioF();
     const float fScaleX = m_pEnvironment->CompositionScaleX();
     const float fScaleY = m_pEnvironment->CompositionScaleY();
-    const Size size{static_cast<float>(std::lround(width() * m_dbRatio)) / fScaleX,
-                    static_cast<float>(std::lround(height() * m_dbRatio)) / fScaleY};
+    const Size size{static_cast<float>(std::lround(width() * dbRatio)) / fScaleX,
+                    static_cast<float>(std::lround(height() * dbRatio)) / fScaleY};
+    const bool bSameSize =
+        size.Width == m_pRoot->ActualWidth() && size.Height == m_pRoot->ActualHeight() &&
+        fScaleX == m_pPanel->CompositionScaleX() && fScaleY == m_pPanel->CompositionScaleY();
+    const double dbRatioBefore = std::exchange(m_dbRatio, dbRatio);
+    if (bSameSize && dbRatio == dbRatioBefore) {
+        return;
+    }
     if (OnBeforeArrange) {
         Guard(OnBeforeArrange);
     }
-    m_pEnvironment->SetDevicePixelRatio(m_dbRatio);
-    Guard([&] { m_pEnvironment->SetWindowSize(size); });
-    Guard([&] { m_pPanel->ArrangeAtScale(size, fScaleX, fScaleY); });
-    Guard([&] { m_pRoot->Arrange(size); });
+    m_pEnvironment->SetDevicePixelRatio(dbRatio);
+    ArrangeTree(size, fScaleX, fScaleY);
+    if (bSameSize && dbRatioBefore != 0.0) {
+        Guard([this] { RaiseSizeChanged(m_pRoot); });
+    }
     if (OnAfterArrange) {
         Guard(OnAfterArrange);
     }
 }
 
-void QtElementWindow::FollowPixelRatio() {
-    if (m_dbRatio == devicePixelRatioF()) {
-        return;
-    }
-    const double dbWidth = m_pRoot->ActualWidth();
-    const double dbHeight = m_pRoot->ActualHeight();
-    const bool bFirst = m_dbRatio == 0.0;
-    Arrange();
-    if (!bFirst && dbWidth == m_pRoot->ActualWidth() && dbHeight == m_pRoot->ActualHeight()) {
-        Guard([this] { RaiseSizeChanged(m_pRoot); });
-    }
+void QtElementWindow::ArrangeTree(Size size, float fScaleX, float fScaleY) {
+    Guard([&] { m_pEnvironment->SetWindowSize(size); });
+    Guard([&] { m_pPanel->ArrangeAtScale(size, fScaleX, fScaleY); });
+    Guard([&] { m_pRoot->Arrange(size); });
 }
 
 void QtElementWindow::resizeEvent(QResizeEvent* /*pEvent*/) {
@@ -161,7 +162,7 @@ void QtElementWindow::resizeEvent(QResizeEvent* /*pEvent*/) {
 }
 
 void QtElementWindow::showEvent(QShowEvent* /*pEvent*/) {
-    FollowPixelRatio();
+    Arrange(); // the screen may be another one than when it was hidden
 }
 
 void QtElementWindow::hideEvent(QHideEvent* /*pEvent*/) {
@@ -286,7 +287,7 @@ bool QtElementWindow::event(QEvent* pEvent) {
             LosePointers();
             break;
         case QEvent::ScreenChangeInternal:
-            FollowPixelRatio();
+            Arrange();
             break;
         default:
             break;

@@ -51,6 +51,10 @@ public:
     // The frame that is shown, in device pixels; null before the first.
     QImage FrontImage() const;
 
+    // Gives the tree the widget's size at once, also while the widget is hidden
+    // and Qt puts its size event off.
+    void Arrange();
+
     // From now on the paint shows the frame of this moment, whatever is
     // presented, until it is released; for changes that the reader is to see
     // in one step.
@@ -89,8 +93,7 @@ private:
     };
 
     void Guard(const std::function<void()>& fnBody);
-    void Arrange();
-    void FollowPixelRatio();
+    void ArrangeTree(Windows::Foundation::Size size, float fScaleX, float fScaleY);
     void PaintFront(QPainter& painter, const QRegion& region);
     void WatchSwapChain();
     void WatchTree(const std::shared_ptr<Windows::UI::Xaml::FrameworkElement>& pElement);
@@ -114,7 +117,7 @@ private:
     std::vector<std::shared_ptr<Windows::UI::Xaml::FrameworkElement>> m_rings;
     Notches m_vertical;
     Notches m_horizontal;
-    double m_dbRatio = 0.0; // the one last arranged for
+    double m_dbRatio = 0.0; // the one last arranged for; 0 before
     QImage m_heldFrame;
     bool m_bMouseDown = false;
     bool m_bShowBusyMark = true;

@@ -183,6 +183,7 @@ TEST_F(DisposeInFlightTest, CloseEndsALongParse) {
     pDocument->Dispose();
     EXPECT_THROW(Await(pending), concurrency::task_canceled);
     EXPECT_EQ(pEntry->m_pPageHandle, nullptr);
+    EXPECT_EQ(m_host.CountDebug("ReLoadPageIndex Completed:0\n"), 0U);
 }
 
 }

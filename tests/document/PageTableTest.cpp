@@ -175,6 +175,20 @@ TEST_F(PageTableTest, FailingEngineLeavesTheTableAsItWas) {
     EXPECT_NE(pDocument->GetPageSize(1), nullptr);
 }
 
+TEST_F(PageTableTest, TwoThatMakeOneEntryAtOnceShareIt) {
+    const DocumentPtr pDocument = WrapDocument();
+    std::shared_ptr<WPPDFPage> pInner;
+    m_pEngine->OnCall(EngineOp::GetPage, [&](const EngineCall&) {
+        m_pEngine->OnCall(EngineOp::GetPage, nullptr);
+        pInner = pDocument->EnsurePageEntry(0); // comes in between
+    });
+    const auto pOuter = pDocument->EnsurePageEntry(0);
+    ASSERT_NE(pInner, nullptr);
+    EXPECT_EQ(pOuter, pInner);
+    EXPECT_EQ(m_pOwner->TakeEvents(), Texts{"loaded 0"});
+    EXPECT_EQ(m_pEngine->LivePages(), 1);
+}
+
 TEST_F(PageTableTest, HandlersMayFailAndCallBack) {
     const DocumentPtr pDocument = WrapDocument();
     m_pOwner->fnOnLoaded = [](std::int32_t) { throw Platform::AccessDeniedException(); };

@@ -35,6 +35,7 @@ TEST_F(AnnotationsTest, EveryKindHasItsNumberAndDrawsItself) {
         page.annots.push_back(
             AnnotDictionary(kSubtypes[i], {dbLeft, 5, dbLeft + 20, 25}, kFirstExtraObject));
     }
+    page.annots[19].insert(2, " /FT /Tx /T (field)"); // a form field needs a name to be drawn
     page.annots.insert(page.annots.begin() + 3, {"null", "17"});
     const auto pDoc = OpenDoc(MakePdf({page}, options));
     ASSERT_TRUE(pDoc);

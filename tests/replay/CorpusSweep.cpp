@@ -175,6 +175,7 @@ TEST_P(CorpusSweep, EachFileEndsAsItsIndexSays) {
     }
     const std::vector<Row> rows = Index(folder).Rows();
     ASSERT_FALSE(rows.empty());
+    RecordProperty("files", static_cast<int>(rows.size()));
     for (const std::string& strProblem : CheckAll(rows)) {
         ADD_FAILURE() << strProblem;
     }

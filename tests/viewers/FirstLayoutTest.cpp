@@ -112,7 +112,6 @@ TEST_F(FirstLayoutTest, DegenerateScreensAndDocuments) {
             EXPECT_FALSE(w.Laid().empty()) << szFamily << fSide;
             EXPECT_EQ(w.CountBlocks([](const auto& b) { return b.bIsDisplay && !b.bHasBitmap; }),
                       0U);
-if (HasFailure()) { for (auto& p : w.Laid()) std::cerr << p << "\n"; for (auto& t : w.host.DebugOutput()) std::cerr << t; for (auto&i: w.State().items) for (auto&b: i.blocks) std::cerr << i.nPageIndex << " " << b.nBlockId << " " << b.bIsDisplay << b.bIsRendering << b.bHasBitmap << " " << b.screenRect.nWidth << " " << b.screenRect.nHeight << "\n"; return; }
         }
         // A page of a given scale on a screen of one pixel keeps few blocks.
         w.Open(MakePages(1, 612, 792), 1, 1);

@@ -11,6 +11,15 @@ std::ostream& operator<<(std::ostream& out, const Place& place) {
                << place.nWidth << " x " << place.nHeight;
 }
 
+namespace {
+
+// A document that has not been loaded has no pages.
+std::shared_ptr<pdf::PDFDoc> MakeEmptyDoc() {
+    return Platform::GetActivationFactory<pdf::IPDFDocFactory>(pdf::kPDFDocClass)->Create(nullptr);
+}
+
+}
+
 ViewerWorld::ViewerWorld(Platform::Fake::TestHost::ManualPool kind) : host(kind) {
     Start();
 }
@@ -35,13 +44,19 @@ ViewerWorld::~ViewerWorld() {
 
 void ViewerWorld::Make(std::vector<ScriptedPage> pages, float fWidth, float fHeight, float fScaleX,
                        float fScaleY) {
+    if (pViewer) {
+        pViewer->Dispose();
+    }
+    pRegistration.reset();
+    const bool bEmpty = pages.empty();
     pEngine = std::make_shared<ScriptedEngine>(std::move(pages));
     pRegistration = std::make_unique<ScriptedEngine::Registration>(pEngine);
     pPanel = std::make_shared<Windows::UI::Xaml::Controls::SwapChainPanel>();
     pCanvas = std::make_shared<vkit::PDFViewCanvas>(pPanel);
     pCanvas->Initialize();
     pPanel->ArrangeAtScale({fWidth, fHeight}, fScaleX, fScaleY);
-    pDocument = std::make_shared<vkit::VLK_Document>(pEngine->MakeLoadedDoc());
+    pDocument =
+        std::make_shared<vkit::VLK_Document>(bEmpty ? MakeEmptyDoc() : pEngine->MakeLoadedDoc());
     pDocument->SetOwner(pDocumentOwner);
     pViewer = std::make_shared<vkit::PDFConuiunePagesViewer>(pOwner, pDocument, pCanvas);
     host.Dispatcher().RunAll();

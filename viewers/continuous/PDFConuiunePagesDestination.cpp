@@ -111,8 +111,7 @@ void PDFConuiunePagesViewer::ShowRectangle(PageItem pItem, const std::vector<flo
         return;
     }
     const Rect rcDevice = PageToDevice(*pItem, rcPage);
-    m_nCurPageIndex = pItem->nPageIndex;
-    ShowStep(MakeTask(rcDevice.Y, rcDevice.X));
+    ShowMoved(MakeTask(rcDevice.Y, rcDevice.X));
 }
 
 // --- the page's box ---
@@ -213,8 +212,7 @@ void PDFConuiunePagesViewer::ShowBoxHeight(const ContinueViewerPageItem& item, c
     }
     const Point ptNear = PageToDevice(*pItem, Point{rcBox.X, rcBox.Y});
     const Point ptFar = PageToDevice(*pItem, Point{rcBox.X + rcBox.Width, rcBox.Y + rcBox.Height});
-    m_nCurPageIndex = pItem->nPageIndex;
-    ShowStep(MakeTask(ptFar.Y, ptNear.X));
+    ShowMoved(MakeTask(ptFar.Y, ptNear.X));
 }
 
 // --- steps ---
@@ -229,7 +227,7 @@ double PDFConuiunePagesViewer::RectangleFactor(const ContinueViewerPageItem& ite
 // Lays the page out anew without showing it; empty when it has no size.
 PageViewerBase::PageItem PDFConuiunePagesViewer::LayOutAtScale(std::int32_t nPageIndex,
                                                                double dbScale) {
-    if (std::isfinite(dbScale) && dbScale > 0.0) {
+    if (dbScale > 0.0) {
         SetScale(static_cast<float>(dbScale));
     }
     PDFRenderTask task = MakeTask(m_dbScreenHeight, 0.0);
@@ -238,6 +236,15 @@ PageViewerBase::PageItem PDFConuiunePagesViewer::LayOutAtScale(std::int32_t nPag
     m_nCurPageIndex = nPageIndex;
     LayOut(task);
     return FindItem(nPageIndex);
+}
+
+// Shows what `LayOutAtScale` laid out, also where nothing is left to move.
+void PDFConuiunePagesViewer::ShowMoved(PDFRenderTask task) {
+    if (ClampTaskOffset(*m_pPageItems, task)) {
+        LayOut(task);
+    }
+    StartRenders(false);
+    PaintCanvas();
 }
 
 PageViewerBase::PageItem PDFConuiunePagesViewer::CenterPageItem(PageItem pItem) {

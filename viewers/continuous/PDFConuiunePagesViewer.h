@@ -113,6 +113,7 @@ private:
     void ZoomAtScreenCentre(double dbScale);
     void EndDestinationZoom();
     PageItem LayOutAtScale(std::int32_t nPageIndex, double dbScale);
+    void ShowMoved(PDFRenderTask task);
     PageItem CenterPageItem(PageItem pItem);
 
     // --- drawing ---

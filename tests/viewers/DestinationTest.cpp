@@ -1,0 +1,128 @@
+// Destinations of the document, by their kinds.
+#include "tests/viewers/ViewerFixture.h"
+
+namespace velko::testing {
+
+namespace {
+
+enum Kind { kExplicit = 1, kPage, kWidth, kHeight, kRectangle, kBox, kBoxWidth, kBoxHeight };
+
+// Pages of 200 x 400 on 300 x 500.
+class DestinationTest : public ViewerTest {
+protected:
+    void SetUp() override {
+        w.Open(MakePages(9, 200, 400), 300, 500);
+        w.Settle();
+    }
+    void Go(std::int32_t nPage, Kind eKind, std::vector<float> values) {
+        w.Viewer().GotoDestination(nPage, eKind, values);
+        w.Settle();
+        EXPECT_EQ(w.CountBlocks([](const auto& b) { return b.bIsDisplay && !b.bHasBitmap; }), 0U);
+        for (const vkit::PageItemState& item : w.State().items) {
+            for (const vkit::BlockState& block : item.blocks) {
+                EXPECT_TRUE(!block.bIsDisplay || block.nBitmapHeight == block.screenRect.nHeight)
+                    << "a blurred block of page " << item.nPageIndex;
+            }
+        }
+        EXPECT_FALSE(w.State().bShowScaleSnapshot);
+    }
+    Place Of(std::int32_t nPage) {
+        for (const Place& place : w.Laid()) {
+            if (place.nPage == nPage) {
+                return place;
+            }
+        }
+        ADD_FAILURE() << "page " << nPage << " is not laid out";
+        return {};
+    }
+};
+
+TEST_F(DestinationTest, AnExplicitPlaceAndZoom) {
+    Go(3, kExplicit, {0, 300, 0}); // 100 points below the top, the zoom stays
+    EXPECT_EQ(Of(3), (Place{3, 50, -100, 200, 400}));
+    Go(3, kExplicit, {60, 300, 2}); // wider than the screen: the left counts too
+    EXPECT_EQ(Of(3), (Place{3, -100, -200, 400, 800}));
+    EXPECT_EQ(w.Viewer().GetScale(), 2.0F);
+    Go(2, kExplicit, {20, 400, 2});
+    EXPECT_EQ(Of(2), (Place{2, -40, 0, 400, 800}));
+    Go(8, kExplicit, {0, 10, 1}); // the document's end limits it
+    EXPECT_EQ(Of(8).dbY, 100.0);
+    EXPECT_THROW(w.Viewer().GotoDestination(3, kExplicit, {1, 2}), Platform::OutOfBoundsException);
+    EXPECT_EQ(Of(8).dbY, 100.0);
+}
+
+TEST_F(DestinationTest, FitsOfThePage) {
+    Go(4, kPage, {});
+    EXPECT_EQ(Of(4), (Place{4, 50, 0, 200, 400}));
+    Go(4, kWidth, {100, 100});
+    EXPECT_EQ(w.Viewer().GetScale(), 1.5F);
+    EXPECT_EQ(Of(4), (Place{4, 0, 0, 300, 600}));
+    Go(2, kHeight, {40, 40});
+    EXPECT_EQ(w.Viewer().GetScale(), 1.0F);
+    EXPECT_EQ(Of(2), (Place{2, 50, 0, 200, 400}));
+}
+
+TEST_F(DestinationTest, ARectangleFillsTheScreen) {
+    // 100 x 125 points, so 3 times across and 4 times down: 3 it is.
+    Go(3, kRectangle, {50, 300, 150, 175});
+    EXPECT_EQ(w.Viewer().GetScale(), 3.0F);
+    EXPECT_EQ(Of(3), (Place{3, -150, -300, 600, 1200}));
+    // At the page's corner nothing is left to move, and it renders all the same.
+    Go(3, kRectangle, {0, 400, 100, 275});
+    EXPECT_EQ(Of(3), (Place{3, 0, 0, 600, 1200}));
+    Go(3, kRectangle, {10, 10, 10, 10}); // without an area: as far in as it goes
+    EXPECT_EQ(w.Viewer().GetScale(), 4.0F);
+}
+
+TEST_F(DestinationTest, TheBoxWaitsForItsPage) {
+    // The box is at the origin, so that it always looks unloaded.
+    w.Viewer().GotoDestination(5, kBox, {});
+    EXPECT_EQ(w.Viewer().GetScale(), 1.0F);
+    EXPECT_TRUE(w.pOwner->loaded.empty());
+    w.Settle();
+    EXPECT_EQ(w.pOwner->loaded, std::vector<std::int32_t>{5});
+    // A box as large as the page: 200/300 across, 400/500 down.
+    EXPECT_NEAR(w.Viewer().GetScale(), 200.0 / 300.0, 1e-5);
+    Go(5, kBox, {});
+    EXPECT_LE(Of(5).dbY, 15.0);
+
+    // Who goes elsewhere meanwhile is not called back.
+    w.Viewer().GotoDestination(1, kBox, {});
+    w.Viewer().GotoPage(7);
+    w.Settle();
+    EXPECT_EQ(Of(7), (Place{7, 50, 0, 200, 400}));
+    EXPECT_EQ(w.Viewer().GetScale(), 1.0F);
+    w.Viewer().GotoDestination(1, kBox, {});
+    w.Viewer().CloseViewer();
+    w.Settle();
+    EXPECT_TRUE(w.Laid().empty());
+    EXPECT_EQ(w.pOwner->loaded.size(), 2U);
+}
+
+TEST_F(DestinationTest, ABoxThatIsKnownIsShownAtOnce) {
+    ScriptedPage page = MakePage(200, 400);
+    page.rcBox = {20, 30, 220, 430};
+    w.Open(std::vector<ScriptedPage>(9, page), 300, 500);
+    Go(4, kBoxWidth, {330, 330}); // 100 below the top of the box
+    EXPECT_EQ(w.Viewer().GetScale(), 1.5F);
+    EXPECT_EQ(Of(4).nWidth, 300);
+    EXPECT_NEAR(Of(4).dbY, -150.0, 1.0);
+    w.pOwner->loaded.clear();
+    Go(4, kBoxHeight, {0, 0});
+    EXPECT_TRUE(w.pOwner->loaded.empty());
+    // Height over screen height, as the box is as high as the page: 400/500.
+    EXPECT_NEAR(w.Viewer().GetScale(), 0.8, 1e-5);
+    EXPECT_EQ(Of(4), (Place{4, 70, 0, 160, 320}));
+}
+
+TEST_F(DestinationTest, AFailedPageLoadEndsQuietly) {
+    w.pEngine->FailPage(EngineOp::StartParse, 5);
+    w.Viewer().GotoDestination(5, kBoxWidth, {100});
+    w.Settle();
+    EXPECT_EQ(w.Viewer().GetVisiblePages().front(), 4);
+    EXPECT_FALSE(w.host.DebugContains("unobserved"));
+}
+
+}
+
+}
