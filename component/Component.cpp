@@ -1,8 +1,15 @@
 #include "component/Component.h"
 
+#include <map>
+
 #include "component/XamlMetaDataProvider.h"
 #include "control/LiveObject.h"
 #include "control/Markup.h"
+#include "document/TempPageInfo.h"
+#include "document/VLK_Image.h"
+#include "document/VPdfDocumentInfomation.h"
+#include "document/VelkoImageHelper.h"
+#include "document/VelkoPointerWrapObj.h"
 
 namespace velko::vkit {
 
@@ -20,9 +27,32 @@ private:
     const XamlType& m_type; // of the provider's list, which is never changed
 };
 
+template <class Record>
+class RecordFactory final : public IRecordFactory {
+public:
+    std::shared_ptr<void> ActivateInstance() override { return std::make_shared<Record>(); }
+};
+
+using Factories = std::map<std::string, std::shared_ptr<Platform::IActivationFactory>>;
+
+const Factories& RecordFactories() {
+    static const Factories s_factories = {
+        {"velko.vkit.TempPageInfo", std::make_shared<RecordFactory<TempPageInfo>>()},
+        {"velko.vkit.VLK_Image", std::make_shared<RecordFactory<VLK_Image>>()},
+        {"velko.vkit.VPdfDocumentInfomation",
+         std::make_shared<RecordFactory<VPdfDocumentInfomation>>()},
+        {"velko.vkit.VelkoImageHelper", std::make_shared<RecordFactory<VelkoImageHelper>>()},
+        {"velko.vkit.VelkoPointerWrapObj", std::make_shared<RecordFactory<VelkoPointerWrapObj>>()},
+    };
+    return s_factories;
+}
+
 }
 
 void RegisterComponent() {
+    for (const auto& [strClass, pFactory] : RecordFactories()) {
+        Platform::RegisterActivationFactory(strClass, pFactory);
+    }
     for (const XamlType& type : XamlMetaDataProvider::Types()) {
         Platform::RegisterActivationFactory(type.FullName, DllGetActivationFactory(type.FullName));
     }
@@ -30,6 +60,10 @@ void RegisterComponent() {
 }
 
 std::shared_ptr<Platform::IActivationFactory> DllGetActivationFactory(const std::string& strClass) {
+    const auto itRecord = RecordFactories().find(strClass);
+    if (itRecord != RecordFactories().end()) {
+        return itRecord->second;
+    }
     const XamlType* const pType = XamlMetaDataProvider().GetXamlType(strClass);
     if (!pType || !pType->ActivateInstance) {
         throw Platform::ClassNotRegisteredException("no such class in the component: " + strClass);

@@ -20,6 +20,12 @@ public:
     virtual std::shared_ptr<Windows::UI::Xaml::FrameworkElement> ActivateInstance() = 0;
 };
 
+// Makes the component's plain records. Any thread.
+class IRecordFactory : public Platform::IActivationFactory {
+public:
+    virtual std::shared_ptr<void> ActivateInstance() = 0;
+};
+
 // Registers the classes for activation and the markup of the control.
 void RegisterComponent();
 

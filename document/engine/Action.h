@@ -14,7 +14,7 @@ class PDFDoc;
 // height, 5 fit rectangle, 6 fit bounding box, 7 its width, 8 its height.
 // Mode 1 carries its zoom (0 when absent) as the right value. Modes 3, 4, 7
 // and 8 carry their single operand as left and as top. A top that is missing
-// is given as the page's top. Threads: values.
+// is given as the page's top and does not count as absent. Threads: values.
 class IDestination {
 public:
     virtual ~IDestination() = default;

@@ -41,7 +41,7 @@ public:
     float GetRight() const override { return m_fRight; }
     float GetBottom() const override { return m_fBottom; }
     bool IsLeftAbsent() const override { return m_bLeftAbsent; }
-    bool IsTopAbsent() const override { return m_bTopAbsent; }
+    bool IsTopAbsent() const override { return false; } // the page's top stands in
 
 private:
     std::int32_t m_nPage;
@@ -51,7 +51,6 @@ private:
     float m_fRight = 0.0F;
     float m_fBottom = 0.0F;
     bool m_bLeftAbsent = true;
-    bool m_bTopAbsent = true;
 };
 
 class GoToAction final : public pdf::IAction {
@@ -70,26 +69,28 @@ Destination::Destination(const RawDestination& raw, float fPageTop)
     switch (raw.nMode) {
         case 1: // left, top, zoom
             m_bLeftAbsent = raw.absent[0];
-            m_bTopAbsent = raw.absent[1];
             m_fLeft = at[0];
-            m_fTop = m_bTopAbsent ? fPageTop : at[1];
+            m_fTop = raw.absent[1] ? fPageTop : at[1];
             m_fRight = at[2];
             break;
         case 3:
+        case 7: // a top, which stands for the left as well
+            m_bLeftAbsent = false;
+            m_fTop = raw.absent[0] ? fPageTop : at[0];
+            m_fLeft = m_fTop;
+            break;
         case 4:
-        case 7:
-        case 8: // one operand, which stands for both
-            m_bLeftAbsent = m_bTopAbsent = raw.absent[0];
+        case 8: // a left, which stands for the top as well
+            m_bLeftAbsent = raw.absent[0];
             m_fLeft = at[0];
             m_fTop = raw.absent[0] ? fPageTop : at[0];
             break;
         case 5: // left, bottom, right, top
             m_bLeftAbsent = raw.absent[0];
-            m_bTopAbsent = raw.absent[3];
             m_fLeft = at[0];
             m_fBottom = at[1];
             m_fRight = at[2];
-            m_fTop = m_bTopAbsent ? fPageTop : at[3];
+            m_fTop = raw.absent[3] ? fPageTop : at[3];
             break;
         default: // the whole page or its contents
             break;

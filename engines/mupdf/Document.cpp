@@ -91,6 +91,7 @@ ErrorCode Document::LoadUnderLock(const std::string& strPassword) {
     }
     const OpenedFile::Access eAccess = pFile->Authenticate(strPassword);
     if (eAccess == OpenedFile::Access::kRefused) {
+        KeepRefusedEncryption(pFile->EncryptionType());
         m_pLocked = std::move(pFile);
         return ErrorCode::e_ErrPassword;
     }
@@ -111,6 +112,12 @@ ErrorCode Document::LoadUnderLock(const std::string& strPassword) {
     }
     Publish(std::move(pFile), std::move(pLoaded));
     return ErrorCode::e_ErrSuccess;
+}
+
+// What protects a document is known before it opens.
+void Document::KeepRefusedEncryption(std::int32_t nType) {
+    const Lock lock(m_stateLock);
+    m_nRefusedEncryption = nType;
 }
 
 void Document::Publish(std::shared_ptr<OpenedFile> pFile, std::shared_ptr<Loaded> pLoaded) {
@@ -150,7 +157,11 @@ std::uint32_t Document::GetUserPermissions() const {
 
 std::int32_t Document::GetEncryptionType() const {
     const auto pState = State();
-    return pState ? pState->nEncryptionType : 0;
+    if (pState) {
+        return pState->nEncryptionType;
+    }
+    const Lock lock(m_stateLock);
+    return m_nRefusedEncryption;
 }
 
 std::shared_ptr<pdf::PDFPage> Document::GetPage(std::int32_t nIndex) {

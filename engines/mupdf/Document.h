@@ -69,6 +69,7 @@ private:
     std::shared_ptr<Loaded> LoadedState() const; // raises until loaded
 
     common::ErrorCode LoadUnderLock(const std::string& strPassword) VLK_REQUIRES(m_lock);
+    void KeepRefusedEncryption(std::int32_t nType);
     void Publish(std::shared_ptr<OpenedFile> pFile, std::shared_ptr<Loaded> pLoaded)
         VLK_REQUIRES(m_lock);
 
@@ -96,6 +97,8 @@ private:
 
     mutable concurrency::critical_section m_stateLock;
     std::shared_ptr<Loaded> m_pState VLK_GUARDED_BY(m_stateLock);
+    std::int32_t m_nRefusedEncryption VLK_GUARDED_BY(m_stateLock) =
+        0; // of a file that is not open yet
 };
 
 }

@@ -18,6 +18,13 @@ TEST_F(ComponentTest, ClassesAreMadeByTheirNames) {
     const auto pMade = std::dynamic_pointer_cast<vkit::PDFViewCtrl>(pFactory->ActivateInstance());
     ASSERT_NE(pMade, nullptr);
     EXPECT_EQ(pMade->GetPageCount(), 0);
+    for (const char* szRecord : {"velko.vkit.VPdfDocumentInfomation", "velko.vkit.VelkoImageHelper",
+                                 "velko.vkit.VelkoPointerWrapObj", "velko.vkit.VLK_Image"}) {
+        const auto pFactory = std::dynamic_pointer_cast<vkit::IRecordFactory>(
+            vkit::DllGetActivationFactory(szRecord));
+        ASSERT_TRUE(pFactory) << szRecord;
+        EXPECT_TRUE(pFactory->ActivateInstance()) << szRecord;
+    }
     EXPECT_THROW(vkit::DllGetActivationFactory("velko.vkit.Nothing"),
                  Platform::ClassNotRegisteredException);
     const vkit::XamlMetaDataProvider provider;

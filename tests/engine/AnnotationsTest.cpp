@@ -95,18 +95,20 @@ TEST_F(AnnotationsTest, DestinationsHaveTheFilesNumbers) {
     constexpr float kTop = 750.0F; // of the target page's box
     const std::vector<DestinationCase> cases = {
         {"/XYZ 100 200 1.5", 1, 100, 200, 1.5F, 0, false, false},
-        {"/XYZ null null null", 1, 0, kTop, 0, 0, true, true},
+        {"/XYZ null null null", 1, 0, kTop, 0, 0, true, false},
         {"/XYZ null 300 0", 1, 0, 300, 0, 0, true, false},
         {"/XYZ -20 9000 2", 1, -20, 9000, 2, 0, false, false},
-        {"/Fit", 2, 0, kTop, 0, 0, true, true},
+        {"/Fit", 2, 0, kTop, 0, 0, true, false},
         {"/FitH 400", 3, 400, 400, 0, 0, false, false},
-        {"/FitH null", 3, 0, kTop, 0, 0, true, true},
+        {"/FitH null", 3, kTop, kTop, 0, 0, false, false},
+        {"/FitBH null", 7, kTop, kTop, 0, 0, false, false},
+        {"/FitV null", 4, 0, kTop, 0, 0, true, false},
         {"/FitV 50", 4, 50, 50, 0, 0, false, false},
         {"/FitR 10 20 300 400", 5, 10, 400, 300, 20, false, false},
-        {"/FitB", 6, 0, kTop, 0, 0, true, true},
+        {"/FitB", 6, 0, kTop, 0, 0, true, false},
         {"/FitBH 77", 7, 77, 77, 0, 0, false, false},
         {"/FitBV 66", 8, 66, 66, 0, 0, false, false},
-        {"", 2, 0, kTop, 0, 0, true, true},
+        {"", 2, 0, kTop, 0, 0, true, false},
     };
     PdfPage target;
     target.mediaBox = {0, 0, 600, 800};

@@ -84,8 +84,8 @@ void CheckRow(const fs::path& folder, const Row& row) {
     if (strExpected == "password") {
         EXPECT_EQ(eCode, ErrorCode::e_ErrPassword);
         EXPECT_EQ(pDoc->Load("surely wrong"), ErrorCode::e_ErrPassword);
+        EXPECT_NE(pDoc->GetEncryptionType(), 0) << "told before it opens";
         eCode = pDoc->Load(PasswordOf(row));
-        EXPECT_NE(pDoc->GetEncryptionType(), 0);
         EXPECT_NE(pDoc->GetPasswordType(), pdf::PDFDoc::kNoPassword);
     }
     ASSERT_EQ(eCode, ErrorCode::e_ErrSuccess);
