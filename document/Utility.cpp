@@ -7,7 +7,7 @@
 #include <optional>
 #include <random>
 
-#include "document/Conversion_p.h"
+#include "document/Conversion.h"
 
 namespace velko::vkit {
 

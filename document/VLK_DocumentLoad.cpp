@@ -2,7 +2,7 @@
 #include <string>
 #include <utility>
 
-#include "document/Conversion_p.h"
+#include "document/Conversion.h"
 #include "document/VLK_Document.h"
 #include "platform/foundation/Exception.h"
 #include "platform/system/Debug.h"

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "document/Conversion_p.h"
+#include "document/Conversion.h"
 #include "document/RenderPageEventArgs.h"
 #include "document/Utility.h"
 #include "document/VLK_Document.h"

@@ -20,7 +20,8 @@ public:
 
     std::uint32_t Map(std::uint32_t nPixel) const;
 
-    // Maps a row of opaque pixels (blue, green, red, alpha) into `target`.
+    // Maps a row of opaque pixels (blue, green, red, alpha) into `target`, which
+    // may be the same row.
     // `pictures` tells for each pixel how much of a picture it is (255: wholly,
     // it keeps its colour); empty for a row without pictures.
     void MapRow(std::span<const std::uint32_t> source, std::span<const std::uint8_t> pictures,

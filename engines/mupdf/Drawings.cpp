@@ -98,8 +98,15 @@ public:
     }
 
 private:
+    // Not by the contents: the library's copy of an annotation that stands in
+    // the page's own dictionary may have gained an appearance and another box.
     bool IsSame(pdf_annot* pAnnot, pdf_obj* pEntry) {
-        return pdf_objcmp_resolve(m_ctx, pdf_annot_obj(m_ctx, pAnnot), pEntry) == 0;
+        pdf_obj* const pOwn = pdf_annot_obj(m_ctx, pAnnot);
+        if (pdf_is_indirect(m_ctx, pOwn) && pdf_is_indirect(m_ctx, pEntry)) {
+            return pdf_to_num(m_ctx, pOwn) == pdf_to_num(m_ctx, pEntry);
+        }
+        return pdf_name_eq(m_ctx, pdf_dict_get(m_ctx, pOwn, PDF_NAME(Subtype)),
+                           pdf_dict_get(m_ctx, pEntry, PDF_NAME(Subtype))) != 0;
     }
 
     fz_context* m_ctx;

@@ -56,25 +56,27 @@ fz_irect AreaOf(const fz_rect& rc, std::int32_t nWidth, std::int32_t nHeight) {
     return fz_intersect_irect(fz_round_rect(rc), fz_make_irect(0, 0, nWidth, nHeight));
 }
 
-// A pixmap over the area of a buffer of the bitmap's width. May throw as the
-// library does.
+// A pixmap over pixels of the caller's, which are those of the area. May throw
+// as the library does.
 fz_pixmap* PixmapOver(fz_context* ctx, fz_colorspace* pColors, const fz_irect& area,
-                      std::int32_t nWidth, int nPixelBytes, std::uint8_t* pBuffer) {
-    const std::ptrdiff_t nStride = std::ptrdiff_t{nWidth} * nPixelBytes;
-    std::uint8_t* const pFirst =
-        pBuffer + area.y0 * nStride + std::ptrdiff_t{area.x0} * nPixelBytes;
+                      std::ptrdiff_t nStrideBytes, std::uint8_t* pFirst) {
     fz_pixmap* const pPixmap =
         fz_new_pixmap_with_data(ctx, pColors, area.x1 - area.x0, area.y1 - area.y0, nullptr, 1,
-                                static_cast<int>(nStride), pFirst);
+                                static_cast<int>(nStrideBytes), pFirst);
     pPixmap->x = area.x0;
     pPixmap->y = area.y0;
     return pPixmap;
 }
 
+std::size_t PixelCount(const fz_irect& area) {
+    return static_cast<std::size_t>(area.x1 - area.x0) *
+           static_cast<std::size_t>(area.y1 - area.y0);
+}
+
 template <class T>
-void AllocatePixels(std::vector<T>& pixels, std::size_t nPixels, T value) {
+std::vector<T> MakePixels(const fz_irect& area, T value) {
     try {
-        pixels.assign(nPixels, value);
+        return std::vector<T>(PixelCount(area), value);
     } catch (const std::bad_alloc&) {
         throw EngineException(ErrorCode::e_ErrOutOfMemory, "no memory to map colours in");
     }
@@ -106,8 +108,7 @@ std::shared_ptr<common::Progressive> PageRenderer::StartRender(std::shared_ptr<p
         throw EngineException(ErrorCode::e_ErrParam, "not a page of this engine");
     }
     if ((m_nContentFlags & kRenderContent) != 0) {
-        const auto pDrawing = pOwn->Content(m_pAbort);
-        Draw(pDrawing->parts.front(), Place(pOwn->Facts(), matrix));
+        Draw({pOwn->Content(m_pAbort), 0, Place(pOwn->Facts(), matrix)});
     }
     return std::make_shared<FinishedProgress>();
 }
@@ -117,16 +118,17 @@ bool PageRenderer::RenderAnnot(std::shared_ptr<pdf::IAnnot> pAnnot, const Matrix
     if (!pOwn) {
         throw EngineException(ErrorCode::e_ErrParam, "not an annotation of this engine");
     }
-    const auto pDrawing = pOwn->Owner()->Annots(m_pAbort);
-    const Drawing::Part& part = pDrawing->parts[static_cast<std::size_t>(pOwn->Index())];
-    if (!part.list) {
+    Layer layer;
+    layer.pDrawing = pOwn->Owner()->Annots(m_pAbort);
+    layer.nPart = static_cast<std::size_t>(pOwn->Index());
+    if (!layer.Part().list) {
         return false;
     }
-    Placement placement = Place(pOwn->Owner()->Facts(), matrix);
-    const fz_irect bounds = fz_expand_irect(
-        fz_round_rect(fz_transform_rect(part.rcBounds, placement.toBitmap)), kBoundsMargin);
-    placement.area = fz_intersect_irect(placement.area, bounds);
-    Draw(part, placement);
+    layer.placement = Place(pOwn->Owner()->Facts(), matrix);
+    const fz_rect rcBounds = fz_transform_rect(layer.Part().rcBounds, layer.placement.toBitmap);
+    layer.placement.area = fz_intersect_irect(
+        layer.placement.area, fz_expand_irect(fz_round_rect(rcBounds), kBoundsMargin));
+    Draw(layer);
     return true;
 }
 
@@ -147,38 +149,59 @@ PageRenderer::Placement PageRenderer::Place(const PageFacts& facts, const Matrix
     return placement;
 }
 
-void PageRenderer::Draw(const Drawing::Part& part, const Placement& placement) {
-    if (fz_is_empty_irect(placement.area)) {
+PageRenderer::Canvas PageRenderer::CanvasOver(const fz_irect& area) {
+    auto* const pPixels = reinterpret_cast<std::uint32_t*>(m_pBitmap->GetBuffer().data());
+    return {pPixels + std::ptrdiff_t{area.y0} * m_nWidth + area.x0, m_nWidth, area};
+}
+
+void PageRenderer::Draw(const Layer& layer) {
+    if (fz_is_empty_irect(layer.placement.area)) {
         return;
     }
     if (m_nColorMode == kColorModeMapped) {
-        DrawMapped(part, placement);
-    } else if (part.list) {
-        Run(part, placement, m_pBitmap->GetBuffer().data());
+        DrawMapped(layer);
+    } else if (layer.Part().list) {
+        Run(layer, CanvasOver(layer.placement.area));
     }
 }
 
-void PageRenderer::DrawMapped(const Drawing::Part& part, const Placement& placement) {
-    const std::size_t nPixels =
-        static_cast<std::size_t>(m_nWidth) * static_cast<std::size_t>(m_nHeight);
-    if (m_trueColors.empty()) {
-        AllocatePixels(m_trueColors, nPixels, kWhite);
+void PageRenderer::DrawMapped(const Layer& layer) {
+    const fz_irect& area = layer.placement.area;
+    Canvas canvas = CanvasOver(area);
+    std::vector<std::uint32_t> beside;
+    if (m_layers.empty()) {
+        m_pBitmap->FillRect(kWhite, {area.x0, area.y0, area.x1, area.y1});
+    } else {
+        beside = MakePixels(area, kWhite);
+        canvas.pPixels = beside.data();
+        canvas.nStride = area.x1 - area.x0;
     }
-    if (part.list) {
-        Run(part, placement, reinterpret_cast<std::uint8_t*>(m_trueColors.data()));
+    std::vector<std::uint8_t> pictures;
+    for (const Layer& below : m_layers) {
+        DrawTrueColors(canvas, below, pictures);
     }
-    if (part.bHasPictures) {
-        if (m_pictures.empty()) {
-            AllocatePixels(m_pictures, nPixels, std::uint8_t{0});
+    DrawTrueColors(canvas, layer, pictures);
+    Map(canvas, pictures);
+    m_layers.push_back(layer);
+}
+
+void PageRenderer::DrawTrueColors(const Canvas& canvas, const Layer& layer,
+                                  std::vector<std::uint8_t>& pictures) {
+    const fz_irect common = fz_intersect_irect(layer.placement.area, canvas.area);
+    if (!layer.Part().list || fz_is_empty_irect(common)) {
+        return;
+    }
+    Run(layer, canvas);
+    if (layer.Part().bHasPictures) {
+        if (pictures.empty()) {
+            pictures = MakePixels(canvas.area, std::uint8_t{0});
         }
-        RunPictures(part, placement);
+        RunPictures(layer, canvas.area, pictures.data());
     }
-    MapArea(placement.area);
 }
 
 template <class MakeDevice>
-void PageRenderer::RunList(const Drawing::Part& part, const Placement& placement,
-                           MakeDevice&& fnMakeDevice) {
+void PageRenderer::RunList(const Layer& layer, const fz_irect& area, MakeDevice&& fnMakeDevice) {
     fz_context* const ctx = ThreadContext();
     const AllocationWatch watch;
     Operation operation(m_pAbort, CurrentBudgets().render);
@@ -188,17 +211,14 @@ void PageRenderer::RunList(const Drawing::Part& part, const Placement& placement
     Guard(ctx, [&] { device.Out() = fnMakeDevice(ctx, pixmap.Out()); });
     try {
         Guard(ctx, [&] {
-            fz_run_display_list(ctx, part.list.Get(), device.Get(), placement.toBitmap,
-                                fz_rect_from_irect(placement.area), operation.Cookie());
+            fz_run_display_list(ctx, layer.Part().list.Get(), device.Get(),
+                                layer.placement.toBitmap, fz_rect_from_irect(area),
+                                operation.Cookie());
             fz_close_device(ctx, device.Get());
         });
-    } catch (const LibraryError& error) {
-        // A drawing that was broken off complains about what it left open; a
-        // fault of the file leaves out the rest.
-        operation.ThrowIfAborted();
-        if (error.Kind() == FZ_ERROR_MEMORY && watch.WasRefused()) {
-            throw;
-        }
+    } catch (const LibraryError&) {
+        // A drawing that was broken off complains about what it left open, and
+        // a fault of the file leaves out the rest; want of memory shows below.
     }
     operation.ThrowIfAborted();
     if (watch.WasRefused() && !operation.IsTimedOut()) {
@@ -206,33 +226,32 @@ void PageRenderer::RunList(const Drawing::Part& part, const Placement& placement
     }
 }
 
-void PageRenderer::Run(const Drawing::Part& part, const Placement& placement,
-                       std::uint8_t* pPixels) {
-    RunList(part, placement, [&](fz_context* ctx, fz_pixmap*& pPixmap) {
-        pPixmap = PixmapOver(ctx, fz_device_bgr(ctx), placement.area, m_nWidth, 4, pPixels);
+void PageRenderer::Run(const Layer& layer, const Canvas& canvas) {
+    RunList(layer, canvas.area, [&](fz_context* ctx, fz_pixmap*& pPixmap) {
+        pPixmap = PixmapOver(ctx, fz_device_bgr(ctx), canvas.area, canvas.nStride * 4,
+                             reinterpret_cast<std::uint8_t*>(canvas.pPixels));
         return fz_new_draw_device(ctx, fz_identity, pPixmap);
     });
 }
 
-void PageRenderer::RunPictures(const Drawing::Part& part, const Placement& placement) {
-    RunList(part, placement, [&](fz_context* ctx, fz_pixmap*& pPixmap) {
-        pPixmap = PixmapOver(ctx, nullptr, placement.area, m_nWidth, 1, m_pictures.data());
+void PageRenderer::RunPictures(const Layer& layer, const fz_irect& area, std::uint8_t* pMask) {
+    RunList(layer, area, [&](fz_context* ctx, fz_pixmap*& pPixmap) {
+        pPixmap = PixmapOver(ctx, nullptr, area, area.x1 - area.x0, pMask);
         return NewPictureDevice(ctx, pPixmap);
     });
 }
 
-void PageRenderer::MapArea(const fz_irect& area) {
+void PageRenderer::Map(const Canvas& source, const std::vector<std::uint8_t>& pictures) {
     const ColorMapping mapping(m_nBackColor, m_nForeColor);
-    auto* const pTarget = reinterpret_cast<std::uint32_t*>(m_pBitmap->GetBuffer().data());
-    const auto nCount = static_cast<std::size_t>(area.x1 - area.x0);
-    for (int y = area.y0; y < area.y1; ++y) {
-        const std::size_t nStart =
-            static_cast<std::size_t>(y) * static_cast<std::size_t>(m_nWidth) +
-            static_cast<std::size_t>(area.x0);
-        const std::span<const std::uint8_t> pictures =
-            m_pictures.empty() ? std::span<const std::uint8_t>()
-                               : std::span<const std::uint8_t>(&m_pictures[nStart], nCount);
-        mapping.MapRow({&m_trueColors[nStart], nCount}, pictures, {pTarget + nStart, nCount});
+    const Canvas target = CanvasOver(source.area);
+    const auto nWidth = static_cast<std::size_t>(source.area.x1 - source.area.x0);
+    for (std::ptrdiff_t y = 0; y < source.area.y1 - source.area.y0; ++y) {
+        std::span<const std::uint8_t> mask;
+        if (!pictures.empty()) {
+            mask = std::span(pictures).subspan(static_cast<std::size_t>(y) * nWidth, nWidth);
+        }
+        mapping.MapRow({source.pPixels + y * source.nStride, nWidth}, mask,
+                       {target.pPixels + y * target.nStride, nWidth});
     }
 }
 

@@ -1,9 +1,10 @@
 // `velko.common.Renderer`: runs display lists into a bitmap.
 //
-// In the mapped colour mode the page is drawn in its own colours onto white in
-// a bitmap beside, and the area of the page (or of the annotation) is then
-// mapped into the caller's bitmap. Blending thus happens between true colours.
-// The caller's bitmap is covered there: its paper is the background colour.
+// In the mapped colour mode an area is drawn in the page's own colours onto
+// white and then mapped as a whole, so that blending happens between true
+// colours. What is drawn later into the same area (an annotation over the
+// page) is drawn on top of everything drawn before it, beside, and mapped
+// again. The paper of the caller's bitmap becomes the background colour there.
 //
 // Threads: one at a time; several renderers may run at once.
 #pragma once
@@ -44,16 +45,35 @@ private:
         fz_irect area = fz_empty_irect;
     };
 
-    Placement Place(const PageFacts& facts, const common::vxbase::Matrix2D& matrix) const;
-    void Draw(const Drawing::Part& part, const Placement& placement);
-    void DrawMapped(const Drawing::Part& part, const Placement& placement);
+    // A part with its place. Keeps the list alive.
+    struct Layer {
+        std::shared_ptr<const Drawing> pDrawing;
+        std::size_t nPart = 0;
+        Placement placement;
 
-    // Runs the list into 4-byte pixels of the bitmap's size.
-    void Run(const Drawing::Part& part, const Placement& placement, std::uint8_t* pPixels);
-    void RunPictures(const Drawing::Part& part, const Placement& placement);
+        const Drawing::Part& Part() const { return pDrawing->parts[nPart]; }
+    };
+
+    // Pixels of an area of the bitmap, in the bitmap itself or beside it.
+    struct Canvas {
+        std::uint32_t* pPixels = nullptr; // of the area's first pixel
+        std::ptrdiff_t nStride = 0;       // in pixels
+        fz_irect area = fz_empty_irect;
+    };
+
+    Placement Place(const PageFacts& facts, const common::vxbase::Matrix2D& matrix) const;
+    Canvas CanvasOver(const fz_irect& area);
+    void Draw(const Layer& layer);
+    void DrawMapped(const Layer& layer);
+    void DrawTrueColors(const Canvas& canvas, const Layer& layer,
+                        std::vector<std::uint8_t>& pictures);
+    void Map(const Canvas& source, const std::vector<std::uint8_t>& pictures);
+
+    // Run the list into a canvas, or its pictures into a mask of the area's size.
+    void Run(const Layer& layer, const Canvas& canvas);
+    void RunPictures(const Layer& layer, const fz_irect& area, std::uint8_t* pMask);
     template <class MakeDevice>
-    void RunList(const Drawing::Part& part, const Placement& placement, MakeDevice&& fnMakeDevice);
-    void MapArea(const fz_irect& area);
+    void RunList(const Layer& layer, const fz_irect& area, MakeDevice&& fnMakeDevice);
 
     std::shared_ptr<common::Bitmap> m_pBitmap;
     std::int32_t m_nWidth;
@@ -64,8 +84,7 @@ private:
     std::uint32_t m_nContentFlags = kRenderContent;
     Operation::AbortFlag m_pAbort;
 
-    std::vector<std::uint32_t> m_trueColors; // of the bitmap's size; empty until needed
-    std::vector<std::uint8_t> m_pictures;    // as above, one byte a pixel
+    std::vector<Layer> m_layers; // drawn so far in the mapped mode
 };
 
 class PageRendererFactory final : public common::IRendererFactory {

@@ -39,14 +39,22 @@ PixelBitmap::PixelBitmap(std::int32_t nWidth, std::int32_t nHeight)
     const std::int64_t nPixels = std::int64_t{nWidth} * nHeight;
     if (nPixels <= kMaxPixels) {
         m_pPixels.reset(
-            static_cast<std::uint8_t*>(std::calloc(static_cast<std::size_t>(nPixels), 4)));
+            static_cast<std::uint8_t*>(std::malloc(static_cast<std::size_t>(nPixels) * 4)));
     }
     if (!m_pPixels) {
         throw EngineException(ErrorCode::e_ErrOutOfMemory, "no memory for a bitmap of that size");
     }
 }
 
+void PixelBitmap::Settle() {
+    if (!m_bSettled) {
+        m_bSettled = true;
+        std::memset(m_pPixels.get(), 0, static_cast<std::size_t>(m_nWidth) * m_nHeight * 4);
+    }
+}
+
 std::span<std::uint8_t> PixelBitmap::GetBuffer() {
+    Settle();
     return {m_pPixels.get(), static_cast<std::size_t>(m_nWidth) * m_nHeight * 4};
 }
 
@@ -57,6 +65,11 @@ void PixelBitmap::FillRect(std::uint32_t nColor, const common::vxbase::RectI& rc
     const std::int32_t nBottom = std::min(rc.Bottom, m_nHeight);
     if (nLeft >= nRight || nTop >= nBottom) {
         return;
+    }
+    if (nLeft == 0 && nTop == 0 && nRight == m_nWidth && nBottom == m_nHeight) {
+        m_bSettled = true;
+    } else {
+        Settle();
     }
     auto* const pPixels = reinterpret_cast<std::uint32_t*>(m_pPixels.get());
     const std::uint32_t nPixel = Premultiplied(nColor);

@@ -23,13 +23,18 @@ public:
     void FillRect(std::uint32_t nColor, const common::vxbase::RectI& rc) override;
 
 private:
+    // Zeroes the pixels unless they have been written to. A bitmap is mostly
+    // filled as a whole first, which needs no zeroes before.
+    void Settle();
+
     struct Free {
         void operator()(std::uint8_t* pBytes) const { std::free(pBytes); }
     };
 
     std::int32_t m_nWidth;
     std::int32_t m_nHeight;
-    std::unique_ptr<std::uint8_t, Free> m_pPixels; // from `calloc`: untouched until drawn on
+    std::unique_ptr<std::uint8_t, Free> m_pPixels;
+    bool m_bSettled = false;
 };
 
 class PixelBitmapFactory final : public common::IBitmapFactory {

@@ -2,7 +2,7 @@
 // the owner hears and on which thread.
 #include <thread>
 
-#include "document/Conversion_p.h"
+#include "document/Conversion.h"
 #include "platform/foundation/Exception.h"
 #include "tests/document/DocumentFixture.h"
 

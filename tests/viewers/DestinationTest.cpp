@@ -115,6 +115,22 @@ TEST_F(DestinationTest, ABoxThatIsKnownIsShownAtOnce) {
     EXPECT_EQ(Of(4), (Place{4, 70, 0, 160, 320}));
 }
 
+TEST_F(DestinationTest, ADocumentOfOnePageNeverHangsBelowTheTop) {
+    w.Open(MakePages(1, 200, 300), 300, 500);
+    Go(0, kRectangle, {20, 250, 120, 150});
+    EXPECT_EQ(w.State().items.size(), 1U);
+    EXPECT_LE(Of(0).dbY, 0.0);
+    Go(0, kBoxHeight, {});
+    EXPECT_LE(Of(0).dbY, 0.0);
+}
+
+TEST_F(DestinationTest, TheLastPageDoesNotEndAboveTheBottom) {
+    Go(8, kBoxHeight, {});
+    const Place last = Of(8);
+    EXPECT_GE(last.dbY + last.nHeight, 500.0 - 1.0);
+    EXPECT_LE(w.Laid().front().dbY, 0.0);
+}
+
 TEST_F(DestinationTest, AFailedPageLoadEndsQuietly) {
     w.pEngine->FailPage(EngineOp::StartParse, 5);
     w.Viewer().GotoDestination(5, kBoxWidth, {100});

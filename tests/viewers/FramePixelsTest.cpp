@@ -144,6 +144,19 @@ TEST_F(FramePixelsTest, ALostDeviceIsMadeUpForByItself) {
     }
 }
 
+// No move and no further frame: the block that just arrived starts anew by itself.
+TEST_F(FramePixelsTest, ALossInTheFrameOfAFinishedBlockLeavesNoBlankPage) {
+    for (std::uint32_t nPresent = 1; nPresent < 4; ++nPresent) {
+        w.Make(MakePages(1, 151, 233), 160, 240);
+        w.Device().LoseDeviceAtPresent(nPresent);
+        w.Viewer().InitLayOut(0, 0, 0, 0);
+        w.Settle();
+        EXPECT_EQ(w.CountBlocks([](const auto& b) { return b.bIsDisplay && !b.bHasBitmap; }), 0U)
+            << nPresent;
+        EXPECT_EQ(w.CountBlocks([](const auto& b) { return b.bIsRendering; }), 0U) << nPresent;
+    }
+}
+
 TEST_F(FramePixelsTest, ALossStartsOneRenderABlock) {
     w.Open(MakePages(5, 151, 233), 160, 120);
     w.Settle();

@@ -234,6 +234,7 @@ PageViewerBase::PageItem PDFConuiunePagesViewer::LayOutAtScale(std::int32_t nPag
     ClampTaskOffset(*m_pPageItems, task);
     DropItems();
     m_nCurPageIndex = nPageIndex;
+    task.dbOffsetY = m_dbScreenHeight; // nothing is left that could limit it
     LayOut(task);
     return FindItem(nPageIndex);
 }
@@ -243,6 +244,7 @@ void PDFConuiunePagesViewer::ShowMoved(PDFRenderTask task) {
     if (ClampTaskOffset(*m_pPageItems, task)) {
         LayOut(task);
     }
+    PinEnds();
     StartRenders(false);
     PaintCanvas();
 }

@@ -114,16 +114,19 @@ void PDFConuiunePagesViewer::ClampHorizontal(const PageItems& items, double& dbO
 
 // --- the step ---
 
-void PDFConuiunePagesViewer::LayOut(const PDFRenderTask& task) {
+// False when the step would have emptied the screen and was brought back.
+bool PDFConuiunePagesViewer::LayOut(const PDFRenderTask& task) {
     const auto pSelf = shared_from_this();
     if (!m_pPageItems) {
         m_pPageItems = std::make_unique<PageItems>();
     }
     PageItems newList = std::move(m_spareItems);
     newList.clear();
+    bool bHeld = false;
     try {
         RelayoutPageItems(newList, task);
-        if (!HoldsScreen(newList)) {
+        bHeld = HoldsScreen(newList);
+        if (!bHeld) {
             BringBack(newList, task);
         }
     } catch (...) {
@@ -131,6 +134,7 @@ void PDFConuiunePagesViewer::LayOut(const PDFRenderTask& task) {
         throw;
     }
     Adopt(newList);
+    return bHeld;
 }
 
 void PDFConuiunePagesViewer::Adopt(PageItems& newList) {

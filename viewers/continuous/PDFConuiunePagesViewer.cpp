@@ -121,8 +121,11 @@ bool PDFConuiunePagesViewer::MoveInSteps(double dbOffsetY, double dbOffsetX) {
             dbLeft = 0.0; // the document's end
             break;
         }
-        LayOut(step);
         bMoved = true;
+        if (!LayOut(step)) {
+            dbLeft = 0.0; // past what can be shown: an end that has no size
+            break;
+        }
         dbLeft -= std::copysign(dbLongest, dbLeft);
     }
     PDFRenderTask last = MakeTask(dbLeft, dbOffsetX);
@@ -297,7 +300,9 @@ void PDFConuiunePagesViewer::InitLayOut(std::int32_t nPageIndex, double dbScale,
 void PDFConuiunePagesViewer::ScaleForFirstLayout(double dbScale, const VLK_PageSize& size) {
     if (Utility::IsDesktop()) {
         if (const auto pOwner = Owner()) {
-            SetScale(static_cast<float>(pOwner->GetFitScale(kFitPage)));
+            double dbFit = 1.0;
+            WhileAsking([&] { dbFit = pOwner->GetFitScale(kFitPage); });
+            SetScale(static_cast<float>(dbFit));
         }
     } else if (Utility::IsMobile()) {
         const bool bTurned = IsTurned(m_nRotate);

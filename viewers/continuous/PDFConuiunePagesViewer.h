@@ -64,7 +64,7 @@ private:
                    double dbOffsetY) const;
     void NarrowToOnlyPage(const Render_ScreenOffsetInfo& rc);
     // One whole step: the next list is in force afterwards.
-    void LayOut(const PDFRenderTask& task);
+    bool LayOut(const PDFRenderTask& task);
     void Adopt(PageItems& newList);
     bool HoldsScreen(const PageItems& items) const;
     void BringBack(PageItems& list, PDFRenderTask task);

@@ -119,19 +119,29 @@ std::int32_t PageViewerBase::PageCount() const {
 }
 
 VLK_PageSize PageViewerBase::PageSizeOf(std::int32_t nPageIndex) {
-    const auto pSelf = shared_from_this();
     const auto pDocument = LiveDocument();
     if (!pDocument) {
         throw Platform::ObjectDisposedException();
     }
+    std::shared_ptr<VLK_PageSize> pSize;
+    WhileAsking([&] {
+        try {
+            pSize = pDocument->GetPageSize(nPageIndex);
+        } catch (const velko::common::EngineException&) {
+            // One broken page must not keep the reader from the others.
+            Platform::Debug::OutputDebugString("no size of page " + std::to_string(nPageIndex) +
+                                               "\n");
+        }
+    });
+    return pSize ? *pSize : VLK_PageSize();
+}
+
+void PageViewerBase::WhileAsking(const std::function<void()>& fnAsk) {
+    const auto pSelf = shared_from_this();
     const std::uint64_t nClosings = m_nClosings;
     const bool bWasAsking = std::exchange(m_bAskingSize, true);
-    std::shared_ptr<VLK_PageSize> pSize;
     try {
-        pSize = pDocument->GetPageSize(nPageIndex);
-    } catch (const velko::common::EngineException&) {
-        // One broken page must not keep the reader from the others.
-        Platform::Debug::OutputDebugString("no size of page " + std::to_string(nPageIndex) + "\n");
+        fnAsk();
     } catch (...) {
         m_bAskingSize = bWasAsking;
         throw;
@@ -140,7 +150,6 @@ VLK_PageSize PageViewerBase::PageSizeOf(std::int32_t nPageIndex) {
     if (nClosings != m_nClosings) {
         throw Platform::ObjectDisposedException();
     }
-    return pSize ? *pSize : VLK_PageSize();
 }
 
 float PageViewerBase::CanvasWidth() const {

@@ -128,6 +128,11 @@ protected:
     // from the UI queue.
     bool PutOff(std::function<void(PageViewerBase&)> fnOperation);
 
+    // Runs what may ask the document for sizes, and hence handlers of the host,
+    // with changes of the layout put off. Raises `ObjectDisposedException` when
+    // a handler closed the viewer.
+    void WhileAsking(const std::function<void()>& fnAsk);
+
     // Reads the canvas's size into the layout's.
     void RefreshScreenSize();
     float CanvasHeight() const;

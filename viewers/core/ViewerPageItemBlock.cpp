@@ -90,9 +90,9 @@ task<void> ViewerPageItemBlock::Render(std::shared_ptr<IPageItemHost> pHost,
     const cancellation_token token = m_ctsBlock.Token();
     const RenderBlockRequest request = MakeRequest(*pHost, *pDocument, *pEntry, token);
     const auto pDispatcher = pHost->Dispatcher();
+    PageUse use(pDocument, pEntry);
     m_bIsRendering = true;
 
-    PageUse use(pDocument, pEntry);
     BitmapBox box;
     bool bGood = false;
     bool bCanceled = false;
@@ -111,25 +111,32 @@ task<void> ViewerPageItemBlock::Render(std::shared_ptr<IPageItemHost> pHost,
     if (bCanceled || token.is_canceled()) {
         throw task_canceled();
     }
+    const std::exception_ptr pFailure = HandOver(*pHost, box, bGood, bPaintWhenDone);
+    if (pFailure) {
+        std::rethrow_exception(pFailure);
+    }
+}
+
+// The frame is asked for in any case: a device that fails may have been lost,
+// which the frame finds out and makes up for.
+std::exception_ptr ViewerPageItemBlock::HandOver(IPageItemHost& host, BitmapBox& box, bool bGood,
+                                                 bool bPaintWhenDone) {
     std::exception_ptr pFailure;
     try {
-        TakeOver(*pHost, box, bGood);
+        TakeOver(host, box, bGood);
     } catch (...) {
         pFailure = std::current_exception();
     }
+    // Idle before the frame: one that meets a lost device starts this block anew.
+    m_bIsRendering = false;
     try {
         if (m_bIsDisplay && bPaintWhenDone) {
-            pHost->PaintCanvas();
+            host.PaintCanvas();
         }
     } catch (...) {
         pFailure = std::current_exception();
     }
-    if (!token.is_canceled()) {
-        m_bIsRendering = false;
-    }
-    if (pFailure) {
-        std::rethrow_exception(pFailure);
-    }
+    return pFailure;
 }
 
 RenderBlockRequest ViewerPageItemBlock::MakeRequest(const IPageItemHost& host,

@@ -11,6 +11,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <memory>
 
 #include "document/PageTable.h"
@@ -68,6 +69,8 @@ private:
                                    const WPPDFPage& entry,
                                    concurrency::cancellation_token token) const;
     concurrency::priority HandOverPriority() const;
+    std::exception_ptr HandOver(IPageItemHost& host, BitmapBox& box, bool bGood,
+                                bool bPaintWhenDone);
     void TakeOver(IPageItemHost& host, BitmapBox& box, bool bGood);
     std::shared_ptr<Windows::Graphics::ID2D1Bitmap> MakeDeviceBitmap(
         const IPageItemHost& host, velko::common::Bitmap& bitmap) const;
