@@ -114,24 +114,19 @@ void Pause() {
     poll(nullptr, 0, 1);
 }
 
+// A bare X server on a display of its own choice.
 class Server {
 public:
-    Server() : m_strFolder(MakeFolder()), m_process(Words(m_strFolder)) {
-        const auto end = Clock::now() + kLimit;
-        while (!std::filesystem::exists("/tmp/.X11-unix/X" + std::string(kDisplay))) {
-            if (Clock::now() > end) {
-                Fail("the X server did not start");
-            }
-            Pause();
-        }
-        setenv("DISPLAY", (":" + std::string(kDisplay)).c_str(), 1);
+    Server() : m_strFolder(MakeFolder()), m_tells(MakePipe()), m_process(Words()) {
+        close(m_tells[1]);
+        std::string strDisplay(1, ':');
+        strDisplay += ReadDisplay();
+        setenv("DISPLAY", strDisplay.c_str(), 1);
     }
     ~Server() { std::filesystem::remove_all(m_strFolder); }
     std::string FrameBufferFile() const { return m_strFolder + "/Xvfb_screen0"; }
 
 private:
-    static constexpr const char* kDisplay = "97";
-
     static std::string MakeFolder() {
         std::string strTemplate = "/tmp/velko-bench-XXXXXX";
         if (mkdtemp(strTemplate.data()) == nullptr) {
@@ -139,17 +134,37 @@ private:
         }
         return strTemplate;
     }
-    static std::vector<std::string> Words(const std::string& strFolder) {
+    static std::array<int, 2> MakePipe() {
+        std::array<int, 2> ends{-1, -1};
+        if (pipe(ends.data()) != 0) { // the server inherits its end
+            Fail("no pipe");
+        }
+        return ends;
+    }
+    std::vector<std::string> Words() const {
         const std::string strScreen =
             std::to_string(kScreenWidth) + 'x' + std::to_string(kScreenHeight) + "x24";
-        return {"Xvfb",    ":" + std::string(kDisplay),
-                "-screen", "0",
-                strScreen, "-fbdir",
-                strFolder, "-nolisten",
+        return {"Xvfb",    "-displayfd", std::to_string(m_tells[1]),
+                "-screen", "0",          strScreen,
+                "-fbdir",  m_strFolder,  "-nolisten",
                 "tcp",     "-noreset"};
     }
 
-    std::string m_strFolder;
+    // The server writes its display's number once it is ready.
+    std::string ReadDisplay() const {
+        std::string strNumber;
+        for (char c = 0; read(m_tells[0], &c, 1) == 1 && c != '\n';) {
+            strNumber += c;
+        }
+        close(m_tells[0]);
+        if (strNumber.empty()) {
+            Fail("the X server did not start");
+        }
+        return strNumber;
+    }
+
+    const std::string m_strFolder;
+    const std::array<int, 2> m_tells;
     Process m_process;
 };
 

@@ -21,8 +21,8 @@ bool IsFinal(const BlockState& block) {
 
 PageInk InkOf(PDFViewCtrl& control) {
     const auto pManager = control.PageViewMgr();
-    const auto pViewer = std::dynamic_pointer_cast<IViewerInspection>(
-        pManager ? pManager->GetViewer() : nullptr);
+    const auto pViewer =
+        std::dynamic_pointer_cast<IViewerInspection>(pManager ? pManager->GetViewer() : nullptr);
     if (!pViewer) {
         return {};
     }

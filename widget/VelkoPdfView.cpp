@@ -80,16 +80,15 @@ void VelkoPdfView::ConnectWindow() {
     m_pWindow->OnPresented = [this] { QueueRefresh(); };
     m_pWindow->OnPainted = [this] { OnPainted(); };
     // A password that is given later shows the document without an open ending.
-    m_pControl->OpenDocEvent.add(
-        [pView = QPointer<VelkoPdfView>(this)](const auto&, const auto& pArgs) {
-            if (!pView || pView->m_eState != State::PasswordNeeded) {
-                return;
-            }
-            const bool bShown = pArgs->ErrorCode == ErrorCode::e_ErrSuccess;
-            QMetaObject::invokeMethod(
-                pView, [pView, bShown] { bShown ? pView->OnShown() : pView->CloseDocument(); },
-                Qt::QueuedConnection);
-        });
+    m_pControl->OpenDocEvent.add([pView = QPointer<VelkoPdfView>(this)](const auto&,
+                                                                        const auto& pArgs) {
+        if (!pView || pView->m_eState != State::PasswordNeeded) {
+            return;
+        }
+        const bool bShown = pArgs->ErrorCode == ErrorCode::e_ErrSuccess;
+        QMetaObject::invokeMethod(
+            pView, [pView, bShown] { pView->OnPasswordAnswered(bShown); }, Qt::QueuedConnection);
+    });
 }
 
 // --- opening and closing ---------------------------------------------------
@@ -99,40 +98,70 @@ void VelkoPdfView::Open(const QString& strPath, const QString& strPassword) {
         m_next = Request{strPath, strPassword};
         return;
     }
-    Guard([&] { Follow(strPath, BeginOpen(*m_pControl, strPath, strPassword)); });
+    Expect(strPath); // first: a quick open raises the control's events within the call
+    try {
+        Await(BeginOpen(*m_pControl, strPath, strPassword));
+    } catch (...) {
+        OnOpenFailed(std::current_exception());
+    }
 }
 
 void VelkoPdfView::Follow(const QString& strPath, Opening opening) {
+    Expect(strPath);
+    Await(std::move(opening));
+}
+
+void VelkoPdfView::Expect(const QString& strPath) {
     m_bOpening = true;
     m_strPath = QFileInfo(strPath).absoluteFilePath();
     m_pWindow->ShowBusyMark(true);
     SetState(State::Opening);
+}
+
+void VelkoPdfView::Await(Opening opening) {
     AwaitOpen(this, std::move(opening),
               [](VelkoPdfView& view, const Opening& ended) { view.OnOpenEnded(ended); });
 }
 
 void VelkoPdfView::OnOpenEnded(const Opening& opening) {
-    m_bOpening = false;
-    m_pWindow->ShowBusyMark(false);
-    if (m_next) {
-        const Request next = *std::exchange(m_next, std::nullopt);
-        Open(next.strPath, next.strPassword);
+    ErrorCode eCode = ErrorCode::e_ErrUnknown;
+    try {
+        eCode = opening.get();
+    } catch (...) {
+        OnOpenFailed(std::current_exception());
         return;
     }
-    try {
-        const ErrorCode eCode = opening.get();
-        if (eCode == ErrorCode::e_ErrSuccess) {
-            OnShown();
-        } else {
-            OnOpenRefused(eCode);
-        }
-    } catch (...) {
-        // The control never came to the new document and still shows the old one.
-        const QString strReason = ReasonOf(std::current_exception());
-        const QString strRefused = std::exchange(m_strPath, m_strShownPath);
-        SetState(m_strShownPath.isEmpty() ? State::Failed : State::Shown);
-        emit OpenFailed(strRefused, strReason);
+    EndOpening();
+    if (m_next) {
+        OpenNext();
+    } else if (eCode == ErrorCode::e_ErrSuccess) {
+        OnShown();
+    } else {
+        OnOpenRefused(eCode);
     }
+}
+
+void VelkoPdfView::EndOpening() {
+    m_bOpening = false;
+    m_pWindow->ShowBusyMark(false);
+}
+
+void VelkoPdfView::OpenNext() {
+    const Request next = *std::exchange(m_next, std::nullopt);
+    Open(next.strPath, next.strPassword);
+}
+
+// The control never came to the new document and still shows the old one.
+void VelkoPdfView::OnOpenFailed(const std::exception_ptr& pError) {
+    EndOpening();
+    if (m_next) {
+        OpenNext();
+        return;
+    }
+    const QString strRefused = std::exchange(m_strPath, m_strShownPath);
+    SetState(HasDocument() ? State::Shown : State::Failed);
+    Refresh();
+    emit OpenFailed(strRefused, ReasonOf(pError));
 }
 
 void VelkoPdfView::OnOpenRefused(ErrorCode eCode) {
@@ -145,6 +174,17 @@ void VelkoPdfView::OnOpenRefused(ErrorCode eCode) {
     SetState(bPassword ? State::PasswordNeeded : State::Failed);
     Refresh();
     emit OpenFailed(m_strPath, ReasonOf(eCode));
+}
+
+void VelkoPdfView::OnPasswordAnswered(bool bShown) {
+    if (m_eState != State::PasswordNeeded) {
+        return; // another document was asked for meanwhile
+    }
+    if (bShown) {
+        OnShown();
+    } else {
+        CloseDocument();
+    }
 }
 
 void VelkoPdfView::OnShown() {
@@ -172,6 +212,13 @@ void VelkoPdfView::SetState(State eState) {
 }
 
 // --- failures --------------------------------------------------------------
+
+void VelkoPdfView::Command(const std::function<void()>& fnBody) {
+    if (HasDocument()) {
+        m_bSeen = true; // what was asked for is kept, also before it is painted
+        Guard(fnBody);
+    }
+}
 
 void VelkoPdfView::Guard(const std::function<void()>& fnBody) {
     try {
@@ -203,9 +250,9 @@ void VelkoPdfView::QueueRefresh() {
 
 void VelkoPdfView::Refresh() {
     Guard([this] {
-        const int nCount = IsShown() ? m_pControl->GetPageCount() : 0;
-        const int nPage = IsShown() ? m_pControl->GetCurrentPageIndex() : 0;
-        const double dbZoom = IsShown() ? m_pControl->GetScale() : 0.0;
+        const int nCount = HasDocument() ? m_pControl->GetPageCount() : 0;
+        const int nPage = HasDocument() ? m_pControl->GetCurrentPageIndex() : 0;
+        const double dbZoom = HasDocument() ? m_pControl->GetScale() : 0.0;
         const bool bCount = std::exchange(m_nPageCount, nCount) != nCount;
         const bool bPage = std::exchange(m_nCurrentPage, nPage) != nPage;
         const bool bZoom = std::exchange(m_dbZoom, dbZoom) != dbZoom;
@@ -243,10 +290,15 @@ void VelkoPdfView::resizeEvent(QResizeEvent* /*pEvent*/) {
     m_pWindow->setGeometry(rect());
 }
 
+void VelkoPdfView::ArrangeBeforeShow() {
+    m_pWindow->setGeometry(rect());
+    m_pWindow->Arrange();
+}
+
 // Before the reader has seen a page there is nothing to keep, and the first
 // layout at the new size is the better one.
 void VelkoPdfView::BeforeArrange() {
-    if (!IsShown() || !m_bSeen) {
+    if (!HasDocument() || !m_bSeen) {
         return;
     }
     m_keeper = ViewKeeper::Remember(*m_pControl);
@@ -267,9 +319,7 @@ void VelkoPdfView::AfterArrange() {
 // --- commands --------------------------------------------------------------
 
 void VelkoPdfView::GotoPage(int nPage) {
-    if (IsShown()) {
-        Guard([&] { m_pControl->GotoPage(std::clamp(nPage, 0, std::max(0, m_nPageCount - 1))); });
-    }
+    Command([&] { m_pControl->GotoPage(std::clamp(nPage, 0, std::max(0, m_nPageCount - 1))); });
 }
 
 void VelkoPdfView::GotoNextPage() {
@@ -289,9 +339,7 @@ void VelkoPdfView::GotoLastPage() {
 }
 
 void VelkoPdfView::ScrollBy(double dbX, double dbY) {
-    if (IsShown()) {
-        Guard([&] { m_pControl->MoveScreen(dbY, dbX); });
-    }
+    Command([&] { m_pControl->MoveScreen(dbY, dbX); });
 }
 
 void VelkoPdfView::ScrollByScreen(int nScreens) {
@@ -308,10 +356,8 @@ void VelkoPdfView::ApplyZoom(double dbZoom) {
 }
 
 void VelkoPdfView::ZoomTo(double dbZoom) {
-    if (IsShown()) {
-        m_nFitMode = 0;
-        Guard([&] { ApplyZoom(dbZoom); });
-    }
+    m_nFitMode = 0;
+    Command([&] { ApplyZoom(dbZoom); });
 }
 
 void VelkoPdfView::ZoomIn() {
@@ -327,10 +373,7 @@ void VelkoPdfView::ZoomOut() {
 }
 
 void VelkoPdfView::ApplyFit() {
-    if (!IsShown()) {
-        return;
-    }
-    Guard([this] {
+    Command([this] {
         const int nPage = m_pControl->GetCurrentPageIndex();
         ApplyZoom(m_pControl->GetFitScale(m_nFitMode));
         if (m_nFitMode == kFitPageMode) {
@@ -351,12 +394,10 @@ void VelkoPdfView::FitPage() {
 
 void VelkoPdfView::RotateBy(int nQuarterTurns) {
     constexpr int kTurns = 4;
-    if (IsShown()) {
-        Guard([&] {
-            const int nTurn = (m_pControl->GetRotate() + nQuarterTurns) % kTurns;
-            m_pControl->RotateViewer((nTurn + kTurns) % kTurns);
-        });
-    }
+    Command([&] {
+        const int nTurn = (m_pControl->GetRotate() + nQuarterTurns) % kTurns;
+        m_pControl->RotateViewer((nTurn + kTurns) % kTurns);
+    });
 }
 
 // --- keys ------------------------------------------------------------------

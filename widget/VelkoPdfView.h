@@ -66,6 +66,10 @@ public:
     static Opening BeginOpen(PDFViewCtrl& control, const QString& strPath,
                              const QString& strPassword = {});
 
+    // Gives the control the view's size while the view is hidden and Qt puts its
+    // size event off, so that the first layout need not wait for the display.
+    void ArrangeBeforeShow();
+
     void Open(const QString& strPath, const QString& strPassword = {});
     // Takes up an open that was begun on the control.
     void Follow(const QString& strPath, Opening opening);
@@ -122,11 +126,18 @@ private:
     };
 
     void ConnectWindow();
+    void Expect(const QString& strPath);
+    void Await(Opening opening);
     void OnOpenEnded(const Opening& opening);
+    void OnOpenFailed(const std::exception_ptr& pError);
+    void EndOpening();
+    void OpenNext();
+    void OnPasswordAnswered(bool bShown);
     void OnOpenRefused(velko::common::ErrorCode eCode);
     void OnShown();
     void SetState(State eState);
-    bool IsShown() const { return m_eState == State::Shown; }
+    bool HasDocument() const { return !m_strShownPath.isEmpty(); }
+    void Command(const std::function<void()>& fnBody); // only when a document is shown
     void Guard(const std::function<void()>& fnBody);
     void Report(const std::exception_ptr& pError);
     void QueueRefresh();

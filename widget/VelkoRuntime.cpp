@@ -13,6 +13,7 @@
 #include "platform/concurrency/ThreadPool.h"
 #include "platform/storage/ApplicationData.h"
 #include "platform/system/Debug.h"
+#include "settings/AppConfig.h"
 
 namespace velko::vkit {
 
@@ -55,6 +56,7 @@ VelkoRuntime::~VelkoRuntime() {
     concurrency::set_task_pool(nullptr);
     m_pPool.reset(); // joins: nothing posts to the dispatcher from here on
     m_pDispatcher->ShutDown();
+    AppConfig::Close();
     Windows::Storage::ApplicationData::SetCurrent(nullptr);
     Platform::SetEnvironment(nullptr);
 }

@@ -12,7 +12,6 @@
 #include <utility>
 
 #include "app/viewer/CommandBar.h"
-#include "platform/qt/QtElementWindow.h"
 #include "widget/VelkoRuntime.h"
 
 namespace velko::viewer {
@@ -70,10 +69,10 @@ void MainWindow::Begin(const QString& strFile, VelkoPdfView::Opening opening) {
         OnState(m_pView->ViewState());
         return;
     }
-    m_pView->Follow(strFile, std::move(opening));
     // A document that is open by now is laid out at the window's size and begins
     // to render while the display still makes the window.
-    m_pView->Window().Arrange();
+    m_pView->ArrangeBeforeShow();
+    m_pView->Follow(strFile, std::move(opening));
     vkit::VelkoRuntime::Environment()->Dispatcher()->RunPending();
 }
 

@@ -62,7 +62,9 @@ void Screenshot::End(int nStatus, const QString& strText) {
     if (!strText.isEmpty()) {
         std::fprintf(stderr, "velko-viewer: %s\n", qUtf8Printable(strText));
     }
-    QCoreApplication::exit(nStatus);
+    // Through the queue: the loop that is to end may not have begun.
+    QMetaObject::invokeMethod(
+        qApp, [nStatus] { QCoreApplication::exit(nStatus); }, Qt::QueuedConnection);
 }
 
 }

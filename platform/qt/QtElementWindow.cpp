@@ -43,7 +43,8 @@ std::shared_ptr<Xaml::Controls::SwapChainPanel> FindPanel(
 }
 
 // A size change without another size: what an element computes from its size
-// and the dots per inch is stale when only these have changed.
+// and from the dots per inch or the composition scale is stale when only these
+// have changed.
 void RaiseSizeChanged(const std::shared_ptr<Xaml::FrameworkElement>& pElement) {
     const Size size{static_cast<float>(pElement->ActualWidth()),
                     static_cast<float>(pElement->ActualHeight())};
@@ -131,10 +132,11 @@ void QtElementWindow::Arrange() {
     const Size size{static_cast<float>(std::lround(width() * dbRatio)) / fScaleX,
                     static_cast<float>(std::lround(height() * dbRatio)) / fScaleY};
     const bool bSameSize =
-        size.Width == m_pRoot->ActualWidth() && size.Height == m_pRoot->ActualHeight() &&
+        size.Width == m_pRoot->ActualWidth() && size.Height == m_pRoot->ActualHeight();
+    const bool bSameScale =
         fScaleX == m_pPanel->CompositionScaleX() && fScaleY == m_pPanel->CompositionScaleY();
     const double dbRatioBefore = std::exchange(m_dbRatio, dbRatio);
-    if (bSameSize && dbRatio == dbRatioBefore) {
+    if (bSameSize && bSameScale && dbRatio == dbRatioBefore) {
         return;
     }
     if (OnBeforeArrange) {

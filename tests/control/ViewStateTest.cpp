@@ -108,6 +108,13 @@ TEST_F(ViewStateTest, ATurnedScreenBringsBackPageAndModeOnly) {
     EXPECT_EQ(pControl->ViewerState()->CurrentPageIndex, 3);
 }
 
+TEST_F(ViewStateTest, ASquareScreenCountsAsNotTurned) {
+    Keep(Saved(false));
+    Show(800, 800);
+    Open();
+    EXPECT_EQ(pControl->ViewerState()->Scale, 2.5);
+}
+
 TEST_F(ViewStateTest, NothingSavedIsTheDefaults) {
     Keep(Saved(true), "/docs/other.pdf");
     host.Data().MostRecentlyUsedList()->Add("/docs/b.pdf", "/docs/b.pdf"); // an entry without a set

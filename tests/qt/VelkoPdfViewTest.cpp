@@ -212,15 +212,17 @@ TEST_F(VelkoPdfViewTest, AResizeIsOneVisibleStep) {
     // Every frame that is painted shows rendered pixels, none a blank page.
     int nPaints = 0;
     int nBlank = 0;
-    m_pView->Window().OnPainted = [&] {
+    QObject::connect(m_pView.get(), &VelkoPdfView::Painted, m_pView.get(), [&] {
         ++nPaints;
         nBlank += m_pView->Window().IsFrameHeld() || m_pView->IsSharp() ? 0 : 1;
-    };
+    });
+    m_pView->Window().update();
+    ASSERT_TRUE(RunUntil([&] { return nPaints > 0; })) << "the reader has seen the page";
     for (const int nWidth : {520, 560, 480}) {
         m_pView->resize(nWidth, 600);
         ASSERT_TRUE(SettlesSharp());
     }
-    EXPECT_GT(nPaints, 0);
+    EXPECT_GT(nPaints, 3);
     EXPECT_EQ(nBlank, 0);
 }
 
@@ -233,9 +235,10 @@ TEST_F(VelkoPdfViewTest, AfterFitWidthTheZoomFollowsTheSize) {
         << m_pView->Zoom();
 }
 
-TEST_F(VelkoPdfViewTest, TheLoopStaysLiveWhilePagesRender) {
+TEST_F(VelkoPdfViewTest, TheLoopStaysLiveWhileAPageRenders) {
     constexpr int kTickMs = 5;
-    constexpr int kLongestGapMs = 150; // a shared machine stalls; a render lasts far longer
+    ASSERT_TRUE(OpenUntilSharp(*m_pView, WritePages("heavy.pdf", 3, 4'000)));
+    ASSERT_TRUE(SettlesSharp());
     QElapsedTimer gap;
     qint64 nLongest = 0;
     int nTicks = 0;
@@ -244,15 +247,16 @@ TEST_F(VelkoPdfViewTest, TheLoopStaysLiveWhilePagesRender) {
         nLongest = std::max(nLongest, gap.restart());
         ++nTicks;
     });
-    gap.start();
     timer.start(kTickMs);
-    ASSERT_TRUE(OpenUntilSharp(*m_pView, WritePages("heavy.pdf", 6, 20'000)));
-    for (int nPage = 1; nPage < 6; ++nPage) {
-        m_pView->GotoPage(nPage);
-        ASSERT_TRUE(SettlesSharp());
-    }
+    gap.start();
+    QElapsedTimer rendering;
+    rendering.start();
+    m_pView->ZoomTo(m_pView->Control()->GetMaxScale());
+    m_pView->GotoPage(2);
+    ASSERT_TRUE(SettlesSharp());
+    // However slow the machine, the loop turns many times while the page renders.
     EXPECT_GT(nTicks, 10);
-    EXPECT_LT(nLongest, kLongestGapMs) << nTicks << " ticks";
+    EXPECT_LT(nLongest, rendering.elapsed() / 2) << nTicks << " ticks";
 }
 
 TEST_F(VelkoPdfViewTest, AFailingHandlerOfTheHostIsReportedAndTheViewGoesOn) {

@@ -33,8 +33,11 @@ protected:
     void Drop(const QString& strFile) {
         QMimeData data;
         data.setUrls({QUrl::fromLocalFile(strFile)});
-        QDropEvent event({100, 100}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(m_pWindow.get(), &event);
+        QDragEnterEvent enter({100, 100}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_pWindow.get(), &enter);
+        EXPECT_TRUE(enter.isAccepted());
+        QDropEvent drop({100, 100}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_pWindow.get(), &drop);
     }
     bool ShowsMessageWith(const QString& strWords) {
         return RunUntil([&] { return m_pWindow->Message().contains(strWords); });
@@ -60,6 +63,20 @@ TEST_F(MainWindowTest, ADroppedFileOpens) {
     EXPECT_TRUE(RunUntil([&] { return pBar->PageText() == "4"; }));
 }
 
+TEST_F(MainWindowTest, TheFirstLayoutHasTheWindowsFinalSizeBeforeItIsShown) {
+    auto pControl = vkit::VelkoPdfView::CreateControl();
+    auto opening = vkit::VelkoPdfView::BeginOpen(*pControl, WritePages("pages.pdf", 3));
+    MainWindow window(pControl, QSize(612, 792 + CommandBar::kHeight));
+    window.Begin("pages.pdf", std::move(opening));
+    EXPECT_EQ(pControl->GetCanvasSize(), (Windows::Foundation::Size{612.0F, 792.0F}));
+    ASSERT_TRUE(RunUntil([&] { return window.View().IsSharp(); })) << "while it is hidden";
+    const float fScale = pControl->GetScale();
+    EXPECT_FLOAT_EQ(fScale, 0.75F);
+    window.show();
+    EXPECT_TRUE(window.View().IsSharp()) << "nothing is laid out anew";
+    EXPECT_EQ(pControl->GetScale(), fScale);
+}
+
 TEST_F(MainWindowTest, AFailedOpenShowsTheReasonAndTheFilesName) {
     Drop(Write("broken <b>.pdf", "no document"));
     ASSERT_TRUE(ShowsMessageWith("not a PDF"));
@@ -77,7 +94,8 @@ TEST_F(MainWindowTest, AFailedOpenShowsTheReasonAndTheFilesName) {
     ASSERT_TRUE(RunUntil([&] { return !m_pWindow->Notice().isEmpty(); }));
     EXPECT_TRUE(m_pWindow->Notice().contains("missing.pdf"));
     EXPECT_TRUE(m_pWindow->Message().isEmpty()) << "the document that is shown stays in sight";
-    EXPECT_TRUE(m_pWindow->windowTitle().startsWith("good.pdf"));
+    EXPECT_TRUE(m_pWindow->windowTitle().startsWith("good.pdf"))
+        << m_pWindow->windowTitle().toStdString();
 }
 
 TEST(CommandLineTest, UnderstandsItsOptionsAndLeavesThoseOfQt) {

@@ -191,9 +191,14 @@ TEST_F(FaultsTest, AnEngineFailureCostsOneBlockUntilTheNextDrawing) {
     replay.Run({{"op", "fault"}, {"what", "engine_throw"}, {"after", 0}});
     EXPECT_EQ(Open(replay, WritePages("a.pdf", 2)).value("error").toInt(-1), 0);
     EXPECT_TRUE(IsIdle(replay));
-    const QJsonObject state = replay.Run({{"op", "state"}});
-    EXPECT_TRUE(state.value("items")[0]["blocks"][0]["bitmap"].isNull());
-    EXPECT_FALSE(state.value("items")[0]["blocks"][0]["rendering"].toBool(true));
+    // Whichever of the two pages came first to the engine.
+    int nBlank = 0;
+    for (const QJsonValue& item : replay.Run({{"op", "state"}}).value("items").toArray()) {
+        const QJsonValue block = item["blocks"][0];
+        EXPECT_FALSE(block["rendering"].toBool(true));
+        nBlank += block["bitmap"].isNull() ? 1 : 0;
+    }
+    EXPECT_EQ(nBlank, 1);
     replay.Run({{"op", "redraw"}});
     ExpectSharp(replay);
     ExpectUsable(replay);

@@ -92,6 +92,17 @@ TEST_F(PixelsTest, TheFrameIsInDevicePixelsAtAnyCompositionScale) {
     ExpectSharp(frame, replay.Run({{"op", "state"}}), strPath);
 }
 
+TEST_F(PixelsTest, AScaleOfItsOwnLaysOutAnewAtTheSameLogicalSize) {
+    const std::string strPath = WritePages("a.pdf", 2);
+    ReplayProcess replay({"--size", "400x600"});
+    Open(replay, strPath);
+    replay.Run({{"op", "resize"}, {"w", 400}, {"h", 600}, {"sx", 1.5}, {"sy", 2}});
+    WaitUntilIdle(replay);
+    const QImage frame = Screenshot(replay);
+    ASSERT_EQ(frame.size(), QSize(600, 1200));
+    ExpectSharp(frame, replay.Run({{"op", "state"}}), strPath);
+}
+
 TEST_F(PixelsTest, ManyBlocksJoinToTheWholePage) {
     const std::string strPath = WritePages("a.pdf", 1);
     ReplayProcess replay({"--size", "400x500"});
