@@ -168,15 +168,16 @@ TEST_F(RenderBlockTest, OwnerHearsOfEachRenderWithItsMatrixAndMayRenderItself) {
 
 TEST_F(RenderBlockTest, NoOtherRenderStartsWhileAHandlerRuns) {
     std::thread other;
+    std::atomic<bool> bStarted = false;
     int nDuring = -1;
     const auto pOtherPage = Page(1);
     m_pOwner->fnOnRendered = [&](const vkit::RenderPageEventArgs& args) {
         if (args.PageIndex != 0) {
             return;
         }
-        std::atomic<bool> bStarted = false;
         other = std::thread([&, pOtherPage] {
             bStarted = true;
+            bStarted.notify_one();
             Render(Block(pOtherPage, 0, 0, 8, 8));
         });
         bStarted.wait(false);
