@@ -87,6 +87,7 @@ void QtGraphicsContext::BeginDraw() {
 
 void QtGraphicsContext::EndDraw() {
     RequireFrame();
+    FillCleared();
     m_painter.end();
     if (QtSwapBuffers* const pBuffers = m_pTarget->Buffers()) {
         pBuffers->bFrameDrawn = true;
@@ -101,10 +102,17 @@ void QtGraphicsContext::RequireFrame() const {
 
 void QtGraphicsContext::Clear(const D2D_COLOR_F& color) {
     RequireFrame();
+    m_toClear = QRect(0, 0, m_painter.device()->width(), m_painter.device()->height());
+    m_clearColor = ToQColor(color);
+}
+
+void QtGraphicsContext::FillCleared() {
     m_painter.setCompositionMode(QPainter::CompositionMode_Source);
-    m_painter.fillRect(QRect(0, 0, m_painter.device()->width(), m_painter.device()->height()),
-                       ToQColor(color));
+    for (const QRect& rc : m_toClear) {
+        m_painter.fillRect(rc, m_clearColor);
+    }
     m_painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    m_toClear = QRegion();
 }
 
 void QtGraphicsContext::SetTransform(const D2D_MATRIX_3X2_F& matrix) {
@@ -122,6 +130,12 @@ void QtGraphicsContext::DrawBitmap(const Bitmap& pBitmap, const D2D_RECT_F& rcDe
     const auto rcClipped = ClippedToBitmap(rcSource, pSource->GetPixelSize());
     if (!rcClipped) {
         return;
+    }
+    const bool bCovers = fOpacity >= 1.0F && !pSource->Image().hasAlphaChannel();
+    if (bCovers && KeepsUpright(m_matrix)) {
+        Covered(ToQRect(PixelsOf(Transformed(rcDestination, m_matrix))));
+    } else {
+        FillCleared();
     }
     m_painter.setOpacity(std::clamp(fOpacity, 0.0F, 1.0F));
     m_painter.setRenderHint(QPainter::SmoothPixmapTransform,
@@ -156,6 +170,7 @@ void QtGraphicsContext::FillRectangle(const D2D_RECT_F& rc, const Brush& pBrush)
     if (!pBrush) {
         return;
     }
+    FillCleared();
     const QColor color = ToQColor(pBrush->GetColor(), pBrush->GetOpacity());
     if (KeepsUpright(m_matrix)) {
         m_painter.fillRect(ToQRect(FilledPixelsOf(Transformed(rc, m_matrix))), color);
@@ -172,6 +187,7 @@ void QtGraphicsContext::DrawRectangle(const D2D_RECT_F& rc, const Brush& pBrush,
     if (!pBrush) {
         return;
     }
+    FillCleared();
     const QColor color = ToQColor(pBrush->GetColor(), pBrush->GetOpacity());
     if (KeepsUpright(m_matrix)) {
         for (const PixelRect& side :

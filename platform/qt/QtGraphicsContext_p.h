@@ -3,6 +3,7 @@
 
 #include <QPainter>
 #include <QPainterPath>
+#include <QRegion>
 #include <memory>
 
 #include "platform/graphics/PixelGrid.h"
@@ -56,12 +57,19 @@ public:
 
 private:
     void RequireFrame() const;
+
+    // A clear is put off: what opaque bitmaps cover is never filled.
+    void Covered(const QRect& rc) { m_toClear -= rc; }
+    void FillCleared();
+
     void DrawUpright(const QImage& image, const Windows::Graphics::PixelRect& rcDestination,
                      const Windows::Graphics::D2D_RECT_F& rcSource);
 
     const std::shared_ptr<QtGraphicsState> m_pState;
     const std::shared_ptr<QtDeviceState> m_pDevice;
     std::shared_ptr<QtGraphicsBitmap> m_pTarget;
+    QRegion m_toClear; // empty outside of a frame
+    QColor m_clearColor;
     Windows::Graphics::D2D_MATRIX_3X2_F m_matrix;
     QPainter m_painter; // active within a frame; its own transform stays the identity
 };

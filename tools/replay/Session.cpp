@@ -15,7 +15,6 @@
 
 #include "control/PDFViewCtrl.h"
 #include "control/PDFViewerManager.h"
-#include "control/VelkoViewControl.h"
 #include "engines/mupdf/Register.h"
 #include "platform/concurrency/ThreadPool.h"
 #include "platform/qt/QtElementWindow.h"
@@ -163,10 +162,6 @@ Session::~Session() {
     velko::vkit::AppConfig::Close();
     Windows::Storage::ApplicationData::SetCurrent(nullptr);
     Platform::Debug::SetSink(nullptr);
-}
-
-velko::vkit::VelkoViewControl& Session::ViewControl() {
-    return *m_pControl->ViewControl();
 }
 
 std::shared_ptr<velko::vkit::IPDFViewer> Session::Viewer() {

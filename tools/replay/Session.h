@@ -33,7 +33,6 @@ class SwapChainPanel;
 namespace velko::vkit {
 class IPDFViewer;
 class PDFViewCtrl;
-class VelkoViewControl;
 }
 
 namespace velko::replay {
@@ -51,7 +50,6 @@ public:
 
     Output& Out() { return m_output; }
     velko::vkit::PDFViewCtrl& Control() { return *m_pControl; }
-    velko::vkit::VelkoViewControl& ViewControl();
     std::shared_ptr<velko::vkit::IPDFViewer> Viewer(); // may be empty
     Platform::Qt::QtElementWindow& Window() { return *m_pWindow; }
     Windows::UI::Xaml::Controls::SwapChainPanel& Panel();
