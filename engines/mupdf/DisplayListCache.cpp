@@ -86,14 +86,15 @@ DisplayListCache::Entries::iterator DisplayListCache::Remove(Entries::iterator i
     return m_entries.erase(it);
 }
 
+std::size_t DisplayListCache::BytesOf(std::uint64_t nDocument) const {
+    const auto it = m_bytes.find(nDocument);
+    return it == m_bytes.end() ? 0 : it->second;
+}
+
 void DisplayListCache::Trim(std::uint64_t nDocument, Dropped& dropped) {
-    const auto fnDocumentBytes = [&] {
-        const auto it = m_bytes.find(nDocument);
-        return it == m_bytes.end() ? std::size_t{0} : it->second;
-    };
     auto it = m_entries.end();
     while (it != m_entries.begin() && std::prev(it) != m_entries.begin() &&
-           (m_nBytes > m_limits.nBytes || fnDocumentBytes() > m_limits.nBytesPerDocument)) {
+           (m_nBytes > m_limits.nBytes || BytesOf(nDocument) > m_limits.nBytesPerDocument)) {
         --it;
         const bool bOwn = it->key.nDocument == nDocument;
         if (m_nBytes > m_limits.nBytes || bOwn) {

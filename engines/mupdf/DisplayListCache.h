@@ -49,8 +49,8 @@ public:
     };
 
     struct Limits {
-        std::size_t nBytes = std::size_t{96} << 20; // of all documents
-        std::size_t nBytesPerDocument = std::size_t{64} << 20;
+        std::size_t nBytes = std::size_t{48} << 20; // of all documents
+        std::size_t nBytesPerDocument = std::size_t{16} << 20;
     };
 
     // The one of the process.
@@ -76,6 +76,7 @@ private:
     using Dropped = std::vector<std::shared_ptr<const Drawing>>;
 
     Entries::iterator Remove(Entries::iterator it, Dropped& dropped) VLK_REQUIRES(m_lock);
+    std::size_t BytesOf(std::uint64_t nDocument) const VLK_REQUIRES(m_lock);
     void Trim(std::uint64_t nDocument, Dropped& dropped) VLK_REQUIRES(m_lock);
 
     std::atomic<std::uint64_t> m_nNextDocument = 1;
