@@ -95,7 +95,7 @@ ErrorCode Document::LoadUnderLock(const std::string& strPassword) {
         m_pLocked = std::move(pFile);
         return ErrorCode::e_ErrPassword;
     }
-    const std::int32_t nPages = pFile->CountPages();
+    const std::int32_t nPages = pFile->ListPages();
     if (nPages == 0) {
         return ErrorCode::e_ErrFormat;
     }
@@ -105,7 +105,6 @@ ErrorCode Document::LoadUnderLock(const std::string& strPassword) {
     pLoaded->nEncryptionType = pFile->EncryptionType();
     pLoaded->nPermissions =
         eAccess == OpenedFile::Access::kUser ? pFile->Permissions() : kAllPermissions;
-    pFile->ListPages(nPages);
     const Clock::time_point end = Clock::now() + kTableBudget;
     for (std::int32_t i = 0; i < nPages && (i == 0 || Clock::now() < end); i += kSlice) {
         ReadSlice(*pFile, pLoaded->table, i);
@@ -194,10 +193,9 @@ void Document::ReadFactsAround(Loaded& loaded, std::int32_t nPage) {
 std::shared_ptr<OpenedFile> Document::OpenAgain(const Loaded& loaded) const {
     auto pFile = std::make_shared<OpenedFile>(m_pReader);
     if (pFile->Authenticate(loaded.strPassword) == OpenedFile::Access::kRefused ||
-        pFile->CountPages() != loaded.table.Count()) {
+        pFile->ListPages() != loaded.table.Count()) {
         throw EngineException(ErrorCode::e_ErrFile, "the file has changed");
     }
-    pFile->ListPages(loaded.table.Count());
     return pFile;
 }
 

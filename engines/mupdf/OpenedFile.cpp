@@ -121,35 +121,35 @@ OpenedFile::Access OpenedFile::Authenticate(const std::string& strPassword) {
     return (nResult & kOwnerPassword) != 0 ? Access::kOwner : Access::kUser;
 }
 
-std::int32_t OpenedFile::CountPages() {
+std::int32_t OpenedFile::ListPages() {
     fz_context* const ctx = ThreadContext();
-    int nPages = 0;
+    int nCount = 0;
+    int nObjects = 0;
     Use([&] {
-        nPages = pdf_count_pages(ctx, m_pDocument);
-        // Every page is an object of its own, so a larger count is made up.
-        const int nObjects = pdf_xref_len(ctx, m_pDocument);
-        if (nPages > nObjects) {
-            nPages = CountPageLeaves(ctx, m_pDocument, nObjects);
-        }
+        nCount = pdf_count_pages(ctx, m_pDocument);
+        nObjects = pdf_xref_len(ctx, m_pDocument);
     });
-    return std::max(nPages, 0);
-}
-
-void OpenedFile::ListPages(std::int32_t nPages) {
-    if (FileSize() > kCheapTreeBytes && nPages > kCheapTreePages) {
-        return;
+    if (nCount <= 0) {
+        return 0;
     }
-    fz_context* const ctx = ThreadContext();
-    std::vector<std::int32_t> objects(static_cast<std::size_t>(nPages));
-    bool bListed = false;
+    // Every page is an object, so a larger count is made up.
+    const bool bCredible = nCount <= nObjects;
+    if (bCredible && FileSize() > kCheapTreeBytes && nCount > kCheapTreePages) {
+        return nCount;
+    }
+    std::vector<std::int32_t> objects(static_cast<std::size_t>(std::max(nObjects, 0)));
+    PageLeaves leaves;
     try {
-        Use([&] { bListed = ListPageLeaves(ctx, m_pDocument, objects); });
+        Use([&] { leaves = ListPageLeaves(ctx, m_pDocument, objects); });
     } catch (const LibraryError&) {
-        // A tree with faults is searched page by page.
+        return bCredible ? nCount : 0; // pages are searched one by one
     }
-    if (bListed) {
+    if (leaves.bAllNumbered) {
+        objects.resize(static_cast<std::size_t>(leaves.nCount));
+        objects.shrink_to_fit();
         m_pageObjects = std::move(objects);
     }
+    return leaves.nCount;
 }
 
 pdf_obj* OpenedFile::LoadPageObject(fz_context* ctx, std::int32_t nPage) const {

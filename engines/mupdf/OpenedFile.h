@@ -38,12 +38,10 @@ public:
     // password opens with any. Raises as the constructor does.
     Access Authenticate(const std::string& strPassword);
 
-    // Pages that can be looked up. Raises as the constructor does.
-    std::int32_t CountPages();
-
-    // Lists the page objects where reading the whole page tree is cheap; pages
-    // are searched one by one elsewhere. Raises for a failed read only.
-    void ListPages(std::int32_t nPages);
+    // Finds the pages and tells how many there are: the leaves of the page tree
+    // where reading all of it is cheap or its own count cannot be true, else
+    // that count. Raises as the constructor does.
+    std::int32_t ListPages();
 
     // A new reference to a page's object; null or of another kind where the file
     // has no such page. Guarded bodies only.

@@ -11,6 +11,7 @@
 #include "engines/mupdf/FinishedProgress.h"
 #include "engines/mupdf/Page.h"
 #include "engines/mupdf/PictureProbe.h"
+#include "engines/mupdf/TileLimit.h"
 
 namespace velko::engines::mupdf {
 
@@ -230,7 +231,9 @@ void PageRenderer::Run(const Layer& layer, const Canvas& canvas) {
     RunList(layer, canvas.area, [&](fz_context* ctx, fz_pixmap*& pPixmap) {
         pPixmap = PixmapOver(ctx, fz_device_bgr(ctx), canvas.area, canvas.nStride * 4,
                              reinterpret_cast<std::uint8_t*>(canvas.pPixels));
-        return fz_new_draw_device(ctx, fz_identity, pPixmap);
+        fz_device* const pDevice = fz_new_draw_device(ctx, fz_identity, pPixmap);
+        LimitTiles(pDevice);
+        return pDevice;
     });
 }
 

@@ -15,12 +15,14 @@
 
 namespace velko::engines::mupdf {
 
-// The number of leaves of the tree, at most `nLimit`. Gives up with an error on
-// a tree that is all branches.
-std::int32_t CountPageLeaves(fz_context* ctx, pdf_document* pDocument, std::int32_t nLimit);
+struct PageLeaves {
+    std::int32_t nCount = 0;
+    bool bAllNumbered = true; // whether every page is an object of its own
+};
 
-// Fills `objects` with the object numbers of the first pages. False when the
-// tree has fewer, or pages that are no objects of their own.
-bool ListPageLeaves(fz_context* ctx, pdf_document* pDocument, std::span<std::int32_t> objects);
+// Fills `objects` with the object numbers of the pages in their order, as many
+// as it has room for. Gives up with an error on a tree that is all branches.
+PageLeaves ListPageLeaves(fz_context* ctx, pdf_document* pDocument,
+                          std::span<std::int32_t> objects);
 
 }

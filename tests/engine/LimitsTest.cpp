@@ -7,6 +7,7 @@
 #include "engines/mupdf/DisplayListCache.h"
 #include "platform/concurrency/Cancellation.h"
 #include "tests/engine/MuPdfFixture.h"
+#include "tests/support/pdf_writer/PdfWriter.h"
 
 namespace velko::testing {
 
@@ -22,6 +23,52 @@ constexpr milliseconds kPatience{5000};
 
 milliseconds Since(Clock::time_point start) {
     return std::chrono::duration_cast<milliseconds>(Clock::now() - start);
+}
+
+struct HostilePage {
+    const char* szName;
+    std::string strContent;
+    std::string strResources;
+    std::vector<std::string> objects; // from `kFirstExtraObject` on
+    bool bCovers = false;             // may draw over what came before
+};
+
+std::string StreamObject(const std::string& strEntries, const std::string& strData) {
+    return "<< " + strEntries + " /Length " + std::to_string(strData.size()) + " >>\nstream\n" +
+           strData + "\nendstream";
+}
+
+std::vector<HostilePage> HostilePages() {
+    const std::string strForm = "/Type /XObject /Subtype /Form /BBox [0 0 612 792] ";
+    const std::string strMask = "/ExtGState << /G << /SMask << /S /Luminosity /G 10 0 R >> >> >>";
+    return {
+        {"tiny dashes", "[0.0001] 0 d 1 w 0 0 m 1000000 1000000 l S", "", {}},
+        {"tiny tiles",
+         "/Pattern cs /P scn 0 0 612 792 re f",
+         "/Pattern << /P 10 0 R >>",
+         {StreamObject("/Type /Pattern /PatternType 1 /PaintType 1 /TilingType 1 /BBox [0 0 1 1] "
+                       "/XStep 0.001 /YStep 0.001 /Resources << >>",
+                       "1 0 0 rg 0 0 1 1 re f")},
+         true},
+        {"a form in itself",
+         "/X Do",
+         "/XObject << /X 10 0 R >>",
+         {StreamObject(strForm + "/Resources << /XObject << /X 10 0 R >> >>", "/X Do /X Do")}},
+        {"a mask in itself",
+         "/G gs 0 0 612 792 re f",
+         strMask,
+         {StreamObject(strForm + "/Group << /S /Transparency >> /Resources << " + strMask + " >>",
+                       "/G gs 0 0 9 9 re f")}},
+        {"a picture beyond memory",
+         "q 612 0 0 792 0 0 cm /X Do Q",
+         "/XObject << /X 10 0 R >>",
+         {StreamObject("/Type /XObject /Subtype /Image /Width 100000 /Height 100000 "
+                       "/BitsPerComponent 8 /ColorSpace /DeviceRGB",
+                       "abc")}},
+        {"a million saved states", std::string(1'000'000, 'q'), "", {}},
+        {"a million open arrays", std::string(1'000'000, '['), "", {}},
+        {"numbers beyond all paper", "1e9 w 0 0 m 1e38 1 l 3 3 3 3 1e38 1e38 c S", "", {}, true},
+    };
 }
 
 // Sets the flag once the engine is at work on another thread.
@@ -48,6 +95,28 @@ TEST_F(LimitsTest, AParseBeyondItsBudgetKeepsWhatItHas) {
     const auto pBitmap = Render(pPage, WholePage(*pPage));
     EXPECT_LT(Since(start), kPatience);
     EXPECT_EQ(PixelAt(*pBitmap, 50, 50), 0xFFFF0000U) << "what came before the bomb";
+}
+
+TEST_F(LimitsTest, HostilePagesEndInTimeAndKeepWhatCameBefore) {
+    SetBudgets({milliseconds(500), milliseconds(500)});
+    for (const HostilePage& hostile : HostilePages()) {
+        SCOPED_TRACE(hostile.szName);
+        PdfPage page;
+        page.strContent = "0 0 1 rg 600 780 12 12 re f\n" + hostile.strContent;
+        page.strExtra = "/Resources << " + hostile.strResources + " >>";
+        PdfOptions options;
+        options.extraObjects = hostile.objects;
+        const auto pDoc = OpenDoc(MakePdf({page}, options));
+        ASSERT_TRUE(pDoc);
+        const auto pPage = pDoc->GetPage(0);
+        const auto start = Clock::now();
+        View view = WholePage(*pPage);
+        view.nHeight = 20; // the top, where nothing is drawn over the blue square
+        const auto pBitmap = Render(pPage, view);
+        Render(pPage, WholePage(*pPage, 2.0));
+        EXPECT_LT(Since(start), kPatience);
+        EXPECT_TRUE(hostile.bCovers || PixelAt(*pBitmap, 606, 6) == 0xFF0000FFU);
+    }
 }
 
 TEST_F(LimitsTest, AParseIsAbortedByARendersFlag) {
