@@ -91,13 +91,13 @@ protected:
 
     // Fingers by number; each call gives the place of all that are down.
     void PressFinger(int nFinger, QPoint pt) {
-        QTest::touchEvent(m_pWindow.get(), m_pTouchScreen).press(nFinger, pt);
+        QTest::touchEvent(m_pWindow.get(), m_pTouchScreen.get()).press(nFinger, pt);
     }
     void MoveFingers(QPoint ptFirst, QPoint ptSecond) {
-        QTest::touchEvent(m_pWindow.get(), m_pTouchScreen).move(0, ptFirst).move(1, ptSecond);
+        QTest::touchEvent(m_pWindow.get(), m_pTouchScreen.get()).move(0, ptFirst).move(1, ptSecond);
     }
     void AddFinger(QPoint ptFirst, QPoint pt) {
-        QTest::touchEvent(m_pWindow.get(), m_pTouchScreen).move(0, ptFirst).press(1, pt);
+        QTest::touchEvent(m_pWindow.get(), m_pTouchScreen.get()).move(0, ptFirst).press(1, pt);
     }
     const std::shared_ptr<Platform::Qt::QtDispatcher> m_pDispatcher =
         Platform::Qt::QtDispatcher::Create();
@@ -108,7 +108,7 @@ protected:
     std::unique_ptr<QtElementWindow> m_pWindow;
     std::vector<std::string> m_log;
     std::vector<Input::ManipulationDeltaRoutedEventArgs> m_deltas;
-    QPointingDevice* const m_pTouchScreen = QTest::createTouchDevice(); // Qt keeps it
+    std::unique_ptr<QPointingDevice> m_pTouchScreen;
 };
 
 using Log = std::vector<std::string>;
@@ -348,9 +348,10 @@ TEST_F(QtElementWindowTest, ASubscriberThatFailsLeavesNoGestureOpen) {
 }
 
 TEST_F(QtElementWindowTest, ASecondFingerEndsThePanAndPinches) {
+    m_pTouchScreen.reset(QTest::createTouchDevice());
     MakeWindow();
     PressFinger(0, {100, 100});
-    QTest::touchEvent(m_pWindow.get(), m_pTouchScreen).move(0, QPoint(100, 150));
+    QTest::touchEvent(m_pWindow.get(), m_pTouchScreen.get()).move(0, QPoint(100, 150));
     AddFinger({100, 150}, {200, 150});
     MoveFingers({50, 150}, {250, 150});
     EXPECT_EQ(m_log, (Log{"started 100,100", "delta 100,150", "completed 100,150",
@@ -360,11 +361,11 @@ TEST_F(QtElementWindowTest, ASecondFingerEndsThePanAndPinches) {
     EXPECT_EQ(m_deltas.back().Delta.Scale, 1.0F);
     EXPECT_FLOAT_EQ(m_deltas.back().Cumulative.Scale, 2.0F);
     m_log.clear();
-    QTest::touchEvent(m_pWindow.get(), m_pTouchScreen)
+    QTest::touchEvent(m_pWindow.get(), m_pTouchScreen.get())
         .move(0, QPoint(60, 150))
         .release(1, QPoint(260, 150));
-    QTest::touchEvent(m_pWindow.get(), m_pTouchScreen).move(0, QPoint(60, 250));
-    QTest::touchEvent(m_pWindow.get(), m_pTouchScreen).release(0, QPoint(60, 250));
+    QTest::touchEvent(m_pWindow.get(), m_pTouchScreen.get()).move(0, QPoint(60, 250));
+    QTest::touchEvent(m_pWindow.get(), m_pTouchScreen.get()).release(0, QPoint(60, 250));
     EXPECT_EQ(m_log, Log{"completed 160,150"}) << "the finger that stays does not pan";
 }
 

@@ -155,6 +155,14 @@ TEST_F(RenderChainTest, ABlockScrolledAwayNeverReachesTheEngine) {
     EXPECT_EQ(w.Renders(0), 1);
 }
 
+TEST_F(RenderChainTest, APageThatLeftWhileItWasLoadedRendersNothing) {
+    w.Open(MakePages(30, 100, 200), 300, 500);
+    Pool().RunAll(); // loaded, and the UI thread does not know yet
+    w.Viewer().GotoPage(20);
+    w.Settle();
+    EXPECT_EQ(RenderedPages(), (std::vector<std::int32_t>{20, 21, 22}));
+}
+
 TEST_F(RenderChainTest, ABlockThatLeavesWhileTheEngineDrawsIsDropped) {
     w.Open(MakePages(3, 100, 600), 100, 200); // three blocks a page
     int nAborted = 0;

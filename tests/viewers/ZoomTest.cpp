@@ -128,6 +128,12 @@ TEST_F(ZoomTest, OutOnTheFirstPageStandsAtTheTop) {
     EXPECT_EQ(w.Laid().size(), 2U); // what came free below is filled
 }
 
+TEST_F(ZoomTest, ADocumentLowerThanTheScreenStaysAtTheTop) {
+    w.Open(MakePages(2, 400, 100), 400, 500);
+    Zoom({200, 165}, 0.5, true); // on the last page
+    EXPECT_EQ(w.Laid(), (Places{{0, 100, 0, 200, 50}, {1, 100, 65, 200, 50}}));
+}
+
 TEST_F(ZoomTest, OutOnTheLastPageStandsAtTheBottom) {
     w.Open(MakePages(9, 400, 400), 400, 500);
     w.Viewer().GotoPage(8);
