@@ -21,9 +21,8 @@ constexpr std::int32_t kUserPassword = 2;
 constexpr std::int32_t kOwnerPassword = 3;
 constexpr std::uint32_t kAllPermissions = 0xFFFFFFFFU;
 
-// Pages whose facts are read at one go, and how long `Load` goes on reading.
+// Pages whose facts are read at one go.
 constexpr std::int32_t kSlice = 64;
-constexpr std::chrono::milliseconds kTableBudget{150};
 
 // Reads the facts of the slice that starts at `nFirst` into the table.
 void ReadSlice(OpenedFile& file, PageTable& table, std::int32_t nFirst) {
@@ -105,7 +104,7 @@ ErrorCode Document::LoadUnderLock(const std::string& strPassword) {
     pLoaded->nEncryptionType = pFile->EncryptionType();
     pLoaded->nPermissions =
         eAccess == OpenedFile::Access::kUser ? pFile->Permissions() : kAllPermissions;
-    const Clock::time_point end = Clock::now() + kTableBudget;
+    const Clock::time_point end = Clock::now() + CurrentBudgets().table;
     for (std::int32_t i = 0; i < nPages && (i == 0 || Clock::now() < end); i += kSlice) {
         ReadSlice(*pFile, pLoaded->table, i);
     }

@@ -15,17 +15,20 @@ thread_local Operation* t_pOperation = nullptr;
 
 std::atomic<std::int64_t> g_nParseBudget{Budgets().parse.count()};
 std::atomic<std::int64_t> g_nRenderBudget{Budgets().render.count()};
+std::atomic<std::int64_t> g_nTableBudget{Budgets().table.count()};
 
 }
 
 Budgets CurrentBudgets() {
     return {std::chrono::milliseconds(g_nParseBudget.load()),
-            std::chrono::milliseconds(g_nRenderBudget.load())};
+            std::chrono::milliseconds(g_nRenderBudget.load()),
+            std::chrono::milliseconds(g_nTableBudget.load())};
 }
 
 void SetBudgets(const Budgets& budgets) {
     g_nParseBudget = budgets.parse.count();
     g_nRenderBudget = budgets.render.count();
+    g_nTableBudget = budgets.table.count();
 }
 
 Operation::Operation(AbortFlag pAbort, Clock::duration budget)

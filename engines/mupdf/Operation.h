@@ -22,6 +22,7 @@ namespace velko::engines::mupdf {
 struct Budgets {
     std::chrono::milliseconds parse{10'000};  // a page's content, or its annotations
     std::chrono::milliseconds render{20'000}; // a drawing of one list
+    std::chrono::milliseconds table{150};     // page sizes read ahead while a file opens
 };
 
 // Those of the process. Threads: any; work under way keeps its own.

@@ -104,7 +104,8 @@ TEST_P(CorpusTest, EveryFileEndsAsItsIndexSays) {
         GTEST_SKIP() << "no corpus in " << folder;
     }
     // A page that takes for ever is cut short; the files stay what they are.
-    engines::mupdf::SetBudgets({std::chrono::milliseconds(2000), std::chrono::milliseconds(1000)});
+    engines::mupdf::SetBudgets(
+        {.parse = std::chrono::milliseconds(2000), .render = std::chrono::milliseconds(1000)});
     int nFiles = 0;
     for (const Row& row : ReadIndex(folder / "INDEX.tsv")) {
         if (fs::exists(folder / row.at("file"))) {

@@ -71,12 +71,16 @@ std::vector<HostilePage> HostilePages() {
     };
 }
 
-// Sets the flag once the engine is at work on another thread.
-void AbortWhenAtWork(const std::shared_ptr<std::atomic<bool>>& pAbort) {
+// Returns once the engine is at work on another thread: its memory changes.
+void WaitForWork() {
     const std::size_t nBefore = engines::mupdf::EngineBytes();
     while (engines::mupdf::EngineBytes() == nBefore) {
         std::this_thread::yield();
     }
+}
+
+void AbortWhenAtWork(const std::shared_ptr<std::atomic<bool>>& pAbort) {
+    WaitForWork();
     *pAbort = true;
 }
 
@@ -87,7 +91,7 @@ class LimitsTest : public MuPdfTest {};
 TEST_F(LimitsTest, AParseBeyondItsBudgetKeepsWhatItHas) {
     const auto pDoc = OpenDoc(NestedFormsDocument(12));
     ASSERT_TRUE(pDoc);
-    SetBudgets({milliseconds(100), milliseconds(200)});
+    SetBudgets({.parse = milliseconds(100), .render = milliseconds(200)});
     const auto pPage = pDoc->GetPage(0);
     const auto start = Clock::now();
     EXPECT_EQ(pPage->StartParse(0, nullptr, 0)->Continue(), common::Progressive::kFinished);
@@ -98,7 +102,7 @@ TEST_F(LimitsTest, AParseBeyondItsBudgetKeepsWhatItHas) {
 }
 
 TEST_F(LimitsTest, HostilePagesEndInTimeAndKeepWhatCameBefore) {
-    SetBudgets({milliseconds(500), milliseconds(500)});
+    SetBudgets({.parse = milliseconds(500), .render = milliseconds(500)});
     for (const HostilePage& hostile : HostilePages()) {
         SCOPED_TRACE(hostile.szName);
         PdfPage page;
@@ -134,6 +138,35 @@ TEST_F(LimitsTest, AParseIsAbortedByARendersFlag) {
     EXPECT_FALSE(pPage->IsParsed());
 }
 
+// Sizes that `Load` did not get to are read beside a parse, not after it.
+TEST_F(LimitsTest, SizesReadLateDoNotWaitForAParse) {
+    SetBudgets({.table = milliseconds(0)});
+    const auto pReader = std::make_shared<MemoryReader>(NestedFormsDocument(12, 300));
+    const auto pDoc = CreateDoc(pReader);
+    ASSERT_EQ(pDoc->Load({}), common::ErrorCode::e_ErrSuccess);
+
+    // A read that fails shows, and the next one serves.
+    pReader->FailRead(1, true);
+    EXPECT_EQ(EngineCodeOf([&] { pDoc->GetPage(250); }), common::ErrorCode::e_ErrFile);
+    pReader->StopFailing();
+
+    View view = WholePage(*pDoc->GetPage(0));
+    const auto pAbort = std::make_shared<std::atomic<bool>>(false);
+    view.pAbort = pAbort;
+    std::atomic<bool> bEnded = false;
+    std::thread parser([&] {
+        EXPECT_THROW(Render(pDoc->GetPage(0), view), concurrency::task_canceled);
+        bEnded = true;
+    });
+    WaitForWork();
+    for (const std::int32_t nPage : {300, 70, 150, 1}) {
+        EXPECT_FLOAT_EQ(pDoc->GetPage(nPage)->GetWidth(), 100.0F + static_cast<float>(nPage));
+    }
+    EXPECT_FALSE(bEnded);
+    *pAbort = true;
+    parser.join();
+}
+
 TEST_F(LimitsTest, ARenderIsAbortedWhileItDraws) {
     const auto pDoc = OpenDoc(StrokesDocument(60'000));
     ASSERT_TRUE(pDoc);
@@ -162,7 +195,7 @@ TEST_F(LimitsTest, ARenderBeyondItsBudgetKeepsWhatItHas) {
     ASSERT_TRUE(pDoc);
     const auto pPage = pDoc->GetPage(0);
     pPage->StartParse(0, nullptr, 0);
-    SetBudgets({milliseconds(10'000), milliseconds(50)});
+    SetBudgets({.parse = milliseconds(10'000), .render = milliseconds(50)});
     const auto start = Clock::now();
     const auto pBitmap = Render(pPage, WholePage(*pPage, 2.0));
     EXPECT_LT(Since(start), kPatience);

@@ -49,7 +49,7 @@ std::string StrokesDocument(int nStrokes) {
     return MakePdf({page});
 }
 
-std::string NestedFormsDocument(int nDepth) {
+std::string NestedFormsDocument(int nDepth, int nFurtherPages) {
     PdfOptions options;
     for (int i = 0; i < nDepth; ++i) {
         std::string strContent;
@@ -65,7 +65,11 @@ std::string NestedFormsDocument(int nDepth) {
     page.strContent = "1 0 0 rg 0 692 100 100 re f /X Do";
     page.strExtra = "/Resources << /XObject << /X " + std::to_string(kFirstExtraObject) +
                     " 0 R >> >>"; // the later entry of a dictionary counts
-    return MakePdf({page}, options);
+    std::vector<PdfPage> pages = {page};
+    for (int i = 1; i <= nFurtherPages; ++i) {
+        pages.emplace_back().mediaBox.dbRight = 100.0 + i;
+    }
+    return MakePdf(pages, options);
 }
 
 }

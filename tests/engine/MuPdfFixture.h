@@ -23,8 +23,9 @@ std::string MixedDocument(int nPages = 1);
 // A page of `nStrokes` long curved strokes.
 std::string StrokesDocument(int nStrokes);
 
-// `nDepth` forms, each drawing the next one ten times: 10 to the `nDepth` rectangles.
-std::string NestedFormsDocument(int nDepth);
+// A page of `nDepth` forms, each drawing the next one ten times: 10 to the
+// `nDepth` rectangles; and further pages, each a point wider than the one before.
+std::string NestedFormsDocument(int nDepth, int nFurtherPages = 0);
 
 // The code of the engine's exception that `fnCall` raises; success for none.
 template <class Call>
