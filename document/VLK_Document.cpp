@@ -5,13 +5,16 @@
 #include <utility>
 
 #include "document/VLKS_FileHandler.h"
+#include "platform/concurrency/SerialQueue.h"
 #include "platform/foundation/Exception.h"
 
 namespace velko::vkit {
 
 using concurrency::critical_section;
 
-VLK_Document::VLK_Document(PrivateTag /*tag*/) {}
+VLK_Document::VLK_Document(PrivateTag /*tag*/)
+    : m_pLoadQueue(std::make_shared<concurrency::serial_queue>()),
+      m_pRenderQueue(std::make_shared<concurrency::serial_queue>()) {}
 
 VLK_Document::VLK_Document(std::shared_ptr<velko::pdf::PDFDoc> pPdfDoc)
     : VLK_Document(PrivateTag{}) {

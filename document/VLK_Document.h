@@ -74,8 +74,10 @@ public:
     bool ReloadWithPassword(const std::string& strPassword);
 
     // Brings one page up on the pool: its table entry, the start of its parse,
-    // its page box. Cancelled when the token is before it starts, and when the
-    // document is disposed meanwhile. Fails for an index without a page.
+    // its page box. Pages that are still to be parsed come up in the order of
+    // the calls; one that is parsed waits for none of them. Cancelled when the
+    // token is before it starts, and when the document is disposed meanwhile.
+    // Fails for an index without a page.
     concurrency::task<std::shared_ptr<VLK_PageHandle>> LoadPageAsync(
         std::int32_t nPageIndex,
         concurrency::cancellation_token token = concurrency::cancellation_token::none());
@@ -122,6 +124,10 @@ public:
     // Puts the render flags and the hidden annotation types as they are now
     // into the request, so that the worker reads nothing that the host changes.
     void FillRenderState(RenderBlockRequest& request) const;
+
+    // The way to a worker for `RenderPageBlock`: renders begin in the order in
+    // which they came here, and no thread waits for its turn.
+    const std::shared_ptr<concurrency::scheduler>& RenderQueue() const { return m_pRenderQueue; }
 
     // Renders into a fresh bitmap, on a worker. True when the box holds it; a
     // failure leaves the box as it was. Raises `task_canceled` when the
@@ -219,6 +225,7 @@ private:
     // Loading a page, on a pool thread.
     concurrency::task<HandlePtr> LoadPageOnPool(PdfDocPtr pPdfDoc, std::int32_t nPageIndex,
                                                 concurrency::cancellation_token token);
+    bool IsPageParsed(std::int32_t nPageIndex) const;
     HandlePtr LoadPage(const PdfDocPtr& pPdfDoc, std::int32_t nPageIndex);
     HandlePtr LoadKnownPage(const EntryView& view, std::int32_t nPageIndex);
     HandlePtr LoadNewPage(const PdfDocPtr& pPdfDoc, std::int32_t nPageIndex);
@@ -254,6 +261,8 @@ private:
         std::make_shared<concurrency::critical_section>();
     PageMap m_pPageMap VLK_GUARDED_BY(*m_spPageLock);
     concurrency::critical_section m_RenderLock;
+    const std::shared_ptr<concurrency::scheduler> m_pLoadQueue;
+    const std::shared_ptr<concurrency::scheduler> m_pRenderQueue;
     std::int32_t m_nPermissions = 0;
     std::shared_ptr<Windows::Storage::StorageFile> m_pTempFile;
     std::int32_t m_nPasswordType = velko::pdf::PDFDoc::kNoPassword;

@@ -22,7 +22,8 @@ concurrency::task<std::shared_ptr<VLK_PageHandle>> VLK_Document::LoadPageAsync(
 concurrency::task<VLK_Document::HandlePtr> VLK_Document::LoadPageOnPool(
     PdfDocPtr pPdfDoc, std::int32_t nPageIndex, concurrency::cancellation_token token) {
     const auto pSelf = shared_from_this();
-    co_await concurrency::resume_background(std::move(token));
+    const auto pWay = IsPageParsed(nPageIndex) ? concurrency::task_pool() : m_pLoadQueue;
+    co_await concurrency::resume_on(pWay, std::move(token));
     try {
         ThrowIfDisposed();
         HandlePtr pHandle = LoadPage(pPdfDoc, nPageIndex);
@@ -31,6 +32,13 @@ concurrency::task<VLK_Document::HandlePtr> VLK_Document::LoadPageOnPool(
     } catch (const Platform::ObjectDisposedException&) {
         throw concurrency::task_canceled(); // closed meanwhile, which is nobody's failure
     }
+}
+
+bool VLK_Document::IsPageParsed(std::int32_t nPageIndex) const {
+    const critical_section::scoped_lock lock(*m_spPageLock);
+    const EntryPtr* const ppEntry = m_pPageMap.Find(nPageIndex);
+    const HandlePtr pHandle = ppEntry != nullptr ? (*ppEntry)->m_pPageHandle : nullptr;
+    return pHandle && pHandle->m_pPage && pHandle->m_pPage->IsParsed();
 }
 
 VLK_Document::HandlePtr VLK_Document::LoadPage(const PdfDocPtr& pPdfDoc, std::int32_t nPageIndex) {

@@ -53,8 +53,8 @@ VelkoRuntime::VelkoRuntime(Options options)
 }
 
 VelkoRuntime::~VelkoRuntime() {
+    m_pPool->stop(); // nothing posts to the dispatcher from here on
     concurrency::set_task_pool(nullptr);
-    m_pPool.reset(); // joins: nothing posts to the dispatcher from here on
     m_pDispatcher->ShutDown();
     AppConfig::Close();
     Windows::Storage::ApplicationData::SetCurrent(nullptr);

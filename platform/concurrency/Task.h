@@ -337,14 +337,17 @@ task<R> continue_with_value(task<T> antecedent, F fnNext) {
 
 class background_awaiter {
 public:
-    explicit background_awaiter(cancellation_token token) : m_token(std::move(token)) {}
+    background_awaiter(std::shared_ptr<scheduler> pScheduler, cancellation_token token)
+        : m_pScheduler(std::move(pScheduler)), m_token(std::move(token)) {}
     bool await_ready() const { return m_token.is_canceled(); }
     void await_suspend(std::coroutine_handle<> handle) const {
-        task_pool()->schedule(work(resumer(handle)));
+        const std::shared_ptr<scheduler> pScheduler = m_pScheduler;
+        pScheduler->schedule(work(resumer(handle)));
     }
     void await_resume() const { m_token.throw_if_canceled(); }
 
 private:
+    std::shared_ptr<scheduler> m_pScheduler;
     cancellation_token m_token;
 };
 
@@ -382,7 +385,13 @@ auto task<T>::then(F fnNext) const {
 // is cancelled before the thread gets to it.
 inline detail::background_awaiter resume_background(
     cancellation_token token = cancellation_token::none()) {
-    return detail::background_awaiter(std::move(token));
+    return detail::background_awaiter(task_pool(), std::move(token));
+}
+
+// The same by way of `pScheduler`, for works that keep an order of their own.
+inline detail::background_awaiter resume_on(std::shared_ptr<scheduler> pScheduler,
+                                            cancellation_token token) {
+    return detail::background_awaiter(std::move(pScheduler), std::move(token));
 }
 
 // Moves the coroutine into `pContext`, always through its queue.

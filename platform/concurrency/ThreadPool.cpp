@@ -40,6 +40,10 @@ private:
 ThreadPool::ThreadPool(unsigned nThreads) : m_nWanted(std::max(1U, nThreads)) {}
 
 ThreadPool::~ThreadPool() {
+    stop();
+}
+
+void ThreadPool::stop() {
     std::deque<work> dropped;
     std::vector<std::thread> threads;
     {

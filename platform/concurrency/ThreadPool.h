@@ -4,8 +4,8 @@
 // As many threads run as were asked for; a thread inside a `blocking_scope`
 // does not count, so that works waiting for a lock never keep others from
 // running. Threads start when needed and idle ones beyond the number asked for
-// end after a while. Destruction lets the running works end, destroys those
-// that have not begun, and joins. Threads: any; destroy outside the pool.
+// end after a while. `stop` ends the pool; its owner calls it, since a thread of
+// the pool may be the one that lets the last reference go. Threads: any.
 #pragma once
 
 #include <condition_variable>
@@ -26,6 +26,10 @@ public:
     ThreadPool& operator=(const ThreadPool&) = delete;
 
     void schedule(work fnWork) override;
+
+    // Lets the running works end, destroys those that have not begun and what
+    // comes from now on, and joins. Not from a thread of the pool.
+    void stop();
 
     // True when no work waits or runs.
     bool is_idle() const;

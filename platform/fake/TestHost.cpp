@@ -50,8 +50,10 @@ TestHost::~TestHost() {
     if (m_pManualPool) {
         m_pManualPool->ShutDown();
     }
+    if (m_pRealPool) {
+        m_pRealPool->stop();
+    }
     concurrency::set_task_pool(nullptr);
-    m_pRealPool.reset();
     m_pDispatcher->ShutDown();
     m_context.reset();
     Windows::Storage::ApplicationData::SetCurrent(nullptr);

@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <thread>
 #include <vector>
 
 #include "platform/concurrency/CriticalSection.h"
+#include "platform/concurrency/SerialQueue.h"
 #include "platform/concurrency/Task.h"
 #include "platform/concurrency/ThreadPool.h"
 #include "platform/fake/TestHost.h"
@@ -103,6 +105,45 @@ TEST(ThreadPoolTest, ChainsOverManyThreadsAllEnd) {
     EXPECT_EQ(nSum, kChains * (kChains - 1) / 2);
     const critical_section::scoped_lock guard(lock);
     EXPECT_EQ(nGuarded, kChains);
+}
+
+TEST(SerialQueueTest, WorksOfManyThreadsRunOneByOneInTheOrderOfTheirComing) {
+    TestHost host(TestHost::RealPool{4});
+    constexpr int kWorks = 400;
+    const auto pQueue = std::make_shared<concurrency::serial_queue>();
+    std::atomic<int> nRunning{0};
+    std::atomic<int> nEnded{0};
+    std::vector<int> order;
+    for (int n = 0; n < kWorks; ++n) {
+        pQueue->schedule([&, n] {
+            EXPECT_EQ(++nRunning, 1);
+            order.push_back(n); // guarded by the queue itself
+            std::this_thread::yield();
+            --nRunning;
+            ++nEnded;
+        });
+        if (n % 50 == 0) { // now and then the line runs dry
+            EXPECT_TRUE(Eventually([&] { return nEnded == n + 1; }));
+        }
+    }
+    EXPECT_TRUE(Eventually([&] { return nEnded == kWorks; }));
+    EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+    EXPECT_EQ(order.size(), static_cast<std::size_t>(kWorks));
+}
+
+TEST(SerialQueueTest, WhatThePoolDropsTakesTheLineWithItAndTheQueueGoesOn) {
+    TestHost host;
+    const auto pQueue = std::make_shared<concurrency::serial_queue>();
+    const auto pOwned = std::make_shared<int>(0);
+    int nRan = 0;
+    pQueue->schedule([&nRan, pOwned] { ++nRan; });
+    pQueue->schedule([&nRan, pOwned] { ++nRan; });
+    EXPECT_EQ(host.Pool().Pending(), 1U); // the pool gets them one by one
+    host.Pool().Drop(0);
+    EXPECT_EQ(pOwned.use_count(), 1);
+    pQueue->schedule([&nRan] { ++nRan; });
+    EXPECT_EQ(host.Pool().RunAll(), 1U);
+    EXPECT_EQ(nRan, 1);
 }
 
 TEST(CriticalSectionTest, ThreadsGetItInTheOrderInWhichTheyCame) {

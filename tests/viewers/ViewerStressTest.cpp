@@ -44,6 +44,20 @@ TEST(ViewerStressTest, OpenScrollAndCloseWhileRendering) {
     EXPECT_EQ(w.Device().LiveBitmaps(), 0);
 }
 
+TEST(ViewerStressTest, PagesReachTheEngineFromTheTopDown) {
+    ViewerWorld w(Platform::Fake::TestHost::RealPool{4});
+    for (int nRound = 0; nRound < 200; ++nRound) {
+        w.Open(MakePages(4, 60, 40), 64, 160);
+        w.Settle();
+        std::vector<std::int32_t> pages;
+        for (const EngineCall& call : w.pEngine->Calls(EngineOp::StartRender)) {
+            pages.push_back(call.nPage);
+        }
+        ASSERT_EQ(pages, (std::vector<std::int32_t>{0, 1, 2})) << "round " << nRound;
+        w.Viewer().Dispose();
+    }
+}
+
 TEST(ViewerStressTest, SettlesWithEveryDisplayedBlockSharp) {
     ViewerWorld w(Platform::Fake::TestHost::RealPool{4});
     w.Open(MakePages(40, 60, 90), 64, 128);

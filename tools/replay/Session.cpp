@@ -154,8 +154,8 @@ Session::~Session() {
     }
     m_pWindow.reset();
     m_pControl.reset();
+    m_pPool->stop(); // before the queue that its works post to goes
     concurrency::set_task_pool(nullptr);
-    m_pPool.reset(); // joins, before the queue that its works post to goes
     m_pEnvironment->Dispatcher()->ShutDown();
     Platform::SetEnvironment(nullptr);
     Windows::Storage::SetStorageFaultHook(nullptr);

@@ -97,7 +97,7 @@ task<void> ViewerPageItemBlock::Render(std::shared_ptr<IPageItemHost> pHost,
     bool bGood = false;
     bool bCanceled = false;
     try {
-        co_await concurrency::resume_background(token);
+        co_await concurrency::resume_on(pDocument->RenderQueue(), token);
         bGood = pDocument->RenderPageBlock(request, box);
     } catch (const task_canceled&) {
         bCanceled = true;
