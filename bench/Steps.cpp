@@ -16,6 +16,7 @@
 #include "bench/HeapCount.h"
 #include "control/PDFViewCtrl.h"
 #include "control/PDFViewerManager.h"
+#include "platform/qt/QtElementWindow.h"
 #include "viewers/core/IPDFViewer.h"
 #include "viewers/core/ViewerInspection.h"
 
@@ -65,16 +66,30 @@ void ZoomStep(benchmark::State& state) {
 }
 BENCHMARK(ZoomStep)->Unit(benchmark::kMicrosecond);
 
+// The whole frame, as after a resize: the one that is shown is held, so that the
+// new one cannot be drawn as its difference.
 void Paint(benchmark::State& state) {
     ControlUnderTest control(1920, 1080);
     Prepare(control);
+    QImage held;
     const std::uint64_t nBefore = HeapAllocations();
     for (auto _ : state) {
+        held = control.Session().Window().FrontImage();
         control.Control().UpdateViewer();
     }
     CountHeap(state, nBefore);
 }
 BENCHMARK(Paint)->Unit(benchmark::kMicrosecond);
+
+// A frame in which nothing changed.
+void PaintAgain(benchmark::State& state) {
+    ControlUnderTest control(1920, 1080);
+    Prepare(control);
+    for (auto _ : state) {
+        control.Control().UpdateViewer();
+    }
+}
+BENCHMARK(PaintAgain)->Unit(benchmark::kMicrosecond);
 
 // The frame of `Paint` by the painter alone: the ground, and a picture for each
 // page on the screen.

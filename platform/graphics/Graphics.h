@@ -140,6 +140,14 @@ public:
                                                       std::span<const std::uint8_t> pixels,
                                                       std::uint32_t nPitch,
                                                       const D2D1_BITMAP_PROPERTIES& properties) = 0;
+    // The same with pixels that `pOwner` keeps and that nobody writes to any
+    // more: a device may use them where they lie, or copy them.
+    virtual std::shared_ptr<ID2D1Bitmap> CreateSharedBitmap(
+        D2D_SIZE_U size, std::shared_ptr<const void> /*pOwner*/,
+        std::span<const std::uint8_t> pixels, std::uint32_t nPitch,
+        const D2D1_BITMAP_PROPERTIES& properties) {
+        return CreateBitmap(size, pixels, nPitch, properties);
+    }
     virtual std::shared_ptr<ID2D1SolidColorBrush> CreateSolidColorBrush(
         const D2D_COLOR_F& color) = 0;
 

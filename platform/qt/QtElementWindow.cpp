@@ -180,13 +180,22 @@ void QtElementWindow::WatchSwapChain() {
     m_pSwapChain = std::dynamic_pointer_cast<QtSwapChain>(m_pPanel->SwapChain());
     if (m_pSwapChain) {
         m_pSwapChain->OnPresented = [this] {
-            update();
+            UpdateFront(m_pSwapChain->PresentedRect());
             if (OnPresented) {
                 OnPresented();
             }
         };
     }
     update();
+}
+
+// `rcFrame` in pixels of the frame; with a broken ratio a pixel more on each side.
+void QtElementWindow::UpdateFront(const QRect& rcFrame) {
+    if (!rcFrame.isEmpty()) {
+        const QRectF rc(rcFrame);
+        const double dbRatio = devicePixelRatioF();
+        update(QRectF(rc.topLeft() / dbRatio, rc.size() / dbRatio).toAlignedRect());
+    }
 }
 
 QImage QtElementWindow::FrontImage() const {

@@ -96,6 +96,7 @@ private:
     void ArrangeTree(Windows::Foundation::Size size, float fScaleX, float fScaleY);
     void PaintFront(QPainter& painter, const QRegion& region);
     void WatchSwapChain();
+    void UpdateFront(const QRect& rcFrame);
     void WatchTree(const std::shared_ptr<Windows::UI::Xaml::FrameworkElement>& pElement);
     void UpdateBusyMark();
     Windows::Foundation::Point ToElement(QPointF pt) const;

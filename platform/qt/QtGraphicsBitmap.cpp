@@ -1,9 +1,12 @@
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <memory>
 #include <utility>
 
 #include "platform/foundation/Exception.h"
 #include "platform/qt/QtGraphicsBitmap_p.h"
+#include "platform/qt/QtGraphicsContext_p.h"
 
 namespace Platform::Qt {
 
@@ -13,15 +16,42 @@ namespace {
 
 constexpr int kBytesPerPixel = 4;
 
+// Eight pixels at a time, which the compiler turns into one wide step.
 bool IsRowOpaque(const uchar* pRow, int nWidth) {
-    std::uint32_t nAll = 0xFFFFFFFFU;
-    for (int nX = 0; nX < nWidth; ++nX) {
-        std::uint32_t nPixel = 0;
-        std::memcpy(&nPixel, pRow + std::size_t{kBytesPerPixel} * static_cast<std::size_t>(nX),
-                    sizeof nPixel);
-        nAll &= nPixel;
+    constexpr int kLanes = 8;
+    std::array<std::uint32_t, kLanes> all;
+    all.fill(0xFFFFFFFFU);
+    int nX = 0;
+    for (; nX + kLanes <= nWidth; nX += kLanes) {
+        std::array<std::uint32_t, kLanes> pixels;
+        std::memcpy(pixels.data(), pRow + std::ptrdiff_t{kBytesPerPixel} * nX, sizeof pixels);
+        for (std::size_t n = 0; n < kLanes; ++n) {
+            all[n] &= pixels[n];
+        }
     }
-    return (nAll >> 24U) == 0xFFU;
+    for (; nX < nWidth; ++nX) {
+        std::uint32_t nPixel = 0;
+        std::memcpy(&nPixel, pRow + std::ptrdiff_t{kBytesPerPixel} * nX, sizeof nPixel);
+        all[0] &= nPixel;
+    }
+    return std::all_of(all.begin(), all.end(),
+                       [](std::uint32_t nPixel) { return (nPixel >> 24U) == 0xFFU; });
+}
+
+bool IsOpaque(const uchar* pPixels, D2D_SIZE_U size, std::uint32_t nPitch) {
+    for (std::uint32_t nY = 0; nY < size.height; ++nY) {
+        if (!IsRowOpaque(pPixels + std::size_t{nPitch} * nY, static_cast<int>(size.width))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void CheckPixels(D2D_SIZE_U size, std::span<const std::uint8_t> pixels, std::uint32_t nPitch) {
+    const std::size_t nRowBytes = std::size_t{size.width} * kBytesPerPixel;
+    if (nPitch < nRowBytes || pixels.size() < std::size_t{nPitch} * (size.height - 1) + nRowBytes) {
+        throw Platform::InvalidArgumentException("too few pixels for the bitmap's size");
+    }
 }
 
 // Copies what fits from (0, 0); the rest stays as it is.
@@ -46,24 +76,36 @@ QImage MakeImage(QSize size) {
 }
 
 QImage CopyPixels(D2D_SIZE_U size, std::span<const std::uint8_t> pixels, std::uint32_t nPitch) {
-    const std::size_t nRowBytes = std::size_t{size.width} * kBytesPerPixel;
-    if (nPitch < nRowBytes || pixels.size() < std::size_t{nPitch} * (size.height - 1) + nRowBytes) {
-        throw Platform::InvalidArgumentException("too few pixels for the bitmap's size");
-    }
+    CheckPixels(size, pixels, nPitch);
     QImage image(static_cast<int>(size.width), static_cast<int>(size.height),
-                 QImage::Format_ARGB32_Premultiplied);
+                 IsOpaque(pixels.data(), size, nPitch) ? QImage::Format_RGB32
+                                                       : QImage::Format_ARGB32_Premultiplied);
     if (image.isNull()) {
         throw Platform::OutOfMemoryException("no memory for a bitmap");
     }
-    bool bOpaque = true;
     for (int nY = 0; nY < image.height(); ++nY) {
-        uchar* const pRow = image.scanLine(nY);
-        std::memcpy(pRow, &pixels[std::size_t{nPitch} * static_cast<std::size_t>(nY)], nRowBytes);
-        bOpaque = bOpaque && IsRowOpaque(pRow, image.width());
+        std::memcpy(image.scanLine(nY), &pixels[std::size_t{nPitch} * static_cast<std::size_t>(nY)],
+                    std::size_t{size.width} * kBytesPerPixel);
     }
-    if (bOpaque) {
-        image.reinterpretAsFormat(QImage::Format_RGB32);
+    return image;
+}
+
+QImage SharePixels(D2D_SIZE_U size, std::shared_ptr<const void> pOwner,
+                   std::span<const std::uint8_t> pixels, std::uint32_t nPitch) {
+    CheckPixels(size, pixels, nPitch);
+    const auto eFormat = IsOpaque(pixels.data(), size, nPitch)
+                             ? QImage::Format_RGB32
+                             : QImage::Format_ARGB32_Premultiplied;
+    auto pKept = std::make_unique<std::shared_ptr<const void>>(std::move(pOwner));
+    QImage image(
+        pixels.data(), static_cast<int>(size.width), static_cast<int>(size.height),
+        static_cast<qsizetype>(nPitch), eFormat,
+        [](void* pOwned) { delete static_cast<std::shared_ptr<const void>*>(pOwned); },
+        pKept.get());
+    if (image.isNull()) {
+        throw Platform::OutOfMemoryException("no memory for a bitmap");
     }
+    pKept.release(); // the image's from here on
     return image;
 }
 
@@ -106,6 +148,7 @@ QImage& QtGraphicsBitmap::BeginFrame() {
         back = MakeImage(m_pBuffers->size);
     }
     m_pBuffers->bFrameBegun = true;
+    m_pBuffers->backScript.Forget();
     return back;
 }
 
@@ -113,6 +156,9 @@ void QtGraphicsBitmap::CopyFromRenderTarget(ID2D1DeviceContext& context) {
     const auto pTarget = std::dynamic_pointer_cast<QtGraphicsBitmap>(context.GetTarget());
     if (!pTarget || m_pBuffers) {
         throw Platform::Exception(D2DERR_WRONG_STATE, "there is no target to copy from");
+    }
+    if (context.IsDrawing()) {
+        static_cast<QtGraphicsContext&>(context).DrawGathered();
     }
     const QImage& frame = pTarget->Image();
     if (frame.size() == m_image.size()) {

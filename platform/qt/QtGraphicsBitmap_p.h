@@ -32,6 +32,8 @@ public:
 
     // The image that a new frame draws into; nobody else holds it.
     QImage& BeginFrame();
+    // The same image, once a frame has been begun in it.
+    QImage& FrameUnderWay() { return m_pBuffers ? m_pBuffers->back : m_image; }
 
 private:
     const std::shared_ptr<QtGraphicsState> m_pState;
@@ -48,5 +50,10 @@ QImage MakeImage(QSize size);
 // which makes drawing it a plain copy of rows.
 QImage CopyPixels(Windows::Graphics::D2D_SIZE_U size, std::span<const std::uint8_t> pixels,
                   std::uint32_t nPitch);
+
+// The pixels where they lie, marked in the same way; `pOwner` goes with the
+// image and its copies.
+QImage SharePixels(Windows::Graphics::D2D_SIZE_U size, std::shared_ptr<const void> pOwner,
+                   std::span<const std::uint8_t> pixels, std::uint32_t nPitch);
 
 }

@@ -1,6 +1,5 @@
 #include <QTransform>
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 #include "platform/foundation/Exception.h"
@@ -11,6 +10,8 @@ namespace Platform::Qt {
 using namespace Windows::Graphics; // the drawing interface, named without a prefix
 
 namespace {
+
+constexpr int kOpaque = 255;
 
 QColor ToQColor(const D2D_COLOR_F& color, float fOpacity = 1.0F) {
     const auto fnLimited = [](float fValue) { return std::clamp(fValue, 0.0F, 1.0F); };
@@ -30,33 +31,21 @@ QTransform ToQTransform(const D2D_MATRIX_3X2_F& matrix) {
     return {matrix._11, matrix._12, matrix._21, matrix._22, matrix._31, matrix._32};
 }
 
-bool IsWhole(const D2D_RECT_F& rc) {
-    return rc.left == std::floor(rc.left) && rc.top == std::floor(rc.top) &&
-           rc.right == std::floor(rc.right) && rc.bottom == std::floor(rc.bottom);
-}
-
 }
 
 QtGraphicsContext::QtGraphicsContext(std::shared_ptr<QtGraphicsState> pState,
                                      std::shared_ptr<QtDeviceState> pDevice)
     : m_pState(std::move(pState)), m_pDevice(std::move(pDevice)) {}
 
-QtGraphicsContext::~QtGraphicsContext() {
-    if (m_painter.isActive()) {
-        m_painter.end(); // before the target that it paints on goes
-    }
-}
-
 void QtGraphicsContext::SetTarget(Bitmap pTarget) {
-    if (m_painter.isActive()) {
+    if (m_bDrawing) {
         throw Platform::Exception(D2DERR_WRONG_STATE, "the target changes within a frame");
     }
     m_pTarget = std::dynamic_pointer_cast<QtGraphicsBitmap>(pTarget);
 }
 
-QtGraphicsContext::Bitmap QtGraphicsContext::CreateBitmap(
-    D2D_SIZE_U size, std::span<const std::uint8_t> pixels, std::uint32_t nPitch,
-    const D2D1_BITMAP_PROPERTIES& properties) {
+void QtGraphicsContext::CheckNewBitmap(D2D_SIZE_U size,
+                                       const D2D1_BITMAP_PROPERTIES& properties) const {
     constexpr std::uint32_t kMaxSide = 32767; // of an image that can be painted
     if (m_pDevice->bLost) {
         throw Platform::Exception(Platform::DXGI_ERROR_DEVICE_REMOVED, "CreateBitmap");
@@ -65,10 +54,24 @@ QtGraphicsContext::Bitmap QtGraphicsContext::CreateBitmap(
         properties.format != DXGI_FORMAT_B8G8R8A8_UNORM) {
         throw Platform::InvalidArgumentException("no bitmap of this size or format");
     }
+}
+
+QtGraphicsContext::Bitmap QtGraphicsContext::CreateBitmap(
+    D2D_SIZE_U size, std::span<const std::uint8_t> pixels, std::uint32_t nPitch,
+    const D2D1_BITMAP_PROPERTIES& properties) {
+    CheckNewBitmap(size, properties);
     QImage image = pixels.empty()
                        ? MakeImage({static_cast<int>(size.width), static_cast<int>(size.height)})
                        : CopyPixels(size, pixels, nPitch);
     return std::make_shared<QtGraphicsBitmap>(m_pState, m_pDevice, std::move(image));
+}
+
+QtGraphicsContext::Bitmap QtGraphicsContext::CreateSharedBitmap(
+    D2D_SIZE_U size, std::shared_ptr<const void> pOwner, std::span<const std::uint8_t> pixels,
+    std::uint32_t nPitch, const D2D1_BITMAP_PROPERTIES& properties) {
+    CheckNewBitmap(size, properties);
+    return std::make_shared<QtGraphicsBitmap>(m_pState, m_pDevice,
+                                              SharePixels(size, std::move(pOwner), pixels, nPitch));
 }
 
 QtGraphicsContext::Brush QtGraphicsContext::CreateSolidColorBrush(const D2D_COLOR_F& color) {
@@ -76,47 +79,99 @@ QtGraphicsContext::Brush QtGraphicsContext::CreateSolidColorBrush(const D2D_COLO
 }
 
 void QtGraphicsContext::BeginDraw() {
-    if (m_painter.isActive() || !m_pTarget) {
+    if (m_bDrawing || !m_pTarget) {
         throw Platform::Exception(D2DERR_WRONG_STATE, "a frame within a frame, or no target");
     }
-    if (!m_painter.begin(&m_pTarget->BeginFrame())) {
-        throw Platform::Exception(Platform::E_FAIL, "BeginDraw");
-    }
+    m_script.Begin();
+    m_bDrawnInPart = false;
+    m_bDrawing = true;
     ++m_pState->nFrames;
 }
 
 void QtGraphicsContext::EndDraw() {
     RequireFrame();
-    FillCleared();
-    m_painter.end();
-    if (QtSwapBuffers* const pBuffers = m_pTarget->Buffers()) {
+    m_bDrawing = false;
+    QtSwapBuffers* const pBuffers = m_pTarget->Buffers();
+    if (!pBuffers || m_bDrawnInPart || !DrawDifference(*pBuffers)) {
+        QImage& image = m_bDrawnInPart ? m_pTarget->FrameUnderWay() : m_pTarget->BeginFrame();
+        m_script.Draw(image, image.rect());
+    }
+    m_script.LetGoOfPictures();
+    if (pBuffers) {
         pBuffers->bFrameDrawn = true;
+        if (pBuffers->bFrameBegun) {
+            pBuffers->backScript.Swap(m_script);
+        }
     }
 }
 
+// Draws into the buffer that is shown. False when nothing is known of what it
+// shows, or when somebody else holds it.
+bool QtGraphicsContext::DrawDifference(QtSwapBuffers& buffers) {
+    if (buffers.bFrameBegun || buffers.front.size() != buffers.size ||
+        !buffers.front.isDetached() || !m_script.SaysEveryPixel() ||
+        !buffers.frontScript.SaysEveryPixel()) {
+        return false;
+    }
+    const QRect rcChanged =
+        m_script.DifferenceTo(buffers.frontScript) & QRect(QPoint(), buffers.size);
+    if (!rcChanged.isEmpty()) {
+        m_script.Draw(buffers.front, rcChanged);
+    }
+    buffers.rcChanged |= rcChanged;
+    buffers.frontScript.Swap(m_script);
+    return true;
+}
+
+// The rest of the frame is then gathered and drawn over this part.
+void QtGraphicsContext::DrawGathered() {
+    QImage& image = m_bDrawnInPart ? m_pTarget->FrameUnderWay() : m_pTarget->BeginFrame();
+    m_script.Draw(image, image.rect());
+    m_script.Begin();
+    m_bDrawnInPart = true;
+}
+
 void QtGraphicsContext::RequireFrame() const {
-    if (!m_painter.isActive()) {
+    if (!m_bDrawing) {
         throw Platform::Exception(D2DERR_WRONG_STATE, "drawing outside of a frame");
     }
 }
 
+// --- the parts of a frame ---
+
 void QtGraphicsContext::Clear(const D2D_COLOR_F& color) {
     RequireFrame();
-    m_toClear = QRect(0, 0, m_painter.device()->width(), m_painter.device()->height());
-    m_clearColor = ToQColor(color);
-}
-
-void QtGraphicsContext::FillCleared() {
-    m_painter.setCompositionMode(QPainter::CompositionMode_Source);
-    for (const QRect& rc : m_toClear) {
-        m_painter.fillRect(rc, m_clearColor);
-    }
-    m_painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-    m_toClear = QRegion();
+    m_script.Begin(); // nothing is left of what was drawn before
+    const D2D_SIZE_U size = m_pTarget->GetPixelSize();
+    m_script
+        .Add(QtFrameScript::Kind::Clear,
+             {0, 0, static_cast<int>(size.width), static_cast<int>(size.height)})
+        .color = ToQColor(color);
 }
 
 void QtGraphicsContext::SetTransform(const D2D_MATRIX_3X2_F& matrix) {
     m_matrix = matrix;
+}
+
+QtFrameScript::Part& QtGraphicsContext::AddTurned(QtFrameScript::Kind eKind, const D2D_RECT_F& rc) {
+    const QTransform transform = ToQTransform(m_matrix);
+    const QRectF rcExact = ToQRectF(rc);
+    // Lines and smoothing reach past the shape.
+    const QRect rcTarget = transform.mapRect(rcExact).toAlignedRect().adjusted(-1, -1, 1, 1);
+    QtFrameScript::Part& part = m_script.Add(eKind, rcTarget);
+    part.bTurned = true;
+    part.rcExact = rcExact;
+    part.transform = transform;
+    return part;
+}
+
+void QtGraphicsContext::AddFill(const QRect& rc, const QColor& color) {
+    if (rc.isEmpty()) {
+        return;
+    }
+    QtFrameScript::Part& part = m_script.Add(QtFrameScript::Kind::Fill, rc);
+    part.color = color;
+    part.bCovers = color.alpha() == kOpaque;
 }
 
 void QtGraphicsContext::DrawBitmap(const Bitmap& pBitmap, const D2D_RECT_F& rcDestination,
@@ -128,41 +183,19 @@ void QtGraphicsContext::DrawBitmap(const Bitmap& pBitmap, const D2D_RECT_F& rcDe
         return;
     }
     const auto rcClipped = ClippedToBitmap(rcSource, pSource->GetPixelSize());
-    if (!rcClipped) {
+    const bool bUpright = KeepsUpright(m_matrix);
+    const QRect rcTarget = ToQRect(PixelsOf(Transformed(rcDestination, m_matrix)));
+    if (!rcClipped || (bUpright && rcTarget.isEmpty())) {
         return;
     }
-    const bool bCovers = fOpacity >= 1.0F && !pSource->Image().hasAlphaChannel();
-    if (bCovers && KeepsUpright(m_matrix)) {
-        Covered(ToQRect(PixelsOf(Transformed(rcDestination, m_matrix))));
-    } else {
-        FillCleared();
-    }
-    m_painter.setOpacity(std::clamp(fOpacity, 0.0F, 1.0F));
-    m_painter.setRenderHint(QPainter::SmoothPixmapTransform,
-                            eInterpolation == D2D1_INTERPOLATION_MODE::LINEAR);
-    if (KeepsUpright(m_matrix)) {
-        DrawUpright(pSource->Image(), PixelsOf(Transformed(rcDestination, m_matrix)), *rcClipped);
-    } else {
-        m_painter.setTransform(ToQTransform(m_matrix));
-        m_painter.drawImage(ToQRectF(rcDestination), pSource->Image(), ToQRectF(*rcClipped));
-        m_painter.resetTransform();
-    }
-    m_painter.setOpacity(1.0);
-}
-
-void QtGraphicsContext::DrawUpright(const QImage& image, const PixelRect& rcDestination,
-                                    const D2D_RECT_F& rcSource) {
-    if (rcDestination.IsEmpty()) {
-        return;
-    }
-    if (IsWhole(rcSource)) {
-        const QRect rcWhole = ToQRectF(rcSource).toRect();
-        if (rcWhole.size() == ToQRect(rcDestination).size()) {
-            m_painter.drawImage(ToQRect(rcDestination).topLeft(), image, rcWhole);
-            return;
-        }
-    }
-    m_painter.drawImage(QRectF(ToQRect(rcDestination)), image, ToQRectF(rcSource));
+    QtFrameScript::Part& part = bUpright ? m_script.Add(QtFrameScript::Kind::Picture, rcTarget)
+                                         : AddTurned(QtFrameScript::Kind::Picture, rcDestination);
+    part.image = pSource->Image();
+    part.nImage = part.image.cacheKey();
+    part.bCovers = bUpright && fOpacity >= 1.0F && !part.image.hasAlphaChannel();
+    part.rcSource = ToQRectF(*rcClipped);
+    part.dbOpacity = std::clamp(fOpacity, 0.0F, 1.0F);
+    part.bSmooth = eInterpolation == D2D1_INTERPOLATION_MODE::LINEAR;
 }
 
 void QtGraphicsContext::FillRectangle(const D2D_RECT_F& rc, const Brush& pBrush) {
@@ -170,15 +203,12 @@ void QtGraphicsContext::FillRectangle(const D2D_RECT_F& rc, const Brush& pBrush)
     if (!pBrush) {
         return;
     }
-    FillCleared();
     const QColor color = ToQColor(pBrush->GetColor(), pBrush->GetOpacity());
     if (KeepsUpright(m_matrix)) {
-        m_painter.fillRect(ToQRect(FilledPixelsOf(Transformed(rc, m_matrix))), color);
-        return;
+        AddFill(ToQRect(FilledPixelsOf(Transformed(rc, m_matrix))), color);
+    } else {
+        AddTurned(QtFrameScript::Kind::Fill, rc).color = color;
     }
-    m_painter.setTransform(ToQTransform(m_matrix));
-    m_painter.fillRect(ToQRectF(rc), color);
-    m_painter.resetTransform();
 }
 
 void QtGraphicsContext::DrawRectangle(const D2D_RECT_F& rc, const Brush& pBrush,
@@ -187,24 +217,20 @@ void QtGraphicsContext::DrawRectangle(const D2D_RECT_F& rc, const Brush& pBrush,
     if (!pBrush) {
         return;
     }
-    FillCleared();
     const QColor color = ToQColor(pBrush->GetColor(), pBrush->GetOpacity());
     if (KeepsUpright(m_matrix)) {
         for (const PixelRect& side :
              OutlinePixelsOf(Transformed(rc, m_matrix), fStrokeWidth * m_matrix._11)) {
-            m_painter.fillRect(ToQRect(side), color);
+            AddFill(ToQRect(side), color);
         }
         return;
     }
-    m_painter.setTransform(ToQTransform(m_matrix));
-    m_painter.strokePath(
-        [&] {
-            QPainterPath path;
-            path.addRect(ToQRectF(rc));
-            return path;
-        }(),
-        QPen(color, fStrokeWidth));
-    m_painter.resetTransform();
+    const D2D_RECT_F rcReach = {rc.left - fStrokeWidth, rc.top - fStrokeWidth,
+                                rc.right + fStrokeWidth, rc.bottom + fStrokeWidth};
+    QtFrameScript::Part& part = AddTurned(QtFrameScript::Kind::Outline, rcReach);
+    part.rcExact = ToQRectF(rc);
+    part.color = color;
+    part.dbStroke = fStrokeWidth;
 }
 
 }

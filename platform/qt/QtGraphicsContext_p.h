@@ -1,12 +1,11 @@
-// The drawing context of the raster device: a painter on the target's image.
+// The drawing context of the raster device: it gathers a frame and draws it at
+// its end, on the target's image.
 #pragma once
 
-#include <QPainter>
-#include <QPainterPath>
-#include <QRegion>
 #include <memory>
 
 #include "platform/graphics/PixelGrid.h"
+#include "platform/qt/QtFrameScript_p.h"
 #include "platform/qt/QtGraphicsBitmap_p.h"
 
 namespace Platform::Qt {
@@ -30,7 +29,6 @@ public:
 
     QtGraphicsContext(std::shared_ptr<QtGraphicsState> pState,
                       std::shared_ptr<QtDeviceState> pDevice);
-    ~QtGraphicsContext() override;
 
     // The context knows pixels alone and draws no text: these change nothing.
     void SetUnitMode(std::uint32_t /*nMode*/) override {}
@@ -42,10 +40,14 @@ public:
     Bitmap CreateBitmap(Windows::Graphics::D2D_SIZE_U size, std::span<const std::uint8_t> pixels,
                         std::uint32_t nPitch,
                         const Windows::Graphics::D2D1_BITMAP_PROPERTIES& properties) override;
+    Bitmap CreateSharedBitmap(Windows::Graphics::D2D_SIZE_U size,
+                              std::shared_ptr<const void> pOwner,
+                              std::span<const std::uint8_t> pixels, std::uint32_t nPitch,
+                              const Windows::Graphics::D2D1_BITMAP_PROPERTIES& properties) override;
     Brush CreateSolidColorBrush(const Windows::Graphics::D2D_COLOR_F& color) override;
     void BeginDraw() override;
     void EndDraw() override;
-    bool IsDrawing() const override { return m_painter.isActive(); }
+    bool IsDrawing() const override { return m_bDrawing; }
     void Clear(const Windows::Graphics::D2D_COLOR_F& color) override;
     void SetTransform(const Windows::Graphics::D2D_MATRIX_3X2_F& matrix) override;
     void DrawBitmap(const Bitmap& pBitmap, const Windows::Graphics::D2D_RECT_F& rcDestination,
@@ -55,23 +57,25 @@ public:
     void DrawRectangle(const Windows::Graphics::D2D_RECT_F& rc, const Brush& pBrush,
                        float fStrokeWidth) override;
 
+    // Draws what was gathered so far: somebody reads the target in mid-frame.
+    void DrawGathered();
+
 private:
     void RequireFrame() const;
-
-    // A clear is put off: what opaque bitmaps cover is never filled.
-    void Covered(const QRect& rc) { m_toClear -= rc; }
-    void FillCleared();
-
-    void DrawUpright(const QImage& image, const Windows::Graphics::PixelRect& rcDestination,
-                     const Windows::Graphics::D2D_RECT_F& rcSource);
+    void CheckNewBitmap(Windows::Graphics::D2D_SIZE_U size,
+                        const Windows::Graphics::D2D1_BITMAP_PROPERTIES& properties) const;
+    void AddFill(const QRect& rc, const QColor& color);
+    QtFrameScript::Part& AddTurned(QtFrameScript::Kind eKind,
+                                   const Windows::Graphics::D2D_RECT_F& rc);
+    bool DrawDifference(QtSwapBuffers& buffers);
 
     const std::shared_ptr<QtGraphicsState> m_pState;
     const std::shared_ptr<QtDeviceState> m_pDevice;
     std::shared_ptr<QtGraphicsBitmap> m_pTarget;
-    QRegion m_toClear; // empty outside of a frame
-    QColor m_clearColor;
     Windows::Graphics::D2D_MATRIX_3X2_F m_matrix;
-    QPainter m_painter; // active within a frame; its own transform stays the identity
+    QtFrameScript m_script;
+    bool m_bDrawing = false;
+    bool m_bDrawnInPart = false; // the target holds the frame up to some point
 };
 
 }

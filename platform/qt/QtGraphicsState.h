@@ -10,6 +10,7 @@
 #include <optional>
 
 #include "platform/foundation/HResult.h"
+#include "platform/qt/QtFrameScript_p.h"
 
 namespace Platform::Qt {
 
@@ -38,7 +39,10 @@ struct QtSwapBuffers {
     QSize size;               // of the buffers; the front may still have the one before
     QImage back;              // drawn into; null until a frame begins
     QImage front;             // shown; null before the first present
-    bool bFrameBegun = false; // since the last present
+    QtFrameScript backScript; // what the two are made of; empty when that is not known
+    QtFrameScript frontScript;
+    QRect rcChanged;          // of the front, drawn since the last present
+    bool bFrameBegun = false; // into the back, since the last present
     bool bFrameDrawn = false; // ended since the last present
 
     // What a read of the target gives: the frame under way, else the last one.

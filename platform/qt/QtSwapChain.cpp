@@ -66,8 +66,7 @@ Platform::HRESULT QtSwapChain::Present1(std::uint32_t /*nSyncInterval*/, std::ui
     if (!m_pBuffers->bFrameDrawn) {
         return Platform::S_OK;
     }
-    std::swap(m_pBuffers->front, m_pBuffers->back);
-    m_pBuffers->bFrameBegun = m_pBuffers->bFrameDrawn = false;
+    ShowDrawn();
     ++m_nPresents;
     ++m_pState->nPresents;
     if (OnPresented) {
@@ -75,6 +74,16 @@ Platform::HRESULT QtSwapChain::Present1(std::uint32_t /*nSyncInterval*/, std::ui
         fnPresented();
     }
     return Platform::S_OK;
+}
+
+void QtSwapChain::ShowDrawn() {
+    m_rcPresented = std::exchange(m_pBuffers->rcChanged, QRect());
+    if (m_pBuffers->bFrameBegun) {
+        std::swap(m_pBuffers->front, m_pBuffers->back);
+        m_pBuffers->frontScript.Swap(m_pBuffers->backScript);
+        m_rcPresented = m_pBuffers->front.rect();
+    }
+    m_pBuffers->bFrameBegun = m_pBuffers->bFrameDrawn = false;
 }
 
 void QtSwapChain::SetMatrixTransform(const D2D_MATRIX_3X2_F& matrix) {

@@ -34,6 +34,9 @@ public:
     // The last frame that was presented; null before the first one.
     QImage FrontImage() const;
 
+    // What the last present changed of it.
+    const QRect& PresentedRect() const { return m_rcPresented; }
+
     // How many presents showed a frame on this chain.
     std::uint64_t PresentCount() const { return m_nPresents; }
 
@@ -44,11 +47,14 @@ public:
     std::function<void()> OnPresented;
 
 private:
+    void ShowDrawn();
+
     const std::shared_ptr<QtGraphicsState> m_pState;
     const std::shared_ptr<QtDeviceState> m_pDevice;
     const std::shared_ptr<QtSwapBuffers> m_pBuffers;
     Windows::Graphics::D2D_MATRIX_3X2_F m_matrix;
     std::uint64_t m_nPresents = 0;
+    QRect m_rcPresented;
 };
 
 }

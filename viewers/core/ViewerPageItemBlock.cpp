@@ -166,8 +166,8 @@ concurrency::priority ViewerPageItemBlock::HandOverPriority() const {
                : concurrency::priority::normal;
 }
 
-// The box gives its bitmap up: the engine's pixels go as soon as the device has
-// a copy of them.
+// The box gives its bitmap up to the device, which may draw from the engine's
+// pixels where they lie.
 void ViewerPageItemBlock::TakeOver(IPageItemHost& host, BitmapBox& box, bool bGood) {
     const std::shared_ptr<velko::common::Bitmap> pPixels = std::move(box.pBitmap);
     if (!bGood || !pPixels) {
@@ -181,7 +181,7 @@ void ViewerPageItemBlock::TakeOver(IPageItemHost& host, BitmapBox& box, bool bGo
     pSource->nCols = grid.nCols;
     pSource->nWidth = pPixels->GetWidth();
     pSource->nHeight = pPixels->GetHeight();
-    pSource->m_pD2DBitmap = MakeDeviceBitmap(host, *pPixels);
+    pSource->m_pD2DBitmap = MakeDeviceBitmap(host, pPixels);
     if (pSource->m_pD2DBitmap) {
         m_pBitmapSource = std::move(pSource);
         m_bIsStandIn = false;
@@ -189,16 +189,17 @@ void ViewerPageItemBlock::TakeOver(IPageItemHost& host, BitmapBox& box, bool bGo
 }
 
 std::shared_ptr<Windows::Graphics::ID2D1Bitmap> ViewerPageItemBlock::MakeDeviceBitmap(
-    const IPageItemHost& host, velko::common::Bitmap& bitmap) const {
+    const IPageItemHost& host, const std::shared_ptr<velko::common::Bitmap>& pPixels) const {
     const auto pCanvas = host.Canvas();
     const auto pContext = pCanvas ? pCanvas->CreateRenderDC()->m_pContext : nullptr;
     if (!pContext) {
         return nullptr;
     }
-    const auto nWidth = static_cast<std::uint32_t>(bitmap.GetWidth());
-    const auto nHeight = static_cast<std::uint32_t>(bitmap.GetHeight());
-    return pContext->CreateBitmap({nWidth, nHeight}, bitmap.GetBuffer(), nWidth * kBytesPerPixel,
-                                  Windows::Graphics::D2D1_BITMAP_PROPERTIES{});
+    const auto nWidth = static_cast<std::uint32_t>(pPixels->GetWidth());
+    const auto nHeight = static_cast<std::uint32_t>(pPixels->GetHeight());
+    return pContext->CreateSharedBitmap({nWidth, nHeight}, pPixels, pPixels->GetBuffer(),
+                                        nWidth * kBytesPerPixel,
+                                        Windows::Graphics::D2D1_BITMAP_PROPERTIES{});
 }
 
 }

@@ -73,7 +73,7 @@ private:
                                 bool bPaintWhenDone);
     void TakeOver(IPageItemHost& host, BitmapBox& box, bool bGood);
     std::shared_ptr<Windows::Graphics::ID2D1Bitmap> MakeDeviceBitmap(
-        const IPageItemHost& host, velko::common::Bitmap& bitmap) const;
+        const IPageItemHost& host, const std::shared_ptr<velko::common::Bitmap>& pPixels) const;
 
     const std::weak_ptr<IPageItemHost> m_wkHost;
     const Render_PageDavidBlock grid; // that the block was made for
