@@ -123,6 +123,10 @@ void RecordingContext::EndDraw() {
     m_pState->Require(CallWith(GraphicsCall::EndDraw), m_pDevice.get());
 }
 
+bool RecordingContext::Composes() const {
+    return m_pState->bComposes && KeepsUpright(m_matrix);
+}
+
 void RecordingContext::RequireFrame() const {
     if (!m_bDrawing) {
         throw Platform::Exception(D2DERR_WRONG_STATE, "drawing outside of a frame");
@@ -134,7 +138,9 @@ void RecordingContext::Clear(const D2D_COLOR_F& color) {
     RecordedCall call = CallWith(GraphicsCall::Clear);
     call.color = color;
     m_pState->Record(call);
-    m_pTarget->Canvas().Clear(color);
+    if (m_pState->bComposes) {
+        m_pTarget->Canvas().Clear(color);
+    }
 }
 
 void RecordingContext::SetTransform(const D2D_MATRIX_3X2_F& matrix) {
@@ -158,7 +164,7 @@ void RecordingContext::DrawBitmap(const std::shared_ptr<ID2D1Bitmap>& pBitmap,
     call.rcSource = rcSource;
     call.bAlive = pSource && pSource->IsDeviceAlive();
     m_pState->Record(call);
-    if (!call.bAlive || !KeepsUpright(m_matrix)) {
+    if (!call.bAlive || !Composes()) {
         return;
     }
     const auto rcClipped = ClippedToBitmap(rcSource, pSource->GetPixelSize());
@@ -184,7 +190,7 @@ void RecordingContext::RecordRectangle(GraphicsCall eCall, const D2D_RECT_F& rc,
 
 void RecordingContext::FillRectangle(const D2D_RECT_F& rc, const Brush& pBrush) {
     RecordRectangle(GraphicsCall::FillRectangle, rc, pBrush, 0.0F);
-    if (pBrush && KeepsUpright(m_matrix)) {
+    if (pBrush && Composes()) {
         m_pTarget->Canvas().Fill(FilledPixelsOf(Transformed(rc, m_matrix)), pBrush->GetColor(),
                                  pBrush->GetOpacity());
     }
@@ -193,7 +199,7 @@ void RecordingContext::FillRectangle(const D2D_RECT_F& rc, const Brush& pBrush) 
 void RecordingContext::DrawRectangle(const D2D_RECT_F& rc, const Brush& pBrush,
                                      float fStrokeWidth) {
     RecordRectangle(GraphicsCall::DrawRectangle, rc, pBrush, fStrokeWidth);
-    if (!pBrush || !KeepsUpright(m_matrix)) {
+    if (!pBrush || !Composes()) {
         return;
     }
     for (const PixelRect& side :

@@ -55,6 +55,7 @@ public:
 
 private:
     void RequireFrame() const;
+    bool Composes() const;
     void RecordRectangle(GraphicsCall eCall, const Windows::Graphics::D2D_RECT_F& rc,
                          const Brush& pBrush, float fStrokeWidth);
 

@@ -331,6 +331,10 @@ std::int64_t RecordingGraphicsFactory::LiveSwapChains() const {
     return m_pState->nLiveSwapChains;
 }
 
+void RecordingGraphicsFactory::ComposePixels(bool bCompose) {
+    m_pState->bComposes = bCompose;
+}
+
 void RecordingGraphicsFactory::HasHardware(bool bHas) {
     m_pState->bHasHardware = bHas;
 }

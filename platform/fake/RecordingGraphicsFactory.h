@@ -51,6 +51,9 @@ public:
     std::int64_t LiveDevices() const;
     std::int64_t LiveSwapChains() const;
 
+    // Without it frames stay blank, which makes large ones cheap; on at the start.
+    void ComposePixels(bool bCompose);
+
     // --- faults ---
     // Whether there is a hardware device; true at the start.
     void HasHardware(bool bHas);

@@ -52,6 +52,7 @@ public:
     std::vector<Fault> faults;
     std::uint32_t nFaultsHappened = 0;
     bool bHasHardware = true;
+    bool bComposes = true;
     std::int64_t nLiveBitmaps = 0;
     std::int64_t nLiveBitmapBytes = 0;
     std::int64_t nLiveDevices = 0;

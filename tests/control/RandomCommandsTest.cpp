@@ -1,0 +1,413 @@
+// Commands, gestures, wheels, resizes and a host that misbehaves, in any order:
+// what holds whatever came before.
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <random>
+#include <stdexcept>
+
+#include "platform/ui/SwapChainPanel.h"
+#include "tests/control/ControlFixture.h"
+#include "tests/support/scripted_engine/ScriptedDestination.h"
+#include "viewers/core/ViewerInspection.h"
+
+namespace velko::testing {
+namespace {
+
+using namespace std::chrono_literals;
+namespace Input = Windows::UI::Xaml::Input;
+using Windows::Foundation::Point;
+using Pages = std::vector<std::int32_t>;
+
+class HostsOwnFailure : public std::runtime_error {
+public:
+    HostsOwnFailure() : std::runtime_error("the host's handler fails") {}
+};
+
+struct Setting {
+    unsigned nSeed;
+    const char* szFamily;
+    float fScale;
+    int nPages;
+    bool bEvilHost;
+};
+
+std::vector<ScriptedPage> MixedPages(std::mt19937& random, int nPages) {
+    std::vector<ScriptedPage> pages;
+    for (int n = 0; n < nPages; ++n) {
+        pages.push_back(MakePage(40.0F + static_cast<float>(random() % 900),
+                                 30.0F + static_cast<float>(random() % 1200),
+                                 static_cast<std::int32_t>(random() % 4)));
+        pages.back().ePaper = ScriptedPage::Paper::None;
+    }
+    return pages;
+}
+
+class RandomCommandsTest : public ControlFixture, public ::testing::WithParamInterface<Setting> {
+protected:
+    RandomCommandsTest() : random(GetParam().nSeed) {
+        pEngine = std::make_shared<ScriptedEngine>(MixedPages(random, GetParam().nPages));
+        pReplaced = std::make_unique<ScriptedEngine::Registration>(pEngine);
+        host.Environment().SetDeviceFamily(GetParam().szFamily);
+        pGraphics->ComposePixels(false);
+        Show(480.0F, 360.0F);
+        Panel().CompositionScale(GetParam().fScale, GetParam().fScale);
+        Open();
+        Watch();
+    }
+
+    Windows::UI::Xaml::Controls::SwapChainPanel& Panel() {
+        return *pControl->ViewControl()->CanvasPanel();
+    }
+    int Below(int nLimit) { return static_cast<int>(random() % static_cast<unsigned>(nLimit)); }
+    float Coordinate() { return static_cast<float>(Below(5000) - 500) / 3.0F; }
+    Point AnyPoint() { return {Coordinate(), Coordinate()}; }
+    int AnyPage() { return Below(GetParam().nPages + 2) - 1; }
+
+    // --- what the host hears ---
+
+    // Pages go before pages come, and the record that closes tells of both.
+    void Watch() {
+        pControl->PageInvisibleEvent.add([this](const auto&, const auto& pArgs) {
+            EXPECT_TRUE(shown.empty() || GetParam().bEvilHost) << "a page goes after one came";
+            gone.push_back(pArgs->PageIndex);
+            MayMisbehave();
+        });
+        pControl->PageVisibleEvent.add([this](const auto&, const auto& pArgs) {
+            shown.push_back(pArgs->PageIndex);
+            MayMisbehave();
+        });
+        pControl->PageChangedEvent.add([this](const auto&, const auto& pArgs) {
+            Pages expectedGone = Missing(pArgs->OldVisiblePages, pArgs->NewVisiblePages);
+            Pages expectedShown = Missing(pArgs->NewVisiblePages, pArgs->OldVisiblePages);
+            if (!GetParam().bEvilHost) { // frames within frames are the host's own doing
+                EXPECT_EQ(gone, expectedGone);
+                EXPECT_EQ(shown, expectedShown);
+            }
+            gone.clear();
+            shown.clear();
+            ++nFrames;
+            MayMisbehave();
+        });
+        pControl->RenderCanvasEvent.add([this](const auto&, const auto&) { MayMisbehave(); });
+        pControl->PageLoadedEvent.add([this](const auto&, const auto&) { MayMisbehave(); });
+        pControl->PageUnloadedEvent.add([this](const auto&, const auto&) { MayMisbehave(); });
+        pControl->CloseDocEvent.add([this](const auto&, const auto&) { MayMisbehave(); });
+    }
+    // In the order of `pages`, those that `others` lacks.
+    static Pages Missing(const Pages& pages, const Pages& others) {
+        Pages missing;
+        std::copy_if(pages.begin(), pages.end(), std::back_inserter(missing), [&](auto nPage) {
+            return std::find(others.begin(), others.end(), nPage) == others.end();
+        });
+        return missing;
+    }
+    void MayMisbehave() {
+        if (!GetParam().bEvilHost || nDepth > 2 || Below(12) != 0) {
+            return;
+        }
+        ++nMisdeeds;
+        if (Below(3) == 0) {
+            gone.clear();
+            shown.clear();
+            throw HostsOwnFailure();
+        }
+        ++nDepth;
+        Act();
+        --nDepth;
+    }
+
+    // --- what the reader and the host do ---
+
+    void Act() {
+        using Action = void (RandomCommandsTest::*)();
+        static constexpr std::array<Action, 16> kActions = {
+            &RandomCommandsTest::Move,    &RandomCommandsTest::Move,
+            &RandomCommandsTest::Pan,     &RandomCommandsTest::Pan,
+            &RandomCommandsTest::Pinch,   &RandomCommandsTest::Pinch,
+            &RandomCommandsTest::Wheel,   &RandomCommandsTest::Wheel,
+            &RandomCommandsTest::Goto,    &RandomCommandsTest::Zoom,
+            &RandomCommandsTest::Resize,  &RandomCommandsTest::Look,
+            &RandomCommandsTest::Rework,  &RandomCommandsTest::ChangeMode,
+            &RandomCommandsTest::Convert, &RandomCommandsTest::Reopen,
+        };
+        (this->*kActions[random() % kActions.size()])();
+    }
+    void Move() { pControl->MoveScreen(Coordinate(), Coordinate() / 4); }
+    void Start(Point pt) {
+        Input::ManipulationStartedRoutedEventArgs args;
+        args.Position = pt;
+        Panel().ManipulationStarted.raise(args);
+    }
+    void Delta(Point pt, float fScale, float fCumulative, bool bInertial) {
+        Input::ManipulationDeltaRoutedEventArgs args;
+        args.Position = pt;
+        args.Delta.Scale = fScale;
+        args.Cumulative.Scale = fCumulative;
+        args.IsInertial = bInertial;
+        Panel().ManipulationDelta.raise(args);
+    }
+    void Complete(Point pt, float fCumulative) {
+        Input::ManipulationCompletedRoutedEventArgs args;
+        args.Position = pt;
+        args.Cumulative.Scale = fCumulative;
+        Panel().ManipulationCompleted.raise(args);
+    }
+    void Pan() {
+        Point pt = AnyPoint();
+        Start(pt);
+        const Point ptStep = {Coordinate() / 10, Coordinate() / 10};
+        for (int n = Below(12); n > 0; --n) {
+            pt = {pt.X + ptStep.X, pt.Y + ptStep.Y};
+            Delta(pt, 1.0F, 1.0F, n < 3);
+            MayRun();
+        }
+        Complete(pt, 1.0F);
+    }
+    // Without an engine call, and with no stand-in left once it has ended.
+    void Pinch() {
+        const Point pt = AnyPoint();
+        Start(pt);
+        float fCumulative = 1.0F;
+        const float fStep = Below(2) == 0 ? 1.1F : 0.93F;
+        if (nDepth == 0) {
+            host.Drain();
+        }
+        const auto nRenders = pEngine->Count(EngineOp::StartRender);
+        for (int n = Below(10); n > 0; --n) {
+            fCumulative *= fStep;
+            Delta({pt.X + Coordinate() / 50, pt.Y}, fStep, fCumulative, false);
+        }
+        if (!GetParam().bEvilHost) {
+            host.Drain();
+            EXPECT_EQ(pEngine->Count(EngineOp::StartRender), nRenders);
+        }
+        Complete(pt, fCumulative);
+    }
+    void Wheel() {
+        host.Environment().SetControlKeyDown(Below(3) == 0);
+        Input::PointerRoutedEventArgs args;
+        args.Position = AnyPoint();
+        args.MouseWheelDelta = (Below(7) - 3) * 120;
+        args.IsHorizontalMouseWheel = Below(5) == 0;
+        Panel().PointerWheelChanged.raise(args);
+        host.Clock().Advance(std::chrono::milliseconds(Below(400)));
+    }
+    void Goto() {
+        switch (Below(7)) {
+            case 0:
+                pControl->GotoFirstPage();
+                break;
+            case 1:
+                pControl->GotoLastPage();
+                break;
+            case 2:
+                pControl->GotoPrevPage();
+                break;
+            case 3:
+                pControl->GotoNextPage();
+                break;
+            case 4:
+                pControl->GotoExactlyPage(AnyPage(), AnyPoint());
+                break;
+            case 5:
+                GotoDestination();
+                break;
+            default:
+                pControl->GotoPage(AnyPage());
+        }
+    }
+    void GotoDestination() {
+        const auto pDestination = std::make_shared<ScriptedDestination>();
+        pDestination->nPageIndex = AnyPage();
+        pDestination->nZoomMode = Below(10);
+        pDestination->fLeft = Coordinate();
+        pDestination->fTop = Coordinate();
+        pDestination->fRight = Below(2) == 0 ? 0.0F : Coordinate();
+        pDestination->fBottom = Coordinate();
+        pControl->GotoDestination(std::make_shared<ScriptedAction>(pDestination));
+    }
+    void Zoom() {
+        switch (Below(4)) {
+            case 0:
+                pControl->SetScale(static_cast<float>(Below(80)) / 10);
+                break;
+            case 1:
+                pControl->SetZoomMode(Below(5));
+                break;
+            case 2:
+                pControl->RotateViewer(Below(9) - 4);
+                break;
+            default:
+                pControl->ZoomAtPoint(AnyPoint(), 0.1 + Below(80) / 10.0, false, Below(2) == 0);
+        }
+    }
+    void Resize() {
+        static constexpr std::array<std::array<float, 2>, 6> kSizes = {
+            {{1, 1}, {0, 0}, {333, 217}, {400, 400}, {480, 360}, {360, 480}}};
+        const auto& size = kSizes[random() % kSizes.size()];
+        if (Below(8) == 0) { // for a moment only: its blocks are large
+            pControl->Arrange(Below(2) == 0 ? Windows::Foundation::Size{4000, 3000}
+                                            : Windows::Foundation::Size{1920, 1080});
+            Pan();
+        }
+        pControl->Arrange({size[0], size[1]});
+    }
+    void Look() {
+        pControl->GetVisiblePages();
+        pControl->GetCurrentPageIndex();
+        if (pControl->GetPDFDoc()) {
+            Windows::Foundation::Collections::PropertySet values;
+            pControl->SaveViewState(values);
+        }
+        MayRun();
+    }
+    void Rework() {
+        switch (Below(5)) {
+            case 0:
+                pControl->RedrawScreen();
+                break;
+            case 1:
+                pControl->NightMode(Below(2) == 0);
+                break;
+            case 2:
+                pControl->UpdatePageAfterAnnotEdit(AnyPage());
+                break;
+            case 3:
+                pControl->CancelRender();
+                break;
+            default:
+                pControl->UpdateViewer();
+        }
+    }
+    void ChangeMode() { pControl->SetPageLayoutMode(1 + Below(2)); }
+    void Convert() {
+        const Point pt = AnyPoint();
+        pControl->DevicePointToPagePoint(pt);
+        pControl->PagePointToDevicePoint(AnyPage(), pt);
+        pControl->GetPageRectAtPoint(pt, AnyPage());
+        pControl->GetDisplayMatrix(AnyPage(), 0);
+    }
+    void Reopen() {
+        if (Below(4) == 0) {
+            pControl->CloseDocument();
+        } else if (!pControl->GetPDFDoc() || Below(6) == 0) {
+            opening = pControl->OpenPdfDocument(File(), "");
+        }
+    }
+    void MayRun() {
+        for (int n = nDepth == 0 ? Below(30) : 0; n > 0; --n) {
+            host.Dispatcher().RunOne();
+            if (Below(2) == 0) {
+                host.Pool().RunOne();
+            }
+        }
+    }
+
+    // --- what holds after each step ---
+
+    void Check() {
+        const auto pViewer = pControl->PageViewMgr()->GetViewer();
+        const auto pInspection = std::dynamic_pointer_cast<vkit::IViewerInspection>(pViewer);
+        if (!pInspection || !pControl->GetPDFDoc()) {
+            return;
+        }
+        const vkit::ViewerState state = pInspection->Inspect();
+        for (std::size_t n = 1; n < state.items.size(); ++n) {
+            EXPECT_EQ(state.items[n].nPageIndex, state.items[n - 1].nPageIndex + 1);
+        }
+        if (pControl->GetPageLayoutMode() == 2) {
+            EXPECT_LE(state.items.size(), 2U);
+        }
+        for (const auto& item : state.items) {
+            EXPECT_GE(item.nPageIndex, 0);
+            EXPECT_LT(item.nPageIndex, GetParam().nPages);
+            EXPECT_TRUE(std::isfinite(item.screenRect.dbOffsetX + item.screenRect.dbOffsetY));
+        }
+        EXPECT_GE(pControl->GetCurrentPageIndex(), 0);
+        EXPECT_LT(pControl->GetCurrentPageIndex(), GetParam().nPages);
+        EXPECT_LE(pControl->GetScale(), pControl->GetMaxScale());
+    }
+
+    // The reader's last wish is met: all that shows is sharp, and nothing else
+    // is kept.
+    void CheckAtRest() {
+        if (!pControl->GetPDFDoc()) {
+            Open();
+        }
+        pControl->Arrange({480, 360});
+        pControl->SetPageLayoutMode(1);
+        pControl->ZoomAtPoint({100, 100}, 1.0, false, true);
+        host.Clock().Advance(1s);
+        host.Drain();
+        const auto state =
+            std::dynamic_pointer_cast<vkit::IViewerInspection>(pControl->PageViewMgr()->GetViewer())
+                ->Inspect();
+        EXPECT_FALSE(state.items.empty());
+        EXPECT_EQ(state.nScaleCacheEntries, 0U);
+        EXPECT_FALSE(state.bShowScaleSnapshot);
+        std::int64_t nHeld = 0;
+        for (const auto& item : state.items) {
+            for (const auto& block : item.blocks) {
+                EXPECT_TRUE(block.bHasBitmap || !block.bIsDisplay);
+                EXPECT_FALSE(block.bIsRendering);
+                nHeld += block.bHasBitmap ? 1 : 0;
+            }
+        }
+        EXPECT_EQ(pGraphics->LiveBitmaps(), nHeld);
+        EXPECT_EQ(pEngine->LiveBitmaps(), 0);
+    }
+
+    std::mt19937 random;
+    std::unique_ptr<ScriptedEngine::Registration> pReplaced;
+    std::optional<concurrency::task<ErrorCode>> opening;
+    Pages gone;
+    Pages shown;
+    int nFrames = 0;
+    int nMisdeeds = 0;
+    int nDepth = 0;
+};
+
+TEST_P(RandomCommandsTest, HoldAfterAnySequence) {
+    constexpr int kSteps = 420;
+    for (int nStep = 0; nStep < kSteps; ++nStep) {
+        try {
+            Act();
+            MayRun();
+        } catch (const HostsOwnFailure&) {
+            nDepth = 0;
+        }
+        Check();
+        pGraphics->ClearCalls();
+        ASSERT_FALSE(HasFailure()) << "step " << nStep;
+    }
+    EXPECT_GT(nFrames, kSteps / 8);
+    EXPECT_EQ(nMisdeeds > 0, GetParam().bEvilHost);
+    nDepth = 99; // the host behaves from here on
+    CheckAtRest();
+    EXPECT_FALSE(host.DebugContains("unobserved") && !GetParam().bEvilHost);
+}
+
+std::vector<Setting> Settings() {
+    constexpr std::array<const char*, 3> kFamilies = {"Windows.Desktop", "Windows.Mobile",
+                                                      "Windows.Holographic"};
+    constexpr std::array<float, 4> kScales = {1.0F, 1.25F, 1.5F, 2.0F};
+    constexpr std::array<int, 4> kPages = {1, 2, 3, 500};
+    std::vector<Setting> settings;
+    for (unsigned n = 0; n < 24; ++n) {
+        settings.push_back(
+            {n + 1, kFamilies[n % 3], kScales[n / 3 % 4], kPages[(n + n / 4) % 4], n % 4 == 3});
+    }
+    return settings;
+}
+INSTANTIATE_TEST_SUITE_P(Settings, RandomCommandsTest, ::testing::ValuesIn(Settings()),
+                         [](const auto& info) {
+                             return std::string(info.param.szFamily).substr(8) +
+                                    std::to_string(info.param.nPages) +
+                                    (info.param.bEvilHost ? "Evil" : "") + "Seed" +
+                                    std::to_string(info.param.nSeed);
+                         });
+
+}
+}
