@@ -257,7 +257,7 @@ protected:
     void Look() {
         pControl->GetVisiblePages();
         pControl->GetCurrentPageIndex();
-        if (pControl->GetPDFDoc()) {
+        if (pControl->GetPageCount() > 0) {
             Windows::Foundation::Collections::PropertySet values;
             pControl->SaveViewState(values);
         }
