@@ -166,6 +166,26 @@ private:
     std::shared_ptr<context> m_pContext;
 };
 
+// As `settled_awaiter`, but always through the context's queue.
+class in_turn_awaiter {
+public:
+    in_turn_awaiter(std::shared_ptr<state_base> pState, std::shared_ptr<context> pContext)
+        : m_pState(std::move(pState)), m_pContext(std::move(pContext)) {}
+    bool await_ready() const { return false; }
+    void await_suspend(std::coroutine_handle<> handle) {
+        const std::shared_ptr<state_base> pState = m_pState;
+        const std::shared_ptr<context> pContext = m_pContext;
+        if (!suspend_until_done(*pState, handle, pContext)) {
+            pContext->post(priority::normal, work(resumer(handle)));
+        }
+    }
+    void await_resume() const {}
+
+private:
+    std::shared_ptr<state_base> m_pState;
+    std::shared_ptr<context> m_pContext;
+};
+
 template <class T>
 class promise_base {
 public:
@@ -280,6 +300,13 @@ public:
     // Waits without raising; look at the outcome afterwards.
     detail::settled_awaiter settled() const {
         return detail::settled_awaiter(m_pState, context::current());
+    }
+
+    // The same, but a task that has ended already does not let the coroutine
+    // go on at once: those that wait for tasks which end one after the other
+    // resume in that order. Only on a thread with a context.
+    detail::in_turn_awaiter settled_in_turn() const {
+        return detail::in_turn_awaiter(m_pState, context::current());
     }
 
     // Waits without raising and goes on on the thread that ended the task.

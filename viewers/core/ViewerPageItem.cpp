@@ -196,6 +196,7 @@ task<void> ViewerPageItem::LoadThenRender(std::shared_ptr<IPageItemHost> pHost, 
             co_return;
         }
         const auto load = pDocument->LoadPageAsync(nPageIndex, token);
+        co_await load.settled_in_turn(); // pages start their blocks from the top down
         co_await load;
         token.throw_if_canceled();
         const task<void> renders = StartBlocks(eWalk, bPaintWhenDone, token);
