@@ -13,18 +13,18 @@
 
 #include "bench/ControlUnderTest.h"
 #include "bench/Corpus.h"
-#include "bench/HeapCount.h"
 #include "control/PDFViewCtrl.h"
 #include "control/PDFViewerManager.h"
+#include "platform/fake/HeapCount.h"
 #include "platform/qt/QtElementWindow.h"
 #include "viewers/core/IPDFViewer.h"
 #include "viewers/core/ViewerInspection.h"
 
 namespace {
 
+using Platform::Fake::HeapAllocations;
 using velko::bench::ControlUnderTest;
 using velko::bench::CorpusFile;
-using velko::bench::HeapAllocations;
 
 // Sharp, and at rest, in the middle of the second page.
 void Prepare(ControlUnderTest& control) {

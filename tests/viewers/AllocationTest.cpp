@@ -1,42 +1,6 @@
 // What a layout step allocates: nothing for a block, whatever their number.
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
+#include "platform/fake/HeapCount.h"
 #include "tests/viewers/ViewerFixture.h"
-
-namespace {
-
-std::atomic<std::size_t> g_nAllocations{0};
-
-void* Allocate(std::size_t nSize) {
-    g_nAllocations.fetch_add(1, std::memory_order_relaxed);
-    if (void* pMemory = std::malloc(nSize == 0 ? 1 : nSize)) {
-        return pMemory;
-    }
-    throw std::bad_alloc();
-}
-
-}
-
-void* operator new(std::size_t nSize) {
-    return Allocate(nSize);
-}
-void* operator new[](std::size_t nSize) {
-    return Allocate(nSize);
-}
-void operator delete(void* pMemory) noexcept {
-    std::free(pMemory);
-}
-void operator delete[](void* pMemory) noexcept {
-    std::free(pMemory);
-}
-void operator delete(void* pMemory, std::size_t) noexcept {
-    std::free(pMemory);
-}
-void operator delete[](void* pMemory, std::size_t) noexcept {
-    std::free(pMemory);
-}
 
 namespace velko::testing {
 
@@ -53,9 +17,9 @@ std::size_t AllocationsOfAMove(int nBlocksAcross) {
     EXPECT_EQ(w.ItemOf(0).blocks.size(), static_cast<std::size_t>(nBlocksAcross * nBlocksAcross));
     w.Viewer().MoveScreen(20, 20);
     w.Settle();
-    const std::size_t nBefore = g_nAllocations;
+    const auto nBefore = Platform::Fake::HeapAllocations();
     w.Viewer().MoveScreen(2, 2);
-    const std::size_t nUsed = g_nAllocations - nBefore;
+    const auto nUsed = static_cast<std::size_t>(Platform::Fake::HeapAllocations() - nBefore);
     EXPECT_EQ(w.Laid().front(),
               (Place{0, -22, -22, static_cast<int>(fSide), static_cast<int>(fSide)}));
     return nUsed;

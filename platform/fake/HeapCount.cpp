@@ -1,4 +1,4 @@
-#include "bench/HeapCount.h"
+#include "platform/fake/HeapCount.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -37,7 +37,7 @@ void operator delete[](void* pMemory, std::size_t) noexcept {
     std::free(pMemory);
 }
 
-namespace velko::bench {
+namespace Platform::Fake {
 
 std::uint64_t HeapAllocations() {
     return g_nAllocations.load(std::memory_order_relaxed);
