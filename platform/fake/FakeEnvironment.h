@@ -24,6 +24,7 @@ public:
     bool DesignModeEnabled() const override { return m_bDesignMode; }
     std::shared_ptr<Windows::UI::Core::CoreDispatcher> MainDispatcher() const override;
     std::shared_ptr<Windows::UI::Xaml::DispatcherTimer> CreateTimer() override;
+    std::chrono::nanoseconds MonotonicTime() const override { return m_pClock->Now(); }
     Windows::Foundation::Rect WindowBounds() const override { return m_rcWindow; }
     // Raises `NullReferenceException` until a test has set one.
     std::shared_ptr<Windows::Graphics::IGraphicsFactory> GraphicsFactory() override;

@@ -1,12 +1,8 @@
 #include "platform/qt/QtElementWindow.h"
 
-#include <QGuiApplication>
-#include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
-#include <QStyleHints>
-#include <QTouchEvent>
-#include <QWheelEvent>
+#include <QPointer>
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -17,16 +13,11 @@
 namespace Platform::Qt {
 
 namespace Xaml = Windows::UI::Xaml;
-namespace Input = Windows::UI::Xaml::Input;
-using Windows::Foundation::Point;
 using Windows::Foundation::Size;
 
 namespace {
 
-constexpr int kNotch = 120;
 constexpr int kBusyMarkMargin = 8;
-constexpr std::uint32_t kMousePointer = 1;
-constexpr std::uint32_t kFirstTouchPointer = 2;
 const QColor kAroundPages(224, 224, 224); // what a frame is cleared to
 
 std::shared_ptr<Xaml::Controls::SwapChainPanel> FindPanel(
@@ -65,16 +56,6 @@ std::shared_ptr<Xaml::FrameworkElement> WithTemplate(
 
 }
 
-int QtElementWindow::Notches::Take(int nDelta) {
-    if ((nDelta < 0) != (nRest < 0)) {
-        nRest = 0;
-    }
-    nRest += nDelta;
-    const int nWhole = nRest / kNotch * kNotch;
-    nRest -= nWhole;
-    return nWhole;
-}
-
 QtElementWindow::QtElementWindow(std::shared_ptr<QtEnvironment> pEnvironment,
                                  std::shared_ptr<Xaml::FrameworkElement> pRoot, QWidget* pParent)
     : QWidget(pParent),
@@ -87,11 +68,9 @@ QtElementWindow::QtElementWindow(std::shared_ptr<QtEnvironment> pEnvironment,
     }
     setAttribute(::Qt::WA_OpaquePaintEvent);
     setAttribute(::Qt::WA_NoSystemBackground);
-    setAttribute(::Qt::WA_AcceptTouchEvents);
-    setMouseTracking(true);
     setFocusPolicy(::Qt::StrongFocus);
-    m_pTracker = std::make_unique<ManipulationTracker>(
-        m_pPanel, static_cast<float>(QGuiApplication::styleHints()->startDragDistance()));
+    m_pInput = std::make_unique<QtPanelInput>(*this, m_pEnvironment, m_pPanel);
+    m_pInput->Recogniser().OnFailure([this](const auto& pFailure) { Report(pFailure); });
     const auto token = m_pPanel->SwapChainChanged.add([this] { WatchSwapChain(); });
     m_unsubscribe.emplace_back([this, token] { m_pPanel->SwapChainChanged.remove(token); });
     WatchSwapChain();
@@ -101,7 +80,7 @@ QtElementWindow::QtElementWindow(std::shared_ptr<QtEnvironment> pEnvironment,
 }
 
 QtElementWindow::~QtElementWindow() {
-    LosePointers();
+    m_pInput->Recogniser().Close();
     for (const auto& fnUnsubscribe : m_unsubscribe) {
         fnUnsubscribe();
     }
@@ -112,25 +91,41 @@ QtElementWindow::~QtElementWindow() {
 }
 
 void QtElementWindow::Guard(const std::function<void()>& fnBody) {
-    if (!OnFailure) {
-        QtDispatcher::RunGuarded("a handler of the window", fnBody);
-        return;
-    }
+    const QPointer<QtElementWindow> pThis(this);
     try {
         fnBody();
     } catch (...) {
-        OnFailure(std::current_exception());
+        if (pThis) {
+            Report(std::current_exception());
+        }
     }
 }
 
+void QtElementWindow::Report(const std::exception_ptr& pFailure) {
+    if (const auto fnReport = OnFailure) {
+        fnReport(pFailure);
+        return;
+    }
+    QtDispatcher::RunGuarded("a handler of the window", [&] { std::rethrow_exception(pFailure); });
+}
+
 // --- sizes -----------------------------------------------------------------
+
+Size QtElementWindow::LogicalSize() const {
+    if (m_fixedSize) {
+        return *m_fixedSize;
+    }
+    const double dbRatio = devicePixelRatioF();
+    return {
+        static_cast<float>(std::lround(width() * dbRatio)) / m_pEnvironment->CompositionScaleX(),
+        static_cast<float>(std::lround(height() * dbRatio)) / m_pEnvironment->CompositionScaleY()};
+}
 
 void QtElementWindow::Arrange() {
     const double dbRatio = devicePixelRatioF();
     const float fScaleX = m_pEnvironment->CompositionScaleX();
     const float fScaleY = m_pEnvironment->CompositionScaleY();
-    const Size size{static_cast<float>(std::lround(width() * dbRatio)) / fScaleX,
-                    static_cast<float>(std::lround(height() * dbRatio)) / fScaleY};
+    const Size size = LogicalSize();
     const bool bSameSize =
         size.Width == m_pRoot->ActualWidth() && size.Height == m_pRoot->ActualHeight();
     const bool bSameScale =
@@ -139,23 +134,28 @@ void QtElementWindow::Arrange() {
     if (bSameSize && bSameScale && dbRatio == dbRatioBefore) {
         return;
     }
+    const QPointer<QtElementWindow> pThis(this); // a handler may take it away
     if (OnBeforeArrange) {
         Guard(OnBeforeArrange);
     }
-    m_pEnvironment->SetDevicePixelRatio(dbRatio);
-    ArrangeTree(size, fScaleX, fScaleY);
-    if (bSameSize && dbRatioBefore != 0.0) {
-        Guard([this] { RaiseSizeChanged(m_pRoot); });
+    if (pThis) {
+        m_pEnvironment->SetDevicePixelRatio(dbRatio);
+        ArrangeTree(size, fScaleX, fScaleY);
     }
-    if (OnAfterArrange) {
+    if (pThis && bSameSize && dbRatioBefore != 0.0) {
+        Guard([pRoot = m_pRoot] { RaiseSizeChanged(pRoot); });
+    }
+    if (pThis && OnAfterArrange) {
         Guard(OnAfterArrange);
     }
 }
 
 void QtElementWindow::ArrangeTree(Size size, float fScaleX, float fScaleY) {
-    Guard([&] { m_pEnvironment->SetWindowSize(size); });
-    Guard([&] { m_pPanel->ArrangeAtScale(size, fScaleX, fScaleY); });
-    Guard([&] { m_pRoot->Arrange(size); });
+    const auto pEnvironment = m_pEnvironment;
+    pEnvironment->TakeWindowSize(size);
+    m_pInput->FollowScreen();
+    Guard([&] { m_pPanel->ArrangeAtScale(*m_pRoot, size, fScaleX, fScaleY); });
+    Guard([&] { pEnvironment->TellWindowSize(); });
 }
 
 void QtElementWindow::resizeEvent(QResizeEvent* /*pEvent*/) {
@@ -165,10 +165,6 @@ void QtElementWindow::resizeEvent(QResizeEvent* /*pEvent*/) {
 
 void QtElementWindow::showEvent(QShowEvent* /*pEvent*/) {
     Arrange(); // the screen may be another one than when it was hidden
-}
-
-void QtElementWindow::hideEvent(QHideEvent* /*pEvent*/) {
-    LosePointers();
 }
 
 // --- picture ---------------------------------------------------------------
@@ -267,161 +263,18 @@ void QtElementWindow::UpdateBusyMark() {
 
 // --- input -----------------------------------------------------------------
 
-Point QtElementWindow::ToElement(QPointF pt) const {
-    const double dbRatio = devicePixelRatioF();
-    return {static_cast<float>(pt.x() * dbRatio / m_pPanel->CompositionScaleX()),
-            static_cast<float>(pt.y() * dbRatio / m_pPanel->CompositionScaleY())};
-}
-
-void QtElementWindow::RaisePointer(
-    Windows::Foundation::Event<Input::PointerRoutedEventArgs&>& event, QPointF pt) {
-    Input::PointerRoutedEventArgs args;
-    args.PointerId = kMousePointer;
-    args.Position = ToElement(pt);
-    Guard([&] { event.raise(args); });
-}
-
 bool QtElementWindow::event(QEvent* pEvent) {
-    switch (pEvent->type()) {
-        case QEvent::TouchBegin:
-        case QEvent::TouchUpdate:
-        case QEvent::TouchEnd:
-            HandleTouch(*static_cast<QTouchEvent*>(pEvent));
+    if (m_pInput) { // Qt sends some events while this is made
+        const QPointer<QtElementWindow> pThis(this);
+        if (m_pInput->Handle(*pEvent) || !pThis) {
             return true;
-        case QEvent::TouchCancel:
-            LosePointers();
-            return true;
-        case QEvent::UngrabMouse:
-        case QEvent::WindowDeactivate:
-        case QEvent::WindowBlocked:
-        case QEvent::EnabledChange:
-            LosePointers();
-            break;
-        case QEvent::ScreenChangeInternal:
-            Arrange();
-            break;
-        default:
-            break;
+        }
+    }
+    if (pEvent->type() == QEvent::ScreenChangeInternal) {
+        Arrange();
+        m_pInput->FollowScreen();
     }
     return QWidget::event(pEvent);
-}
-
-void QtElementWindow::LosePointers() {
-    if (std::exchange(m_bMouseDown, false)) {
-        RaisePointer(m_pPanel->PointerCaptureLost, mapFromGlobal(QCursor::pos()));
-    }
-    Guard([this] { m_pTracker->Cancel(); });
-}
-
-void QtElementWindow::mousePressEvent(QMouseEvent* pEvent) {
-    RaisePointer(m_pPanel->PointerPressed, pEvent->position());
-    if (pEvent->button() == ::Qt::LeftButton) {
-        m_bMouseDown = true;
-        Guard([&] {
-            m_pTracker->Update(Input::PointerDeviceType::Mouse, {ToElement(pEvent->position())});
-        });
-    }
-}
-
-void QtElementWindow::mouseMoveEvent(QMouseEvent* pEvent) {
-    RaisePointer(m_pPanel->PointerMoved, pEvent->position());
-    if (!m_bMouseDown) {
-        return;
-    }
-    if (!pEvent->buttons().testFlag(::Qt::LeftButton)) {
-        LosePointers(); // the release went elsewhere
-        return;
-    }
-    Guard([&] {
-        m_pTracker->Update(Input::PointerDeviceType::Mouse, {ToElement(pEvent->position())});
-    });
-}
-
-void QtElementWindow::mouseReleaseEvent(QMouseEvent* pEvent) {
-    RaisePointer(m_pPanel->PointerReleased, pEvent->position());
-    if (pEvent->button() == ::Qt::LeftButton && std::exchange(m_bMouseDown, false)) {
-        Guard([&] { m_pTracker->Update(Input::PointerDeviceType::Mouse, {}); });
-    }
-}
-
-void QtElementWindow::enterEvent(QEnterEvent* pEvent) {
-    RaisePointer(m_pPanel->PointerEntered, pEvent->position());
-}
-
-void QtElementWindow::leaveEvent(QEvent* /*pEvent*/) {
-    RaisePointer(m_pPanel->PointerExited, mapFromGlobal(QCursor::pos()));
-}
-
-void QtElementWindow::HandleTouchPoint(const QEventPoint& point) {
-    Input::PointerRoutedEventArgs args;
-    args.PointerId = kFirstTouchPointer + static_cast<std::uint32_t>(point.id());
-    args.Position = ToElement(point.position());
-    args.PointerDeviceType = Input::PointerDeviceType::Touch;
-    Guard([&] {
-        if (point.state() == QEventPoint::Pressed) {
-            m_pPanel->PointerPressed.raise(args);
-        } else if (point.state() == QEventPoint::Updated) {
-            m_pPanel->PointerMoved.raise(args);
-        } else if (point.state() == QEventPoint::Released) {
-            m_pPanel->PointerReleased.raise(args);
-        }
-    });
-}
-
-void QtElementWindow::HandleTouch(const QTouchEvent& event) {
-    std::vector<Point> down;
-    for (const QEventPoint& point : event.points()) {
-        HandleTouchPoint(point);
-        if (point.state() != QEventPoint::Released) {
-            down.push_back(ToElement(point.position()));
-        }
-    }
-    Guard([&] { m_pTracker->Update(Input::PointerDeviceType::Touch, down); });
-}
-
-// --- wheel -----------------------------------------------------------------
-
-void QtElementWindow::wheelEvent(QWheelEvent* pEvent) {
-    pEvent->accept();
-    const QtEnvironment::KeyScope keys(*m_pEnvironment,
-                                       pEvent->modifiers().testFlag(::Qt::ControlModifier));
-    if (PanByTouchpad(*pEvent)) {
-        return;
-    }
-    RaiseWheel(*pEvent, m_vertical.Take(pEvent->angleDelta().y()), false);
-    RaiseWheel(*pEvent, m_horizontal.Take(pEvent->angleDelta().x()), true);
-}
-
-void QtElementWindow::RaiseWheel(const QWheelEvent& event, int nDelta, bool bHorizontal) {
-    if (nDelta == 0) {
-        return;
-    }
-    Input::PointerRoutedEventArgs args;
-    args.PointerId = kMousePointer;
-    args.Position = ToElement(event.position());
-    args.MouseWheelDelta = nDelta;
-    args.IsHorizontalMouseWheel = bHorizontal;
-    Guard([&] { m_pPanel->PointerWheelChanged.raise(args); });
-}
-
-// A device that scrolls by pixels and tells where a movement begins and ends is
-// a touchpad. Where it does not tell (X11), its steps count as a wheel's.
-bool QtElementWindow::PanByTouchpad(const QWheelEvent& event) {
-    if (event.phase() == ::Qt::NoScrollPhase || m_pEnvironment->IsControlKeyDown()) {
-        return false;
-    }
-    const bool bInertial = event.phase() == ::Qt::ScrollMomentum;
-    const Point ptStep = ToElement(event.pixelDelta());
-    if (ptStep != Point{}) {
-        Guard([&] {
-            m_pTracker->PanBy(Input::PointerDeviceType::Touch, ToElement(event.position()), ptStep,
-                              bInertial);
-        });
-    }
-    if (event.phase() == ::Qt::ScrollEnd) {
-        Guard([this] { m_pTracker->Cancel(); });
-    }
-    return event.phase() == ::Qt::ScrollEnd || !event.pixelDelta().isNull();
 }
 
 }

@@ -1,11 +1,11 @@
 // A widget that hosts a tree of elements with one swap chain panel in it.
 //
-// The root gets the widget's size; the panel first, with its composition
-// scale, so that both are in force before any handler runs. The tree is loaded
+// The root gets the widget's size and the panel its composition scale; all of it
+// is in force before any handler runs, and the panel hears first. The tree is loaded
 // as long as the widget exists; a hidden widget keeps it loaded. The widget
 // paints the panel's front image pixel by pixel, draws a small busy mark while a
-// progress ring of the tree is visible, and turns pointers and wheels into
-// the panel's events.
+// progress ring of the tree is visible, and has its input made into the
+// panel's events.
 //
 // Units: the widget's own are Qt's; elements get device pixels divided by the
 // composition scale. Threads: UI thread only. One such widget at a time may
@@ -19,16 +19,13 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
-#include "platform/foundation/Event.h"
-#include "platform/qt/ManipulationTracker.h"
 #include "platform/qt/QtEnvironment.h"
+#include "platform/qt/QtPanelInput.h"
 #include "platform/ui/Element.h"
 #include "platform/ui/SwapChainPanel.h"
-
-class QEventPoint;
-class QTouchEvent;
 
 namespace Platform::Qt {
 
@@ -55,6 +52,15 @@ public:
     // and Qt puts its size event off.
     void Arrange();
 
+    // Gives the tree this logical size whatever the widget measures, at its next
+    // arrangement; for tools, whose sizes may be no whole device pixels.
+    void FixLogicalSize(Windows::Foundation::Size size) { m_fixedSize = size; }
+
+    // Ends the movement that goes on after a pan; for commands that place the
+    // content anew.
+    void StopInertia() { m_pInput->Recogniser().StopInertia(); }
+    bool IsInertiaRunning() const { return m_pInput->Recogniser().IsInertiaRunning(); }
+
     // From now on the paint shows the frame of this moment, whatever is
     // presented, until it is released; for changes that the reader is to see
     // in one step.
@@ -77,50 +83,28 @@ protected:
     void paintEvent(QPaintEvent* pEvent) override;
     void resizeEvent(QResizeEvent* pEvent) override;
     void showEvent(QShowEvent* pEvent) override;
-    void hideEvent(QHideEvent* pEvent) override;
-    void mousePressEvent(QMouseEvent* pEvent) override;
-    void mouseMoveEvent(QMouseEvent* pEvent) override;
-    void mouseReleaseEvent(QMouseEvent* pEvent) override;
-    void enterEvent(QEnterEvent* pEvent) override;
-    void leaveEvent(QEvent* pEvent) override;
-    void wheelEvent(QWheelEvent* pEvent) override;
 
 private:
-    // Gathers fine wheel steps into whole notches of 120; turning back begins anew.
-    struct Notches {
-        int nRest = 0;
-        int Take(int nDelta);
-    };
-
     void Guard(const std::function<void()>& fnBody);
+    void Report(const std::exception_ptr& pFailure);
+    Windows::Foundation::Size LogicalSize() const;
     void ArrangeTree(Windows::Foundation::Size size, float fScaleX, float fScaleY);
     void PaintFront(QPainter& painter, const QRegion& region);
     void WatchSwapChain();
     void UpdateFront(const QRect& rcFrame);
     void WatchTree(const std::shared_ptr<Windows::UI::Xaml::FrameworkElement>& pElement);
     void UpdateBusyMark();
-    Windows::Foundation::Point ToElement(QPointF pt) const;
-    void RaisePointer(
-        Windows::Foundation::Event<Windows::UI::Xaml::Input::PointerRoutedEventArgs&>& event,
-        QPointF pt);
-    void RaiseWheel(const QWheelEvent& event, int nDelta, bool bHorizontal);
-    bool PanByTouchpad(const QWheelEvent& event);
-    void HandleTouch(const QTouchEvent& event);
-    void HandleTouchPoint(const QEventPoint& point);
-    void LosePointers();
 
     const std::shared_ptr<QtEnvironment> m_pEnvironment;
     const std::shared_ptr<Windows::UI::Xaml::FrameworkElement> m_pRoot;
     std::shared_ptr<Windows::UI::Xaml::Controls::SwapChainPanel> m_pPanel;
     std::shared_ptr<QtSwapChain> m_pSwapChain;
-    std::unique_ptr<ManipulationTracker> m_pTracker;
+    std::unique_ptr<QtPanelInput> m_pInput;
     std::vector<std::function<void()>> m_unsubscribe;
     std::vector<std::shared_ptr<Windows::UI::Xaml::FrameworkElement>> m_rings;
-    Notches m_vertical;
-    Notches m_horizontal;
+    std::optional<Windows::Foundation::Size> m_fixedSize;
     double m_dbRatio = 0.0; // the one last arranged for; 0 before
     QImage m_heldFrame;
-    bool m_bMouseDown = false;
     bool m_bShowBusyMark = true;
     QtBusyMark* m_pBusyMark; // a child
 };

@@ -9,7 +9,9 @@
 namespace Platform::Qt {
 
 QtEnvironment::QtEnvironment(std::shared_ptr<QtDispatcher> pDispatcher, Options options)
-    : m_pDispatcher(std::move(pDispatcher)), m_options(std::move(options)) {}
+    : m_pDispatcher(std::move(pDispatcher)),
+      m_sizeTold(options.size),
+      m_options(std::move(options)) {}
 
 float QtEnvironment::LogicalDpi() const {
     return m_options.logicalDpi.value_or(static_cast<float>(96.0 * m_dbRatio));
@@ -44,12 +46,15 @@ void QtEnvironment::SetCompositionScale(float fScaleX, float fScaleY) {
     m_options.fCompositionScaleY = fScaleY;
 }
 
-void QtEnvironment::SetWindowSize(Windows::Foundation::Size size) {
-    if (size == m_options.size) {
-        return;
-    }
+void QtEnvironment::TakeWindowSize(Windows::Foundation::Size size) {
     m_options.size = size;
-    WindowSizeChanged.raise(size);
+}
+
+void QtEnvironment::TellWindowSize() {
+    if (m_options.size != m_sizeTold) {
+        m_sizeTold = m_options.size;
+        WindowSizeChanged.raise(m_sizeTold);
+    }
 }
 
 QtEnvironment::KeyScope::KeyScope(QtEnvironment& environment, bool bControlDown)

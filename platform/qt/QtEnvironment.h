@@ -7,6 +7,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -34,6 +35,9 @@ public:
     bool DesignModeEnabled() const override { return false; }
     std::shared_ptr<Windows::UI::Core::CoreDispatcher> MainDispatcher() const override;
     std::shared_ptr<Windows::UI::Xaml::DispatcherTimer> CreateTimer() override;
+    std::chrono::nanoseconds MonotonicTime() const override {
+        return std::chrono::steady_clock::now().time_since_epoch();
+    }
     Windows::Foundation::Rect WindowBounds() const override;
     std::shared_ptr<Windows::Graphics::IGraphicsFactory> GraphicsFactory() override;
 
@@ -46,9 +50,10 @@ public:
     float CompositionScaleY() const { return m_options.fCompositionScaleY; }
     void SetCompositionScale(float fScaleX, float fScaleY); // in force at the next size change
 
-    // Told by the window: its size (raises `WindowSizeChanged` when it differs)
-    // and its pixel ratio.
-    void SetWindowSize(Windows::Foundation::Size size);
+    // Told by the window: its pixel ratio and its size. The size is in force at
+    // once; `TellWindowSize` raises `WindowSizeChanged` when it was not yet told.
+    void TakeWindowSize(Windows::Foundation::Size size);
+    void TellWindowSize();
     void SetDevicePixelRatio(double dbRatio) { m_dbRatio = dbRatio; }
 
     // While one lives, the control key counts as its event says.
@@ -66,6 +71,7 @@ public:
 
 private:
     const std::shared_ptr<QtDispatcher> m_pDispatcher;
+    Windows::Foundation::Size m_sizeTold;
     Options m_options; // the device family is never changed: it is read on any thread
     const std::shared_ptr<std::atomic<int>> m_pRunningTimers =
         std::make_shared<std::atomic<int>>(0);

@@ -9,6 +9,7 @@
 // `DeviceFamily` and `DesignModeEnabled` from any thread, the rest on the UI thread.
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -37,6 +38,8 @@ public:
     virtual bool DesignModeEnabled() const = 0;
     virtual std::shared_ptr<Windows::UI::Core::CoreDispatcher> MainDispatcher() const = 0;
     virtual std::shared_ptr<Windows::UI::Xaml::DispatcherTimer> CreateTimer() = 0;
+    // Of the clock that the timers go by; it never goes back.
+    virtual std::chrono::nanoseconds MonotonicTime() const = 0;
 
     // The window's size, logical units, at the origin.
     virtual Windows::Foundation::Rect WindowBounds() const = 0;

@@ -54,20 +54,21 @@ bool FrameworkElement::IsAtOrAbove(const FrameworkElement& element) const {
 
 void FrameworkElement::Arrange(Foundation::Size size) {
     SizeSteps steps;
-    TakeSize(size, steps);
+    TakeSize(*this, size, steps);
     RaiseSizeChanged(steps);
 }
 
-void FrameworkElement::TakeSize(Foundation::Size size, SizeSteps& steps) {
+void FrameworkElement::TakeSize(FrameworkElement& element, Foundation::Size size,
+                                SizeSteps& steps) {
     if (!(size.Width >= 0.0F && size.Height >= 0.0F)) {
         throw Platform::InvalidArgumentException("an element of negative size");
     }
-    if (size != m_size) {
-        steps.push_back({shared_from_this(), {m_size, size}});
-        m_size = size;
+    if (size != element.m_size) {
+        steps.push_back({element.shared_from_this(), {element.m_size, size}});
+        element.m_size = size;
     }
-    for (const auto& pChild : m_children) {
-        pChild->TakeSize(size, steps);
+    for (const auto& pChild : element.m_children) {
+        TakeSize(*pChild, size, steps);
     }
 }
 

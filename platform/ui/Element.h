@@ -83,7 +83,7 @@ protected:
     using SizeSteps = std::vector<SizeStep>;
 
     // The two halves of `Arrange`: sizes down the tree, then the events.
-    void TakeSize(Foundation::Size size, SizeSteps& steps);
+    static void TakeSize(FrameworkElement& element, Foundation::Size size, SizeSteps& steps);
     static void RaiseSizeChanged(const SizeSteps& steps);
 
 private:

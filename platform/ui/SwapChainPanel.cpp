@@ -12,12 +12,19 @@ void SwapChainPanel::CompositionScale(float fScaleX, float fScaleY) {
 }
 
 void SwapChainPanel::ArrangeAtScale(Foundation::Size size, float fScaleX, float fScaleY) {
+    ArrangeAtScale(*this, size, fScaleX, fScaleY);
+}
+
+void SwapChainPanel::ArrangeAtScale(FrameworkElement& root, Foundation::Size size, float fScaleX,
+                                    float fScaleY) {
     if (!(fScaleX > 0.0F && fScaleY > 0.0F)) {
         throw Platform::InvalidArgumentException("a composition scale is above 0");
     }
     const auto pSelf = shared_from_this();
+    const auto pRoot = root.shared_from_this();
     SizeSteps steps;
-    TakeSize(size, steps);
+    TakeSize(*this, size, steps);
+    TakeSize(root, size, steps);
     const bool bScaleDiffers = fScaleX != m_fScaleX || fScaleY != m_fScaleY;
     m_fScaleX = fScaleX;
     m_fScaleY = fScaleY;

@@ -26,6 +26,11 @@ public:
     // first, then those of the size.
     void ArrangeAtScale(Foundation::Size size, float fScaleX, float fScaleY);
 
+    // As above for a whole tree that this panel stands in: all sizes and the
+    // scale are in force before any handler runs, and the panel hears first.
+    void ArrangeAtScale(FrameworkElement& root, Foundation::Size size, float fScaleX,
+                        float fScaleY);
+
     // What the panel shows from now on; may be empty.
     void SetSwapChain(std::shared_ptr<Windows::Graphics::IDXGISwapChain2> pSwapChain);
     const std::shared_ptr<Windows::Graphics::IDXGISwapChain2>& SwapChain() const {

@@ -4,17 +4,15 @@
 #include <string>
 #include <vector>
 
-#include <QtGui/qtestsupport_gui.h>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMetaEnum>
-#include <QMouseEvent>
-#include <QPointingDevice>
 #include <QWheelEvent>
 
 #include "platform/qt/QtElementWindow.h"
 #include "platform/ui/SwapChainPanel.h"
 #include "tools/replay/Commands.h"
+#include "tools/replay/RawPointers.h"
 #include "tools/replay/Session.h"
 
 namespace velko::replay {
@@ -24,18 +22,8 @@ namespace {
 namespace Input = Windows::UI::Xaml::Input;
 using Windows::Foundation::Point;
 
-// From the canvas's logical units to the window's.
-QPointF InWindow(Session& session, Point pt) {
-    return {static_cast<double>(pt.X) * session.Panel().CompositionScaleX(),
-            static_cast<double>(pt.Y) * session.Panel().CompositionScaleY()};
-}
-
 void Send(Session& session, QEvent& event) {
     session.ThroughWindow([&] { QCoreApplication::sendEvent(&session.Window(), &event); });
-}
-
-Point Between(Point ptFrom, Point ptTo, float fShare) {
-    return {ptFrom.X + (ptTo.X - ptFrom.X) * fShare, ptFrom.Y + (ptTo.Y - ptFrom.Y) * fShare};
 }
 
 std::int32_t Steps(const CommandFields& fields) {
@@ -65,10 +53,11 @@ void RunWheel(Session& session, const CommandFields& fields, JsonObject&) {
     const std::int32_t nDelta = fields.Int("delta");
     const bool bControl = fields.BoolOr("ctrl", false);
     const QPoint angle = fields.BoolOr("horizontal", false) ? QPoint(nDelta, 0) : QPoint(0, nDelta);
-    const QPointF at = InWindow(session, pt);
+    const QPointF at = session.InWindow(pt);
     QWheelEvent event(at, session.Window().mapToGlobal(at), QPoint(), angle, ::Qt::NoButton,
                       bControl ? ::Qt::ControlModifier : ::Qt::NoModifier, ::Qt::NoScrollPhase,
                       false);
+    event.setTimestamp(static_cast<quint64>(session.InputTime().count()));
     Send(session, event);
 }
 
@@ -129,65 +118,18 @@ void RunManip(Session& session, const CommandFields& fields, JsonObject& result)
 
 // --- raw pointers ---
 
-void SendMouse(Session& session, QEvent::Type eType, Point pt) {
-    const QPointF at = InWindow(session, pt);
-    const bool bDown = eType != QEvent::MouseButtonRelease;
-    QMouseEvent event(eType, at, session.Window().mapToGlobal(at),
-                      eType == QEvent::MouseMove ? ::Qt::NoButton : ::Qt::LeftButton,
-                      bDown ? ::Qt::LeftButton : ::Qt::NoButton, ::Qt::NoModifier);
-    Send(session, event);
-}
-
-QPointingDevice& TouchScreen() {
-    static QPointingDevice* const s_pDevice = QTest::createTouchDevice(); // Qt keeps it
-    return *s_pDevice;
-}
-
-// The way of real fingers: through the platform's window, so that Qt gives
-// each point its place in the widget.
-void SendTouch(Session& session, QEventPoint::State eState, const std::vector<Point>& fingers) {
-    QList<QEventPoint> points;
-    for (std::size_t n = 0; n < fingers.size(); ++n) {
-        const QPointF at = InWindow(session, fingers[n]);
-        points.emplace_back(static_cast<int>(n), eState, at, session.Window().mapToGlobal(at));
-    }
-    session.ThroughWindow(
-        [&] { qt_handleTouchEventv2(session.Window().windowHandle(), &TouchScreen(), points); });
-}
-
-void DragByMouse(Session& session, Point ptFrom, Point ptTo, std::int32_t nSteps) {
-    SendMouse(session, QEvent::MouseButtonPress, ptFrom);
-    for (std::int32_t n = 1; n <= nSteps; ++n) {
-        const float fShare = static_cast<float>(n) / static_cast<float>(nSteps);
-        SendMouse(session, QEvent::MouseMove, Between(ptFrom, ptTo, fShare));
-    }
-    SendMouse(session, QEvent::MouseButtonRelease, ptTo);
-}
-
-// Fingers that move together from one set of places to another.
-void MoveFingers(Session& session, const std::vector<Point>& from, const std::vector<Point>& to,
-                 std::int32_t nSteps) {
-    SendTouch(session, QEventPoint::Pressed, from);
-    for (std::int32_t n = 1; n <= nSteps; ++n) {
-        const float fShare = static_cast<float>(n) / static_cast<float>(nSteps);
-        std::vector<Point> now;
-        for (std::size_t nFinger = 0; nFinger < from.size(); ++nFinger) {
-            now.push_back(Between(from[nFinger], to[nFinger], fShare));
-        }
-        SendTouch(session, QEventPoint::Updated, now);
-    }
-    SendTouch(session, QEventPoint::Released, to);
-}
-
 void RunDrag(Session& session, const CommandFields& fields, JsonObject&) {
     const Point ptFrom{fields.Float("x0"), fields.Float("y0")};
     const Point ptTo{fields.Float("x1"), fields.Float("y1")};
     const std::int32_t nSteps = Steps(fields);
     const std::string strDevice = fields.TextOr("device", "touch");
+    const auto eLift =
+        fields.BoolOr("fling", false) ? RawPointers::Lift::AtSpeed : RawPointers::Lift::AtRest;
+    RawPointers pointers(session);
     if (strDevice == "mouse") {
-        DragByMouse(session, ptFrom, ptTo, nSteps);
+        pointers.DragMouse(ptFrom, ptTo, nSteps, eLift);
     } else if (strDevice == "touch") {
-        MoveFingers(session, {ptFrom}, {ptTo}, nSteps);
+        pointers.MoveFingers({ptFrom}, {ptTo}, nSteps, eLift);
     } else {
         throw FormatError("unknown device \"" + strDevice + "\"");
     }
@@ -203,7 +145,9 @@ void RunPinch(Session& session, const CommandFields& fields, JsonObject&) {
     const Point ptCentre{fields.Float("x"), fields.Float("y")};
     const float fFrom = fields.Float("from");
     const float fTo = fields.Float("to");
-    MoveFingers(session, Fingers(ptCentre, fFrom), Fingers(ptCentre, fTo), Steps(fields));
+    const std::int32_t nSteps = Steps(fields);
+    RawPointers(session).MoveFingers(Fingers(ptCentre, fFrom), Fingers(ptCentre, fTo), nSteps,
+                                     RawPointers::Lift::AtRest);
 }
 
 // --- keys ---

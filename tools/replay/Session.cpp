@@ -54,9 +54,14 @@ void OrderReadFaults(std::shared_ptr<Faults> pFaults) {
     });
 }
 
+// As many as the canvas's frame has: cut off, in 32-bit floats.
 int DevicePixels(std::int32_t nLogical, float fScale) {
-    const double dbPixels = std::round(static_cast<double>(nLogical) * fScale);
-    return static_cast<int>(std::clamp(dbPixels, 0.0, static_cast<double>(kLongestResizeStep)));
+    const float fPixels = std::trunc(static_cast<float>(nLogical) * fScale);
+    return static_cast<int>(std::clamp(fPixels, 0.0F, static_cast<float>(kLongestResizeStep)));
+}
+
+Windows::Foundation::Size LogicalSize(std::int32_t nWidth, std::int32_t nHeight) {
+    return {static_cast<float>(nWidth), static_cast<float>(nHeight)};
 }
 
 std::string Counted(std::size_t nCount, const char* szWhat) {
@@ -112,7 +117,7 @@ void Session::StartPlatform(const Options& options) {
     facts.logicalDpi = options.fDpi;
     facts.fCompositionScaleX = options.fScaleX;
     facts.fCompositionScaleY = options.fScaleY;
-    facts.size = {static_cast<float>(options.nWidth), static_cast<float>(options.nHeight)};
+    facts.size = LogicalSize(options.nWidth, options.nHeight);
     facts.pGraphicsFactory = m_pGraphics;
     m_pEnvironment = std::make_shared<Platform::Qt::QtEnvironment>(
         Platform::Qt::QtDispatcher::Create(), std::move(facts));
@@ -132,6 +137,7 @@ void Session::MakeControl(const Options& options) {
             m_pFailure = std::move(pFailure);
         }
     };
+    m_pWindow->FixLogicalSize(LogicalSize(options.nWidth, options.nHeight));
     ThroughWindow([&] {
         m_pWindow->resize(DevicePixels(options.nWidth, options.fScaleX),
                           DevicePixels(options.nHeight, options.fScaleY));
@@ -173,6 +179,11 @@ Windows::UI::Xaml::Controls::SwapChainPanel& Session::Panel() {
     return *m_pWindow->Panel();
 }
 
+QPointF Session::InWindow(Windows::Foundation::Point pt) {
+    return {static_cast<double>(pt.X) * Panel().CompositionScaleX(),
+            static_cast<double>(pt.Y) * Panel().CompositionScaleY()};
+}
+
 void Session::ThroughWindow(const std::function<void()>& fnBody) {
     m_pFailure = nullptr;
     fnBody();
@@ -183,12 +194,13 @@ void Session::ThroughWindow(const std::function<void()>& fnBody) {
 
 void Session::Resize(std::int32_t nWidth, std::int32_t nHeight, float fScaleX, float fScaleY) {
     m_pEnvironment->SetCompositionScale(fScaleX, fScaleY);
+    m_pWindow->FixLogicalSize(LogicalSize(nWidth, nHeight));
     const QSize sizeBefore = m_pWindow->size();
     const QSize size(DevicePixels(nWidth, fScaleX), DevicePixels(nHeight, fScaleY));
     ThroughWindow([&] {
         if (size != sizeBefore) {
             m_pWindow->resize(size);
-        } else { // the scale may have changed all the same
+        } else { // the scale or a share of a pixel may have changed all the same
             QResizeEvent event(size, sizeBefore);
             QCoreApplication::sendEvent(m_pWindow.get(), &event);
         }
@@ -208,6 +220,7 @@ void Session::RunUntil(const std::function<bool()>& fnDone,
 }
 
 void Session::RunFor(std::chrono::milliseconds length) {
+    PassInputTime(length);
     RunUntil([] { return false; }, std::chrono::steady_clock::now() + length);
 }
 
@@ -231,6 +244,9 @@ std::vector<std::string> Session::Pending() const {
     }
     if (const std::size_t nPosts = m_pEnvironment->Dispatcher()->PendingCount(); nPosts > 0) {
         busy.push_back(Counted(nPosts, "posts to the UI thread"));
+    }
+    if (m_pWindow->IsInertiaRunning()) {
+        busy.emplace_back("the inertia of a pan");
     }
     if (const int nTimers = m_pEnvironment->RunningTimers(); nTimers > 0) {
         busy.push_back(Counted(static_cast<std::size_t>(nTimers), "timers"));

@@ -13,7 +13,10 @@
 #include <string>
 #include <vector>
 
+#include <QPointF>
+
 #include "platform/concurrency/Task.h"
+#include "platform/foundation/Geometry.h"
 #include "tools/replay/Counters.h"
 #include "tools/replay/Faults.h"
 #include "tools/replay/Options.h"
@@ -53,9 +56,15 @@ public:
     std::shared_ptr<velko::vkit::IPDFViewer> Viewer(); // may be empty
     Platform::Qt::QtElementWindow& Window() { return *m_pWindow; }
     Windows::UI::Xaml::Controls::SwapChainPanel& Panel();
+    QPointF InWindow(Windows::Foundation::Point pt); // from the canvas's units to the window's
     Platform::Qt::QtGraphicsFactory& Graphics() { return *m_pGraphics; }
     const std::shared_ptr<Counters>& Counts() const { return m_pCounters; }
     const std::shared_ptr<Faults>& OrderedFaults() const { return m_pFaults; }
+
+    // The time that raw input events bear. It stands still but for what a script
+    // lets pass, so that a gesture comes out the same on every machine.
+    std::chrono::milliseconds InputTime() const { return m_inputTime; }
+    void PassInputTime(std::chrono::milliseconds length) { m_inputTime += length; }
 
     // Gives the canvas this size (logical) at this composition scale; what a
     // handler raises on the way is raised here.
@@ -97,6 +106,7 @@ private:
     std::shared_ptr<concurrency::ThreadPool> m_pPool;
     std::shared_ptr<velko::vkit::PDFViewCtrl> m_pControl;
     std::unique_ptr<Platform::Qt::QtElementWindow> m_pWindow;
+    std::chrono::milliseconds m_inputTime{1000};
     std::exception_ptr m_pFailure; // of a handler that the window called
 };
 
