@@ -65,6 +65,7 @@ ContactGesture::Shape ContactGesture::Measure() const {
 }
 
 void ContactGesture::Apply(const PointerFrame& frame) {
+    ++m_nChanges; // what an outer call has measured is old by now
     Track(frame);
     Follow(frame.time);
     for (const PointerRecord& record : frame.records) {
@@ -201,22 +202,20 @@ void ContactGesture::Lift(std::uint32_t nId, InputTime time) {
         return;
     }
     const bool bLed = it < m_contacts.begin() + kLeading;
+    const bool bPinchEnds = bLed && std::exchange(m_bPinching, false);
+    if (bPinchEnds) {
+        m_bManipulating = false;
+    }
     ++m_nChanges;
     m_contacts.erase(it);
-    if (bLed && m_bPinching) {
-        EndPinch();
-    }
-    if (m_contacts.empty()) {
-        Finish(time);
-    } else if (bLed) {
+    if (bLed && IsAnyDown()) {
         Grip(time);
     }
-}
-
-void ContactGesture::EndPinch() {
-    m_bPinching = false;
-    if (std::exchange(m_bManipulating, false)) {
+    if (bPinchEnds) {
         m_manipulation.End();
+    }
+    if (!IsAnyDown()) {
+        Finish(time);
     }
 }
 
@@ -250,7 +249,10 @@ void ContactGesture::Lose(std::uint32_t nId) {
 void ContactGesture::Spend() {
     RuleOutTap();
     m_bSpent = true;
-    EndPinch();
+    m_bPinching = false;
+    if (std::exchange(m_bManipulating, false)) {
+        m_manipulation.End();
+    }
 }
 
 // --- taps ------------------------------------------------------------------

@@ -67,7 +67,6 @@ private:
     void Press(const PointerRecord& record, InputTime time);
     void Lift(std::uint32_t nId, InputTime time);
     void Finish(InputTime time);
-    void EndPinch();
     void Grip(InputTime time);
     void Spend();
     void RuleOutTap();
@@ -80,7 +79,7 @@ private:
     float m_fUnit = 1.0F;
 
     std::vector<PointerRecord> m_contacts; // first come first; the first two lead
-    std::uint64_t m_nChanges = 0;          // of these
+    std::uint64_t m_nChanges = 0;          // of these and their places
     bool m_bManipulating = false;          // the open manipulation is of these pointers
     bool m_bPinching = false;              // and has scaled
     bool m_bPinched = false;               // these pointers have, once

@@ -59,7 +59,8 @@ TEST_F(GestureTest, RecordedInputBecomesTheseEvents) {
          kSpread + "u1@50,100 +8 m2@250,300 +8 m2@250,400 +8 u2@250,400 +5000",
          "start 150,100; pinch x200%; end"},
         {"and pinches again with another",
-         kSpread + "u1@50,100 +8 d3@250,200 +8 m3@250,150 +8 m2@260,100 m3@260,150 +8 u3@260,150 u2@260,100",
+         kSpread + "u1@50,100 +8 d3@250,200 +8 m3@250,150 +8 m2@260,100 m3@260,150 +8 u3@260,150 "
+                   "u2@260,100",
          "start 150,100; pinch x200%; end; start 250,150; pinch x50%; end"},
         {"a third finger in a pinch",
          kSpread + "d3@400,400 +8 m3@500,500 +8 u3@500,500 +8 "

@@ -43,7 +43,8 @@ public:
     }
     bool eventFilter(QObject* /*pTarget*/, QEvent* pEvent) override {
         if (auto* const pTouch = dynamic_cast<QTouchEvent*>(pEvent)) {
-            pTouch->setTimestamp(static_cast<quint64>(m_time.count()));
+            // Of the event alone: Qt goes on comparing those of its points.
+            pTouch->QInputEvent::setTimestamp(static_cast<quint64>(m_time.count()));
         }
         return false;
     }
