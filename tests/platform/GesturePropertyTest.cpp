@@ -57,7 +57,7 @@ protected:
         EXPECT_TRUE(std::isfinite(args.Delta.Scale) && args.Delta.Scale > 0.0F);
         m_bPinched = m_bPinched || args.Delta.Scale != 1.0F;
         EXPECT_EQ(args.Cumulative.Scale != 1.0F, m_bPinched) << "a pan after a pinch";
-        EXPECT_FALSE(args.IsInertial && m_bPinched && !m_bTouchpad);
+        EXPECT_FALSE(args.IsInertial && m_bPinched);
         m_ptLast = args.Position;
         if (!args.IsInertial) {
             m_fRawMovement = 0.0F;
@@ -178,7 +178,6 @@ protected:
     std::array<Point, 5> m_fingers;
     std::array<bool, 5> m_bChanging{}; // came or went in the frame that is being told
     bool m_bNested = false;
-    bool m_bTouchpad = false;
     bool m_bOpen = false;
     bool m_bPinched = false;
     bool m_bClosed = false;

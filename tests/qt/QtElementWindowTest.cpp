@@ -4,6 +4,8 @@
 
 #include <QApplication>
 #include <QMouseEvent>
+#include <QNativeGestureEvent>
+#include <QTabletEvent>
 #include <QTest>
 #include <QWheelEvent>
 #include <algorithm>
@@ -72,10 +74,11 @@ protected:
                         std::to_string(static_cast<int>(pt.Y)));
     }
 
-    void Mouse(QEvent::Type eType, QPointF pt, bool bDown) {
+    void Mouse(QEvent::Type eType, QPointF pt, bool bDown, quint64 nTime = 0) {
         const Qt::MouseButton eButton = eType == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
         QMouseEvent event(eType, pt, m_pWindow->mapToGlobal(pt), eButton,
                           bDown ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+        event.setTimestamp(nTime);
         QCoreApplication::sendEvent(m_pWindow.get(), &event);
     }
     void Press(QPointF pt) { Mouse(QEvent::MouseButtonPress, pt, true); }
@@ -86,6 +89,19 @@ protected:
                Qt::ScrollPhase ePhase = Qt::NoScrollPhase) {
         QWheelEvent event(QPointF(20, 30), m_pWindow->mapToGlobal(QPointF(20, 30)), pixels, angle,
                           Qt::NoButton, modifiers, ePhase, false);
+        QCoreApplication::sendEvent(m_pWindow.get(), &event);
+    }
+
+    void Native(Qt::NativeGestureType eType, double dbValue) {
+        QNativeGestureEvent event(eType, QPointingDevice::primaryPointingDevice(), 2, {40, 50},
+                                  {40, 50}, {40, 50}, dbValue, {});
+        QCoreApplication::sendEvent(m_pWindow.get(), &event);
+    }
+    void Pen(QEvent::Type eType, QPointF pt, bool bDown) {
+        QTabletEvent event(eType, QPointingDevice::primaryPointingDevice(), pt, pt, 0.5, 0, 0, 0, 0,
+                           0, Qt::NoModifier,
+                           eType == QEvent::TabletMove ? Qt::NoButton : Qt::LeftButton,
+                           bDown ? Qt::LeftButton : Qt::NoButton);
         QCoreApplication::sendEvent(m_pWindow.get(), &event);
     }
 
@@ -133,8 +149,17 @@ TEST_F(QtElementWindowTest, SizeAndScaleAreInForceBeforeAnyHandlerAndThePanelHea
     EXPECT_EQ(m_pEnvironment->WindowBounds(),
               Windows::Foundation::Rect(0.0F, 0.0F, 200.0F, 150.0F));
     heard.clear();
+    m_pPanel->SizeChanged.add([&](const auto&) {
+        EXPECT_EQ(m_pRoot->ActualWidth(), m_pPanel->ActualWidth());
+        EXPECT_EQ(m_pEnvironment->WindowBounds().Width, m_pPanel->ActualWidth());
+    });
+    m_pEnvironment->WindowSizeChanged.add([&](Size) { hear("window"); });
     m_pWindow->resize(500, 300);
-    EXPECT_EQ(heard, (Log{"panel 250 20", "root 250 20"}));
+    EXPECT_EQ(heard, (Log{"panel 250 20", "root 250 20", "window 250 20"}));
+    m_pWindow->FixLogicalSize({333.0F, 217.0F});
+    m_pWindow->resize(501, 300);
+    EXPECT_EQ(m_pRoot->ActualWidth(), 333.0);
+    EXPECT_EQ(m_pPanel->ActualHeight(), 217.0);
 }
 
 TEST_F(QtElementWindowTest, ReportsTheDisplayAndWhatAToolFixes) {
@@ -342,7 +367,7 @@ TEST_F(QtElementWindowTest, ASubscriberThatFailsLeavesNoGestureOpen) {
     Press({100, 100});
     Move({100, 160});
     Release({100, 160});
-    EXPECT_EQ(m_log.back(), "completed 100,100") << "no movement was told";
+    EXPECT_EQ(m_log.back(), "completed 100,160");
     EXPECT_EQ(std::count(m_log.begin(), m_log.end(), "host failed"), 1);
     m_pPanel->ManipulationStarted.remove(token);
 }
@@ -367,6 +392,86 @@ TEST_F(QtElementWindowTest, ASecondFingerEndsThePanAndPinches) {
     QTest::touchEvent(m_pWindow.get(), m_pTouchScreen.get()).move(0, QPoint(60, 250));
     QTest::touchEvent(m_pWindow.get(), m_pTouchScreen.get()).release(0, QPoint(60, 250));
     EXPECT_EQ(m_log, Log{"completed 160,150"}) << "the finger that stays does not pan";
+}
+
+TEST_F(QtElementWindowTest, TheTimesOfItsEventsMakeAFlingThatAKeyStops) {
+    MakeWindow();
+    const auto fling = [this] {
+        Mouse(QEvent::MouseButtonPress, {100, 50}, true, 1000);
+        for (quint64 n = 1; n <= 5; ++n) {
+            Mouse(QEvent::MouseMove, {100, 50.0 + 20.0 * static_cast<double>(n)}, true,
+                  1000 + 8 * n);
+        }
+        Mouse(QEvent::MouseButtonRelease, {100, 150}, false, 1045);
+    };
+    fling();
+    EXPECT_TRUE(m_pWindow->IsInertiaRunning());
+    EXPECT_GT(m_pEnvironment->RunningTimers(), 0);
+    ASSERT_TRUE(testing::RunUntil([this] { return !m_pWindow->IsInertiaRunning(); }));
+    EXPECT_TRUE(m_deltas.back().IsInertial);
+    EXPECT_NEAR(m_deltas.back().Position.Y, 150.0F + (100.0F / 0.045F - 40.0F) * 0.325F, 1.0F);
+    EXPECT_EQ(m_log.back().rfind("completed", 0), 0U);
+    EXPECT_EQ(m_pEnvironment->RunningTimers(), 0);
+    fling();
+    QTest::keyClick(m_pWindow.get(), Qt::Key_PageDown);
+    EXPECT_FALSE(m_pWindow->IsInertiaRunning());
+    EXPECT_EQ(m_log.back(), "completed 100,150");
+    m_pWindow->setEnabled(false);
+    m_log.clear();
+    fling();
+    EXPECT_TRUE(m_log.empty()) << "disabled";
+}
+
+TEST_F(QtElementWindowTest, ATouchpadPinchesAndAPenPans) {
+    MakeWindow();
+    Native(Qt::BeginNativeGesture, 0.0);
+    Native(Qt::ZoomNativeGesture, 0.5);
+    Native(Qt::SmartZoomNativeGesture, 1.0);
+    Native(Qt::RotateNativeGesture, 30.0);
+    Native(Qt::EndNativeGesture, 0.0);
+    EXPECT_EQ(m_log, (Log{"started 40,50", "delta 40,50", "completed 40,50"}));
+    EXPECT_FLOAT_EQ(m_deltas.back().Delta.Scale, 1.5F);
+    m_log.clear();
+    Pen(QEvent::TabletMove, {5, 5}, false);
+    Pen(QEvent::TabletPress, {10, 10}, true);
+    Pen(QEvent::TabletMove, {10, 60}, true);
+    Pen(QEvent::TabletRelease, {10, 60}, false);
+    EXPECT_EQ(m_log, (Log{"started 10,10", "delta 10,60", "completed 10,60"}));
+    EXPECT_EQ(m_deltas.back().PointerDeviceType, Input::PointerDeviceType::Pen);
+}
+
+TEST_F(QtElementWindowTest, AFingerWhoseEndWasLostDoesNotPinchWithTheNext) {
+    m_pTouchScreen.reset(QTest::createTouchDevice());
+    MakeWindow();
+    PressFinger(0, {100, 100});
+    QTest::touchEvent(m_pWindow.get(), m_pTouchScreen.get()).move(0, QPoint(100, 150));
+    QEvent deactivated(QEvent::WindowDeactivate);
+    QCoreApplication::sendEvent(m_pWindow.get(), &deactivated);
+    QTest::touchEvent(m_pWindow.get(), m_pTouchScreen.get()).move(0, QPoint(100, 250));
+    QTest::touchEvent(m_pWindow.get(), m_pTouchScreen.get()).release(0, QPoint(100, 250));
+    EXPECT_EQ(m_log, (Log{"started 100,100", "delta 100,150", "completed 100,150", "lost"}));
+    m_log.clear();
+    PressFinger(1, {50, 50});
+    QTest::touchEvent(m_pWindow.get(), m_pTouchScreen.get()).release(1, QPoint(50, 50));
+    EXPECT_EQ(m_log, Log{"tapped 50,50"});
+}
+
+TEST_F(QtElementWindowTest, AHandlerMayDestroyTheWindow) {
+    MakeWindow();
+    int nCompleted = 0;
+    m_pPanel->ManipulationCompleted.add([&](auto&) { ++nCompleted; });
+    const auto token = m_pPanel->ManipulationDelta.add([this](auto&) {
+        m_pWindow.reset();
+        throw std::runtime_error("nobody is left to hear of it");
+    });
+    Press({100, 100});
+    QMouseEvent move(QEvent::MouseMove, {100, 150}, {100, 150}, Qt::NoButton, Qt::LeftButton,
+                     Qt::NoModifier);
+    static_cast<QObject&>(*m_pWindow)
+        .event(&move); // Qt itself holds on to a widget that it sends events to
+    EXPECT_EQ(m_pWindow, nullptr);
+    EXPECT_EQ(nCompleted, 1);
+    m_pPanel->ManipulationDelta.remove(token);
 }
 
 }
