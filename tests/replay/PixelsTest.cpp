@@ -92,6 +92,20 @@ TEST_F(PixelsTest, TheFrameIsInDevicePixelsAtAnyCompositionScale) {
     ExpectSharp(frame, replay.Run({{"op", "state"}}), strPath);
 }
 
+TEST_F(PixelsTest, ALogicalSizeIsTakenAsItIsAndItsFrameIsCutToWholePixels) {
+    ReplayProcess replay({"--size", "333x217", "--composition-scale", "1.25"});
+    replay.Run({{"op", "open"}, {"path", QString::fromStdString(WritePages("a.pdf", 1))}});
+    replay.Run({{"op", "wait"}});
+    const auto fnFrame = [&] {
+        const QJsonObject shot =
+            replay.Run({{"op", "screenshot"}, {"file", QString::fromStdString(PathOf("a.png"))}});
+        return QSize(shot.value("w").toInt(), shot.value("h").toInt());
+    };
+    EXPECT_EQ(fnFrame(), QSize(416, 271)); // 416.25 x 271.25
+    replay.Run({{"op", "resize"}, {"w", 335}, {"h", 219}});
+    EXPECT_EQ(fnFrame(), QSize(418, 273)); // 418.75 x 273.75
+}
+
 TEST_F(PixelsTest, AScaleOfItsOwnLaysOutAnewAtTheSameLogicalSize) {
     const std::string strPath = WritePages("a.pdf", 2);
     ReplayProcess replay({"--size", "400x600"});
@@ -117,7 +131,7 @@ TEST_F(PixelsTest, ManyBlocksJoinToTheWholePage) {
 
 TEST_F(PixelsTest, NightColoursAreTheEnginesMapping) {
     ReplayProcess replay({"--size", "400x500"});
-    Open(replay, WritePages("a.pdf", 1));
+
     replay.Run({{"op", "night"}, {"on", true}});
     WaitUntilIdle(replay);
     const QJsonObject state = replay.Run({{"op", "state"}});
@@ -128,7 +142,7 @@ TEST_F(PixelsTest, NightColoursAreTheEnginesMapping) {
 
 TEST_F(PixelsTest, AClosedDocumentLeavesAnEmptyCanvas) {
     ReplayProcess replay({"--size", "300x400"});
-    Open(replay, WritePages("a.pdf", 1));
+
     replay.Run({{"op", "close"}});
     const QImage frame = Screenshot(replay);
     EXPECT_EQ(frame.pixel(20, 20), kAroundPages);

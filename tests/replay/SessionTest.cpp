@@ -160,6 +160,33 @@ TEST_F(SessionTest, AFingerPansAndTwoPinch) {
     EXPECT_GT(replay.Run({{"op", "state"}}).value("scale").toDouble(), dbBefore * 1.5);
 }
 
+TEST_F(SessionTest, ADragMovesAsFarAsItSaysAndAFlingGoesOnInTheWait) {
+    for (const char* szDevice : {"touch", "mouse"}) {
+        SCOPED_TRACE(szDevice);
+        ReplayProcess replay;
+        Open(replay, WritePages("a.pdf", 9));
+        ExpectIdle(replay);
+        QJsonObject drag{{"op", "drag"}, {"x0", 500},  {"y0", 900},         {"x1", 500},
+                         {"y1", 800},    {"steps", 5}, {"device", szDevice}};
+        const auto fnTop = [&] {
+            const QJsonObject item = FirstItem(replay.Run({{"op", "state"}}));
+            return item.value("y").toDouble() - 1309.0 * item.value("page").toInt();
+        };
+        replay.Run(drag);
+        ExpectIdle(replay);
+        EXPECT_EQ(fnTop(), -100.0);
+        drag.insert("fling", true);
+        replay.Run(drag);
+        EXPECT_EQ(fnTop(), -200.0);
+        const QJsonObject waited = replay.Run({{"op", "wait"}, {"timeout_ms", 30}});
+        EXPECT_TRUE(waited.value("busy").toArray().contains("the inertia of a pan"));
+        replay.Run({{"op", "sleep"}, {"ms", 2500}});
+        // 100 in 48 ms; the rest is what such a speed covers until it fades.
+        EXPECT_NEAR(fnTop(), -200.0 - (100.0 / 0.048 - 40.0) * 0.325, 1.0);
+        ExpectIdle(replay);
+    }
+}
+
 TEST_F(SessionTest, ASavedViewComesBackInAnotherProcess) {
     const std::string strPath = WritePages("a.pdf", 6);
     const std::vector<std::string> arguments{"--data", PathOf("data")};
