@@ -16,7 +16,7 @@ bool Manipulation::Begin(Device eDevice, Point ptAt) {
     m_bScaled = false;
     m_bInertial = false;
     m_eDevice = eDevice;
-    m_ptAt = ptAt;
+    m_ptAt = m_ptTold = ptAt;
     m_cumulative = {};
     const std::uint64_t nThis = ++m_nBegun;
     Input::ManipulationStartedRoutedEventArgs args;
@@ -24,6 +24,11 @@ bool Manipulation::Begin(Device eDevice, Point ptAt) {
     args.PointerDeviceType = eDevice;
     m_events.Raise(&Panel::ManipulationStarted, args);
     return m_bOpen && m_nBegun == nThis;
+}
+
+bool Manipulation::IsVisible(Point ptStep) const {
+    return std::fabs(ptStep.X) * m_events.Target().CompositionScaleX() >= 1.0F ||
+           std::fabs(ptStep.Y) * m_events.Target().CompositionScaleY() >= 1.0F;
 }
 
 void Manipulation::Accumulate(const Input::ManipulationDelta& delta) {
@@ -44,14 +49,15 @@ bool Manipulation::MoveTo(Point ptTo, float fScale, bool bInertial) {
         End();
         return false;
     }
+    m_ptAt = ptTo;
     Input::ManipulationDeltaRoutedEventArgs args;
-    args.Delta.Translation = {ptTo.X - m_ptAt.X, ptTo.Y - m_ptAt.Y};
+    args.Delta.Translation = {ptTo.X - m_ptTold.X, ptTo.Y - m_ptTold.Y};
     args.Delta.Scale = fScale;
-    if (args.Delta.Translation == Point{} && fScale == 1.0F) {
+    if (fScale == 1.0F && !IsVisible(args.Delta.Translation)) {
         return true;
     }
     Accumulate(args.Delta);
-    m_ptAt = ptTo;
+    m_ptTold = ptTo;
     m_bInertial = bInertial;
     args.Position = ptTo;
     args.Cumulative = m_cumulative;
@@ -67,7 +73,7 @@ void Manipulation::End() {
         return;
     }
     Input::ManipulationCompletedRoutedEventArgs args;
-    args.Position = m_ptAt;
+    args.Position = m_ptTold;
     args.Cumulative = m_cumulative;
     args.PointerDeviceType = m_eDevice;
     args.IsInertial = m_bInertial;

@@ -21,19 +21,22 @@ public:
     explicit Manipulation(PanelEvents& events) : m_events(events) {}
 
     bool IsOpen() const { return m_bOpen; }
-    Point Position() const { return m_ptAt; } // of the open one, else of the last
+    // Where the open one has been moved to, told or not; else the last one.
+    Point Position() const { return m_ptAt; }
 
     // None is open. Refused when the panel leaves gestures to the system.
     bool Begin(Device eDevice, Point ptAt);
 
-    // Raises a delta unless nothing changed. A panel that has come to leave
-    // gestures to the system ends it instead. `fScale` is above 0.
+    // Raises a delta. A movement of less than a device pixel waits until more of
+    // it has gathered, because handlers that place pixels would drop it. A panel that has come to
+    // leave gestures to the system ends it instead. `fScale` is above 0.
     bool MoveTo(Point ptTo, float fScale = 1.0F, bool bInertial = false);
 
     // Nothing when none is open.
     void End();
 
 private:
+    bool IsVisible(Point ptStep) const;
     void Accumulate(const Windows::UI::Xaml::Input::ManipulationDelta& delta);
 
     PanelEvents& m_events;
@@ -43,6 +46,7 @@ private:
     bool m_bInertial = false;
     Device m_eDevice = Device::Touch;
     Point m_ptAt;
+    Point m_ptTold; // by the last event
     Windows::UI::Xaml::Input::ManipulationDelta m_cumulative;
 };
 

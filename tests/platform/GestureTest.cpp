@@ -1,5 +1,6 @@
 #include "tests/platform/GestureFixture.h"
 
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
 #include <string>
@@ -37,6 +38,10 @@ TEST_F(GestureTest, RecordedInputBecomesTheseEvents) {
          "start 500,100; pan 0,100; end"},
         {"reports at rest before the lift",
          kFastPan + "+60 m1@500,200 +60 m1@500,200 +8 u1@500,200", "start 500,100; pan 0,100; end"},
+        {"movements below a pixel add up",
+         "d1@50,50 +8 m1@50,90 +8 m1@50,90.6 +8 m1@50,91.2 +8 m1@50,91.8 +8 m1@50,92.3 +99 "
+         "u1@50,92.3",
+         "start 50,50; pan 0,42; end"},
         {"the lift itself moves", "d1@50,50 +8 m1@50,90 +200 u1@50,95",
          "start 50,50; pan 0,45; end"},
         {"no times at all", "d1@500,100 m1@500,200 all m1@500,300 all u1@500,300",
@@ -141,12 +146,13 @@ TEST_F(FlingTest, SlowsDownSteadilyAndGoesAsFarAsItsSpeedSays) {
     EXPECT_TRUE(m_pInput->IsInertiaRunning());
     Pass(5s);
     ASSERT_GT(m_steps.size(), 20U);
-    for (std::size_t n = 1; n + 1 < m_steps.size(); ++n) {
+    for (std::size_t n = 1; n < m_steps.size() && m_steps[n] > 2.0F; ++n) {
         EXPECT_GT(m_steps[n - 1], m_steps[n]) << n;
     }
+    EXPECT_GE(*std::min_element(m_steps.begin(), m_steps.end()), 1.0F) << "less is not seen";
     EXPECT_NEAR(m_steps[0] / 0.016, 2500.0, 80.0) << "no leap in speed at the lift";
-    EXPECT_LT(m_steps.back(), 1.0F) << "and none at the end";
-    EXPECT_NEAR(Way(), (2500.0 - 40.0) * 0.325, 0.5);
+    EXPECT_LT(m_steps.back(), 2.0F) << "and none at the end";
+    EXPECT_NEAR(Way(), (2500.0 - 40.0) * 0.325, 1.0);
     EXPECT_EQ(m_nCompleted, 1);
     EXPECT_TRUE(m_bEndedInertial);
     EXPECT_EQ(m_host.Clock().RunningTimers(), 0U);
@@ -158,12 +164,12 @@ TEST_F(FlingTest, EndsAtTheSamePlaceWhateverTheFrameRateAndStepsLessThanAPanel) 
     m_pInput->Configure(settings);
     Play(kFastPan + "u1@500,200");
     Pass(5s);
-    EXPECT_NEAR(Way(), (2500.0 - 40.0) * 0.325, 0.5);
+    EXPECT_NEAR(Way(), (2500.0 - 40.0) * 0.325, 1.0);
     m_steps.clear();
     m_pPanel->Arrange({1000.0F, 40.0F});
     Play(kFastPan + "u1@500,200");
     Pass(10s);
-    EXPECT_NEAR(Way(), (2500.0 - 40.0) * 0.325, 0.5);
+    EXPECT_NEAR(Way(), (2500.0 - 40.0) * 0.325, 1.0);
     EXPECT_LT(*std::max_element(m_steps.begin(), m_steps.end()), 40.0F);
     m_pPanel->Arrange({0.0F, 0.0F});
     Play(kFastPan + "u1@500,200");
@@ -199,7 +205,7 @@ TEST_F(FlingTest, IsStoppedByWhatTheReaderDoesNext) {
     }
     EXPECT_EQ(nTapped, 0);
     Play(kFastPan + "u1@500,200 lost +5000"); // there was nothing left to lose
-    EXPECT_NEAR(Way(), (2500.0 - 40.0) * 0.325, 0.5);
+    EXPECT_NEAR(Way(), (2500.0 - 40.0) * 0.325, 1.0);
 }
 
 // --- wheel and touchpad ----------------------------------------------------

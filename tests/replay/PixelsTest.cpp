@@ -131,7 +131,7 @@ TEST_F(PixelsTest, ManyBlocksJoinToTheWholePage) {
 
 TEST_F(PixelsTest, NightColoursAreTheEnginesMapping) {
     ReplayProcess replay({"--size", "400x500"});
-
+    Open(replay, WritePages("a.pdf", 1));
     replay.Run({{"op", "night"}, {"on", true}});
     WaitUntilIdle(replay);
     const QJsonObject state = replay.Run({{"op", "state"}});
@@ -142,7 +142,7 @@ TEST_F(PixelsTest, NightColoursAreTheEnginesMapping) {
 
 TEST_F(PixelsTest, AClosedDocumentLeavesAnEmptyCanvas) {
     ReplayProcess replay({"--size", "300x400"});
-
+    Open(replay, WritePages("a.pdf", 1));
     replay.Run({{"op", "close"}});
     const QImage frame = Screenshot(replay);
     EXPECT_EQ(frame.pixel(20, 20), kAroundPages);
