@@ -3,57 +3,24 @@
 #include <cmath>
 #include <utility>
 
-#include "document/VLK_Document.h"
-#include "platform/system/Debug.h"
 #include "viewers/continuous/PDFConuiunePagesViewer.h"
 #include "viewers/continuous/PageGap_p.h"
+#include "viewers/core/Destinations.h"
 
 namespace velko::vkit {
 
 namespace {
 
-enum ZoomMode : std::int32_t {
-    kExplicit = 1,
-    kFitWidth = 3,
-    kFitHeight = 4,
-    kFitRectangle = 5,
-    kFitBox = 6,
-    kFitBoxWidth = 7,
-    kFitBoxHeight = 8,
-};
-
-constexpr std::size_t kLeft = 0;
-constexpr std::size_t kTop = 1;
-constexpr std::size_t kRight = 2; // the zoom, for an explicit destination
-constexpr std::size_t kBottom = 3;
-
-float ValueAt(const std::vector<float>& values, std::size_t nIndex) {
-    if (nIndex >= values.size()) {
-        throw Platform::OutOfBoundsException("a destination with too few values");
-    }
-    return values[nIndex];
-}
-
-// How much larger a page is to be shown for one side of an area to fit.
-double SideFactor(double dbArea, double dbPage, double dbScreen) {
-    return dbArea >= dbPage ? dbArea / dbScreen : dbScreen / dbArea;
+// The box is zeros until the page has been loaded once; a box at the origin
+// looks the same and is loaded again.
+bool IsUnknown(const Windows::Foundation::Rect& rcBox) {
+    return rcBox.X == 0.0F || rcBox.Y == 0.0F;
 }
 
 }
 
-void PDFConuiunePagesViewer::GotoDestination(std::int32_t nPageIndex, std::int32_t nZoomMode,
-                                             const std::vector<float>& values) {
-    ThrowIfDisposed();
-    if (PutOff([=](PageViewerBase& viewer) {
-            viewer.GotoDestination(nPageIndex, nZoomMode, values);
-        })) {
-        return;
-    }
-    m_ctsDestination.Renew();
-    if (!CanLayOut() || nPageIndex < 0 || nPageIndex >= PageCount()) {
-        return;
-    }
-    const auto pSelf = shared_from_this();
+void PDFConuiunePagesViewer::OnGotoDestination(std::int32_t nPageIndex, std::int32_t nZoomMode,
+                                               const std::vector<float>& values) {
     RefreshScreenSize();
     ScaleForDestination(nPageIndex, nZoomMode, values);
     GotoPageTop(nPageIndex);
@@ -106,7 +73,8 @@ void PDFConuiunePagesViewer::ShowRectangle(PageItem pItem, const std::vector<flo
     const Rect rcPage(fLeft, fBottom, std::abs(values[kRight] - values[kLeft]),
                       std::abs(values[kBottom] - values[kTop]));
     pItem = CenterPageItem(std::move(pItem));
-    pItem = LayOutAtScale(pItem->nPageIndex, RectangleFactor(*pItem, PageToDevice(*pItem, rcPage)));
+    pItem = LayOutAtScale(pItem->nPageIndex, AreaFactor(PageToDevice(*pItem, rcPage),
+                                                        pItem->screenRect, LayoutScreen()));
     if (!pItem) {
         return;
     }
@@ -116,44 +84,11 @@ void PDFConuiunePagesViewer::ShowRectangle(PageItem pItem, const std::vector<flo
 
 // --- the page's box ---
 
-// The box is zeros until the page has been loaded once; a box at the origin
-// looks the same and is loaded again.
 void PDFConuiunePagesViewer::ShowPageBox(PageItem pItem, std::int32_t nZoomMode, float fTop) {
-    pItem = CenterPageItem(std::move(pItem));
-    const auto pEntry = m_pDocument->ReLoadPageIndex(pItem->nPageIndex);
-    const Rect rcBox =
-        pEntry && pEntry->m_pPageHandle ? m_pDocument->PageBox(pEntry->m_pPageHandle) : Rect();
-    if (rcBox.X == 0.0F || rcBox.Y == 0.0F) {
-        ShowLoadedPageBox(pItem->nPageIndex, nZoomMode, fTop);
-    } else {
-        ShowBox(*pItem, rcBox, nZoomMode, fTop);
-    }
-}
-
-// Ends early when the reader has gone elsewhere meanwhile.
-concurrency::task<void> PDFConuiunePagesViewer::ShowLoadedPageBox(std::int32_t nPageIndex,
-                                                                  std::int32_t nZoomMode,
-                                                                  float fTop) {
-    const auto pSelf = shared_from_this();
-    const concurrency::cancellation_token token = m_ctsDestination.Token();
-    try {
-        const auto pDocument = m_pDocument;
-        const auto load = pDocument->LoadPageAsync(nPageIndex, token);
-        const std::shared_ptr<VLK_PageHandle> pHandle = co_await load;
-        token.throw_if_canceled();
-        if (const auto pOwner = Owner()) {
-            pOwner->RaisePageLoaded(nPageIndex);
-        }
-        const PageItem pItem = FindConvertible(nPageIndex);
-        if (pItem && !token.is_canceled()) {
-            ShowBox(*pItem, pDocument->PageBox(pHandle), nZoomMode, fTop);
-        }
-    } catch (const concurrency::task_canceled&) {
-        co_return;
-    } catch (...) {
-        Platform::Debug::OutputDebugString(
-            "PDFConuiunePagesViewer::GotoDestination Exception...\n");
-    }
+    WithPageBox(CenterPageItem(std::move(pItem)), IsUnknown,
+                [this, nZoomMode, fTop](const ContinueViewerPageItem& item, const Rect& rcBox) {
+                    ShowBox(item, rcBox, nZoomMode, fTop);
+                });
 }
 
 void PDFConuiunePagesViewer::ShowBox(const ContinueViewerPageItem& item, const Rect& rcBox,
@@ -172,12 +107,12 @@ void PDFConuiunePagesViewer::ShowBox(const ContinueViewerPageItem& item, const R
 void PDFConuiunePagesViewer::ShowWholeBox(const ContinueViewerPageItem& item,
                                           const Rect& rcDevice) {
     const std::int32_t nPage = item.nPageIndex;
-    ZoomAtScreenCentre(RectangleFactor(item, rcDevice));
+    ZoomAtScreenCentre(AreaFactor(rcDevice, item.screenRect, LayoutScreen()));
     const PageItem pItem = FindItem(nPage);
     if (pItem && pItem->screenRect.dbOffsetY > kPageGap) {
-        MoveScreen(pItem->screenRect.dbOffsetY, 0.0);
+        OnMoveScreen(pItem->screenRect.dbOffsetY, 0.0);
     }
-    EndDestinationZoom();
+    EndGesture();
 }
 
 void PDFConuiunePagesViewer::ShowBoxWidth(const ContinueViewerPageItem& item, const Rect& rcDevice,
@@ -188,18 +123,7 @@ void PDFConuiunePagesViewer::ShowBoxWidth(const ContinueViewerPageItem& item, co
         const Point pt = PageToDevice(*pItem, Point{0.0F, fTop});
         MoveLayout(nPage, pt.Y, 0.0, GetScale(), m_nRotate);
     }
-    EndDestinationZoom();
-}
-
-void PDFConuiunePagesViewer::ZoomAtScreenCentre(double dbScale) {
-    const Point ptCentre = {static_cast<float>(m_dbScreenWidth * 0.5),
-                            static_cast<float>(m_dbScreenHeight * 0.5)};
-    PageScaled(ptCentre, std::isfinite(dbScale) ? dbScale : GetScale(), false, false);
-}
-
-void PDFConuiunePagesViewer::EndDestinationZoom() {
-    CompleteZoom();
-    m_pScaleBitmapCache.Clear();
+    EndGesture();
 }
 
 // The box's upper end comes to the top, its left end to the left.
@@ -216,13 +140,6 @@ void PDFConuiunePagesViewer::ShowBoxHeight(const ContinueViewerPageItem& item, c
 }
 
 // --- steps ---
-
-double PDFConuiunePagesViewer::RectangleFactor(const ContinueViewerPageItem& item,
-                                               const Rect& rcDevice) const {
-    const Render_ScreenOffsetInfo& rc = item.screenRect;
-    return std::min(SideFactor(rcDevice.Width, rc.nWidth, m_dbScreenWidth),
-                    SideFactor(rcDevice.Height, rc.nHeight, m_dbScreenHeight));
-}
 
 // Lays the page out anew without showing it; empty when it has no size.
 PageViewerBase::PageItem PDFConuiunePagesViewer::LayOutAtScale(std::int32_t nPageIndex,

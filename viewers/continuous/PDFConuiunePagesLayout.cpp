@@ -238,12 +238,6 @@ void PDFConuiunePagesViewer::EnumPageBelow(std::int32_t nPageIndex, PageItems& l
     }
 }
 
-PageViewerBase::PageItem PDFConuiunePagesViewer::MakeItem(std::int32_t nPageIndex,
-                                                          const PDFRenderTask& task) {
-    return std::make_shared<ContinueViewerPageItem>(
-        std::weak_ptr<IPageItemHost>(shared_from_this()), nPageIndex, task.dbScale, task.nRotate);
-}
-
 void PDFConuiunePagesViewer::PlaceItem(ContinueViewerPageItem& item, const DisplaySize& size,
                                        double dbOffsetX, double dbOffsetY) const {
     item.SetSize(size);

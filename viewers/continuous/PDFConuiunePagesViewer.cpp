@@ -13,32 +13,26 @@ namespace velko::vkit {
 
 namespace {
 
-constexpr std::int32_t kFitPage = 1;
-
 // A move limited in floating point may miss an end by less than this.
 constexpr double kNoDistance = 0.001;
 
-double FiniteOrZero(double dbValue) {
-    return std::isfinite(dbValue) ? dbValue : 0.0;
-}
+constexpr float kOutlineWidth = 1.0F;
 
 }
 
 PDFConuiunePagesViewer::PDFConuiunePagesViewer(std::weak_ptr<IViewerOwner> wkOwner,
                                                std::shared_ptr<VLK_Document> pDocument,
                                                std::shared_ptr<PDFViewCanvas> pCanvas)
-    : PageViewerBase(std::move(wkOwner), std::move(pDocument), std::move(pCanvas), kTexts) {}
+    : PageViewerBase(std::move(wkOwner), std::move(pDocument), std::move(pCanvas), kTraits) {}
 
-const PageViewerBase::ScreenTexts PDFConuiunePagesViewer::kTexts = {
-    {"PDFConuiunePagesViewer::RenderScreenBitmapSync Platform::Exception...\n",
-     "PDFConuiunePagesViewer::RenderScreenBitmapSync concurrency::task_canceled...\n",
-     "PDFConuiunePagesViewer::RenderScreenBitmapSync Exception...\n"},
-    {"PDFConuiunePagesViewer::RedrawScreen Platform::Exception...\n",
-     "PDFConuiunePagesViewer::RedrawScreen concurrency::task_canceled...\n",
-     "PDFConuiunePagesViewer::RedrawScreen Exception...\n"},
-    {"PDFConuiunePagesViewer::UpdatePageAfterAnnotEdit Platform::Exception...\n",
-     "PDFConuiunePagesViewer::UpdatePageAfterAnnotEdit concurrency::task_canceled...\n",
-     "PDFConuiunePagesViewer::UpdatePageAfterAnnotEdit Exception...\n"}};
+const ViewerTraits PDFConuiunePagesViewer::kTraits = {
+    .szClass = "PDFConuiunePagesViewer",
+    .szRenderOperation = "RenderScreenBitmapSync",
+    .szNothingToRender = "RenderScreenBitmapSync error\n",
+    .szNothingToDraw = nullptr,
+    .bStepEndsSnapshot = true,
+    .bClearsWithoutPages = true,
+};
 
 PDFRenderTask PDFConuiunePagesViewer::MakeTask(double dbOffsetY, double dbOffsetX) {
     return {dbOffsetY, dbOffsetX, GetScale(), m_nRotate};
@@ -46,12 +40,18 @@ PDFRenderTask PDFConuiunePagesViewer::MakeTask(double dbOffsetY, double dbOffset
 
 void PDFConuiunePagesViewer::CloseViewer() {
     PageViewerBase::CloseViewer();
-    m_ctsDestination.Renew();
     m_spareItems = PageItems();
 }
 
-void PDFConuiunePagesViewer::AlignPageAfterScroll(double /*dbOffsetY*/, double /*dbOffsetX*/) {
-    ThrowIfDisposed(); // pages have no place to fall into here
+// A page that is not rendered yet has its paper's colour, unless the snapshot
+// shows something better.
+void PDFConuiunePagesViewer::DrawBlank(Windows::Graphics::ID2D1DeviceContext& context,
+                                       const Windows::Graphics::D2D_RECT_F& rc) const {
+    if (!IsSnapshotShown()) {
+        const auto& pBrush = m_pCanvas->PageBrush();
+        context.FillRectangle(rc, pBrush);
+        context.DrawRectangle(rc, pBrush, kOutlineWidth);
+    }
 }
 
 // --- the current page ---
@@ -84,12 +84,7 @@ void PDFConuiunePagesViewer::RecomputeCurrentPage() {
 
 // --- moves ---
 
-void PDFConuiunePagesViewer::MoveScreen(double dbOffsetY, double dbOffsetX) {
-    ThrowIfDisposed();
-    if (PutOff([=](PageViewerBase& viewer) { viewer.MoveScreen(dbOffsetY, dbOffsetX); })) {
-        return;
-    }
-    m_ctsDestination.Renew();
+void PDFConuiunePagesViewer::OnMoveScreen(double dbOffsetY, double dbOffsetX) {
     m_pScaleBitmapCache.Clear();
     EndSnapshot();
     if (!m_pPageItems || !CanLayOut()) {
@@ -101,7 +96,7 @@ void PDFConuiunePagesViewer::MoveScreen(double dbOffsetY, double dbOffsetX) {
         MoveLayout(m_nCurPageIndex, m_dbScreenHeight, 0.0, GetScale(), m_nRotate);
         return;
     }
-    bool bMoved = MoveInSteps(FiniteOrZero(dbOffsetY), FiniteOrZero(dbOffsetX));
+    bool bMoved = MoveInSteps(dbOffsetY, dbOffsetX);
     bMoved = PinEnds() || bMoved;
     if (bMoved) {
         StartRenders(false);
@@ -167,20 +162,14 @@ bool PDFConuiunePagesViewer::PinFirstPage() {
     return true;
 }
 
-void PDFConuiunePagesViewer::PageSizeChanged(double dbOffsetX, double dbOffsetY) {
-    ThrowIfDisposed();
-    if (PutOff([=](PageViewerBase& viewer) { viewer.PageSizeChanged(dbOffsetX, dbOffsetY); })) {
-        return;
-    }
-    m_ctsDestination.Renew();
+void PDFConuiunePagesViewer::OnPageSizeChanged(double dbOffsetX, double dbOffsetY) {
     m_pScaleBitmapCache.Clear();
     if (!CanLayOut()) {
         return;
     }
     RefreshScreenSize();
     RecomputeCurrentPage();
-    MoveLayout(m_nCurPageIndex, FiniteOrZero(dbOffsetY), FiniteOrZero(dbOffsetX), GetScale(),
-               m_nRotate);
+    MoveLayout(m_nCurPageIndex, dbOffsetY, dbOffsetX, GetScale(), m_nRotate);
 }
 
 void PDFConuiunePagesViewer::MoveLayout(std::int32_t nPageIndex, double dbOffsetY, double dbOffsetX,
@@ -226,12 +215,7 @@ DisplaySize PDFConuiunePagesViewer::DisplaySizeOf(std::int32_t nPageIndex) {
     return MakeItem(nPageIndex, MakeTask(0.0, 0.0))->GetPageDisplaySize();
 }
 
-void PDFConuiunePagesViewer::GotoPage(std::int32_t nPageIndex) {
-    ThrowIfDisposed();
-    if (PutOff([=](PageViewerBase& viewer) { viewer.GotoPage(nPageIndex); })) {
-        return;
-    }
-    m_ctsDestination.Renew();
+void PDFConuiunePagesViewer::OnGotoPage(std::int32_t nPageIndex) {
     if (!CanLayOut()) {
         return;
     }
@@ -271,75 +255,41 @@ void PDFConuiunePagesViewer::ShowStep(PDFRenderTask task) {
 
 // --- layouts from the start ---
 
-void PDFConuiunePagesViewer::InitLayOut(std::int32_t nPageIndex, double dbScale, double dbOffsetX,
-                                        double dbOffsetY) {
-    ThrowIfDisposed();
-    if (PutOff([=](PageViewerBase& viewer) {
-            viewer.InitLayOut(nPageIndex, dbScale, dbOffsetX, dbOffsetY);
-        })) {
-        return;
-    }
-    m_ctsDestination.Renew();
+void PDFConuiunePagesViewer::OnInitLayOut(std::int32_t nPageIndex, double dbScale, double dbOffsetX,
+                                          double dbOffsetY) {
     if (!CanLayOut()) {
         return;
     }
     RefreshScreenSize();
     DropItems();
     m_nCurPageIndex = nPageIndex;
-    if (nPageIndex < 0 || nPageIndex >= PageCount()) {
+    if (!IsPage(nPageIndex)) {
         return;
     }
     ScaleForFirstLayout(dbScale, PageSizeOf(nPageIndex));
     // A page that would stand below the screen stands at its top.
-    const double dbTop = FiniteOrZero(dbOffsetY) < m_dbScreenHeight ? FiniteOrZero(dbOffsetY) : 0.0;
-    MoveLayout(nPageIndex, m_dbScreenHeight - dbTop, FiniteOrZero(dbOffsetX), GetScale(),
-               m_nRotate);
+    const double dbTop = dbOffsetY < m_dbScreenHeight ? dbOffsetY : 0.0;
+    MoveLayout(nPageIndex, m_dbScreenHeight - dbTop, dbOffsetX, GetScale(), m_nRotate);
     Platform::Debug::OutputDebugString("InitLayOut\n");
 }
 
 void PDFConuiunePagesViewer::ScaleForFirstLayout(double dbScale, const VLK_PageSize& size) {
     if (Utility::IsDesktop()) {
-        if (const auto pOwner = Owner()) {
-            double dbFit = 1.0;
-            WhileAsking([&] { dbFit = pOwner->GetFitScale(kFitPage); });
-            SetScale(static_cast<float>(dbFit));
-        }
+        SetScale(AskFitScale());
     } else if (Utility::IsMobile()) {
-        const bool bTurned = IsTurned(m_nRotate);
-        const double dbFitWidth = m_dbScreenWidth / (bTurned ? size.fHeight : size.fWidth);
-        const double dbFitPage =
-            std::min(dbFitWidth, m_dbScreenHeight / (bTurned ? size.fWidth : size.fHeight));
-        // Turned pages take the quotient the other way round.
-        const double dbRatio = bTurned ? dbFitPage / dbFitWidth : dbFitWidth / dbFitPage;
-        const double dbDefault = dbRatio >= 1.0 ? dbRatio : 1.0;
+        const double dbDefault = std::max(1.0, CalcWidthRatio(size, m_nRotate, LayoutScreen()));
         SetScale(static_cast<float>(dbScale != 0.0 ? dbScale : dbDefault));
     }
 }
 
-void PDFConuiunePagesViewer::RotateViewer(std::int32_t nRotate) {
-    ThrowIfDisposed();
-    if (PutOff([=](PageViewerBase& viewer) { viewer.RotateViewer(nRotate); })) {
-        return;
-    }
+void PDFConuiunePagesViewer::OnRotateViewer(std::int32_t nRotate) {
     SetRotate(nRotate);
     RecomputeCurrentPage();
     DropItems();
-    InvaildateLayout();
+    OnInvaildateLayout();
 }
 
-bool PDFConuiunePagesViewer::KeepsOrientation() const {
-    const double dbWidth = CanvasWidth();
-    const double dbHeight = CanvasHeight();
-    return (m_dbScreenHeight > m_dbScreenWidth && dbHeight > dbWidth) ||
-           (m_dbScreenHeight < m_dbScreenWidth && dbHeight < dbWidth);
-}
-
-void PDFConuiunePagesViewer::InvaildateLayout() {
-    ThrowIfDisposed();
-    if (PutOff([](PageViewerBase& viewer) { viewer.InvaildateLayout(); })) {
-        return;
-    }
-    m_ctsDestination.Renew();
+void PDFConuiunePagesViewer::OnInvaildateLayout() {
     m_pScaleBitmapCache.Clear();
     if (m_pPageItems && CanLayOut()) {
         if (KeepsOrientation()) {
@@ -347,7 +297,7 @@ void PDFConuiunePagesViewer::InvaildateLayout() {
         } else {
             RecomputeCurrentPage();
             DropItems();
-            InitLayOut(m_nCurPageIndex, 0.0, 0.0, 0.0);
+            OnInitLayOut(m_nCurPageIndex, 0.0, 0.0, 0.0);
         }
     }
     Platform::Debug::OutputDebugString("InvaildateLayout - UpdateViewer\n");
@@ -366,7 +316,7 @@ void PDFConuiunePagesViewer::LayOutInPlace() {
     }
     const double dbOverflow = CalcTailOverflow(m_nCurPageIndex);
     if (dbOverflow == 0.0) {
-        InitLayOut(m_nCurPageIndex, GetScale(), dbLeft, dbTop);
+        OnInitLayOut(m_nCurPageIndex, GetScale(), dbLeft, dbTop);
     } else {
         ShowStep(MakeTask((dbTop + m_dbScreenHeight) - dbOverflow, dbLeft));
     }

@@ -25,26 +25,27 @@ public:
                            std::shared_ptr<VLK_Document> pDocument,
                            std::shared_ptr<PDFViewCanvas> pCanvas);
 
-    void PageScaled(Point pCentrePt, double dbScale, bool bIsInertial,
-                    bool isScrollComplete) override;
-    void MoveScreen(double dbOffsetY, double dbOffsetX) override;
-    void RotateViewer(std::int32_t nRotate) override;
-    void InvaildateLayout() override;
-    void InitLayOut(std::int32_t nPageIndex, double dbScale, double dbOffsetX,
-                    double dbOffsetY) override;
-    void OnRenderCanvas(const std::shared_ptr<WPRenderDC>& pDc) override;
     void CloseViewer() override;
-    void GotoPage(std::int32_t nPageIndex) override;
     std::int32_t GetCurrentPageIndex() override;
-    void AlignPageAfterScroll(double dbOffsetY, double dbOffsetX) override;
-    void PageSizeChanged(double dbOffsetX, double dbOffsetY) override;
-    void GotoDestination(std::int32_t nPageIndex, std::int32_t nZoomMode,
-                         const std::vector<float>& values) override;
+
+protected:
+    void OnPageScaled(Point ptCentre, double dbScale, bool bIsInertial,
+                      bool isScrollComplete) override;
+    void OnMoveScreen(double dbOffsetY, double dbOffsetX) override;
+    void OnRotateViewer(std::int32_t nRotate) override;
+    void OnInvaildateLayout() override;
+    void OnInitLayOut(std::int32_t nPageIndex, double dbScale, double dbOffsetX,
+                      double dbOffsetY) override;
+    void OnGotoPage(std::int32_t nPageIndex) override;
+    void OnPageSizeChanged(double dbOffsetX, double dbOffsetY) override;
+    void OnGotoDestination(std::int32_t nPageIndex, std::int32_t nZoomMode,
+                           const std::vector<float>& values) override;
+    void DrawBlank(Windows::Graphics::ID2D1DeviceContext& context,
+                   const Windows::Graphics::D2D_RECT_F& rc) const override;
 
 private:
-    static const ScreenTexts kTexts;
+    static const ViewerTraits kTraits;
 
-    bool IsLastPage(std::int32_t nPageIndex) const { return nPageIndex == PageCount() - 1; }
     PDFRenderTask MakeTask(double dbOffsetY, double dbOffsetX);
     void RecomputeCurrentPage(); // keeps the one known when nothing is laid out
 
@@ -59,7 +60,6 @@ private:
     bool StaysOnScreen(const ContinueViewerPageItem& item, const PDFRenderTask& task) const;
     void EnumPageTop(std::int32_t nPageIndex, PageItems& list, const PDFRenderTask& task);
     void EnumPageBelow(std::int32_t nPageIndex, PageItems& list, const PDFRenderTask& task);
-    PageItem MakeItem(std::int32_t nPageIndex, const PDFRenderTask& task);
     void PlaceItem(ContinueViewerPageItem& item, const DisplaySize& size, double dbOffsetX,
                    double dbOffsetY) const;
     void NarrowToOnlyPage(const Render_ScreenOffsetInfo& rc);
@@ -84,17 +84,15 @@ private:
     void GotoPageTop(std::int32_t nPageIndex);
     void ShowPage(std::int32_t nPageIndex, bool bFresh);
     void ScaleForFirstLayout(double dbScale, const VLK_PageSize& size);
-    bool KeepsOrientation() const;
     void LayOutInPlace();
 
     // --- zoom; see the .cpp ---
     bool Zoom(Point ptCentre, double dbScale, bool isScrollComplete, std::string& strLog);
-    PageItem FillScaleCache(Point ptCentre);
+    PageItem KeepBitmaps(Point ptCentre);
     void StoreZoomScale(double dbScale);
     void LayOutZoomed(std::int32_t nOldHeight);
     void MoveUnderCentre(const ContinueViewerPageItem& item, Point ptPage, Point ptCentre);
     bool WouldEmptyScreen(const PDFRenderTask& task) const;
-    void CompleteZoom();
 
     // --- destinations; see the .cpp ---
     void ScaleForDestination(std::int32_t nPageIndex, std::int32_t nZoomMode,
@@ -102,28 +100,17 @@ private:
     void ShowDestination(PageItem pItem, std::int32_t nZoomMode, const std::vector<float>& values);
     void ShowRectangle(PageItem pItem, const std::vector<float>& values);
     void ShowPageBox(PageItem pItem, std::int32_t nZoomMode, float fTop);
-    concurrency::task<void> ShowLoadedPageBox(std::int32_t nPageIndex, std::int32_t nZoomMode,
-                                              float fTop);
     void ShowBox(const ContinueViewerPageItem& item, const Rect& rcBox, std::int32_t nZoomMode,
                  float fTop);
     void ShowWholeBox(const ContinueViewerPageItem& item, const Rect& rcDevice);
     void ShowBoxWidth(const ContinueViewerPageItem& item, const Rect& rcDevice, float fTop);
     void ShowBoxHeight(const ContinueViewerPageItem& item, const Rect& rcBox, const Rect& rcDevice);
-    double RectangleFactor(const ContinueViewerPageItem& item, const Rect& rcDevice) const;
-    void ZoomAtScreenCentre(double dbScale);
-    void EndDestinationZoom();
     PageItem LayOutAtScale(std::int32_t nPageIndex, double dbScale);
     void ShowMoved(PDFRenderTask task);
     PageItem CenterPageItem(PageItem pItem);
 
-    // --- drawing ---
-    void DrawItem(Windows::Graphics::ID2D1DeviceContext& context,
-                  const ContinueViewerPageItem& item);
-    void DrawBlock(Windows::Graphics::ID2D1DeviceContext& context,
-                   ContinueViewerPageItemBlock& block) const;
-
-    PageItems m_spareItems;                  // the next list's memory
-    CancellationGeneration m_ctsDestination; // a destination that waits for its page
+    std::int32_t m_nCurPageIndex = 0; // where the next layout starts
+    PageItems m_spareItems;           // the next list's memory
 };
 
 }

@@ -1,52 +1,25 @@
-// Zooming around a point.
-//
-// During a gesture nothing is rendered: the blocks of the new layout take the
-// bitmaps of the old scale, by page and block number. The end of the gesture
-// keeps the last frame as a backdrop while the blocks are rendered.
+// Zooming around a point: the page under it is laid out at the top, the others
+// around it, and then all of them are moved until the point is where it was.
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
-#include <exception>
 #include <string>
 #include <utility>
 
 #include "platform/system/Debug.h"
 #include "viewers/continuous/PDFConuiunePagesViewer.h"
 #include "viewers/continuous/PageGap_p.h"
+#include "viewers/core/LogText.h"
 
 namespace velko::vkit {
 
-namespace {
-
-std::string NumberText(double dbValue) {
-    std::array<char, 32> text{};
-    const auto end = std::to_chars(text.data(), text.data() + text.size(), dbValue).ptr;
-    return std::string(text.data(), end);
-}
-
-const char* FlagText(bool bFlag) {
-    return bFlag ? "true" : "false";
-}
-
-}
-
-void PDFConuiunePagesViewer::PageScaled(Point pCentrePt, double dbScale, bool bIsInertial,
-                                        bool isScrollComplete) {
-    ThrowIfDisposed();
-    if (PutOff([=](PageViewerBase& viewer) {
-            viewer.PageScaled(pCentrePt, dbScale, bIsInertial, isScrollComplete);
-        })) {
-        return;
-    }
-    m_ctsDestination.Renew();
+void PDFConuiunePagesViewer::OnPageScaled(Point ptCentre, double dbScale, bool bIsInertial,
+                                          bool isScrollComplete) {
     if (!CanLayOut()) {
         return;
     }
-    const auto pSelf = shared_from_this();
     std::string strLog = "PageScaled Start..." + NumberText(dbScale) + FlagText(bIsInertial) + " " +
                          FlagText(isScrollComplete) + "......\n";
-    const bool bZoomed = Zoom(pCentrePt, dbScale, isScrollComplete, strLog);
+    const bool bZoomed = Zoom(ptCentre, dbScale, isScrollComplete, strLog);
     if (isScrollComplete) {
         m_pScaleBitmapCache.Clear();
     }
@@ -59,7 +32,7 @@ void PDFConuiunePagesViewer::PageScaled(Point pCentrePt, double dbScale, bool bI
 bool PDFConuiunePagesViewer::Zoom(Point ptCentre, double dbScale, bool isScrollComplete,
                                   std::string& strLog) {
     RefreshScreenSize();
-    PageItem pAnchor = FillScaleCache(ptCentre);
+    PageItem pAnchor = KeepBitmaps(ptCentre);
     strLog += "m_pScaleBitmapCache->Size: " + std::to_string(m_pScaleBitmapCache.Size());
     if (!pAnchor) {
         return false;
@@ -75,25 +48,12 @@ bool PDFConuiunePagesViewer::Zoom(Point ptCentre, double dbScale, bool isScrollC
     }
     MoveUnderCentre(*pAnchor, ptPage, ptCentre);
     PinFirstPage();
-    StartRenders(!isScrollComplete);
-    // A frame that fails must not keep the gesture from ending.
-    std::exception_ptr pFailure;
-    try {
-        PaintCanvas();
-    } catch (...) {
-        pFailure = std::current_exception();
-    }
-    if (isScrollComplete) {
-        CompleteZoom();
-    }
-    if (pFailure) {
-        std::rethrow_exception(pFailure);
-    }
+    ShowZoomStep(isScrollComplete);
     return true;
 }
 
 // Returns the page under the centre, the last of several, else the first one.
-PageViewerBase::PageItem PDFConuiunePagesViewer::FillScaleCache(Point ptCentre) {
+PageViewerBase::PageItem PDFConuiunePagesViewer::KeepBitmaps(Point ptCentre) {
     if (!HasItems()) {
         return nullptr;
     }
@@ -102,9 +62,7 @@ PageViewerBase::PageItem PDFConuiunePagesViewer::FillScaleCache(Point ptCentre) 
         if (ToRect(pItem->screenRect).Contains(ptCentre)) {
             pAnchor = pItem;
         }
-        pItem->ForEachBlock([&](const ContinueViewerPageItemBlock& block) {
-            m_pScaleBitmapCache.Add(block.m_pBitmapSource);
-        });
+        FillScaleCache(*pItem);
     }
     return pAnchor;
 }
@@ -134,8 +92,7 @@ void PDFConuiunePagesViewer::MoveUnderCentre(const ContinueViewerPageItem& item,
     const Point ptNow = PageToDevice(item, ptPage);
     const float fMoveX = ptNow.X - ptCentre.X;
     const float fMoveY = ptNow.Y - ptCentre.Y;
-    PDFRenderTask task =
-        MakeTask(std::isfinite(fMoveY) ? fMoveY : 0.0, std::isfinite(fMoveX) ? fMoveX : 0.0);
+    PDFRenderTask task = MakeTask(FiniteOrZero(fMoveY), FiniteOrZero(fMoveX));
     ClampTaskOffset(*m_pPageItems, task);
     if (WouldEmptyScreen(task)) {
         MoveInSteps(task.dbOffsetY, task.dbOffsetX);
@@ -150,19 +107,6 @@ bool PDFConuiunePagesViewer::WouldEmptyScreen(const PDFRenderTask& task) const {
         const double dbTop = pItem->screenRect.dbOffsetY - task.dbOffsetY;
         return dbTop < m_dbScreenHeight && dbTop + pItem->screenRect.nHeight + kPageGap > 0.0;
     });
-}
-
-// The blocks take the grid of their true size, and are rendered.
-void PDFConuiunePagesViewer::CompleteZoom() {
-    if (!HasItems()) {
-        return;
-    }
-    TakeSnapshot();
-    RenewRenders();
-    for (const PageItem& pItem : *m_pPageItems) {
-        pItem->DividToBlock(CalcPageDavidBlock(*pItem));
-    }
-    StartVisibleRenders();
 }
 
 }

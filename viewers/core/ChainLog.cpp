@@ -20,4 +20,12 @@ bool WriteChainOutcome(const ChainTexts& texts) {
     return false;
 }
 
+bool WriteChainOutcome(const std::string& strWhere) {
+    const std::string strPlatform = strWhere + " Platform::Exception...\n";
+    const std::string strCanceled = strWhere + " concurrency::task_canceled...\n";
+    const std::string strOther = strWhere + " Exception...\n";
+    return WriteChainOutcome(
+        ChainTexts{strPlatform.c_str(), strCanceled.c_str(), strOther.c_str()});
+}
+
 }

@@ -4,6 +4,8 @@
 // Threads: any.
 #pragma once
 
+#include <string>
+
 namespace velko::vkit {
 
 struct ChainTexts {
@@ -15,5 +17,8 @@ struct ChainTexts {
 // Writes the text for the exception being handled; call it inside a handler.
 // True when that exception is the cancelled state.
 bool WriteChainOutcome(const ChainTexts& texts);
+
+// The same in the common words, after the place `strWhere` ("Class::Operation").
+bool WriteChainOutcome(const std::string& strWhere);
 
 }

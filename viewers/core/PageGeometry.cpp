@@ -1,6 +1,7 @@
 #include "viewers/core/PageGeometry.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "document/Utility.h"
 #include "platform/system/Environment.h"
@@ -58,6 +59,15 @@ DisplaySize CalcPageDisplaySize(const VLK_PageSize& size, std::int32_t nRotate,
         dbScale = FitScale(size, nRotate, screen, fWidth, fHeight);
     }
     return {static_cast<float>(fWidth * dbScale), static_cast<float>(fHeight * dbScale)};
+}
+
+double CalcWidthRatio(const VLK_PageSize& size, std::int32_t nRotate, const ScreenSize& screen) {
+    const bool bTurned = IsTurned(nRotate);
+    const double dbFitWidth = screen.dbWidth / (bTurned ? size.fHeight : size.fWidth);
+    const double dbFitPage =
+        std::min(dbFitWidth, screen.dbHeight / (bTurned ? size.fWidth : size.fHeight));
+    const double dbRatio = bTurned ? dbFitPage / dbFitWidth : dbFitWidth / dbFitPage;
+    return std::isfinite(dbRatio) ? dbRatio : 1.0;
 }
 
 Render_PageDavidBlock CalcBlockGrid(const Render_ScreenOffsetInfo& rc, const ScreenSize& screen) {

@@ -5,6 +5,7 @@
 // the display size asks for the device family and the logical DPI (UI thread).
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 
 #include "document/PageTable.h"
@@ -31,12 +32,22 @@ struct DisplaySize {
 DisplaySize CalcPageDisplaySize(const VLK_PageSize& size, std::int32_t nRotate,
                                 const ScreenSize& screen, double& dbScale);
 
+// How much larger than at the scale that shows a whole page of `size` points it
+// shows at the one that fills the screen's width; at least 1. For a page turned
+// by a quarter the quotient is the other way round, and at most 1. 1 where there
+// is nothing to compare.
+double CalcWidthRatio(const VLK_PageSize& size, std::int32_t nRotate, const ScreenSize& screen);
+
 // The grid whose blocks are between one and two screens on each side; at
 // least 1 by 1.
 Render_PageDavidBlock CalcBlockGrid(const Render_ScreenOffsetInfo& rc, const ScreenSize& screen);
 
 // Truncates a side to whole pixels; never negative, and bounded.
 std::int32_t TruncateSide(float fSide);
+
+inline double FiniteOrZero(double dbValue) {
+    return std::isfinite(dbValue) ? dbValue : 0.0;
+}
 
 inline bool IsTurned(std::int32_t nRotate) {
     return nRotate == 1 || nRotate == 3;

@@ -14,7 +14,6 @@
 
 namespace velko::vkit {
 
-using namespace Windows::Graphics; // the drawing interface, named without a prefix
 using Windows::Foundation::PropertyValue;
 
 namespace {
@@ -24,9 +23,7 @@ constexpr float kMinScaleOther = 1.0F;
 constexpr float kMaxScaleDesktop = 4.0F;
 constexpr float kMaxScaleOther = 6.0F;
 constexpr std::int32_t kQuarterTurns = 4;
-
-constexpr float kSurroundGrey = 0.8784314F;
-constexpr D2D_COLOR_F kSurround = {kSurroundGrey, kSurroundGrey, kSurroundGrey, 1.0F};
+constexpr std::int32_t kWholePage = 1; // the zoom mode that fits both sides
 
 constexpr BlockColors kNightColors = {0xFF000000U, 0xFFFFFFFFU};
 
@@ -34,11 +31,11 @@ constexpr BlockColors kNightColors = {0xFF000000U, 0xFFFFFFFFU};
 
 PageViewerBase::PageViewerBase(std::weak_ptr<IViewerOwner> wkOwner,
                                std::shared_ptr<VLK_Document> pDocument,
-                               std::shared_ptr<PDFViewCanvas> pCanvas, const ScreenTexts& texts)
+                               std::shared_ptr<PDFViewCanvas> pCanvas, const ViewerTraits& traits)
     : m_pDocument(std::move(pDocument)),
       m_pCanvas(std::move(pCanvas)),
       m_wkOwner(std::move(wkOwner)),
-      m_texts(texts),
+      m_traits(traits),
       m_pDispatcher(Platform::Environment()->MainDispatcher()),
       m_crPageBackground(AppConfig::PageBackgroundColor()),
       m_crPageForeground(AppConfig::PageForegroundColor()) {
@@ -61,6 +58,7 @@ void PageViewerBase::CloseViewer() {
     m_pScaleBitmapCache.Clear();
     EndSnapshot();
     m_ctsRender.Renew();
+    m_ctsDestination.Renew();
 }
 
 void PageViewerBase::Dispose() {
@@ -89,20 +87,6 @@ void PageViewerBase::DropItems() {
     }
     m_pPageItems->clear();
     ++m_nLayoutVersion;
-}
-
-bool PageViewerBase::PutOff(std::function<void(PageViewerBase&)> fnOperation) {
-    if (!m_bAskingSize) {
-        return false;
-    }
-    m_pDispatcher->RunAsync(concurrency::priority::normal,
-                            [wkSelf = weak_from_this(), fnOperation = std::move(fnOperation)] {
-                                const auto pSelf = wkSelf.lock();
-                                if (pSelf && !pSelf->m_bDisposed) {
-                                    fnOperation(*pSelf);
-                                }
-                            });
-    return true;
 }
 
 // --- facts ---
@@ -168,6 +152,20 @@ void PageViewerBase::RefreshScreenSize() {
 
 PageViewerBase::Rect PageViewerBase::ScreenRect() const {
     return {0.0F, 0.0F, static_cast<float>(m_dbScreenWidth), static_cast<float>(m_dbCanvasHeight)};
+}
+
+// The old size is the layout's, which may have been narrowed.
+bool PageViewerBase::KeepsOrientation() const {
+    const double dbWidth = CanvasWidth();
+    const double dbHeight = CanvasHeight();
+    return (m_dbScreenHeight > m_dbScreenWidth && dbHeight > dbWidth) ||
+           (m_dbScreenHeight < m_dbScreenWidth && dbHeight < dbWidth);
+}
+
+PageViewerBase::PageItem PageViewerBase::MakeItem(std::int32_t nPageIndex,
+                                                  const PDFRenderTask& task) {
+    return std::make_shared<ViewerPageItem>(std::weak_ptr<IPageItemHost>(shared_from_this()),
+                                            nPageIndex, task.dbScale, task.nRotate);
 }
 
 PageViewerBase::PageItem PageViewerBase::FindItem(std::int32_t nPageIndex) const {
@@ -277,6 +275,14 @@ void PageViewerBase::SetScale(float fScale) {
     m_fScale = fScale <= fMax ? fScale : fMax; // the limit also for what is no number
 }
 
+float PageViewerBase::AskFitScale() {
+    double dbFit = m_fScale;
+    if (const auto pOwner = Owner()) {
+        WhileAsking([&] { dbFit = pOwner->GetFitScale(kWholePage); });
+    }
+    return static_cast<float>(dbFit);
+}
+
 std::int32_t PageViewerBase::GetRotate() {
     ThrowIfDisposed();
     return m_nRotate;
@@ -340,73 +346,6 @@ void PageViewerBase::SetPageColors(Color background, Color foreground) {
     SetPageBackgroundColor(background);
     SetPageForegroundColor(foreground);
     RedrawScreen();
-}
-
-// --- frames ---
-
-void PageViewerBase::PaintCanvas() {
-    const auto pCanvas = m_pCanvas;
-    if (pCanvas && m_pPageItems) {
-        pCanvas->RenderViewer(*this);
-    }
-}
-
-void PageViewerBase::UpdateViewer() {
-    ThrowIfDisposed();
-    PaintCanvas();
-}
-
-void PageViewerBase::ClearCanvas(const std::shared_ptr<WPRenderDC>& pDc) {
-    ThrowIfDisposed();
-    if (!pDc || !pDc->m_pContext) {
-        return;
-    }
-    pDc->m_pContext->BeginDraw();
-    pDc->m_pContext->Clear(kSurround);
-    pDc->m_pContext->EndDraw();
-}
-
-void PageViewerBase::ClearScreen() {
-    ThrowIfDisposed();
-    if (const auto pCanvas = m_pCanvas) {
-        pCanvas->ClearViewer(*this);
-    }
-}
-
-void PageViewerBase::DrawBackdrop(ID2D1DeviceContext& context) const {
-    if (!IsSnapshotShown()) {
-        context.Clear(kSurround);
-        return;
-    }
-    const D2D_SIZE_U size = m_pScaleSnapshot->GetPixelSize();
-    const D2D_RECT_F rc = {0.0F, 0.0F, static_cast<float>(size.width),
-                           static_cast<float>(size.height)};
-    context.DrawBitmap(m_pScaleSnapshot, rc, 1.0F, D2D1_INTERPOLATION_MODE::NEAREST_NEIGHBOR, rc);
-}
-
-bool PageViewerBase::IsSnapshotShown() const {
-    return m_bShowScaleSnapshot && m_pScaleSnapshot && m_pScaleSnapshot->IsDeviceAlive();
-}
-
-// Without a snapshot the pages show blank until they are rendered; that is no
-// reason to fail a zoom.
-void PageViewerBase::TakeSnapshot() {
-    m_bShowScaleSnapshot = true;
-    m_pScaleSnapshot.reset();
-    const auto pTarget = m_pCanvas ? m_pCanvas->TargetBitmap() : nullptr;
-    if (!pTarget) {
-        return;
-    }
-    try {
-        m_pScaleSnapshot = m_pCanvas->CopyTarget(pTarget);
-    } catch (const Platform::Exception&) {
-        Platform::Debug::OutputDebugString("the frame before a zoom could not be kept\n");
-    }
-}
-
-void PageViewerBase::EndSnapshot() {
-    m_bShowScaleSnapshot = false;
-    m_pScaleSnapshot.reset();
 }
 
 // --- grids ---

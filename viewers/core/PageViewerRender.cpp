@@ -4,6 +4,7 @@
 #include "document/VLK_Document.h"
 #include "platform/system/Debug.h"
 #include "platform/ui/CoreDispatcher.h"
+#include "viewers/core/ChainLog.h"
 #include "viewers/core/PageViewerBase.h"
 
 namespace velko::vkit {
@@ -21,11 +22,13 @@ void PageViewerBase::StartRenders(bool bUseCacheOnly) {
     for (const PageItem& pItem : *m_pPageItems) {
         if (pItem->HasBlocks()) {
             renders.push_back(pItem->RenderViewerPage(bUseCacheOnly));
-        } else {
-            Platform::Debug::OutputDebugString("RenderScreenBitmapSync error\n");
+        } else if (m_traits.szNothingToRender) {
+            Platform::Debug::OutputDebugString(m_traits.szNothingToRender);
         }
     }
-    FinishRenders(std::move(renders), m_texts.renderScreen);
+    if (!bUseCacheOnly || m_traits.bStepEndsSnapshot) {
+        FinishRenders(std::move(renders), m_traits.szRenderOperation);
+    }
 }
 
 void PageViewerBase::StartVisibleRenders() {
@@ -37,7 +40,7 @@ void PageViewerBase::StartVisibleRenders() {
             }
         }
     }
-    FinishRenders(std::move(renders), m_texts.renderScreen);
+    FinishRenders(std::move(renders), m_traits.szRenderOperation);
 }
 
 void PageViewerBase::RedrawScreen() {
@@ -54,7 +57,7 @@ void PageViewerBase::RedrawScreen() {
             Platform::Debug::OutputDebugString("RedrawScreen error\n");
         }
     }
-    FinishRenders(std::move(renders), m_texts.redrawScreen);
+    FinishRenders(std::move(renders), "RedrawScreen");
 }
 
 void PageViewerBase::UpdatePageAfterAnnotEdit(std::int32_t nPageIndex) {
@@ -71,7 +74,7 @@ void PageViewerBase::UpdatePageAfterAnnotEdit(std::int32_t nPageIndex) {
             Platform::Debug::OutputDebugString("RedrawScreen error\n");
         }
     }
-    FinishRenders(std::move(renders), m_texts.annotEdit);
+    FinishRenders(std::move(renders), "UpdatePageAfterAnnotEdit");
 }
 
 void PageViewerBase::CancelRender() {
@@ -92,16 +95,20 @@ void PageViewerBase::OnDeviceRemade() {
     }
 }
 
-void PageViewerBase::FinishRenders(std::vector<task<void>> renders, const ChainTexts& texts) {
+std::string PageViewerBase::LogPlace(const char* szOperation) const {
+    return std::string(m_traits.szClass) + "::" + szOperation;
+}
+
+void PageViewerBase::FinishRenders(std::vector<task<void>> renders, const char* szOperation) {
     if (!renders.empty()) {
-        FinishWhenRendered(std::move(renders), m_ctsRender.Token(), texts);
+        FinishWhenRendered(std::move(renders), m_ctsRender.Token(), szOperation);
     }
 }
 
 // A failure of one page does not keep the others from the screen; what was
 // cancelled is the affair of whoever cancelled it.
 task<void> PageViewerBase::FinishWhenRendered(std::vector<task<void>> renders,
-                                              cancellation_token token, const ChainTexts& texts) {
+                                              cancellation_token token, const char* szOperation) {
     const auto pSelf = shared_from_this();
     const auto pDispatcher = m_pDispatcher;
     bool bCanceled = false;
@@ -111,7 +118,7 @@ task<void> PageViewerBase::FinishWhenRendered(std::vector<task<void>> renders,
         const task<void> rendered = concurrency::when_all(std::move(renders), token);
         co_await rendered;
     } catch (...) {
-        bCanceled = WriteChainOutcome(texts);
+        bCanceled = WriteChainOutcome(LogPlace(szOperation));
     }
     if (bCanceled || token.is_canceled()) {
         co_return;
@@ -120,7 +127,7 @@ task<void> PageViewerBase::FinishWhenRendered(std::vector<task<void>> renders,
         EndSnapshot();
         PaintCanvas();
     } catch (...) {
-        WriteChainOutcome(texts);
+        WriteChainOutcome(LogPlace(szOperation));
     }
 }
 
