@@ -10,12 +10,14 @@
 #include "platform/system/Environment.h"
 #include "platform/ui/CoreDispatcher.h"
 #include "viewers/continuous/PDFConuiunePagesViewer.h"
+#include "viewers/single/PDFSinglePagesViewer.h"
 
 namespace velko::vkit {
 
 namespace {
 
 constexpr std::int32_t kContinuous = 1;
+constexpr std::int32_t kSinglePage = 2;
 
 bool Holds(const std::vector<std::int32_t>& pages, std::int32_t nPage) {
     return std::find(pages.begin(), pages.end(), nPage) != pages.end();
@@ -85,10 +87,24 @@ void PDFViewerManager::ChangeViewer(std::int32_t nMode,
         SetViewer(nullptr);
         pOld->CloseViewer();
     }
-    if (nMode == kContinuous) {
-        SetViewer(std::make_shared<PDFConuiunePagesViewer>(std::weak_ptr<IViewerOwner>(Control()),
-                                                           pDocument, pCanvas));
+    if (auto pNew = MakeViewer(nMode, pDocument, pCanvas)) {
+        SetViewer(std::move(pNew));
         m_wkViewerDocument = pDocument;
+    }
+}
+
+// Empty for a mode that there is not.
+std::shared_ptr<IPDFViewer> PDFViewerManager::MakeViewer(
+    std::int32_t nMode, const std::shared_ptr<VLK_Document>& pDocument,
+    const std::shared_ptr<PDFViewCanvas>& pCanvas) const {
+    const std::weak_ptr<IViewerOwner> wkOwner = Control();
+    switch (nMode) {
+        case kContinuous:
+            return std::make_shared<PDFConuiunePagesViewer>(wkOwner, pDocument, pCanvas);
+        case kSinglePage:
+            return std::make_shared<PDFSinglePagesViewer>(wkOwner, pDocument, pCanvas);
+        default:
+            return nullptr;
     }
 }
 

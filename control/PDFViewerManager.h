@@ -3,7 +3,7 @@
 //
 // Lifetime: made by `VelkoViewControl`, which it knows weakly; a viewer that is
 // left in a manager that goes is disposed of in the UI thread's next turn.
-// Layout modes: 1 continuous; any other has no viewer.
+// Layout modes: 1 continuous, 2 single page; any other has no viewer.
 // Threads: UI thread only. Units: as `IPDFViewer` says.
 // Errors: a failing viewer operation raises, and no page event follows it; a
 // viewer that outlived its document may fail for that without anybody hearing. A
@@ -65,6 +65,9 @@ public:
 private:
     using Pages = std::vector<std::int32_t>;
 
+    std::shared_ptr<IPDFViewer> MakeViewer(std::int32_t nMode,
+                                           const std::shared_ptr<VLK_Document>& pDocument,
+                                           const std::shared_ptr<PDFViewCanvas>& pCanvas) const;
     template <class F>
     void TrackPages(F fnOperation);
     void RaisePageEvents(const std::shared_ptr<IPDFViewer>& pViewer, const Pages& before,
