@@ -1,6 +1,7 @@
 // Points and rectangles between the screen and the pages laid out.
 #include "settings/AppConfig.h"
 #include "tests/viewers/ViewerFixture.h"
+#include "viewers/continuous/PDFConuiunePagesViewer.h"
 
 namespace velko::testing {
 

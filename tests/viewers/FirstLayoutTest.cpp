@@ -257,7 +257,7 @@ TEST_F(FirstLayoutTest, EveryOperationEndsWithTheViewer) {
     w.Viewer().Dispose();
     w.Viewer().Dispose();
     Windows::Foundation::Collections::PropertySet values;
-    vkit::PDFConuiunePagesViewer& viewer = w.Viewer();
+    vkit::PageViewerBase& viewer = w.Viewer();
     const std::vector<std::function<void()>> operations = {
         [&] { viewer.PageScaled({}, 1, false, true); },
         [&] { viewer.MoveScreen(1, 1); },

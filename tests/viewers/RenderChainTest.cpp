@@ -291,7 +291,7 @@ TEST_F(RenderChainTest, ClosingWhileRendering) {
             } else {
                 w.Viewer().Dispose();
             }
-            std::weak_ptr<vkit::PDFConuiunePagesViewer> wkViewer = w.pViewer;
+            std::weak_ptr<vkit::PageViewerBase> wkViewer = w.pViewer;
             w.pViewer.reset();
             w.Settle();
             EXPECT_EQ(w.Frames(), nFrames);

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "settings/AppConfig.h"
+#include "viewers/continuous/PDFConuiunePagesViewer.h"
+#include "viewers/single/PDFSinglePagesViewer.h"
 
 namespace velko::testing {
 
@@ -58,10 +60,26 @@ void ViewerWorld::Make(std::vector<ScriptedPage> pages, float fWidth, float fHei
     pDocument =
         std::make_shared<vkit::VLK_Document>(bEmpty ? MakeEmptyDoc() : pEngine->MakeLoadedDoc());
     pDocument->SetOwner(pDocumentOwner);
-    pViewer = std::make_shared<vkit::PDFConuiunePagesViewer>(pOwner, pDocument, pCanvas);
+    MakeViewer();
     host.Dispatcher().RunAll();
     pEngine->ClearLog();
     pFactory->ClearCalls();
+}
+
+void ViewerWorld::MakeViewer() {
+    if (eLayout == Layout::Continuous) {
+        pViewer = std::make_shared<vkit::PDFConuiunePagesViewer>(pOwner, pDocument, pCanvas);
+    } else {
+        pViewer = std::make_shared<vkit::PDFSinglePagesViewer>(pOwner, pDocument, pCanvas);
+    }
+}
+
+void ViewerWorld::Exchange(Layout eNext) {
+    const std::int32_t nPage = pViewer->GetCurrentPageIndex();
+    pViewer->CloseViewer();
+    SetLayout(eNext);
+    MakeViewer();
+    pViewer->InitLayOut(nPage, 1.0, 0.0, 0.0);
 }
 
 void ViewerWorld::Open(std::vector<ScriptedPage> pages, float fWidth, float fHeight,

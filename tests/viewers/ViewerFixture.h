@@ -1,4 +1,4 @@
-// A continuous viewer over the scripted engine, on the recording device.
+// A viewer over the scripted engine, on the recording device.
 //
 // One point is one pixel at scale 1.0. The pool and the dispatcher are stepped
 // by hand, so nothing renders until a test lets it.
@@ -16,7 +16,7 @@
 #include "platform/fake/TestHost.h"
 #include "surface/PDFViewCanvas.h"
 #include "tests/support/scripted_engine/ScriptedEngine.h"
-#include "viewers/continuous/PDFConuiunePagesViewer.h"
+#include "viewers/core/PageViewerBase.h"
 
 namespace velko::testing {
 
@@ -72,6 +72,8 @@ public:
     std::function<void(std::int32_t)> fnLoaded;
 };
 
+enum class Layout { Continuous, Single };
+
 class ViewerWorld {
 public:
     explicit ViewerWorld(Platform::Fake::TestHost::ManualPool kind = {});
@@ -80,13 +82,20 @@ public:
     ViewerWorld(const ViewerWorld&) = delete;
     ViewerWorld& operator=(const ViewerWorld&) = delete;
 
+    // The viewer that is made next; continuous unless told.
+    void SetLayout(Layout eNext) { eLayout = eNext; }
+    Layout LaidOutAs() const { return eLayout; }
     // Makes document, canvas and viewer; nothing is laid out yet.
     void Make(std::vector<ScriptedPage> pages, float fWidth, float fHeight, float fScaleX = 1.0F,
               float fScaleY = 1.0F);
     // As `Make`, and lays the page out.
     void Open(std::vector<ScriptedPage> pages, float fWidth, float fHeight, std::int32_t nPage = 0);
 
-    vkit::PDFConuiunePagesViewer& Viewer() { return *pViewer; }
+    // Another viewer of the same document on the same canvas, as a change of the
+    // layout mode makes it.
+    void Exchange(Layout eNext);
+
+    vkit::PageViewerBase& Viewer() { return *pViewer; }
     Platform::Fake::RecordingGraphicsFactory& Device() { return *pFactory; }
     void Resize(float fWidth, float fHeight) { pPanel->Arrange({fWidth, fHeight}); }
     void SetFamily(const char* szFamily) { host.Environment().SetDeviceFamily(szFamily); }
@@ -112,10 +121,13 @@ public:
     std::shared_ptr<vkit::VLK_Document> pDocument;
     std::shared_ptr<TestOwner> pOwner = std::make_shared<TestOwner>();
     std::shared_ptr<TestDocumentOwner> pDocumentOwner = std::make_shared<TestDocumentOwner>();
-    std::shared_ptr<vkit::PDFConuiunePagesViewer> pViewer;
+    std::shared_ptr<vkit::PageViewerBase> pViewer;
 
 private:
     void Start();
+    void MakeViewer();
+
+    Layout eLayout = Layout::Continuous;
 };
 
 class ViewerTest : public ::testing::Test {

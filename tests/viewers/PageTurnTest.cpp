@@ -1,0 +1,363 @@
+// Turning pages in the viewer of single pages: drags, neighbours, releases.
+#include <cmath>
+#include <limits>
+#include <optional>
+
+#include "tests/viewers/ViewerFixture.h"
+
+namespace velko::testing {
+
+namespace {
+
+struct Drag {
+    double dbX;
+    double dbY = 0.0;
+};
+
+struct Turn {
+    const char* szWhat;
+    const char* szFamily;
+    float fPageWidth; // points; a scale of 1.0 shows them as pixels but on the mobile
+    float fPageHeight;
+    std::int32_t nPage; // of five
+    std::vector<Drag> drags;
+    std::optional<double> dbRelease; // the whole drag
+    Places expected;
+};
+
+constexpr const char* kDesktop = "Windows.Desktop";
+constexpr const char* kMobile = "Windows.Mobile";
+constexpr const char* kOther = "Windows.Holographic";
+
+const Turn kTurns[] = {
+    {"a gap brings the next page",
+     kDesktop,
+     300,
+     500,
+     1,
+     {{10}},
+     {},
+     {{1, -10, 0, 300, 500}, {2, 300, 0, 300, 500}}},
+    {"the strip moves as one",
+     kDesktop,
+     300,
+     500,
+     1,
+     {{10}, {40}},
+     {},
+     {{1, -50, 0, 300, 500}, {2, 260, 0, 300, 500}}},
+    {"the page before stands outside on the left",
+     kOther,
+     300,
+     500,
+     2,
+     {{-10}, {-90}},
+     {},
+     {{1, -210, 0, 300, 500}, {2, 100, 0, 300, 500}}},
+    {"one step back is a screen at most",
+     kDesktop,
+     300,
+     500,
+     2,
+     {{-10}, {-900}},
+     {},
+     {{1, 0, 0, 300, 500}, {2, 300, 0, 300, 500}}},
+    {"nothing before the first page", kDesktop, 300, 500, 0, {{-30}}, -30, {{0, 0, 0, 300, 500}}},
+    {"nothing beyond the last page", kOther, 300, 500, 4, {{30}}, 30, {{4, 0, 0, 300, 500}}},
+    {"a narrow last page stays centred",
+     kDesktop,
+     100,
+     200,
+     4,
+     {{30}},
+     {},
+     {{4, 100, 150, 100, 200}}},
+    {"a narrow page turns once its left edge is reached",
+     kDesktop,
+     100,
+     200,
+     1,
+     {{99}, {1}},
+     {},
+     {{1, 0, 150, 100, 200}, {2, 300, 150, 100, 200}}},
+    {"a narrow page turns back once its right edge is",
+     kDesktop,
+     100,
+     200,
+     1,
+     {{-99}, {-1}},
+     {},
+     {{0, -100, 150, 100, 200}, {1, 200, 150, 100, 200}}},
+    {"several pages in one drag",
+     kDesktop,
+     300,
+     500,
+     0,
+     {{100}, {200}, {100}, {200}, {100}, {250}},
+     {},
+     {{2, -300, 0, 300, 500}, {3, 0, 0, 300, 500}}},
+    {"a move longer than the page brings the next one in",
+     kDesktop,
+     300,
+     500,
+     1,
+     {{5000}},
+     {},
+     {{1, -5000, 0, 300, 500}, {2, 0, 0, 300, 500}}},
+    {"a page of its own height moves down, not off",
+     kDesktop,
+     300,
+     700,
+     1,
+     {{0, 150}, {0, 900}, {0, -30}},
+     {},
+     {{1, 0, -170, 300, 700}}},
+
+    {"more than half of the page turns",
+     kDesktop,
+     300,
+     500,
+     1,
+     {{10}, {141}},
+     151,
+     {{2, 0, 0, 300, 500}}},
+    {"exactly half of it does not",
+     kDesktop,
+     300,
+     500,
+     1,
+     {{10}, {140}},
+     150,
+     {{1, 0, 0, 300, 500}}},
+    {"a whole screen's drag turns wherever the pages are",
+     kDesktop,
+     300,
+     500,
+     1,
+     {{10}},
+     300,
+     {{2, 0, 0, 300, 500}}},
+    {"and back", kMobile, 300, 500, 2, {{-10}, {-5}}, -300, {{1, 0, 0, 300, 500}}},
+    {"half of the screen turns back",
+     kOther,
+     300,
+     500,
+     2,
+     {{-10}, {-150}},
+     -160,
+     {{1, 0, 0, 300, 500}}},
+    {"a neighbour that has not come in goes",
+     kDesktop,
+     300,
+     500,
+     2,
+     {{-10}},
+     -10,
+     {{2, 0, 0, 300, 500}}},
+    {"on the mobile too", kMobile, 300, 500, 2, {{-10}}, -10, {{2, 0, 0, 300, 500}}},
+    {"a narrow page goes back to the middle",
+     kOther,
+     100,
+     200,
+     1,
+     {{30}},
+     30,
+     {{1, 90, 130, 120, 240}}},
+    {"a page fitted to the width turns as it stands",
+     kMobile,
+     100,
+     500,
+     1,
+     {{150}, {200}},
+     350,
+     {{2, 0, 0, 300, 1500}}},
+
+    {"a wide page turns at its right edge only",
+     kDesktop,
+     700,
+     500,
+     1,
+     {{400}},
+     400,
+     {{1, -400, 0, 700, 500}}},
+    {"there a gap brings the next one",
+     kDesktop,
+     700,
+     500,
+     1,
+     {{400}, {50}},
+     {},
+     {{1, -450, 0, 700, 500}, {2, 300, 0, 700, 500}}},
+    {"which leaves with the edge pinned",
+     kDesktop,
+     700,
+     500,
+     1,
+     {{400}, {50}, {20}, {-80}},
+     {},
+     {{1, -400, 0, 700, 500}, {2, 300, 0, 700, 500}}},
+    {"and is gone after",
+     kDesktop,
+     700,
+     500,
+     1,
+     {{400}, {50}, {20}, {-80}, {-30}},
+     {},
+     {{1, -370, 0, 700, 500}}},
+    {"the next wide page stands at its left edge",
+     kOther,
+     700,
+     500,
+     1,
+     {{400}, {50}},
+     450,
+     {{2, 0, 0, 700, 500}}},
+    {"a wide last page stops at its right edge",
+     kOther,
+     700,
+     500,
+     4,
+     {{300}, {300}},
+     300,
+     {{4, -400, 0, 700, 500}}},
+    {"a wide first page returns to its left edge",
+     kDesktop,
+     700,
+     500,
+     0,
+     {{50}, {-90}},
+     -40,
+     {{0, 0, 0, 700, 500}}},
+};
+
+class PageTurnTest : public ViewerTest {
+protected:
+    PageTurnTest() { w.SetLayout(Layout::Single); }
+    std::size_t LiveBlocks() const {
+        return w.CountBlocks([](const vkit::BlockState& b) { return b.bHasBitmap; });
+    }
+    void MoveX(double dbX) { w.Viewer().MoveScreen(0.0, dbX); }
+};
+
+TEST_F(PageTurnTest, WhereDragsAndReleasesLeadTo) {
+    for (const Turn& turn : kTurns) {
+        SCOPED_TRACE(turn.szWhat);
+        w.SetFamily(turn.szFamily);
+        w.Open(MakePages(5, turn.fPageWidth, turn.fPageHeight), 300, 500, turn.nPage);
+        for (const Drag& drag : turn.drags) {
+            w.Viewer().MoveScreen(drag.dbY, drag.dbX);
+        }
+        if (turn.dbRelease) {
+            w.Viewer().AlignPageAfterScroll(0.0, *turn.dbRelease);
+        }
+        EXPECT_EQ(w.Laid(), turn.expected);
+        w.Settle();
+        EXPECT_EQ(static_cast<std::size_t>(w.Device().LiveBitmaps()), LiveBlocks());
+        EXPECT_EQ(w.CountBlocks([](const auto& b) { return b.bIsDisplay && !b.bHasBitmap; }), 0U);
+    }
+}
+
+TEST_F(PageTurnTest, AReleaseOfPagesAtExactlyHalfKeepsBoth) {
+    std::vector<ScriptedPage> pages = MakePages(4, 300, 500);
+    pages[1] = MakePage(250, 500);
+    w.Open(pages, 300, 500, 2);
+    MoveX(-10);
+    MoveX(-140);
+    ASSERT_EQ(w.Laid(), (Places{{1, -110, 0, 250, 500}, {2, 150, 0, 300, 500}}));
+    w.Viewer().AlignPageAfterScroll(0, -150);
+    EXPECT_EQ(w.Laid(), (Places{{1, 25, 0, 250, 500}, {2, 150, 0, 300, 500}}));
+    w.Viewer().AlignPageAfterScroll(0, 0);
+    EXPECT_EQ(w.Laid(), (Places{{1, 25, 0, 250, 500}}));
+}
+
+TEST_F(PageTurnTest, TheCurrentPageIsTheOneInItsPlaceElseTheLast) {
+    w.Open(MakePages(5, 300, 500), 300, 500, 2);
+    EXPECT_FALSE(w.host.DebugContains("EnumPageLeft"));
+    MoveX(-10);
+    EXPECT_EQ(w.host.CountDebug("EnumPageLeft\n"), 1U);
+    EXPECT_EQ(w.Viewer().GetCurrentPageIndex(), 2);
+    MoveX(-300);
+    EXPECT_EQ(w.Viewer().GetVisiblePages(), (std::vector<std::int32_t>{1, 2}));
+    EXPECT_EQ(w.Viewer().GetCurrentPageIndex(), 1);
+    MoveX(40);
+    EXPECT_EQ(w.Viewer().GetPagePosition()->nPageIndex, 2); // page 1 hangs out, and goes
+    EXPECT_EQ(w.Laid(), (Places{{2, 260, 0, 300, 500}}));
+    EXPECT_EQ(w.Viewer().GetCurrentPageIndex(), 2);
+}
+
+TEST_F(PageTurnTest, AGapIsDrawnThatTheLayoutDoesNotKnow) {
+    w.Open(MakePages(5, 300, 500), 300, 500, 1);
+    w.Settle();
+    MoveX(10);
+    MoveX(90);
+    w.Settle();
+    const auto frame = w.Device().FrontImage();
+    EXPECT_EQ(frame.At(199, 100), PatternColor(1, {299.5F, 399.5F}));
+    EXPECT_EQ(frame.At(212, 100), 0xFFE0E0E0U); // between the pages
+    EXPECT_EQ(frame.At(224, 100), 0xFFE0E0E0U); // page 2 stands at 210 and is drawn at 225
+    EXPECT_EQ(frame.At(225, 100), PatternColor(2, {0.5F, 399.5F}));
+    EXPECT_EQ(w.Viewer().GetPageIndexAtPoint({212, 100}), 2);
+}
+
+TEST_F(PageTurnTest, BothPagesRenderAndTheOldOneKeepsNothing) {
+    w.Open(MakePages(5, 300, 500), 300, 500, 1);
+    w.Settle();
+    MoveX(10);
+    MoveX(200);
+    w.Settle();
+    EXPECT_EQ(LiveBlocks(), 2U);
+    w.Viewer().AlignPageAfterScroll(0, 210);
+    w.Settle();
+    EXPECT_EQ(w.Device().LiveBitmaps(), 1);
+    MoveX(-10);
+    MoveX(-200);
+    w.Settle();
+    EXPECT_EQ(w.Renders(1), 2); // anew: nothing was kept
+}
+
+TEST_F(PageTurnTest, MovesThatAreNoneAndHandlersThatInterfere) {
+    w.Open(MakePages(9, 300, 500), 300, 500, 4);
+    for (const double dbX : {std::nan(""), std::numeric_limits<double>::infinity()}) {
+        w.Viewer().MoveScreen(-dbX, dbX);
+        w.Viewer().AlignPageAfterScroll(dbX, dbX);
+        EXPECT_EQ(w.Laid(), (Places{{4, 0, 0, 300, 500}}));
+    }
+    // A handler that turns on while the neighbour is first measured waits its turn.
+    w.pDocumentOwner->fnLoaded = [this](std::int32_t) { w.Viewer().GotoPage(8); };
+    MoveX(10);
+    EXPECT_EQ(w.Laid().size(), 2U);
+    w.pDocumentOwner->fnLoaded = nullptr;
+    w.Settle();
+    EXPECT_EQ(w.Laid(), (Places{{8, 0, 0, 300, 500}}));
+    // One that closes the viewer in the frame of a release leaves nothing behind.
+    MoveX(-10);
+    w.pOwner->fnDrawn = [this](std::int32_t) { w.Viewer().CloseViewer(); };
+    w.Viewer().AlignPageAfterScroll(0, -300);
+    w.pOwner->fnDrawn = nullptr;
+    w.Settle();
+    EXPECT_TRUE(w.Laid().empty());
+    EXPECT_EQ(w.Device().LiveBitmaps(), 0);
+    w.Viewer().MoveScreen(0, 10);
+    w.Viewer().PageScaled({1, 1}, 2, false, true);
+    w.Viewer().InvaildateLayout();
+    w.Viewer().RotateViewer(1);
+    EXPECT_TRUE(w.Laid().empty());
+}
+
+TEST_F(PageTurnTest, AScaledPageFollowsAPointWithinItsEdgesOnly) {
+    w.Open(MakePages(5, 700, 900), 300, 500, 1);
+    w.Viewer().PageScaled({0, 0}, 2.0, false, true);
+    ASSERT_EQ(w.Laid(), (Places{{1, 0, 0, 1400, 1800}}));
+    w.Viewer().PageSizeChanged(250, 100);
+    EXPECT_EQ(w.Laid(), (Places{{1, -250, -100, 1400, 1800}}));
+    w.Viewer().PageSizeChanged(4000, 9000);
+    EXPECT_EQ(w.Laid(), (Places{{1, -1100, -1300, 1400, 1800}}));
+    w.Viewer().GotoPage(3);
+    w.Viewer().PageScaled({0, 0}, 1.0, false, true);
+    w.Viewer().PageSizeChanged(250, 100); // at scale 1.0 it goes down alone
+    EXPECT_EQ(w.Laid(), (Places{{3, 0, -100, 700, 900}}));
+}
+
+}
+
+}
