@@ -135,13 +135,16 @@ TEST_F(ZoomTest, ADocumentLowerThanTheScreenStaysAtTheTop) {
 }
 
 TEST_F(ZoomTest, OutOnTheLastPageStandsAtTheBottom) {
-    w.Open(MakePages(9, 400, 400), 400, 500);
-    w.Viewer().GotoPage(8);
-    ASSERT_EQ(w.Laid().back(), (Place{8, 0, 100, 400, 400}));
-    Zoom({200, 499}, 0.5, true);
-    EXPECT_EQ(
-        w.Laid(),
-        (Places{{6, 100, -130.5, 200, 200}, {7, 100, 84.5, 200, 200}, {8, 100, 299.5, 200, 200}}));
+    for (const float fY : {499.0F, 300.0F, 120.0F, 10.0F}) {
+        w.Open(MakePages(9, 400, 400), 400, 500);
+        w.Viewer().GotoPage(8);
+        ASSERT_EQ(w.Laid().back(), (Place{8, 0, 100, 400, 400}));
+        Zoom({200, fY}, 0.5, true);
+        EXPECT_EQ(
+            w.Laid(),
+            (Places{{6, 100, -130, 200, 200}, {7, 100, 85, 200, 200}, {8, 100, 300, 200, 200}}))
+            << "around " << fY;
+    }
 }
 
 TEST_F(ZoomTest, ACentreInAGapKeepsThePagesNextToIt) {

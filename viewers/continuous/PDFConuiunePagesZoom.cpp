@@ -47,7 +47,7 @@ bool PDFConuiunePagesViewer::Zoom(Point ptCentre, double dbScale, bool isScrollC
         return false;
     }
     MoveUnderCentre(*pAnchor, ptPage, ptCentre);
-    PinFirstPage();
+    PinEnds();
     ShowZoomStep(isScrollComplete);
     return true;
 }
