@@ -43,7 +43,7 @@ public:
 
     bool HasKey(const std::string& strKey) const override {
         bool bThere = false;
-        m_pStore->Use([&](SqliteConnection& connection) {
+        m_pStore->Read([&](SqliteConnection& connection) {
             auto select = connection.Prepare("SELECT 1 FROM setting WHERE container=?1 AND key=?2");
             bThere = select.Bind(1, m_strContainer).Bind(2, strKey).Step();
         });
@@ -52,7 +52,7 @@ public:
 
     std::optional<PropertyValue> TryLookup(const std::string& strKey) const override {
         std::optional<PropertyValue> value;
-        m_pStore->Use([&](SqliteConnection& connection) {
+        m_pStore->Read([&](SqliteConnection& connection) {
             auto select =
                 connection.Prepare("SELECT type, value FROM setting WHERE container=?1 AND key=?2");
             if (select.Bind(1, m_strContainer).Bind(2, strKey).Step()) {
@@ -80,7 +80,7 @@ public:
     }
 
     void Remove(const std::string& strKey) override {
-        m_pStore->Use([&](SqliteConnection& connection) {
+        m_pStore->Read([&](SqliteConnection& connection) {
             auto remove = connection.Prepare("DELETE FROM setting WHERE container=?1 AND key=?2");
             remove.Bind(1, m_strContainer).Bind(2, strKey).Run();
         });
@@ -103,26 +103,15 @@ public:
     std::shared_ptr<ApplicationDataContainer> CreateContainer(
         const std::string& strName, ApplicationDataCreateDisposition eDisposition) override {
         const std::string strPath = m_strPath + "/" + Escaped(strName);
-        m_pStore->Use([&](SqliteConnection& connection) {
-            if (Exists(connection, strPath)) {
-                return;
-            }
-            if (eDisposition == ApplicationDataCreateDisposition::Existing) {
-                throw Platform::FileNotFoundException("no container " + strName);
-            }
-            connection.Prepare("INSERT OR IGNORE INTO container(path) VALUES(?1)")
-                .Bind(1, strPath)
-                .Run();
-        });
+        if (eDisposition == ApplicationDataCreateDisposition::Always) {
+            m_pStore->AddContainer(strPath);
+        } else if (!m_pStore->HasContainer(strPath)) {
+            throw Platform::FileNotFoundException("no container " + strName);
+        }
         return std::make_shared<Container>(m_pStore, strPath);
     }
 
 private:
-    static bool Exists(SqliteConnection& connection, const std::string& strPath) {
-        auto select = connection.Prepare("SELECT 1 FROM container WHERE path=?1");
-        return select.Bind(1, strPath).Step();
-    }
-
     // A name may hold the character that stands between names.
     static std::string Escaped(const std::string& strName) {
         std::string strEscaped;
@@ -154,7 +143,7 @@ public:
 
     std::vector<AccessListEntry> Entries() const override {
         std::vector<AccessListEntry> entries;
-        m_pStore->Use([&](SqliteConnection& connection) {
+        m_pStore->Read([&](SqliteConnection& connection) {
             entries.clear();
             auto select =
                 connection.Prepare("SELECT token, metadata FROM recent ORDER BY rank DESC");
@@ -176,7 +165,7 @@ public:
     }
 
     void Remove(const std::string& strToken) override {
-        m_pStore->Use([&](SqliteConnection& connection) {
+        m_pStore->Read([&](SqliteConnection& connection) {
             connection.Prepare("DELETE FROM recent WHERE token=?1").Bind(1, strToken).Run();
         });
     }

@@ -1,10 +1,9 @@
 // The application's own folder and its settings.
 //
-// Settings live in one SQLite file in the local folder. A value is stored when
-// `Insert` returns. Two processes may have the store open. A store that cannot
-// be read is set aside (its name gets ".corrupt" and a number), a line goes to
-// the debug output, and a new one is begun.
-// Threads: any.
+// Settings live in one SQLite file in the local folder, which the first write
+// makes. A value is stored when `Insert` returns. Two processes may have the store open. A store
+// that cannot be read is set aside (its name gets ".corrupt" and a number), a line goes to the
+// debug output, and a new one is begun. Threads: any.
 #pragma once
 
 #include <functional>
@@ -84,8 +83,8 @@ public:
 };
 
 // The real one: `strFolder` is made if it is missing, the store is opened at
-// the first use. Settings are kept exactly: floats with every bit, texts with
-// every byte.
+// the first use and made at the first write. Settings are kept exactly: floats with every bit,
+// texts with every byte.
 std::shared_ptr<ApplicationData> OpenApplicationData(const std::string& strFolder);
 
 }

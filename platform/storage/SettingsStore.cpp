@@ -100,6 +100,10 @@ std::unique_ptr<SqliteConnection> OpenChecked(const std::string& strPath) {
     return pConnection;
 }
 
+void InsertContainer(SqliteConnection& connection, const std::string& strPath) {
+    connection.Prepare("INSERT OR IGNORE INTO container(path) VALUES(?1)").Bind(1, strPath).Run();
+}
+
 }
 
 SettingsStore::SettingsStore(std::string strFolder)
@@ -135,20 +139,43 @@ void SettingsStore::Open() {
     m_pConnection = OpenChecked(m_strPath);
 }
 
-SqliteConnection& SettingsStore::Connection() {
-    // Another process may have set the file aside, or somebody removed it.
+// Another process may have set the file aside, or somebody removed it.
+void SettingsStore::DropStaleConnection() {
     if (m_nDepth == 0 && m_pConnection && (m_bSuspect || m_pConnection->HasMoved())) {
         m_pConnection.reset();
         m_bSuspect = false;
     }
+}
+
+bool SettingsStore::IsThere() {
+    DropStaleConnection();
+    return m_pConnection || ::access(m_strPath.c_str(), F_OK) == 0 || errno != ENOENT;
+}
+
+SqliteConnection& SettingsStore::Connection() {
+    DropStaleConnection();
     if (!m_pConnection) {
         Open();
+        MakeAwaitedContainers();
     }
     return *m_pConnection;
 }
 
+bool SettingsStore::Read(const std::function<void(SqliteConnection&)>& fnBody) {
+    const critical_section::scoped_lock lock(m_lock);
+    if (!IsThere()) {
+        return false;
+    }
+    Run(fnBody);
+    return true;
+}
+
 void SettingsStore::Use(const std::function<void(SqliteConnection&)>& fnBody) {
     const critical_section::scoped_lock lock(m_lock);
+    Run(fnBody);
+}
+
+void SettingsStore::Run(const std::function<void(SqliteConnection&)>& fnBody) {
     SqliteConnection& connection = Connection();
     if (m_nDepth > 0 && !connection.IsInTransaction()) {
         throw Platform::WriteFaultException("settings: the transaction was rolled back");
@@ -161,6 +188,38 @@ void SettingsStore::Use(const std::function<void(SqliteConnection&)>& fnBody) {
             throw;
         }
         fnBody(Connection());
+    }
+}
+
+void SettingsStore::AddContainer(const std::string& strPath) {
+    const critical_section::scoped_lock lock(m_lock);
+    if (HasContainer(strPath)) {
+        return;
+    }
+    if (IsThere()) {
+        Run([&](SqliteConnection& connection) { InsertContainer(connection, strPath); });
+    } else {
+        m_awaitedContainers.insert(strPath);
+    }
+}
+
+bool SettingsStore::HasContainer(const std::string& strPath) {
+    const critical_section::scoped_lock lock(m_lock);
+    bool bThere = m_awaitedContainers.contains(strPath);
+    if (!bThere && IsThere()) {
+        Run([&](SqliteConnection& connection) {
+            auto select = connection.Prepare("SELECT 1 FROM container WHERE path=?1");
+            bThere = select.Bind(1, strPath).Step();
+        });
+    }
+    return bThere;
+}
+
+// One by one, so that a failure leaves the rest for the next opening.
+void SettingsStore::MakeAwaitedContainers() {
+    while (!m_awaitedContainers.empty()) {
+        InsertContainer(*m_pConnection, *m_awaitedContainers.begin());
+        m_awaitedContainers.erase(m_awaitedContainers.begin());
     }
 }
 

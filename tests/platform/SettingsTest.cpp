@@ -133,17 +133,31 @@ TEST(SettingsTest, ContainersAreApart) {
               2);
 }
 
-TEST(SettingsTest, TheFolderIsMadeAndTheStoreOpensWhenNeeded) {
+TEST(SettingsTest, TheFolderIsMadeAtOnceAndTheStoreAtTheFirstWrite) {
     const TemporaryFolder folder;
     const auto pData = OpenApplicationData(folder / "new/deep");
     EXPECT_EQ(pData->LocalFolder(), folder / "new/deep");
     struct stat status {};
     ASSERT_EQ(::stat(pData->LocalFolder().c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777U, 0700U);
-    const auto pValues = pData->LocalSettings()->Values();
+    const auto pRoot = pData->LocalSettings();
+    const auto pValues = pRoot->CreateContainer("empty", ApplicationDataCreateDisposition::Always)
+                             ->CreateContainer("full", ApplicationDataCreateDisposition::Always)
+                             ->Values();
+    pRoot->CreateContainer("empty", ApplicationDataCreateDisposition::Existing);
+    EXPECT_FALSE(pValues->HasKey("x"));
+    EXPECT_FALSE(pValues->TryLookup("x"));
+    EXPECT_TRUE(pData->MostRecentlyUsedList()->Entries().empty());
+    pValues->Remove("x");
+    pData->MostRecentlyUsedList()->Remove("token");
     EXPECT_TRUE(std::filesystem::is_empty(pData->LocalFolder()));
-    pValues->HasKey("x");
-    EXPECT_FALSE(std::filesystem::is_empty(pData->LocalFolder()));
+    pValues->Insert("x", PropertyValue::Create<bool>(true));
+    EXPECT_TRUE(std::filesystem::exists(pData->LocalFolder() + "/settings.db"));
+    const auto pOther = OpenApplicationData(folder / "new/deep")->LocalSettings();
+    EXPECT_TRUE(pOther->CreateContainer("empty", ApplicationDataCreateDisposition::Existing)
+                    ->CreateContainer("full", ApplicationDataCreateDisposition::Existing)
+                    ->Values()
+                    ->HasKey("x"));
     EXPECT_EQ(pData->LocalStorageFolder()->Path(), pData->LocalFolder());
 }
 
