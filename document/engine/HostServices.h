@@ -15,12 +15,15 @@
 
 namespace velko::pdf {
 
-// A link on a page: its area in page space, and either an action inside the
-// document or a URI outside.
+// A link on a page: its area in page space, and one of three: an action inside
+// the document, a URI outside, or an action of another kind, for the host to
+// carry out or to refuse.
 struct LinkRecord {
     common::vxbase::RectF rcArea;
     std::shared_ptr<IAction> pAction;
     std::string strUri;
+    std::string strOtherKind;  // as the file names it, such as "Named" or "Launch"
+    std::string strOtherValue; // the command of "Named", the file of "Launch" and "GoToR"
 };
 
 class ILinkSource {

@@ -23,11 +23,13 @@ struct RawDestination {
     std::array<bool, kMaxOperands> absent = {true, true, true, true};
 };
 
-// A link as the file has it. The URI is borrowed from the file's objects.
+// A link as the file has it. Texts are borrowed from the file's objects.
 struct RawLink {
     fz_rect rcArea = fz_empty_rect;
     RawDestination destination;
     const char* szUri = nullptr;
+    const char* szOtherKind = nullptr;
+    const char* szOtherValue = "";
 };
 
 class Destination final : public pdf::IDestination {
@@ -163,18 +165,35 @@ RawDestination ReadDestination(fz_context* ctx, pdf_document* pDocument, pdf_obj
     return raw;
 }
 
+// A file is named by a text or by a dictionary with up to two of them.
+const char* FileNamed(fz_context* ctx, pdf_obj* pFile) {
+    if (pdf_is_dict(ctx, pFile)) {
+        pdf_obj* const pUnicode = pdf_dict_get(ctx, pFile, PDF_NAME(UF));
+        pFile = pUnicode != nullptr ? pUnicode : pdf_dict_get(ctx, pFile, PDF_NAME(F));
+    }
+    return pdf_to_text_string(ctx, pFile);
+}
+
+void ReadAction(fz_context* ctx, pdf_obj* pAction, pdf_obj*& pTarget, RawLink& link) {
+    pdf_obj* const pKind = pdf_dict_get(ctx, pAction, PDF_NAME(S));
+    if (pdf_name_eq(ctx, pKind, PDF_NAME(GoTo))) {
+        pTarget = pdf_dict_get(ctx, pAction, PDF_NAME(D));
+    } else if (pdf_name_eq(ctx, pKind, PDF_NAME(URI))) {
+        link.szUri = pdf_to_text_string(ctx, pdf_dict_get(ctx, pAction, PDF_NAME(URI)));
+    } else if (pdf_is_name(ctx, pKind)) {
+        link.szOtherKind = pdf_to_name(ctx, pKind);
+        link.szOtherValue = pdf_name_eq(ctx, pKind, PDF_NAME(Named))
+                                ? pdf_to_name(ctx, pdf_dict_get(ctx, pAction, PDF_NAME(N)))
+                                : FileNamed(ctx, pdf_dict_get(ctx, pAction, PDF_NAME(F)));
+    }
+}
+
 RawLink ReadLink(fz_context* ctx, pdf_document* pDocument, pdf_obj* pAnnot, std::int32_t nPages) {
     RawLink link;
     link.rcArea = pdf_dict_get_rect(ctx, pAnnot, PDF_NAME(Rect));
     pdf_obj* pTarget = pdf_dict_get(ctx, pAnnot, PDF_NAME(Dest));
-    pdf_obj* const pAction = pdf_dict_get(ctx, pAnnot, PDF_NAME(A));
     if (pTarget == nullptr) {
-        pdf_obj* const pKind = pdf_dict_get(ctx, pAction, PDF_NAME(S));
-        if (pdf_name_eq(ctx, pKind, PDF_NAME(GoTo))) {
-            pTarget = pdf_dict_get(ctx, pAction, PDF_NAME(D));
-        } else if (pdf_name_eq(ctx, pKind, PDF_NAME(URI))) {
-            link.szUri = pdf_to_text_string(ctx, pdf_dict_get(ctx, pAction, PDF_NAME(URI)));
-        }
+        ReadAction(ctx, pdf_dict_get(ctx, pAnnot, PDF_NAME(A)), pTarget, link);
     }
     if (pTarget != nullptr) {
         link.destination = ReadDestination(ctx, pDocument, pTarget, nPages);
@@ -223,15 +242,19 @@ std::vector<pdf::LinkRecord> ReadLinks(OpenedFile& file, std::int32_t nPage, std
     std::vector<pdf::LinkRecord> links;
     for (int i = 0; i < nEntries; ++i) {
         const std::optional<RawLink> link = LinkAt(file, pArray, i, nPages);
-        if (!link || (!link->destination.bFound && link->szUri == nullptr)) {
+        if (!link ||
+            (!link->destination.bFound && link->szUri == nullptr && link->szOtherKind == nullptr)) {
             continue;
         }
         pdf::LinkRecord record;
         record.rcArea = {link->rcArea.x0, link->rcArea.y0, link->rcArea.x1, link->rcArea.y1};
         if (link->destination.bFound) {
             record.pAction = MakeAction(link->destination, fnPageTop);
-        } else {
+        } else if (link->szUri != nullptr) {
             record.strUri = link->szUri;
+        } else {
+            record.strOtherKind = link->szOtherKind;
+            record.strOtherValue = link->szOtherValue;
         }
         links.push_back(std::move(record));
     }

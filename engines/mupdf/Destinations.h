@@ -20,7 +20,7 @@ namespace velko::engines::mupdf {
 // The top of a page's box, for destinations that leave theirs open.
 using PageTop = std::function<float(std::int32_t nPage)>;
 
-// The links of a page that lead to a page of the document or to a URI.
+// The links of a page that lead somewhere or ask for another kind of action.
 // Broken ones are left out. Raises `EngineException` for a failed read.
 std::vector<pdf::LinkRecord> ReadLinks(OpenedFile& file, std::int32_t nPage, std::int32_t nPages,
                                        const PageTop& fnPageTop);

@@ -160,19 +160,23 @@ TEST_F(AnnotationsTest, NamesLinksAndBrokenTargets) {
                    LinkTo("/Dest (nowhere)"),
                    LinkTo("/Dest [99 /Fit]"),
                    LinkTo("/Dest 17"),
-                   LinkTo("/A << /S /GoToR /F (other.pdf) /D [0 /Fit] >>"),
+                   LinkTo("/A << /S /GoToR /F << /UF (other.pdf) >> /D [0 /Fit] >>"),
+                   LinkTo("/A << /S /Named /N /NextPage >>"),
+                   LinkTo("/A << /F (nothing) >>"),
                    LinkTo(""),
                    "null"};
     const auto pDoc = OpenDoc(MakePdf({page, page}, options));
     ASSERT_TRUE(pDoc);
     const auto pLinks = std::dynamic_pointer_cast<ILinkSource>(pDoc);
     const std::vector<LinkRecord> links = pLinks->GetLinks(0);
-    ASSERT_EQ(links.size(), 4U) << "the broken ones are left out";
+    ASSERT_EQ(links.size(), 6U) << "the broken ones are left out";
     EXPECT_EQ(links[0].pAction->GetDestination()->GetPageIndex(*pDoc), 0);
     EXPECT_EQ(links[1].pAction->GetDestination()->GetPageIndex(*pDoc), 1);
     EXPECT_EQ(links[2].strUri, "https://example.org/a");
     EXPECT_FALSE(links[2].pAction);
     EXPECT_FLOAT_EQ(links[3].pAction->GetDestination()->GetTop(), 123.0F);
+    EXPECT_EQ(links[4].strOtherKind + " " + links[4].strOtherValue, "GoToR other.pdf");
+    EXPECT_EQ(links[5].strOtherKind + " " + links[5].strOtherValue, "Named NextPage");
     EXPECT_FLOAT_EQ(links[0].rcArea.Left, 10.0F);
     EXPECT_FLOAT_EQ(links[0].rcArea.Top, 30.0F);
 
