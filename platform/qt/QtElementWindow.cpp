@@ -175,6 +175,7 @@ void QtElementWindow::WatchSwapChain() {
     }
     m_pSwapChain = std::dynamic_pointer_cast<QtSwapChain>(m_pPanel->SwapChain());
     if (m_pSwapChain) {
+        m_pSwapChain->SetAround(m_around);
         m_pSwapChain->OnPresented = [this] {
             UpdateFront(m_pSwapChain->PresentedRect());
             if (OnPresented) {
@@ -198,6 +199,14 @@ QImage QtElementWindow::FrontImage() const {
     return m_pSwapChain ? m_pSwapChain->FrontImage() : QImage();
 }
 
+void QtElementWindow::SetAround(const QColor& color) {
+    m_around = color;
+    if (m_pSwapChain) {
+        m_pSwapChain->SetAround(color);
+    }
+    update();
+}
+
 void QtElementWindow::HoldFrame() {
     if (!IsFrameHeld()) {
         m_heldFrame = FrontImage();
@@ -215,7 +224,7 @@ void QtElementWindow::PaintFront(QPainter& painter, const QRegion& region) {
     const QRect rcImage(0, 0, static_cast<int>(image.width() / dbRatio),
                         static_cast<int>(image.height() / dbRatio));
     for (const QRect& rc : region - rcImage) {
-        painter.fillRect(rc, kAroundPages);
+        painter.fillRect(rc, m_around.isValid() ? m_around : kAroundPages);
     }
     if (!image.isNull()) {
         // A pixel of the frame is a pixel of the screen, so that nothing is resampled.

@@ -68,6 +68,10 @@ public:
     void ReleaseFrame();
     bool IsFrameHeld() const { return !m_heldFrame.isNull(); }
 
+    // The colour around what the elements draw, in the frames from now on and
+    // where there is no frame yet; an invalid colour: the elements' own.
+    void SetAround(const QColor& color);
+
     // Whether a visible ring is shown as a busy mark; true at first.
     void ShowBusyMark(bool bShow);
 
@@ -105,6 +109,7 @@ private:
     std::optional<Windows::Foundation::Size> m_fixedSize;
     double m_dbRatio = 0.0; // the one last arranged for; 0 before
     QImage m_heldFrame;
+    QColor m_around;
     bool m_bShowBusyMark = true;
     QtBusyMark* m_pBusyMark; // a child
 };

@@ -141,12 +141,14 @@ void QtGraphicsContext::RequireFrame() const {
 
 void QtGraphicsContext::Clear(const D2D_COLOR_F& color) {
     RequireFrame();
+    const QtSwapBuffers* const pBuffers = m_pTarget->Buffers();
     m_script.Begin(); // nothing is left of what was drawn before
     const D2D_SIZE_U size = m_pTarget->GetPixelSize();
     m_script
         .Add(QtFrameScript::Kind::Clear,
              {0, 0, static_cast<int>(size.width), static_cast<int>(size.height)})
-        .color = ToQColor(color);
+        .color =
+        pBuffers != nullptr && pBuffers->around.isValid() ? pBuffers->around : ToQColor(color);
 }
 
 void QtGraphicsContext::SetTransform(const D2D_MATRIX_3X2_F& matrix) {

@@ -4,6 +4,7 @@
 // Threads: the UI thread only. Units: device pixels, bytes.
 #pragma once
 
+#include <QColor>
 #include <QImage>
 #include <QSize>
 #include <cstdint>
@@ -39,6 +40,7 @@ struct QtSwapBuffers {
     QSize size;               // of the buffers; the front may still have the one before
     QImage back;              // drawn into; null until a frame begins
     QImage front;             // shown; null before the first present
+    QColor around;            // cleared to instead of what is asked; invalid: what is asked
     QtFrameScript backScript; // what the two are made of; empty when that is not known
     QtFrameScript frontScript;
     QRect rcChanged;          // of the front, drawn since the last present

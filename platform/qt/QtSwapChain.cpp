@@ -97,6 +97,10 @@ std::shared_ptr<IDXGISurface> QtSwapChain::GetBuffer(std::uint32_t nIndex) {
     return std::make_shared<QtGraphicsSurface>(m_pDevice, m_pBuffers);
 }
 
+void QtSwapChain::SetAround(const QColor& color) {
+    m_pBuffers->around = color;
+}
+
 QImage QtSwapChain::FrontImage() const {
     return m_pBuffers->front;
 }
