@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "component/KeptView.h"
 #include "control/PDFViewCtrl.h"
 #include "platform/storage/ApplicationData.h"
 #include "settings/AppConfig.h"
@@ -117,16 +118,14 @@ void RunSetting(Session&, const CommandFields& fields, JsonObject& result) {
 }
 
 void RunSaveState(Session& session, const CommandFields&, JsonObject& result) {
-    const auto pValues = std::make_shared<PropertySet>();
-    session.Control().SaveViewState(*pValues);
-    if (const auto pFile = session.Control().GetDocumentFile()) {
-        const auto pData = ApplicationData::Current();
-        const std::string strToken =
-            pData->MostRecentlyUsedList()->Add(pFile->Path(), pFile->Path());
-        pData->LocalSettings()->Values()->Insert(
-            strToken, PropertyValue::Create<PropertyValue::Composite>(pValues));
+    if (const auto view = velko::vkit::TakeView(session.Control())) {
+        velko::vkit::StoreView(*view);
+        result.Add("values", SetText(*view->pValues));
+        return;
     }
-    result.Add("values", SetText(*pValues));
+    PropertySet values; // of a document without a file; a failure without a document
+    session.Control().SaveViewState(values);
+    result.Add("values", SetText(values));
 }
 
 }

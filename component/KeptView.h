@@ -1,0 +1,46 @@
+// A reader's place in a document, kept by a host from one opening to the next:
+// the file's entry in the recently used list, and the view's property set in the
+// local settings under that entry's token. The control looks there when it opens
+// the file again.
+//
+// Errors: failures of the store and of the control are raised.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/foundation/PropertyValue.h"
+
+namespace velko::vkit {
+
+class PDFViewCtrl;
+
+struct KeptView {
+    std::string strPath;
+    Windows::Foundation::PropertyValue::Composite pValues; // not written any more
+};
+
+// The view of the open document as it is now, on top of values of the host's
+// own; empty without a document or a file. Threads: the UI thread.
+std::optional<KeptView> TakeView(
+    PDFViewCtrl& control, const Windows::Foundation::Collections::PropertySet& hostValues = {});
+
+// Stores the entry and the set together; the file becomes the latest one of the
+// list. Threads: any.
+void StoreView(const KeptView& view);
+
+// What is stored for the file; empty when nothing is. Threads: any.
+std::optional<KeptView> FindView(const std::string& strPath);
+
+// The files of the recently used list, latest first. Threads: any.
+std::vector<std::string> RecentFiles();
+
+// Forgets all of them, with their places. Threads: any.
+void ForgetAllViews();
+
+// True when the two differ in nothing but the time. Threads: any.
+bool IsSamePlace(const KeptView& one, const KeptView& other);
+
+}
