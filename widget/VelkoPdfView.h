@@ -16,13 +16,15 @@
 // Errors: nothing is raised. A failed open is told by `OpenFailed`, a failure of
 // a command or inside the control by `Failed`, both in words for the reader.
 //
-// What the reader sees is kept over a change of size: the page point at the top
-// left and the zoom stay, in one visible step. After `FitWidth` or `FitPage` the
-// zoom follows the size instead.
+// What the reader sees is kept over a change of size, rotation or layout: the
+// page point and the zoom stay, in one visible step. After `SetFit`, and at
+// first, the zoom follows the size instead. With `KeepPlace` a document opens
+// where it was left, zoomed and turned as it was.
 #pragma once
 
 #include <QPointer>
 #include <QString>
+#include <QUrl>
 #include <QWidget>
 #include <cstdint>
 #include <exception>
@@ -31,6 +33,10 @@
 #include <optional>
 
 #include "control/PDFViewCtrl.h"
+#include "document/engine/HostServices.h"
+#include "widget/FilePath.h"
+#include "widget/PageColors.h"
+#include "widget/ViewHistory.h"
 #include "widget/ViewKeeper.h"
 
 namespace Platform::Qt {
@@ -38,6 +44,10 @@ class QtElementWindow;
 }
 
 namespace velko::vkit {
+
+class LinkFollower;
+class PlaceKeeper;
+struct KeptView;
 
 class VelkoPdfView : public QWidget {
     Q_OBJECT
@@ -52,6 +62,9 @@ public:
     };
     Q_ENUM(State)
 
+    enum class Fit : std::int32_t { None = 0, Page = 1, Width = 2, Height = 3 };
+    enum class Layout : std::int32_t { Continuous = 1, SinglePage = 2 };
+
     using Opening = concurrency::task<velko::common::ErrorCode>;
 
     explicit VelkoPdfView(QWidget* pParent = nullptr);
@@ -63,39 +76,68 @@ public:
     // A control with its template, ready to open a document before there is a
     // widget or an application object.
     static std::shared_ptr<PDFViewCtrl> CreateControl();
-    static Opening BeginOpen(PDFViewCtrl& control, const QString& strPath,
+    static Opening BeginOpen(PDFViewCtrl& control, const FilePath& path,
                              const QString& strPassword = {});
 
     // Gives the control the view's size while the view is hidden and Qt puts its
     // size event off, so that the first layout need not wait for the display.
     void ArrangeBeforeShow();
 
-    void Open(const QString& strPath, const QString& strPassword = {});
+    // Whether places are stored and brought back; off at first. Stored on
+    // the task pool, the last one before the view goes.
+    void KeepPlace(bool bKeep);
+
+    void Open(const FilePath& path, const QString& strPassword = {});
     // Takes up an open that was begun on the control.
-    void Follow(const QString& strPath, Opening opening);
+    void Follow(const FilePath& path, Opening opening);
     void CloseDocument();
 
     State ViewState() const { return m_eState; }
     // Of the document that is shown or was asked for last; absolute.
-    const QString& Path() const { return m_strPath; }
+    const FilePath& File() const { return m_path; }
 
-    int PageCount() const { return m_nPageCount; }
-    int CurrentPage() const { return m_nCurrentPage; }
+    // --- pages ---
+    int PageCount() const { return m_facts.nPageCount; }
+    int CurrentPage() const { return m_facts.nPage; }
     void GotoPage(int nPage); // the nearest page there is
     void GotoNextPage();
     void GotoPrevPage();
+    // From here on jumps: `GoBack` comes back from them.
+    void JumpToPage(int nPage);
     void GotoFirstPage();
     void GotoLastPage();
+    void JumpToName(const QString& strName); // a named destination; else `LinkRefused`
+    bool CanGoBack() const { return m_history.CanGoBack(); }
+    bool CanGoForward() const { return m_history.CanGoForward(); }
+    void GoBack();
+    void GoForward();
+
     void ScrollBy(double dbX, double dbY); // positive: towards the end of the document
+    // In the layout of one page at a time a page that ends is turned.
     void ScrollByScreen(int nScreens);
 
-    double Zoom() const { return m_dbZoom; }
+    // --- zoom, rotation, layout ---
+    double Zoom() const { return m_facts.dbZoom; }
+    double LeastZoom() const;
+    double MostZoom() const;
     void ZoomTo(double dbZoom); // brought into the limits; the middle of the view stays
     void ZoomIn();
     void ZoomOut();
-    void FitWidth();
-    void FitPage();
+    Fit FitMode() const { return m_facts.eFit; }
+    void SetFit(Fit eFit);
+    void FitWidth() { SetFit(Fit::Width); }
+    void FitPage() { SetFit(Fit::Page); }
+    int Rotation() const { return m_facts.nRotate; } // quarter turns clockwise
     void RotateBy(int nQuarterTurns);
+    Layout LayoutMode() const { return m_facts.eLayout; }
+    void SetLayoutMode(Layout eLayout);
+
+    // --- colours ---
+    // Of the pages; kept in the settings, for every document.
+    PageColors Colors() const { return m_facts.colors; }
+    void SetColors(const PageColors& colors);
+    bool NightMode() const { return m_facts.bNight; }
+    void SetNightMode(bool bOn);
 
     // True when every part of a page on the screen shows its final pixels.
     bool IsSharp() const;
@@ -108,12 +150,20 @@ public:
 signals:
     void StateChanged(velko::vkit::VelkoPdfView::State eState);
     void Opened(int nPageCount);
-    void OpenFailed(const QString& strPath, const QString& strReason);
+    void OpenFailed(const QString& strFile, const QString& strReason);
     void PageChanged(int nPage);
     void PageCountChanged(int nPageCount);
     void ZoomChanged(double dbZoom);
+    void ViewChanged(); // one of the above, or fit, rotation, layout, colours, history
     void Failed(const QString& strReason);
     void Painted(); // after each paint of the pages
+
+    // A link that leads out of the document; the host decides.
+    void WebLinkWanted(const QUrl& address);
+    // A link that is not followed, with the reason.
+    void LinkRefused(const QString& strReason);
+    // What the link under the pointer leads to; empty when there is none.
+    void LinkHovered(const QString& strTarget);
 
 protected:
     void resizeEvent(QResizeEvent* pEvent) override;
@@ -121,13 +171,30 @@ protected:
 
 private:
     struct Request {
-        QString strPath;
+        FilePath path;
         QString strPassword;
     };
+    // What hosts are told of; read after each frame.
+    struct Facts {
+        int nPageCount = 0;
+        int nPage = 0;
+        double dbZoom = 0.0;
+        Fit eFit = Fit::None;
+        int nRotate = 0;
+        Layout eLayout = Layout::Continuous;
+        PageColors colors;
+        bool bNight = false;
+        bool bBack = false;
+        bool bForward = false;
+        friend bool operator==(const Facts&, const Facts&) = default;
+    };
 
+    // Opening.
     void ConnectWindow();
-    void Expect(const QString& strPath);
+    void ConnectLinks();
+    void Expect(const FilePath& path);
     void Await(Opening opening);
+    void OnControlOpened(velko::common::ErrorCode eCode);
     void OnOpenEnded(const Opening& opening);
     void OnOpenFailed(const std::exception_ptr& pError);
     void EndOpening();
@@ -136,30 +203,64 @@ private:
     void OnOpenRefused(velko::common::ErrorCode eCode);
     void OnShown();
     void SetState(State eState);
-    bool HasDocument() const { return !m_strShownPath.isEmpty(); }
+    bool HasDocument() const { return !m_shownPath.IsEmpty(); }
+
+    // Failures.
     void Command(const std::function<void()>& fnBody); // only when a document is shown
     void Guard(const std::function<void()>& fnBody);
     void Report(const std::exception_ptr& pError);
+
+    // What is shown.
     void QueueRefresh();
     void Refresh();
+    Facts ReadFacts();
+    void TellChanges(const Facts& before);
     void OnPainted();
+    void Hold();
     void BeforeArrange();
     void AfterArrange();
+    void ShowAround();
+
+    // The place.
+    std::optional<KeptView> PlaceNow();
+    void ShowKeptPlace();
+    void ShowPlace(const KeptView& kept);
+    void EnsureLayout();
+    void PutPage(int nPage, double dbLeft, double dbTop);
+
+    // Commands.
     void ApplyZoom(double dbZoom);
     void ApplyFit();
+    double FitZoom(Fit eFit) const;
+    double Limited(double dbZoom) const;
+    double ZoomFor(const ViewKeeper& keeper) const;
+    void NoteFitLeft();
+    void Travel(const std::function<void()>& fnGo);
+    bool TurnsPage(int nDirection, bool bAcross);
     bool HandleKey(const QKeyEvent& event);
+    bool HandleArrow(int nKey);
+
+    // Links.
+    void FollowLink(const velko::pdf::LinkRecord& link);
+    void FollowAction(const std::shared_ptr<velko::pdf::IAction>& pAction);
+    void FollowUri(const QString& strUri);
+    void FollowOther(const QString& strKind, const QString& strValue);
+    bool FollowNamed(const QString& strCommand);
+    QString TargetOf(const velko::pdf::LinkRecord& link) const;
 
     const std::shared_ptr<PDFViewCtrl> m_pControl;
     Platform::Qt::QtElementWindow* m_pWindow; // a child
+    std::unique_ptr<LinkFollower> m_pLinks;
+    std::unique_ptr<PlaceKeeper> m_pPlace; // empty: places are not kept
     State m_eState = State::Empty;
-    QString m_strPath;      // asked for last
-    QString m_strShownPath; // of the document that the control shows; may be empty
+    FilePath m_path;      // asked for last
+    FilePath m_shownPath; // of the document that the control shows; may be empty
     bool m_bOpening = false;
     std::optional<Request> m_next; // asked for while an open was under way
-    int m_nPageCount = 0;
-    int m_nCurrentPage = 0;
-    double m_dbZoom = 0.0;
-    int m_nFitMode = 0; // a zoom mode of the control that is kept; 0: none
+    Facts m_facts;
+    Fit m_eFit = Fit::None;   // kept over a change of size
+    float m_fFitScale = 0.0F; // to which the fit has led; another one ends it
+    ViewHistory m_history;
     bool m_bRefreshQueued = false;
     bool m_bSeen = false;               // the reader has seen a page of this document
     std::optional<ViewKeeper> m_keeper; // during a change of size

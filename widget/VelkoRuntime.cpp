@@ -44,12 +44,26 @@ VelkoRuntime::VelkoRuntime(Options options)
     concurrency::set_task_pool(m_pPool);
     Platform::SetEnvironment(std::make_shared<Platform::Qt::QtEnvironment>(
         m_pDispatcher, std::move(options.environment)));
-    const QString strFolder =
-        options.strDataFolder.isEmpty() ? DefaultDataFolder() : options.strDataFolder;
-    Windows::Storage::ApplicationData::SetCurrent(
-        Windows::Storage::OpenApplicationData(QFile::encodeName(strFolder).toStdString()));
+    OpenData(options.strDataFolder.isEmpty() ? DefaultDataFolder() : options.strDataFolder);
     velko::engines::mupdf::RegisterEngine();
     RegisterComponent();
+}
+
+// A reader whose settings cannot be read wants to read the document all the more.
+void VelkoRuntime::OpenData(const QString& strFolder) {
+    using Windows::Storage::ApplicationData;
+    try {
+        const auto pData =
+            Windows::Storage::OpenApplicationData(QFile::encodeName(strFolder).toStdString());
+        pData->LocalSettings()->Values()->HasKey("any"); // opens the store that is there
+        ApplicationData::SetCurrent(pData);
+    } catch (const Platform::Exception& error) {
+        Platform::Debug::OutputDebugString(std::string("settings are not kept: ") + error.what() +
+                                           "\n");
+        m_pStandIn = std::make_unique<QTemporaryDir>();
+        ApplicationData::SetCurrent(Windows::Storage::OpenApplicationData(
+            QFile::encodeName(m_pStandIn->path()).toStdString()));
+    }
 }
 
 VelkoRuntime::~VelkoRuntime() {

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <QString>
+#include <QTemporaryDir>
 #include <memory>
 
 #include "platform/qt/QtEnvironment.h"
@@ -22,7 +23,8 @@ class VelkoRuntime {
 public:
     struct Options {
         // Settings and the recently used list; empty: a folder of this
-        // component in the user's data folder.
+        // component in the user's data folder. Where it cannot be used, a folder
+        // for the runtime's length stands in, and the debug output tells.
         QString strDataFolder;
         Platform::Qt::QtEnvironment::Options environment;
         bool bDebugOutput = false; // the debug output goes to standard error
@@ -38,6 +40,9 @@ public:
     static std::shared_ptr<Platform::Qt::QtEnvironment> Environment();
 
 private:
+    void OpenData(const QString& strFolder);
+
+    std::unique_ptr<QTemporaryDir> m_pStandIn; // for a data folder that cannot be used
     std::shared_ptr<Platform::Qt::QtDispatcher> m_pDispatcher;
     std::shared_ptr<concurrency::ThreadPool> m_pPool;
 };

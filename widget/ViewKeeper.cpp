@@ -10,42 +10,73 @@ using Windows::Foundation::Point;
 
 namespace {
 
+using Place = std::shared_ptr<Render_PageScreenOffsetInfo>;
+
 std::shared_ptr<IPDFViewer> ViewerOf(PDFViewCtrl& control) {
     const auto pManager = control.PageViewMgr();
     return pManager ? pManager->GetViewer() : nullptr;
 }
 
-// The first page that has a part on the screen; empty when there is none.
-std::shared_ptr<Render_PageScreenOffsetInfo> TopPage(IPDFViewer& viewer, std::int32_t& nPage) {
+// Device pixels of the canvas.
+struct ScreenPoint {
+    double dbX = 0.0;
+    double dbY = 0.0;
+};
+
+ScreenPoint AnchorPoint(PDFViewCtrl& control, ViewKeeper::Anchor eAnchor) {
+    if (eAnchor == ViewKeeper::Anchor::TopLeft) {
+        return {};
+    }
+    const auto size = control.GetCanvasSize();
+    return {size.Width * control.CompositionScaleX() / 2.0,
+            size.Height * control.CompositionScaleY() / 2.0};
+}
+
+// The first page that reaches below the anchor, else the last; empty when there
+// is none.
+Place PageBelow(IPDFViewer& viewer, double dbAnchorY, std::int32_t& nPage) {
+    Place pBest;
     for (const std::int32_t nVisible : viewer.GetVisiblePages()) {
-        const auto pPlace = viewer.GetPageScreenOffset(nVisible);
-        if (pPlace && pPlace->dbOffsetY + pPlace->nHeight > 0.0) {
-            nPage = nVisible;
-            return pPlace;
+        const Place pPlace = viewer.GetPageScreenOffset(nVisible);
+        if (!pPlace) {
+            continue;
+        }
+        nPage = nVisible;
+        pBest = pPlace;
+        if (pPlace->dbOffsetY + pPlace->nHeight > dbAnchorY) {
+            break;
         }
     }
-    return nullptr;
+    return pBest;
+}
+
+// The place on the page that is nearest to the anchor.
+double Within(double dbAnchor, double dbEdge, double dbLength) {
+    return std::clamp(dbAnchor, dbEdge, dbEdge + std::max(0.0, dbLength - 1.0));
 }
 
 }
 
-std::optional<ViewKeeper> ViewKeeper::Remember(PDFViewCtrl& control) {
+std::optional<ViewKeeper> ViewKeeper::Remember(PDFViewCtrl& control, Anchor eAnchor) {
     const auto pViewer = ViewerOf(control);
+    const ScreenPoint anchor = AnchorPoint(control, eAnchor);
     ViewKeeper keeper;
-    const auto pPlace = pViewer ? TopPage(*pViewer, keeper.m_nPage) : nullptr;
+    const Place pPlace = pViewer ? PageBelow(*pViewer, anchor.dbY, keeper.m_nPage) : nullptr;
     if (!pPlace) {
         return std::nullopt;
     }
-    // The top left of what the screen shows of the page.
-    keeper.m_dbScreenX = std::max(0.0, pPlace->dbOffsetX);
-    keeper.m_dbScreenY = std::max(0.0, pPlace->dbOffsetY);
-    const Point pt{static_cast<float>(keeper.m_dbScreenX / control.CompositionScaleX()),
-                   static_cast<float>(keeper.m_dbScreenY / control.CompositionScaleY())};
+    const double dbX = Within(anchor.dbX, pPlace->dbOffsetX, pPlace->nWidth);
+    const double dbY = Within(anchor.dbY, pPlace->dbOffsetY, pPlace->nHeight);
+    const Point pt{static_cast<float>(dbX / control.CompositionScaleX()),
+                   static_cast<float>(dbY / control.CompositionScaleY())};
     const auto pPoint = pViewer->DevicePointToPagePoint(pt);
     if (!pPoint || pPoint->nPageIndex != keeper.m_nPage) {
         return std::nullopt;
     }
+    keeper.m_eAnchor = eAnchor;
     keeper.m_ptPage = pPoint->pt;
+    keeper.m_dbScreenX = dbX - anchor.dbX;
+    keeper.m_dbScreenY = dbY - anchor.dbY;
     keeper.m_dbZoom = control.GetScale();
     keeper.m_nRotate = control.GetRotate();
     return keeper;
@@ -55,12 +86,17 @@ void ViewKeeper::Restore(PDFViewCtrl& control, double dbZoom) const {
     if (control.GetRotate() != m_nRotate) {
         control.RotateViewer(m_nRotate);
     }
+    RestoreTurned(control, dbZoom);
+}
+
+void ViewKeeper::RestoreTurned(PDFViewCtrl& control, double dbZoom) const {
     control.ZoomAtPoint(Point{}, dbZoom, false, true);
     control.GotoExactlyPage(m_nPage, m_ptPage);
     // The point is somewhere on the screen now; the rest is a plain scroll.
     const Point pt = control.PagePointToDevicePoint(m_nPage, m_ptPage);
-    control.MoveScreen(pt.Y * control.CompositionScaleY() - m_dbScreenY,
-                       pt.X * control.CompositionScaleX() - m_dbScreenX);
+    const ScreenPoint anchor = AnchorPoint(control, m_eAnchor);
+    control.MoveScreen(pt.Y * control.CompositionScaleY() - (anchor.dbY + m_dbScreenY),
+                       pt.X * control.CompositionScaleX() - (anchor.dbX + m_dbScreenX));
 }
 
 }

@@ -1,5 +1,5 @@
-// What the reader sees at the top left, to be brought back after the control
-// has laid out anew.
+// What the reader sees at one place of the screen, to be brought back after the
+// control has laid out anew.
 //
 // Threads: UI thread only. Units: positions on the screen in device pixels.
 // Errors: failures of the control are raised.
@@ -15,21 +15,32 @@ namespace velko::vkit {
 
 class ViewKeeper {
 public:
-    // Empty when no page is laid out.
-    static std::optional<ViewKeeper> Remember(PDFViewCtrl& control);
+    enum class Anchor { TopLeft, Middle };
 
-    // Zooms to `dbZoom` and brings the remembered point back to its place, as
-    // far as the document reaches.
+    // Empty when no page is laid out.
+    static std::optional<ViewKeeper> Remember(PDFViewCtrl& control,
+                                              Anchor eAnchor = Anchor::TopLeft);
+
+    // Turns the pages as they were, zooms to `dbZoom` and brings the remembered
+    // point back to its place, as far as the document reaches.
     void Restore(PDFViewCtrl& control, double dbZoom) const;
 
+    // The same in the rotation that is in force.
+    void RestoreTurned(PDFViewCtrl& control, double dbZoom) const;
+
     double Zoom() const { return m_dbZoom; }
+    std::int32_t Page() const { return m_nPage; }
+
+    // True when both show the same point at the same place, zoom and rotation.
+    friend bool operator==(const ViewKeeper&, const ViewKeeper&) = default;
 
 private:
     ViewKeeper() = default;
 
+    Anchor m_eAnchor = Anchor::TopLeft;
     std::int32_t m_nPage = 0;
     Windows::Foundation::Point m_ptPage; // page space
-    double m_dbScreenX = 0.0;
+    double m_dbScreenX = 0.0;            // from the anchor's own place
     double m_dbScreenY = 0.0;
     double m_dbZoom = 1.0;
     std::int32_t m_nRotate = 0;

@@ -1,0 +1,42 @@
+#include "widget/PageColors.h"
+
+#include "settings/AppConfig.h"
+
+namespace velko::vkit {
+
+namespace {
+
+constexpr int kDarkest = 30;    // around a black page
+constexpr double kShare = 0.35; // of the page's own colour
+
+int Mixed(int nPage) {
+    return static_cast<int>(kDarkest + nPage * kShare);
+}
+
+}
+
+bool PageColors::IsDark() const {
+    return background.lightness() < foreground.lightness();
+}
+
+QColor PageColors::Around() const {
+    constexpr int kUsualGrey = 224;
+    return IsDark() ? QColor(Mixed(background.red()), Mixed(background.green()),
+                             Mixed(background.blue()))
+                    : QColor(kUsualGrey, kUsualGrey, kUsualGrey);
+}
+
+PageColors DayPageColors() {
+    return {Qt::white, Qt::black};
+}
+
+PageColors NightPageColors() {
+    return {QColor(0, 0, 27), QColor(93, 91, 113)};
+}
+
+PageColors StoredPageColors() {
+    return {QColor::fromRgb(AppConfig::PageBackgroundColor().ToArgb()),
+            QColor::fromRgb(AppConfig::PageForegroundColor().ToArgb())};
+}
+
+}

@@ -1,0 +1,30 @@
+// The colours of a page, and what suits them around it.
+//
+// Threads: values.
+#pragma once
+
+#include <QColor>
+
+namespace velko::vkit {
+
+struct PageColors {
+    QColor background;
+    QColor foreground;
+
+    // True for light on dark.
+    bool IsDark() const;
+
+    // What the screen shows around pages of these colours: the usual grey around
+    // light ones, a dark tone of theirs around dark ones.
+    QColor Around() const;
+
+    friend bool operator==(const PageColors&, const PageColors&) = default;
+};
+
+PageColors DayPageColors();
+PageColors NightPageColors(); // those that the control calls its night mode
+
+// Those of the settings; in force for the next document.
+PageColors StoredPageColors();
+
+}
