@@ -1,20 +1,26 @@
-// The row of commands at the window's top: opening, pages, zoom.
+// The row of commands at the window's top: menu, opening, pages, zoom, view.
 //
+// When the window is too narrow for all of them, the ones that matter least
+// go first; the menu has them all.
 // Threads: UI thread only.
 #pragma once
 
 #include <QWidget>
+#include <vector>
 
+#include "app/viewer/Commands.h"
+#include "app/viewer/Glyphs.h"
+#include "app/viewer/MainMenu.h"
 #include "widget/VelkoPdfView.h"
 
-class QAction;
 class QComboBox;
+class QHBoxLayout;
 class QLabel;
 class QLineEdit;
-class QMenu;
-class QToolButton;
 
 namespace velko::viewer {
+
+class GlyphButton;
 
 class CommandBar : public QWidget {
     Q_OBJECT
@@ -22,38 +28,48 @@ class CommandBar : public QWidget {
 public:
     static constexpr int kHeight = 40; // Qt's units
 
-    CommandBar(vkit::VelkoPdfView& view, QWidget* pParent);
+    CommandBar(vkit::VelkoPdfView& view, const Commands& commands, QWidget* pParent);
+
+    MainMenu& Menu() const { return *m_pMenu; }
+    void OpenMenu();
+    void EnterPage(); // the page field waits for a number
 
     // The page field's text and the count beside it, for tests.
     QString PageText() const;
     QString CountText() const;
 
-signals:
-    void OpenWanted();
-    void CloseWanted();
-    void QuitWanted();
-
 protected:
     void paintEvent(QPaintEvent* pEvent) override;
+    void resizeEvent(QResizeEvent* pEvent) override;
+    bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
 
 private:
-    QAction* AddAction(const QString& strText, const QList<QKeySequence>& shortcuts);
-    QToolButton* AddButton(const QString& strText, const QString& strTip, QAction* pAction);
-    void MakeMenu();
+    // Parts of equal rank come and go together; rank 0 always stays.
+    struct Part {
+        QWidget* pWidget;
+        int nRank;
+    };
+
+    void Add(QWidget* pWidget, int nRank);
+    void AddButton(Glyph eGlyph, Command eCommand, int nRank);
     void MakePageParts();
     void MakeZoomParts();
-    void ConnectView();
-    void FollowState();
+    void MakeViewParts();
+    void FollowView();
+    void ShowWhatFits();
+    int WidthUpTo(int nRank) const;
     void TakePage();
     void TakeZoom(const QString& strText);
 
     vkit::VelkoPdfView& m_view;
-    QMenu* m_pMenu = nullptr;
+    const Commands& m_commands;
+    QHBoxLayout* m_pLayout;
+    MainMenu* m_pMenu;                    // a child
+    GlyphButton* m_pMenuButton = nullptr; // these too
     QLineEdit* m_pPage = nullptr;
     QLabel* m_pCount = nullptr;
     QComboBox* m_pZoom = nullptr;
-    QList<QWidget*> m_needDocument;
-    QList<QAction*> m_actionsOnDocument;
+    std::vector<Part> m_parts;
 };
 
 }

@@ -39,7 +39,7 @@ std::optional<QSize> ParseSize(const QString& strText) {
 
 class Parser {
 public:
-    Parser(const QStringList& arguments, QString& strComplaint)
+    Parser(const QByteArrayList& arguments, QString& strComplaint)
         : m_arguments(arguments), m_strComplaint(strComplaint) {}
 
     std::optional<CommandLine> Parse() {
@@ -50,9 +50,10 @@ public:
     }
 
 private:
-    void Take(const QString& strArgument) {
-        if (m_bFilesOnly || !strArgument.startsWith('-') || strArgument == "-") {
-            TakeFile(strArgument);
+    void Take(const QByteArray& word) {
+        const QString strArgument = QString::fromLocal8Bit(word);
+        if (m_bFilesOnly || !word.startsWith('-') || word == "-") {
+            TakeFile(word.toStdString());
         } else if (strArgument == "--") {
             m_bFilesOnly = true;
         } else if (IsQtOption(strArgument)) {
@@ -62,11 +63,11 @@ private:
         }
     }
 
-    void TakeFile(const QString& strArgument) {
-        if (!m_result.strFile.isEmpty()) {
-            m_strComplaint = "Only one file at a time: " + strArgument;
+    void TakeFile(const vkit::FilePath& file) {
+        if (!m_result.file.IsEmpty()) {
+            m_strComplaint = "Only one file at a time: " + file.Text();
         }
-        m_result.strFile = strArgument;
+        m_result.file = file;
     }
 
     void TakeOption(const QString& strArgument) {
@@ -92,7 +93,7 @@ private:
             m_strComplaint = "A value is missing after " + strOption;
             return {};
         }
-        return m_arguments[m_nNext++];
+        return QString::fromLocal8Bit(m_arguments[m_nNext++]);
     }
 
     void TakePage(const QString& strValue) {
@@ -123,7 +124,7 @@ private:
         }
     }
 
-    const QStringList& m_arguments;
+    const QByteArrayList& m_arguments;
     QString& m_strComplaint;
     CommandLine m_result;
     qsizetype m_nNext = 0;
@@ -132,7 +133,8 @@ private:
 
 }
 
-std::optional<CommandLine> ParseCommandLine(const QStringList& arguments, QString& strComplaint) {
+std::optional<CommandLine> ParseCommandLine(const QByteArrayList& arguments,
+                                            QString& strComplaint) {
     strComplaint.clear();
     return Parser(arguments, strComplaint).Parse();
 }

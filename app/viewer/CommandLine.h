@@ -1,21 +1,24 @@
 // The viewer's command line.
 //
 // Read before there is an application object; Qt's own options are left for it.
+// Words are bytes, as a file's name may hold what is no text.
 // Threads: any.
 #pragma once
 
+#include <QByteArrayList>
 #include <QSize>
 #include <QString>
-#include <QStringList>
 #include <cstdint>
 #include <optional>
+
+#include "widget/FilePath.h"
 
 namespace velko::viewer {
 
 struct CommandLine {
     static constexpr QSize kDefaultSize{980, 1040};
 
-    QString strFile; // may be empty
+    vkit::FilePath file; // may be empty
     QString strScreenshot;
     int nPage = 1;             // as the reader counts
     QSize size = kDefaultSize; // of the window
@@ -27,7 +30,7 @@ struct CommandLine {
 
 // `arguments` without the program's name. Empty, and a sentence in
 // `strComplaint`, for what cannot be understood.
-std::optional<CommandLine> ParseCommandLine(const QStringList& arguments, QString& strComplaint);
+std::optional<CommandLine> ParseCommandLine(const QByteArrayList& arguments, QString& strComplaint);
 
 QString UsageText();
 

@@ -1,5 +1,5 @@
-// The viewer's window: a bar of commands above the pages, and a message in
-// their place when there are none to show.
+// The viewer's window: a bar of commands above the pages, a pane in their place
+// when there are none to show, and notices and questions between.
 //
 // The bar's room is kept from the beginning, but it is filled after the first
 // page is painted, so that nothing stands between the start and the page.
@@ -10,6 +10,7 @@
 #include <QWidget>
 #include <memory>
 
+#include "app/viewer/Commands.h"
 #include "widget/VelkoPdfView.h"
 
 class QLabel;
@@ -17,27 +18,32 @@ class QLabel;
 namespace velko::viewer {
 
 class CommandBar;
+class NoticeBar;
+class StartPane;
 
 class MainWindow : public QWidget {
     Q_OBJECT
 
 public:
     MainWindow(std::shared_ptr<vkit::PDFViewCtrl> pControl, QSize size);
+    ~MainWindow() override;
 
-    // Shows the document whose open was begun, or without one the welcome.
-    void Begin(const QString& strFile, vkit::VelkoPdfView::Opening opening);
+    // Shows the document whose open was begun, or without one the start.
+    void Begin(const vkit::FilePath& path, vkit::VelkoPdfView::Opening opening);
 
     vkit::VelkoPdfView& View() const { return *m_pView; }
 
     // What stands in place of the pages; empty while pages are shown.
     QString Message() const;
-    // What is told above pages that are shown; empty when nothing is.
+    // What is told or asked above the pages; empty when nothing is.
     QString Notice() const;
 
     // Fills the bar now.
     void CompleteBar();
 
 protected:
+    bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
+    void changeEvent(QEvent* pEvent) override;
     void closeEvent(QCloseEvent* pEvent) override;
     void dragEnterEvent(QDragEnterEvent* pEvent) override;
     void dropEvent(QDropEvent* pEvent) override;
@@ -47,20 +53,33 @@ protected:
 
 private:
     void ConnectView();
+    void ConnectLinks();
+    void CarryOut(Command eCommand);
     void AskForFile();
+    void AskForPassword();
+    void AskToBrowse(const QUrl& address);
+    void ToggleFullScreen();
+    bool LeaveWhatIsOpen(); // notice, then full screen; false when there is neither
+    int BarHeight() const;  // 0 while the window fills the screen
     void ShowMessage(const QString& strTitle, const QString& strText);
-    void ShowNotice(const QString& strText);
     void HideMessages();
+    void ShowTarget(const QString& strTarget);
+    NoticeBar& NoticeLine(); // made when first needed
     void OnState(vkit::VelkoPdfView::State eState);
-    void OnOpenFailed(const QString& strPath, const QString& strReason);
+    void OnOpenFailed(const QString& strFile, const QString& strReason);
+    void FollowColors();
     void UpdateTitle();
     void PlaceParts();
-    QString FileName() const;
 
     vkit::VelkoPdfView* const m_pView;
-    CommandBar* m_pBar = nullptr; // after the first paint
-    QLabel* m_pMessage = nullptr; // made when first needed
-    QLabel* m_pNotice = nullptr;
+    const QPalette m_palette;        // the desktop's
+    Commands* m_pCommands = nullptr; // with the bar
+    CommandBar* m_pBar = nullptr;    // after the first paint
+    StartPane* m_pMessage = nullptr; // these are made when first needed
+    NoticeBar* m_pNotice = nullptr;
+    QLabel* m_pTarget = nullptr; // of the link under the pointer
+    bool m_bDark = false;
+    bool m_bPasswordTried = false; // for the document that asks for one
 };
 
 }

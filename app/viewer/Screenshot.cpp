@@ -29,7 +29,7 @@ Screenshot::Screenshot(MainWindow& window, const CommandLine& options, QObject* 
     connect(&view, &VelkoPdfView::Failed, this,
             [this](const QString& strReason) { End(1, strReason); });
     QTimer::singleShot(kLongestWaitMs, this, [this] { End(1, "The pages never became sharp."); });
-    if (options.strFile.isEmpty()) {
+    if (options.file.IsEmpty()) {
         QTimer::singleShot(0, this, &Screenshot::Write);
     }
 }

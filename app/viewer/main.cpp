@@ -2,8 +2,9 @@
 // to open on the pool before Qt connects to the display, and the window's
 // final size is known before the first layout.
 #include <QApplication>
-#include <QFile>
+#include <QTemporaryDir>
 #include <cstdio>
+#include <optional>
 
 #include "app/viewer/CommandBar.h"
 #include "app/viewer/CommandLine.h"
@@ -43,19 +44,26 @@ void ShowFirst(vkit::VelkoPdfView& view, int nPage) {
     }
 }
 
-vkit::VelkoRuntime::Options RuntimeOptions(const CommandLine& options) {
+// A picture shows the document as it is when it is opened for the first time,
+// whatever the reader's settings are.
+vkit::VelkoRuntime::Options RuntimeOptions(const CommandLine& options, const QString& strFresh) {
     vkit::VelkoRuntime::Options runtime;
+    runtime.strDataFolder = strFresh;
     runtime.environment.size = {static_cast<float>(options.size.width()),
                                 static_cast<float>(options.size.height() - CommandBar::kHeight)};
     return runtime;
 }
 
 int RunViewer(int argc, char** argv, const CommandLine& options) {
-    const vkit::VelkoRuntime runtime(RuntimeOptions(options));
+    std::optional<QTemporaryDir> fresh;
+    if (!options.strScreenshot.isEmpty()) {
+        fresh.emplace();
+    }
+    const vkit::VelkoRuntime runtime(RuntimeOptions(options, fresh ? fresh->path() : QString()));
     auto pControl = vkit::VelkoPdfView::CreateControl();
     vkit::VelkoPdfView::Opening opening;
-    if (!options.strFile.isEmpty()) {
-        opening = vkit::VelkoPdfView::BeginOpen(*pControl, options.strFile);
+    if (!options.file.IsEmpty()) {
+        opening = vkit::VelkoPdfView::BeginOpen(*pControl, options.file);
     }
     if (!options.strScreenshot.isEmpty() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -70,17 +78,18 @@ int RunViewer(int argc, char** argv, const CommandLine& options) {
     if (!options.strScreenshot.isEmpty()) {
         new Screenshot(window, options, &window);
     } else {
+        window.View().KeepPlace(true);
         ShowFirst(window.View(), options.nPage - 1);
     }
-    window.Begin(options.strFile, std::move(opening));
+    window.Begin(options.file, std::move(opening));
     window.show();
     return QApplication::exec();
 }
 
 int Run(int argc, char** argv) {
-    QStringList arguments;
+    QByteArrayList arguments;
     for (int nArgument = 1; nArgument < argc; ++nArgument) {
-        arguments << QFile::decodeName(argv[nArgument]);
+        arguments << argv[nArgument];
     }
     QString strComplaint;
     const auto options = ParseCommandLine(arguments, strComplaint);

@@ -1,0 +1,27 @@
+// The colours of the pages, as a menu: a few that are pleasant to read on, and
+// the reader's own.
+//
+// Threads: UI thread only.
+#pragma once
+
+#include <QMenu>
+
+#include "widget/VelkoPdfView.h"
+
+namespace velko::viewer {
+
+class ColorMenu : public QMenu {
+public:
+    // `pNight` is the command of that name.
+    ColorMenu(vkit::VelkoPdfView& view, QAction* pNight, QWidget* pParent);
+
+private:
+    void AddPreset(const QString& strName, const vkit::PageColors& colors);
+    void AddOwn(const QString& strName, QColor vkit::PageColors::*pColor);
+    void AskFor(const QString& strTitle, QColor vkit::PageColors::*pColor);
+    void FollowView();
+
+    vkit::VelkoPdfView& m_view;
+};
+
+}

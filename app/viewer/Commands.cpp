@@ -1,0 +1,156 @@
+#include "app/viewer/Commands.h"
+
+#include <vector>
+
+namespace velko::viewer {
+
+using vkit::VelkoPdfView;
+using Fit = VelkoPdfView::Fit;
+using Layout = VelkoPdfView::Layout;
+
+namespace {
+
+enum class Needs { Nothing, Document };
+
+struct Entry {
+    Command eCommand;
+    const char* szText;
+    const char* szKeys; // several with a blank between them
+    Needs eNeeds = Needs::Document;
+    void (*fnRun)(VelkoPdfView&) = nullptr;           // empty: the window's to carry out
+    bool (*fnChecked)(const VelkoPdfView&) = nullptr; // empty: not checkable
+    bool (*fnCan)(const VelkoPdfView&) = nullptr;     // empty: whenever its need is met
+};
+
+template <Fit eFit>
+void SetFit(VelkoPdfView& view) {
+    view.SetFit(eFit);
+}
+template <Fit eFit>
+bool HasFit(const VelkoPdfView& view) {
+    return view.FitMode() == eFit;
+}
+template <Layout eLayout>
+void SetLayout(VelkoPdfView& view) {
+    view.SetLayoutMode(eLayout);
+}
+template <Layout eLayout>
+bool HasLayout(const VelkoPdfView& view) {
+    return view.LayoutMode() == eLayout;
+}
+template <void (VelkoPdfView::*fnMember)()>
+void Run(VelkoPdfView& view) {
+    (view.*fnMember)();
+}
+template <int nTurns>
+void Rotate(VelkoPdfView& view) {
+    view.RotateBy(nTurns);
+}
+
+bool IsAfterStart(const VelkoPdfView& view) {
+    return view.CurrentPage() > 0;
+}
+bool IsBeforeEnd(const VelkoPdfView& view) {
+    return view.CurrentPage() + 1 < view.PageCount();
+}
+bool CanZoomIn(const VelkoPdfView& view) {
+    return view.Zoom() < view.MostZoom();
+}
+bool CanZoomOut(const VelkoPdfView& view) {
+    return view.Zoom() > view.LeastZoom();
+}
+
+const std::vector<Entry>& Entries() {
+    using View = VelkoPdfView;
+    static const std::vector<Entry> s_entries{
+        {Command::Open, "&Open…", "Ctrl+O", Needs::Nothing},
+        {Command::Close, "&Close document", "Ctrl+W"},
+        {Command::Quit, "&Quit", "Ctrl+Q", Needs::Nothing},
+        {Command::PreviousPage, "&Previous page", "Ctrl+PgUp", Needs::Document,
+         Run<&View::GotoPrevPage>, nullptr, IsAfterStart},
+        {Command::NextPage, "&Next page", "Ctrl+PgDown", Needs::Document, Run<&View::GotoNextPage>,
+         nullptr, IsBeforeEnd},
+        {Command::FirstPage, "&First page", "Ctrl+Home", Needs::Document,
+         Run<&View::GotoFirstPage>},
+        {Command::LastPage, "&Last page", "Ctrl+End", Needs::Document, Run<&View::GotoLastPage>},
+        {Command::EnterPage, "&Go to page…", "Ctrl+L Ctrl+G"},
+        {Command::Back, "&Back", "Alt+Left", Needs::Document, Run<&View::GoBack>, nullptr,
+         [](const View& view) { return view.CanGoBack(); }},
+        {Command::Forward, "For&ward", "Alt+Right", Needs::Document, Run<&View::GoForward>, nullptr,
+         [](const View& view) { return view.CanGoForward(); }},
+        {Command::ZoomIn, "Zoom &in", "Ctrl++ Ctrl+=", Needs::Document, Run<&View::ZoomIn>, nullptr,
+         CanZoomIn},
+        {Command::ZoomOut, "Zoom &out", "Ctrl+-", Needs::Document, Run<&View::ZoomOut>, nullptr,
+         CanZoomOut},
+        {Command::ActualSize, "&100 %", "Ctrl+0", Needs::Document,
+         [](View& view) { view.ZoomTo(1.0); }},
+        {Command::FitPage, "Fit &page", "Ctrl+2", Needs::Document, SetFit<Fit::Page>,
+         HasFit<Fit::Page>},
+        {Command::FitWidth, "Fit &width", "Ctrl+1", Needs::Document, SetFit<Fit::Width>,
+         HasFit<Fit::Width>},
+        {Command::FitHeight, "Fit &height", "Ctrl+3", Needs::Document, SetFit<Fit::Height>,
+         HasFit<Fit::Height>},
+        {Command::RotateRight, "Rotate &right", "R Ctrl+R", Needs::Document, Rotate<1>},
+        {Command::RotateLeft, "Rotate &left", "Shift+R Ctrl+Shift+R", Needs::Document, Rotate<-1>},
+        {Command::Continuous, "&Continuous", "C", Needs::Document, SetLayout<Layout::Continuous>,
+         HasLayout<Layout::Continuous>},
+        {Command::SinglePage, "&One page at a time", "S", Needs::Document,
+         SetLayout<Layout::SinglePage>, HasLayout<Layout::SinglePage>},
+        {Command::Night, "&Night mode", "Ctrl+I", Needs::Nothing,
+         [](View& view) { view.SetNightMode(!view.NightMode()); },
+         [](const View& view) { return view.NightMode(); }},
+        {Command::FullScreen, "&Full screen", "F11", Needs::Nothing},
+        {Command::Menu, "Menu", "F10", Needs::Nothing},
+    };
+    return s_entries;
+}
+
+QList<QKeySequence> KeysOf(const Entry& entry) {
+    QList<QKeySequence> keys;
+    for (const QString& strKey : QString::fromLatin1(entry.szKeys).split(' ')) {
+        keys << QKeySequence(strKey);
+    }
+    return keys;
+}
+
+}
+
+Commands::Commands(VelkoPdfView& view, QWidget* pWindow) : QObject(pWindow), m_view(view) {
+    for (const Entry& entry : Entries()) {
+        auto* const pAction = new QAction(QString::fromUtf8(entry.szText), this);
+        pAction->setShortcuts(KeysOf(entry));
+        pAction->setCheckable(entry.fnChecked != nullptr || entry.eCommand == Command::FullScreen);
+        m_actions[static_cast<std::size_t>(entry.eCommand)] = pAction;
+        pWindow->addAction(pAction);
+        connect(pAction, &QAction::triggered, this, [this, &entry] {
+            if (entry.fnRun != nullptr) {
+                entry.fnRun(m_view);
+            } else {
+                emit Wanted(entry.eCommand);
+            }
+            FollowView(); // a click has turned the mark of what may not have changed
+        });
+    }
+    connect(&m_view, &VelkoPdfView::ViewChanged, this, &Commands::FollowView);
+    connect(&m_view, &VelkoPdfView::StateChanged, this, &Commands::FollowView);
+    FollowView();
+}
+
+void Commands::FollowView() {
+    const bool bShown = m_view.PageCount() > 0;
+    for (const Entry& entry : Entries()) {
+        QAction* const pAction = (*this)[entry.eCommand];
+        pAction->setEnabled(entry.eNeeds == Needs::Nothing ||
+                            (bShown && (entry.fnCan == nullptr || entry.fnCan(m_view))));
+        if (entry.fnChecked != nullptr) {
+            pAction->setChecked((bShown || entry.eNeeds == Needs::Nothing) &&
+                                entry.fnChecked(m_view));
+        }
+    }
+}
+
+void Commands::SetFullScreen(bool bFull) {
+    (*this)[Command::FullScreen]->setChecked(bFull);
+}
+
+}

@@ -1,0 +1,160 @@
+#include "app/viewer/Glyphs.h"
+
+#include <QPolygonF>
+#include <initializer_list>
+
+namespace velko::viewer {
+
+namespace {
+
+// A line through the points.
+void Line(QPainterPath& path, std::initializer_list<QPointF> points) {
+    path.addPolygon(QPolygonF(QList<QPointF>(points)));
+}
+
+void Page(QPainterPath& path, const QRectF& rc) {
+    path.addRoundedRect(rc, 1.0, 1.0);
+}
+
+QPainterPath Menu() {
+    QPainterPath path;
+    for (const double dbY : {5.5, 10.0, 14.5}) {
+        Line(path, {{3.5, dbY}, {16.5, dbY}});
+    }
+    return path;
+}
+
+// A folder.
+QPainterPath Open() {
+    QPainterPath path;
+    Line(path, {{3.0, 15.5}, {3.0, 4.5}, {7.5, 4.5}, {9.5, 6.5}, {16.0, 6.5}, {16.0, 9.0}});
+    Line(path, {{3.0, 15.5}, {5.5, 9.0}, {18.0, 9.0}, {15.5, 15.5}, {3.0, 15.5}});
+    return path;
+}
+
+QPainterPath Chevron(bool bNext) {
+    QPainterPath path;
+    const double dbTip = bNext ? 12.5 : 7.5;
+    const double dbBack = 20.0 - dbTip;
+    Line(path, {{dbBack, 4.5}, {dbTip, 10.0}, {dbBack, 15.5}});
+    return path;
+}
+
+QPainterPath Sign(bool bPlus) {
+    QPainterPath path;
+    Line(path, {{4.5, 10.0}, {15.5, 10.0}});
+    if (bPlus) {
+        Line(path, {{10.0, 4.5}, {10.0, 15.5}});
+    }
+    return path;
+}
+
+// Arrows to both sides of a page.
+QPainterPath FitWidth() {
+    QPainterPath path;
+    Line(path, {{2.5, 3.5}, {2.5, 16.5}});
+    Line(path, {{17.5, 3.5}, {17.5, 16.5}});
+    Line(path, {{5.5, 10.0}, {14.5, 10.0}});
+    Line(path, {{8.0, 7.5}, {5.5, 10.0}, {8.0, 12.5}});
+    Line(path, {{12.0, 7.5}, {14.5, 10.0}, {12.0, 12.5}});
+    return path;
+}
+
+QPainterPath FitPage() {
+    QPainterPath path;
+    Page(path, {4.0, 2.5, 12.0, 15.0});
+    Line(path, {{10.0, 5.5}, {10.0, 14.5}});
+    Line(path, {{8.0, 7.5}, {10.0, 5.5}, {12.0, 7.5}});
+    Line(path, {{8.0, 12.5}, {10.0, 14.5}, {12.0, 12.5}});
+    return path;
+}
+
+QPainterPath Rotate() {
+    constexpr int kStart = 60;
+    constexpr int kSweep = 290;
+    const QRectF rc(4.0, 4.5, 12.0, 12.0);
+    QPainterPath path;
+    path.arcMoveTo(rc, kStart);
+    path.arcTo(rc, kStart, kSweep);
+    path.arcMoveTo(rc, kStart);
+    const QPointF ptTip = path.currentPosition();
+    Line(path, {ptTip + QPointF(-0.8, -3.8), ptTip, ptTip + QPointF(-4.0, 0.9)});
+    return path;
+}
+
+// Two pages one below the other, both cut off.
+QPainterPath Continuous() {
+    QPainterPath path;
+    Line(path, {{4.5, 2.5}, {4.5, 8.0}, {15.5, 8.0}, {15.5, 2.5}});
+    Line(path, {{4.5, 17.5}, {4.5, 12.0}, {15.5, 12.0}, {15.5, 17.5}});
+    return path;
+}
+
+QPainterPath SinglePage() {
+    QPainterPath path;
+    Page(path, {4.5, 2.5, 11.0, 15.0});
+    return path;
+}
+
+// A moon.
+QPainterPath Night() {
+    QPainterPath disc;
+    disc.addEllipse(QPointF(10.0, 10.0), 7.0, 7.0);
+    QPainterPath shade;
+    shade.addEllipse(QPointF(13.5, 7.5), 6.0, 6.0);
+    return disc.subtracted(shade);
+}
+
+QPainterPath FullScreen() {
+    QPainterPath path;
+    Line(path, {{3.0, 7.5}, {3.0, 3.0}, {7.5, 3.0}});
+    Line(path, {{12.5, 3.0}, {17.0, 3.0}, {17.0, 7.5}});
+    Line(path, {{17.0, 12.5}, {17.0, 17.0}, {12.5, 17.0}});
+    Line(path, {{7.5, 17.0}, {3.0, 17.0}, {3.0, 12.5}});
+    return path;
+}
+
+QPainterPath Close() {
+    QPainterPath path;
+    Line(path, {{5.5, 5.5}, {14.5, 14.5}});
+    Line(path, {{14.5, 5.5}, {5.5, 14.5}});
+    return path;
+}
+
+}
+
+QPainterPath OutlineOf(Glyph eGlyph) {
+    switch (eGlyph) {
+        case Glyph::Menu:
+            return Menu();
+        case Glyph::Open:
+            return Open();
+        case Glyph::Previous:
+            return Chevron(false);
+        case Glyph::Next:
+            return Chevron(true);
+        case Glyph::ZoomOut:
+            return Sign(false);
+        case Glyph::ZoomIn:
+            return Sign(true);
+        case Glyph::FitWidth:
+            return FitWidth();
+        case Glyph::FitPage:
+            return FitPage();
+        case Glyph::Rotate:
+            return Rotate();
+        case Glyph::Continuous:
+            return Continuous();
+        case Glyph::SinglePage:
+            return SinglePage();
+        case Glyph::Night:
+            return Night();
+        case Glyph::FullScreen:
+            return FullScreen();
+        case Glyph::Close:
+            return Close();
+    }
+    return {};
+}
+
+}

@@ -1,0 +1,31 @@
+// The small pictures on buttons, as outlines to be stroked.
+//
+// Threads: values. Units: a square of `kGlyphSide`.
+#pragma once
+
+#include <QPainterPath>
+
+namespace velko::viewer {
+
+inline constexpr double kGlyphSide = 20.0;
+
+enum class Glyph {
+    Menu,
+    Open,
+    Previous,
+    Next,
+    ZoomOut,
+    ZoomIn,
+    FitWidth,
+    FitPage,
+    Rotate,
+    Continuous,
+    SinglePage,
+    Night,
+    FullScreen,
+    Close
+};
+
+QPainterPath OutlineOf(Glyph eGlyph);
+
+}
