@@ -116,7 +116,7 @@ TEST_F(VelkoPdfViewTest, AFileThatIsNotThereLeavesTheShownDocument) {
     ASSERT_TRUE(OpenUntilSharp(*m_pView, WritePages("good.pdf", 2)));
     ASSERT_TRUE(FailsToOpen(m_folder.filePath("missing.pdf")));
     EXPECT_EQ(m_pView->ViewState(), State::Shown);
-    EXPECT_TRUE(m_pView->Path().endsWith("good.pdf"));
+    EXPECT_TRUE(m_pView->File().Text().endsWith("good.pdf"));
     EXPECT_EQ(m_pView->PageCount(), 2);
     m_pView->GotoPage(1);
     EXPECT_TRUE(RunUntil([&] { return m_pView->CurrentPage() == 1 && m_pView->IsSharp(); }));

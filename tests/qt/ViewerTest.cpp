@@ -6,12 +6,15 @@
 #include <QMimeData>
 #include <QProcess>
 #include <QUrl>
+#include <cstdio>
+#include <cstdlib>
 #include <memory>
+#include <string>
 
 #include "app/viewer/CommandBar.h"
 #include "app/viewer/CommandLine.h"
 #include "app/viewer/MainWindow.h"
-#include "tests/qt/ViewFixture.h"
+#include "tests/qt/WindowFixture.h"
 
 namespace velko {
 namespace {
@@ -22,14 +25,8 @@ using viewer::CommandLine;
 using viewer::MainWindow;
 using State = vkit::VelkoPdfView::State;
 
-class MainWindowTest : public testing::ViewFixture {
+class MainWindowTest : public testing::WindowFixture {
 protected:
-    MainWindowTest() {
-        m_pWindow->Begin({}, {});
-        m_pWindow->show();
-    }
-    ~MainWindowTest() override { m_pWindow.reset(); }
-
     void Drop(const QString& strFile) {
         QMimeData data;
         data.setUrls({QUrl::fromLocalFile(strFile)});
@@ -42,9 +39,6 @@ protected:
     bool ShowsMessageWith(const QString& strWords) {
         return RunUntil([&] { return m_pWindow->Message().contains(strWords); });
     }
-
-    std::unique_ptr<MainWindow> m_pWindow = std::make_unique<MainWindow>(
-        vkit::VelkoPdfView::CreateControl(), CommandLine::kDefaultSize);
 };
 
 TEST_F(MainWindowTest, ADroppedFileOpens) {
@@ -105,7 +99,7 @@ TEST(CommandLineTest, UnderstandsItsOptionsAndLeavesThoseOfQt) {
                                   "--size", "640x480", "--time-to-ink=5", "--", "-odd.pdf"},
                                  strComplaint);
     ASSERT_TRUE(options) << strComplaint.toStdString();
-    EXPECT_EQ(options->strFile, "-odd.pdf");
+    EXPECT_EQ(options->file.Bytes(), "-odd.pdf");
     EXPECT_EQ(options->strScreenshot, "a.png");
     EXPECT_EQ(options->nPage, 3);
     EXPECT_EQ(options->size, QSize(640, 480));
@@ -113,9 +107,9 @@ TEST(CommandLineTest, UnderstandsItsOptionsAndLeavesThoseOfQt) {
 }
 
 TEST(CommandLineTest, NamesWhatItDoesNotUnderstand) {
-    const QList<QStringList> lines{{"--pages"},       {"--page", "0"},   {"--page"},
-                                   {"--size", "9x9"}, {"--size", "640"}, {"a.pdf", "b.pdf"}};
-    for (const QStringList& line : lines) {
+    const QList<QByteArrayList> lines{{"--pages"},       {"--page", "0"},   {"--page"},
+                                      {"--size", "9x9"}, {"--size", "640"}, {"a.pdf", "b.pdf"}};
+    for (const QByteArrayList& line : lines) {
         QString strComplaint;
         EXPECT_FALSE(viewer::ParseCommandLine(line, strComplaint)) << line.join(' ').toStdString();
         EXPECT_FALSE(strComplaint.isEmpty());
@@ -143,6 +137,16 @@ TEST_F(ViewerProgramTest, WritesASharpPictureOfThePageAskedFor) {
     const QImage picture(strPicture);
     ASSERT_EQ(picture.size(), QSize(612, 832));
     EXPECT_EQ(picture.pixelColor(306, 40 + 396), QColor(255, 0, 0));
+}
+
+TEST_F(ViewerProgramTest, OpensAFileWhoseNameIsNoText) {
+    const std::string strName = m_folder.filePath("caf").toStdString() + "\xE9.pdf";
+    ASSERT_EQ(std::rename(WritePages("a.pdf", 1).toStdString().c_str(), strName.c_str()), 0);
+    const std::string strPicture = m_folder.filePath("picture.png").toStdString();
+    const std::string strLine = std::string(VELKO_VIEWER) + " --screenshot " + strPicture +
+                                " --size 300x300 '" + strName + "'";
+    EXPECT_EQ(std::system(strLine.c_str()), 0); // a QProcess would change the name
+    EXPECT_TRUE(QFileInfo::exists(QString::fromStdString(strPicture)));
 }
 
 TEST_F(ViewerProgramTest, SaysWhyThereIsNoPicture) {

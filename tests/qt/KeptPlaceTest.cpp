@@ -1,0 +1,155 @@
+// The reader's place, from one opening to the next and through a killed viewer.
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QProcess>
+#include <algorithm>
+#include <cmath>
+
+#include "component/KeptView.h"
+#include "control/PDFViewerManager.h"
+#include "platform/qt/QtElementWindow.h"
+#include "platform/storage/ApplicationData.h"
+#include "tests/qt/ViewFixture.h"
+
+namespace velko {
+namespace {
+
+using testing::RunUntil;
+using View = vkit::VelkoPdfView;
+
+class KeptPlaceTest : public testing::ViewFixture {
+protected:
+    std::unique_ptr<View> MakeView(QSize size) {
+        auto pView = std::make_unique<View>();
+        pView->KeepPlace(true);
+        pView->resize(size);
+        pView->show();
+        return pView;
+    }
+    static bool Settles(View& view) {
+        return RunUntil([&] { return view.IsSharp() && !view.Window().IsFrameHeld(); });
+    }
+    // Page, place on the screen, zoom and rotation.
+    static std::vector<double> PlaceOf(View& view) {
+        auto& control = *view.Control();
+        const auto pPosition = control.PageViewMgr()->GetViewer()->GetPagePosition();
+        return {static_cast<double>(pPosition->nPageIndex), std::round(pPosition->dbOffsetX),
+                std::round(pPosition->dbOffsetY), control.GetScale(),
+                static_cast<double>(control.GetRotate())};
+    }
+    void Start(QProcess& program, const QStringList& arguments) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("XDG_DATA_HOME", m_folder.filePath("home"));
+        environment.insert("QT_QPA_PLATFORM", "offscreen");
+        program.setProcessEnvironment(environment);
+        program.start(VELKO_VIEWER, arguments);
+    }
+    static std::int32_t KeptPage(const QString& strFile) {
+        const auto kept = vkit::FindView(strFile.toStdString());
+        return kept ? kept->pValues->Lookup("CurrentPageIndex").Get<std::int32_t>() : -1;
+    }
+};
+
+TEST_F(KeptPlaceTest, ADocumentComesUpWhereItWasLeftInOneStep) {
+    const QString strFile = WritePages("pages.pdf", 20);
+    std::vector<double> left;
+    {
+        const auto pView = MakeView({500, 600});
+        ASSERT_TRUE(OpenUntilSharp(*pView, strFile));
+        pView->RotateBy(3);
+        pView->ZoomTo(1.6);
+        pView->GotoPage(7);
+        pView->ScrollBy(61.0, 173.0);
+        ASSERT_TRUE(Settles(*pView));
+        left = PlaceOf(*pView);
+    } // what is not stored yet is stored here
+    const auto pView = MakeView({500, 600});
+    int nElsewhere = 0;
+    int nFrames = 0;
+    QObject::connect(pView.get(), &View::Painted, pView.get(), [&] {
+        if (pView->Control()->GetPageCount() > 0) {
+            ++nFrames;
+            nElsewhere += PlaceOf(*pView) == left ? 0 : 1;
+        }
+    });
+    ASSERT_TRUE(OpenUntilSharp(*pView, strFile));
+    ASSERT_TRUE(RunUntil([&] { return nFrames > 0; }));
+    EXPECT_EQ(nElsewhere, 0) << "frames that showed another place";
+    EXPECT_EQ(PlaceOf(*pView), left);
+    EXPECT_EQ(pView->Zoom(), static_cast<double>(1.6F));
+
+    // Lying the other way only page and rotation come back.
+    const auto pWide = MakeView({900, 500});
+    ASSERT_TRUE(OpenUntilSharp(*pWide, strFile));
+    EXPECT_EQ(pWide->Control()->GetCurrentPageIndex(), static_cast<int>(left[0]));
+    EXPECT_EQ(pWide->Rotation(), 3);
+    EXPECT_NE(pWide->Zoom(), static_cast<double>(1.6F));
+}
+
+TEST_F(KeptPlaceTest, AFitComesBackAsAFitAndAnotherDocumentDoesNotTakeThePlace) {
+    const QString strFile = WritePages("pages.pdf", 20);
+    {
+        const auto pView = MakeView({500, 600});
+        ASSERT_TRUE(OpenUntilSharp(*pView, strFile));
+        pView->FitWidth();
+        pView->GotoPage(4);
+        ASSERT_TRUE(OpenUntilSharp(*pView, WritePages("short.pdf", 2)));
+    }
+    const auto pView = MakeView({612, 700});
+    ASSERT_TRUE(OpenUntilSharp(*pView, strFile));
+    EXPECT_EQ(pView->FitMode(), View::Fit::Width);
+    EXPECT_NEAR(pView->Zoom(), 0.75, 0.001) << "of the new width";
+    EXPECT_EQ(pView->Control()->GetCurrentPageIndex(), 4);
+    WritePages("pages.pdf", 3); // the document has become shorter
+    ASSERT_TRUE(OpenUntilSharp(*pView, strFile));
+    EXPECT_EQ(pView->PageCount(), 3);
+}
+
+TEST_F(KeptPlaceTest, AStoreThatCannotBeWrittenIsToldOnceAndTheReadingGoesOn) {
+    const auto pView = MakeView({500, 600});
+    QStringList failures;
+    QObject::connect(pView.get(), &View::Failed, pView.get(),
+                     [&](const QString& strReason) { failures << strReason; });
+    pView->Open(WritePages("pages.pdf", 5));
+    ASSERT_TRUE(RunUntil([&] { return pView->PageCount() == 5; }));
+    ASSERT_TRUE(QDir(m_folder.path()).mkpath("data/settings.db")); // a folder in its place
+    EXPECT_TRUE(RunUntil([&] {
+        return std::any_of(failures.begin(), failures.end(), [](const QString& strReason) {
+            return strReason.contains("could not be kept");
+        });
+    })) << failures.join('\n').toStdString();
+    pView->GotoPage(3);
+    EXPECT_TRUE(RunUntil([&] { return pView->CurrentPage() == 3 && pView->IsSharp(); }));
+}
+
+TEST_F(KeptPlaceTest, AViewerWithoutUsableSettingsStillShowsTheDocument) {
+    ASSERT_TRUE(QDir(m_folder.path()).mkpath("home/velko-vkit/settings.db"));
+    QProcess program;
+    Start(program, {"--time-to-ink", WritePages("pages.pdf", 2)});
+    ASSERT_TRUE(program.waitForFinished(60'000));
+    EXPECT_EQ(program.exitCode(), 0);
+    EXPECT_TRUE(program.readAllStandardOutput().startsWith("time to ink"));
+}
+
+// The program's data folder is the one that this process looks into.
+TEST_F(KeptPlaceTest, AKilledViewerLosesNeitherTheStoreNorTheStoredPlace) {
+    const QString strFile = WritePages("pages.pdf", 9);
+    const std::string strStore = m_folder.filePath("home/velko-vkit").toStdString();
+    Windows::Storage::ApplicationData::SetCurrent(Windows::Storage::OpenApplicationData(strStore));
+    for (const int nPage : {3, 6}) {
+        QProcess program;
+        Start(program, {"--page", QString::number(nPage), strFile});
+        ASSERT_TRUE(program.waitForStarted());
+        EXPECT_TRUE(RunUntil([&] { return KeptPage(strFile) == nPage - 1; }));
+        program.kill(); // SIGKILL
+        ASSERT_TRUE(program.waitForFinished());
+        EXPECT_EQ(program.exitStatus(), QProcess::CrashExit);
+        EXPECT_EQ(KeptPage(strFile), nPage - 1);
+        EXPECT_EQ(vkit::RecentFiles(), std::vector{strFile.toStdString()});
+    }
+    EXPECT_TRUE(QDir(m_folder.filePath("home/velko-vkit")).entryList({"*.corrupt*"}).isEmpty());
+}
+
+}
+}

@@ -1,0 +1,281 @@
+// The desktop viewer's commands by real keys, clicks and menus.
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QTest>
+#include <cmath>
+#include <functional>
+#include <vector>
+
+#include "app/viewer/CommandBar.h"
+#include "app/viewer/NoticeBar.h"
+#include "app/viewer/RecentMenu.h"
+#include "component/KeptView.h"
+#include "platform/qt/QtElementWindow.h"
+#include "tests/qt/WindowFixture.h"
+
+namespace velko {
+namespace {
+
+using testing::RunUntil;
+using View = vkit::VelkoPdfView;
+
+class ViewerCommandsTest : public testing::WindowFixture {
+protected:
+    void Key(int nKey, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QTest::keyClick(
+            m_pWindow->focusWidget() != nullptr ? m_pWindow->focusWidget() : m_pWindow.get(),
+            static_cast<Qt::Key>(nKey), modifiers);
+    }
+    View& TheView() { return m_pWindow->View(); }
+    bool Settles() {
+        return RunUntil([&] { return TheView().IsSharp() && !TheView().Window().IsFrameHeld(); });
+    }
+    QAction* ActionOf(const QString& strText) {
+        for (QAction* pAction : m_pWindow->actions()) {
+            if (QString(pAction->text()).remove('&') == strText) {
+                return pAction;
+            }
+        }
+        return nullptr;
+    }
+    // The middle of a rectangle of the first page, in the pages' widget.
+    QPoint OnPage(float fX, float fY) {
+        const auto pt = TheView().Control()->PagePointToDevicePoint(0, {fX, fY});
+        return {static_cast<int>(pt.X), static_cast<int>(pt.Y)};
+    }
+};
+
+struct KeyCase {
+    int nKey;
+    Qt::KeyboardModifiers modifiers;
+    const char* szAction; // its mark shows the outcome; may be empty
+    std::function<bool(View&)> fnOutcome;
+};
+
+TEST_F(ViewerCommandsTest, EachKeyDoesWhatTheMenuSaysAndTheMarksAreTrue) {
+    ASSERT_TRUE(ActionOf("Fit width")->isEnabled() == false) << "there is no document yet";
+    ASSERT_TRUE(ShowUntilSharp(WritePages("pages.pdf", 9)));
+    EXPECT_TRUE(ActionOf("Fit page")->isChecked());
+    EXPECT_FALSE(ActionOf("Back")->isEnabled());
+    const std::vector<KeyCase> cases{
+        {Qt::Key_1, Qt::ControlModifier, "Fit width",
+         [](View& view) { return view.FitMode() == View::Fit::Width; }},
+        {Qt::Key_3, Qt::ControlModifier, "Fit height",
+         [](View& view) { return view.FitMode() == View::Fit::Height; }},
+        {Qt::Key_0, Qt::ControlModifier, "", [](View& view) { return view.Zoom() == 1.0; }},
+        {Qt::Key_Plus, Qt::ControlModifier, "", [](View& view) { return view.Zoom() > 1.0; }},
+        {Qt::Key_Minus, Qt::NoModifier, "", [](View& view) { return view.Zoom() == 1.0; }},
+        {Qt::Key_End, Qt::ControlModifier, "", [](View& view) { return view.CurrentPage() == 8; }},
+        {Qt::Key_Left, Qt::AltModifier, "", [](View& view) { return view.CurrentPage() == 0; }},
+        {Qt::Key_Right, Qt::AltModifier, "", [](View& view) { return view.CurrentPage() == 8; }},
+        {Qt::Key_Home, Qt::NoModifier, "", [](View& view) { return view.CurrentPage() == 0; }},
+        {Qt::Key_2, Qt::ControlModifier, "Fit page",
+         [](View& view) { return view.FitMode() == View::Fit::Page; }},
+        {Qt::Key_PageDown, Qt::ControlModifier, "",
+         [](View& view) { return view.CurrentPage() == 1; }},
+        {Qt::Key_R, Qt::NoModifier, "", [](View& view) { return view.Rotation() == 1; }},
+        {Qt::Key_R, Qt::ShiftModifier, "", [](View& view) { return view.Rotation() == 0; }},
+        {Qt::Key_I, Qt::ControlModifier, "Night mode",
+         [](View& view) { return view.Control()->NightMode(); }},
+        {Qt::Key_F11, Qt::NoModifier, "Full screen",
+         [](View& view) { return view.window()->isFullScreen(); }},
+    };
+    for (const KeyCase& c : cases) {
+        SCOPED_TRACE(QKeySequence(c.nKey | int(c.modifiers)).toString().toStdString());
+        Key(c.nKey, c.modifiers);
+        ASSERT_TRUE(RunUntil([&] { return c.fnOutcome(TheView()); }));
+        ASSERT_TRUE(Settles());
+        EXPECT_TRUE(*c.szAction == '\0' || ActionOf(c.szAction)->isChecked());
+    }
+    Key(Qt::Key_Escape);
+    EXPECT_FALSE(m_pWindow->isFullScreen());
+    EXPECT_TRUE(m_pWindow->findChild<viewer::CommandBar*>()->isVisible());
+    Key(Qt::Key_L, Qt::ControlModifier);
+    QTest::keyClicks(m_pWindow->focusWidget(), "6");
+    Key(Qt::Key_Return);
+    EXPECT_TRUE(RunUntil([&] { return TheView().CurrentPage() == 5; }));
+    Key(Qt::Key_W, Qt::ControlModifier);
+    EXPECT_TRUE(RunUntil([&] { return !ActionOf("Fit page")->isEnabled(); }));
+}
+
+TEST_F(ViewerCommandsTest, AFitOutlastsRotationAndAnOwnZoomIsKept) {
+    ASSERT_TRUE(ShowUntilSharp(WritePages("pages.pdf", 5)));
+    Key(Qt::Key_1, Qt::ControlModifier);
+    ASSERT_TRUE(Settles());
+    Key(Qt::Key_R);
+    ASSERT_TRUE(RunUntil([&] { return TheView().Rotation() == 1; }));
+    const double dbTurned = TheView().width() / (792.0 / 72.0 * 96.0);
+    EXPECT_NEAR(TheView().Zoom(), dbTurned, 0.01) << "the page's height lies across";
+    EXPECT_EQ(TheView().FitMode(), View::Fit::Width);
+    TheView().ZoomTo(1.75);
+    TheView().GotoPage(3);
+    ASSERT_TRUE(Settles());
+    Key(Qt::Key_R);
+    ASSERT_TRUE(RunUntil([&] { return TheView().Rotation() == 2; }));
+    EXPECT_EQ(TheView().Zoom(), 1.75);
+    EXPECT_EQ(TheView().CurrentPage(), 3);
+}
+
+// --- links -----------------------------------------------------------------
+
+class LinkTest : public ViewerCommandsTest {
+protected:
+    // Links in a column at x 100, each 100 below the one before, from y 600 down.
+    QString WriteLinks(const std::vector<std::string>& targets) {
+        testing::PdfPage page;
+        int nTop = 600;
+        for (const std::string& strTarget : targets) {
+            page.annots.push_back("<< /Type /Annot /Subtype /Link /Rect [90 " +
+                                  std::to_string(nTop - 20) + " 110 " + std::to_string(nTop) +
+                                  "] " + strTarget + " >>");
+            nTop -= 100;
+        }
+        page.strContent = "1 0 0 rg 10 10 50 50 re f";
+        return Write("links.pdf", testing::MakePdf(std::vector<testing::PdfPage>(6, page)));
+    }
+    void Mouse(QEvent::Type eType, QPoint pt, bool bDown) {
+        auto& window = TheView().Window();
+        const auto eButton = eType == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+        QMouseEvent event(eType, pt, window.mapToGlobal(pt), eButton,
+                          bDown ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&window, &event);
+    }
+    void Click(int nLink) {
+        const QPoint pt = OnPage(100.0F, 590.0F - 100.0F * static_cast<float>(nLink));
+        Mouse(QEvent::MouseButtonPress, pt, true);
+        Mouse(QEvent::MouseButtonRelease, pt, false);
+    }
+};
+
+TEST_F(LinkTest, AClickFollowsADragDoesNotAndBackReturns) {
+    ASSERT_TRUE(ShowUntilSharp(
+        WriteLinks({"/Dest [3 /FitH 700]", "/A << /S /URI /URI (https://example.org/a) >>",
+                    "/A << /S /Launch /F (calc.exe) >>", "/A << /S /Named /N /LastPage >>"})));
+    auto& window = TheView().Window();
+    const QPoint ptLink = OnPage(100.0F, 590.0F);
+    Mouse(QEvent::MouseMove, ptLink, false);
+    EXPECT_TRUE(RunUntil([&] { return window.cursor().shape() == Qt::PointingHandCursor; }));
+    Mouse(QEvent::MouseButtonPress, ptLink, true);
+    Mouse(QEvent::MouseMove, ptLink - QPoint(0, 60), true);
+    Mouse(QEvent::MouseMove, ptLink - QPoint(0, 90), true);
+    Mouse(QEvent::MouseButtonRelease, ptLink - QPoint(0, 90), false);
+    ASSERT_TRUE(Settles());
+    EXPECT_FALSE(TheView().CanGoBack()) << "a drag follows nothing";
+    TheView().GotoPage(0);
+    ASSERT_TRUE(Settles());
+    const double dbZoom = TheView().Zoom();
+    Click(0);
+    ASSERT_TRUE(RunUntil([&] { return TheView().CurrentPage() == 3; }));
+    Mouse(QEvent::MouseMove, ptLink, false);
+    EXPECT_TRUE(RunUntil([&] { return window.cursor().shape() == Qt::ArrowCursor; }))
+        << "the link has gone from under the pointer";
+    Key(Qt::Key_Left, Qt::AltModifier);
+    ASSERT_TRUE(RunUntil([&] { return TheView().CurrentPage() == 0; }));
+    EXPECT_EQ(TheView().Zoom(), dbZoom);
+    ASSERT_TRUE(Settles());
+    Click(1);
+    EXPECT_TRUE(RunUntil([&] { return m_pWindow->Notice().contains("https://example.org/a"); }));
+    Click(2);
+    EXPECT_TRUE(RunUntil([&] { return m_pWindow->Notice().contains("calc.exe"); }));
+    Key(Qt::Key_Escape);
+    EXPECT_TRUE(m_pWindow->Notice().isEmpty());
+    Click(3);
+    EXPECT_TRUE(RunUntil([&] { return TheView().CurrentPage() == 5; }));
+}
+
+// --- passwords, recent files, the dark -------------------------------------
+
+TEST_F(ViewerCommandsTest, APasswordIsAskedForInTheWindow) {
+    testing::PdfOptions locked;
+    locked.strUserPassword = "secret";
+    const QString strFile = Write("locked.pdf", testing::MakePdf({testing::PdfPage()}, locked));
+    const auto fnAnswer = [&](const char* szPassword) {
+        auto* const pField = m_pWindow->findChild<viewer::NoticeBar*>()->findChild<QLineEdit*>();
+        pField->setText(szPassword);
+        QTest::keyClick(pField, Qt::Key_Return);
+    };
+    TheView().Open(strFile);
+    ASSERT_TRUE(RunUntil([&] { return m_pWindow->Notice().contains("protected"); }));
+    fnAnswer("wrong");
+    ASSERT_TRUE(RunUntil([&] { return m_pWindow->Notice().contains("does not open"); }));
+    fnAnswer("secret");
+    ASSERT_TRUE(RunUntil([&] { return TheView().ViewState() == View::State::Shown; }));
+    EXPECT_TRUE(m_pWindow->Notice().isEmpty());
+    TheView().Open(strFile);
+    ASSERT_TRUE(RunUntil([&] { return m_pWindow->Notice().contains("Its password"); }));
+    QTest::keyClick(m_pWindow->findChild<viewer::NoticeBar*>(), Qt::Key_Escape);
+    EXPECT_TRUE(RunUntil([&] { return TheView().ViewState() == View::State::Empty; }));
+    EXPECT_TRUE(ShowUntilSharp(WritePages("free.pdf", 1))) << "the window stays usable";
+}
+
+TEST_F(ViewerCommandsTest, RecentFilesOpenFromTheMenuAndMissingOnesAreMarked) {
+    const QString strKept = WritePages("kept.pdf", 3);
+    const QString strGone = WritePages("gone.pdf", 2);
+    TheView().KeepPlace(true);
+    ASSERT_TRUE(ShowUntilSharp(strGone));
+    ASSERT_TRUE(ShowUntilSharp(strKept));
+    TheView().CloseDocument();
+    ASSERT_TRUE(RunUntil([] { return vkit::RecentFiles().size() == 2; }));
+    QFile::remove(strGone);
+    auto& menu = m_pWindow->findChild<viewer::CommandBar*>()->Menu().Recent();
+    menu.Fill();
+    ASSERT_GE(menu.actions().size(), 2);
+    EXPECT_TRUE(RunUntil([&] { return !menu.actions()[1]->isEnabled(); }));
+    EXPECT_TRUE(menu.actions()[1]->text().contains("gone.pdf – not found"));
+    menu.actions()[0]->trigger();
+    ASSERT_TRUE(RunUntil([&] { return TheView().PageCount() == 3; }));
+    menu.actions().last()->trigger(); // clears the list
+    EXPECT_TRUE(vkit::RecentFiles().empty());
+}
+
+TEST_F(ViewerCommandsTest, NothingFlashesUpInTheDark) {
+    const auto fnShows = [&](const QColor& paper) {
+        return RunUntil([&] {
+            const QImage frame = TheView().Window().FrontImage();
+            return frame.pixelColor(OnPage(300.0F, 200.0F)) == paper;
+        });
+    };
+    constexpr int kBright = 200;
+    ASSERT_TRUE(ShowUntilSharp(WritePages("pages.pdf", 30)));
+    Key(Qt::Key_I, Qt::ControlModifier);
+    ASSERT_TRUE(fnShows(QColor(0, 0, 27)));
+    ASSERT_TRUE(Settles());
+    int nFrames = 0;
+    int nBright = 0;
+    QObject::connect(&TheView(), &View::Painted, &TheView(), [&] {
+        QImage frame = TheView().Window().FrontImage();
+        ++nFrames;
+        for (int nY = 0; nY < frame.height(); nY += 7) {
+            for (int nX = 0; nX < frame.width(); nX += 7) {
+                nBright += frame.pixelColor(nX, nY).lightness() > kBright ? 1 : 0;
+            }
+        }
+    });
+    TheView().ScrollBy(0.0, 700.0);
+    TheView().ZoomTo(2.0);
+    ASSERT_TRUE(Settles());
+    m_pWindow->resize(700, 800);
+    TheView().RotateBy(1);
+    TheView().GotoPage(20);
+    ASSERT_TRUE(Settles());
+    TheView().Open(WritePages("other.pdf", 2));
+    ASSERT_TRUE(RunUntil([&] { return TheView().PageCount() == 2; }));
+    ASSERT_TRUE(Settles());
+    EXPECT_GT(nFrames, 2);
+    EXPECT_EQ(nBright, 0);
+    const QImage window = m_pWindow->grab().toImage();
+    EXPECT_LT(window.pixelColor(2, 2).lightness(), 100) << "the bar goes into the dark too";
+    EXPECT_LT(window.pixelColor(2, window.height() - 3).lightness(), 100) << "and what is around";
+    TheView().GotoPage(0);
+    ASSERT_TRUE(Settles());
+    Key(Qt::Key_I, Qt::ControlModifier);
+    ASSERT_TRUE(fnShows(Qt::white));
+    EXPECT_EQ(m_pWindow->grab().toImage().pixelColor(2, window.height() - 3),
+              QColor(224, 224, 224));
+}
+
+}
+}
