@@ -64,7 +64,7 @@ const std::vector<Entry>& Entries() {
     using View = VelkoPdfView;
     static const std::vector<Entry> s_entries{
         {Command::Open, "&Open…", "Ctrl+O", Needs::Nothing},
-        {Command::Close, "&Close document", "Ctrl+W"},
+        {Command::Close, "Clo&se document", "Ctrl+W"},
         {Command::Quit, "&Quit", "Ctrl+Q", Needs::Nothing},
         {Command::PreviousPage, "&Previous page", "Ctrl+PgUp", Needs::Document,
          Run<&View::GotoPrevPage>, nullptr, IsAfterStart},
