@@ -189,7 +189,7 @@ protected:
     // Hands the box around the page's contents to `fnShow`: at once, or when the
     // page has been loaded, unless the reader goes elsewhere meanwhile.
     using BoxStep = std::function<void(const ViewerPageItem& item, const Rect& rcBox)>;
-    void WithPageBox(const PageItem& pItem, bool (*fnIsUnknown)(const Rect&), BoxStep fnShow);
+    void WithPageBox(PageItem pItem, bool (*fnIsUnknown)(const Rect&), BoxStep fnShow);
     // A step of a zoom; at the present scale if `dbScale` is no number.
     void ZoomAtScreenCentre(double dbScale);
 

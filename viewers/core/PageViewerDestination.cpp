@@ -8,8 +8,7 @@
 
 namespace velko::vkit {
 
-void PageViewerBase::WithPageBox(const PageItem& pItem, bool (*fnIsUnknown)(const Rect&),
-                                 BoxStep fnShow) {
+void PageViewerBase::WithPageBox(PageItem pItem, bool (*fnIsUnknown)(const Rect&), BoxStep fnShow) {
     const auto pEntry = m_pDocument->ReLoadPageIndex(pItem->nPageIndex);
     const Rect rcBox =
         pEntry && pEntry->m_pPageHandle ? m_pDocument->PageBox(pEntry->m_pPageHandle) : Rect();
