@@ -220,6 +220,7 @@ private:
     void BeforeArrange();
     void AfterArrange();
     void ShowAround();
+    void ShowTonesOf(const PageColors& colors);
 
     // The place.
     std::optional<KeptView> PlaceNow();

@@ -245,7 +245,7 @@ void VelkoPdfView::SetColors(const PageColors& colors) {
     }
     Command([&] {
         Hold();
-        m_pWindow->SetAround(colors.IsDark() ? colors.Around() : QColor());
+        ShowTonesOf(colors);
         m_pControl->SetPageColors(ToColor(colors.background), ToColor(colors.foreground));
     });
 }

@@ -138,7 +138,12 @@ void VelkoPdfView::ShowAround() {
         m_pControl->PageViewMgr() && m_pControl->PageViewMgr()->GetViewer()
             ? PageColors{ToQColor(m_pControl->PageBgColor()), ToQColor(m_pControl->PageFgColor())}
             : StoredPageColors();
-    m_pWindow->SetAround(colors.IsDark() ? colors.Around() : QColor());
+    ShowTonesOf(colors);
+}
+
+// A page that is blank yet shows in the colour that it will have.
+void VelkoPdfView::ShowTonesOf(const PageColors& colors) {
+    m_pWindow->SetTones({colors.IsDark() ? colors.Around() : QColor(), colors.background});
 }
 
 // --- changes of size -------------------------------------------------------

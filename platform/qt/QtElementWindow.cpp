@@ -175,7 +175,7 @@ void QtElementWindow::WatchSwapChain() {
     }
     m_pSwapChain = std::dynamic_pointer_cast<QtSwapChain>(m_pPanel->SwapChain());
     if (m_pSwapChain) {
-        m_pSwapChain->SetAround(m_around);
+        m_pSwapChain->SetTones(m_tones);
         m_pSwapChain->OnPresented = [this] {
             UpdateFront(m_pSwapChain->PresentedRect());
             if (OnPresented) {
@@ -199,10 +199,10 @@ QImage QtElementWindow::FrontImage() const {
     return m_pSwapChain ? m_pSwapChain->FrontImage() : QImage();
 }
 
-void QtElementWindow::SetAround(const QColor& color) {
-    m_around = color;
+void QtElementWindow::SetTones(const QtTones& tones) {
+    m_tones = tones;
     if (m_pSwapChain) {
-        m_pSwapChain->SetAround(color);
+        m_pSwapChain->SetTones(tones);
     }
     update();
 }
@@ -224,7 +224,7 @@ void QtElementWindow::PaintFront(QPainter& painter, const QRegion& region) {
     const QRect rcImage(0, 0, static_cast<int>(image.width() / dbRatio),
                         static_cast<int>(image.height() / dbRatio));
     for (const QRect& rc : region - rcImage) {
-        painter.fillRect(rc, m_around.isValid() ? m_around : kAroundPages);
+        painter.fillRect(rc, m_tones.around.isValid() ? m_tones.around : kAroundPages);
     }
     if (!image.isNull()) {
         // A pixel of the frame is a pixel of the screen, so that nothing is resampled.

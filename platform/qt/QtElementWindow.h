@@ -23,6 +23,7 @@
 #include <vector>
 
 #include "platform/qt/QtEnvironment.h"
+#include "platform/qt/QtGraphicsState.h"
 #include "platform/qt/QtPanelInput.h"
 #include "platform/ui/Element.h"
 #include "platform/ui/SwapChainPanel.h"
@@ -68,9 +69,9 @@ public:
     void ReleaseFrame();
     bool IsFrameHeld() const { return !m_heldFrame.isNull(); }
 
-    // The colour around what the elements draw, in the frames from now on and
-    // where there is no frame yet; an invalid colour: the elements' own.
-    void SetAround(const QColor& color);
+    // The colours around what the elements draw, also where there is no frame yet,
+    // and of blank paper, in the frames from now on. Invalid: the elements' own.
+    void SetTones(const QtTones& tones);
 
     // Whether a visible ring is shown as a busy mark; true at first.
     void ShowBusyMark(bool bShow);
@@ -109,7 +110,7 @@ private:
     std::optional<Windows::Foundation::Size> m_fixedSize;
     double m_dbRatio = 0.0; // the one last arranged for; 0 before
     QImage m_heldFrame;
-    QColor m_around;
+    QtTones m_tones;
     bool m_bShowBusyMark = true;
     QtBusyMark* m_pBusyMark; // a child
 };

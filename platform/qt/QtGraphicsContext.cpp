@@ -141,14 +141,13 @@ void QtGraphicsContext::RequireFrame() const {
 
 void QtGraphicsContext::Clear(const D2D_COLOR_F& color) {
     RequireFrame();
-    const QtSwapBuffers* const pBuffers = m_pTarget->Buffers();
+    const QColor around = Tones().around;
     m_script.Begin(); // nothing is left of what was drawn before
     const D2D_SIZE_U size = m_pTarget->GetPixelSize();
     m_script
         .Add(QtFrameScript::Kind::Clear,
              {0, 0, static_cast<int>(size.width), static_cast<int>(size.height)})
-        .color =
-        pBuffers != nullptr && pBuffers->around.isValid() ? pBuffers->around : ToQColor(color);
+        .color = around.isValid() ? around : ToQColor(color);
 }
 
 void QtGraphicsContext::SetTransform(const D2D_MATRIX_3X2_F& matrix) {
@@ -165,6 +164,17 @@ QtFrameScript::Part& QtGraphicsContext::AddTurned(QtFrameScript::Kind eKind, con
     part.rcExact = rcExact;
     part.transform = transform;
     return part;
+}
+
+QtTones QtGraphicsContext::Tones() const {
+    const QtSwapBuffers* const pBuffers = m_pTarget->Buffers();
+    return pBuffers != nullptr ? pBuffers->tones : QtTones();
+}
+
+QColor QtGraphicsContext::ToneOf(const QtGraphicsContext::Brush& pBrush) const {
+    const QColor color = ToQColor(pBrush->GetColor(), pBrush->GetOpacity());
+    const QColor paper = Tones().paper;
+    return paper.isValid() && color == QColor(::Qt::white) ? paper : color;
 }
 
 void QtGraphicsContext::AddFill(const QRect& rc, const QColor& color) {
@@ -205,7 +215,7 @@ void QtGraphicsContext::FillRectangle(const D2D_RECT_F& rc, const Brush& pBrush)
     if (!pBrush) {
         return;
     }
-    const QColor color = ToQColor(pBrush->GetColor(), pBrush->GetOpacity());
+    const QColor color = ToneOf(pBrush);
     if (KeepsUpright(m_matrix)) {
         AddFill(ToQRect(FilledPixelsOf(Transformed(rc, m_matrix))), color);
     } else {
@@ -219,7 +229,7 @@ void QtGraphicsContext::DrawRectangle(const D2D_RECT_F& rc, const Brush& pBrush,
     if (!pBrush) {
         return;
     }
-    const QColor color = ToQColor(pBrush->GetColor(), pBrush->GetOpacity());
+    const QColor color = ToneOf(pBrush);
     if (KeepsUpright(m_matrix)) {
         for (const PixelRect& side :
              OutlinePixelsOf(Transformed(rc, m_matrix), fStrokeWidth * m_matrix._11)) {

@@ -97,8 +97,8 @@ std::shared_ptr<IDXGISurface> QtSwapChain::GetBuffer(std::uint32_t nIndex) {
     return std::make_shared<QtGraphicsSurface>(m_pDevice, m_pBuffers);
 }
 
-void QtSwapChain::SetAround(const QColor& color) {
-    m_pBuffers->around = color;
+void QtSwapChain::SetTones(const QtTones& tones) {
+    m_pBuffers->tones = tones;
 }
 
 QImage QtSwapChain::FrontImage() const {
