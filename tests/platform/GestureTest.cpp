@@ -36,6 +36,7 @@ TEST_F(GestureTest, RecordedInputBecomesTheseEvents) {
         {"a pen pans", "dP@50,60 +8 mP@90,60 +200 uP@90,60", "start 50,60; pan 40,0; end"},
         {"rest before the lift", kFastPan + "+200 u1@500,200 +5000",
          "start 500,100; pan 0,100; end"},
+        {"a short rest", kFastPan + "+60 u1@500,200 +5000", "start 500,100; pan 0,100; end"},
         {"reports at rest before the lift",
          kFastPan + "+60 m1@500,200 +60 m1@500,200 +8 u1@500,200", "start 500,100; pan 0,100; end"},
         {"movements below a pixel add up",
