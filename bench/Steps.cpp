@@ -1,5 +1,5 @@
 // Steps of the UI thread, with Google Benchmark: a scroll step over pages that
-// are laid out, a step of a zoom gesture, a paint. Beside the paint stands its
+// are laid out, a step of a page's turn, of a zoom gesture, a paint. Beside the paint stands its
 // floor, the same pixels copied by the painter alone.
 #include <benchmark/benchmark.h>
 
@@ -52,9 +52,29 @@ void MoveStep(benchmark::State& state) {
 }
 BENCHMARK(MoveStep)->Args({1000, 1400})->Args({1920, 1080})->Unit(benchmark::kMicrosecond);
 
+// In the middle of a turn, both pages rendered.
+void TurnStep(benchmark::State& state) {
+    ControlUnderTest control(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
+    Prepare(control);
+    control.Control().SetPageLayoutMode(2);
+    control.Control().MoveScreen(0.0, 300.0);
+    control.Control().MoveScreen(0.0, 100.0);
+    control.RunUntilIdle();
+    double dbStep = 40.0;
+    const std::uint64_t nBefore = HeapAllocations();
+    for (auto _ : state) {
+        control.Control().MoveScreen(0.0, dbStep);
+        dbStep = -dbStep;
+    }
+    CountHeap(state, nBefore);
+}
+BENCHMARK(TurnStep)->Args({1000, 1400})->Args({1920, 1080})->Unit(benchmark::kMicrosecond);
+
 void ZoomStep(benchmark::State& state) {
     ControlUnderTest control(1000, 1400);
     Prepare(control);
+    control.Control().SetPageLayoutMode(static_cast<int>(state.range(0)));
+    control.RunUntilIdle();
     const auto pManager = control.Control().PageViewMgr();
     double dbScale = 1.3;
     const std::uint64_t nBefore = HeapAllocations();
@@ -64,7 +84,7 @@ void ZoomStep(benchmark::State& state) {
     }
     CountHeap(state, nBefore);
 }
-BENCHMARK(ZoomStep)->Unit(benchmark::kMicrosecond);
+BENCHMARK(ZoomStep)->ArgName("mode")->Arg(1)->Arg(2)->Unit(benchmark::kMicrosecond);
 
 // The whole frame, as after a resize: the one that is shown is held, so that the
 // new one cannot be drawn as its difference.

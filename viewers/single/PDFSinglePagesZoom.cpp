@@ -16,12 +16,13 @@ namespace {
 constexpr double kBeyondLimit = 4.0;
 
 std::string PointText(Windows::Foundation::Point pt) {
-    return "[" + NumberText(pt.X) + "," + NumberText(pt.Y) + "]";
+    return std::string("[").append(NumberText(pt.X)) + "," + NumberText(pt.Y) + "]";
 }
 
 std::string PlaceText(const Render_ScreenOffsetInfo& rc) {
-    return ", ScreenRect: [" + NumberText(rc.dbOffsetX) + ", " + NumberText(rc.dbOffsetY) + ", " +
-           NumberText(rc.nWidth) + ", " + NumberText(rc.nHeight) + "]";
+    return std::string(", ScreenRect: [").append(NumberText(rc.dbOffsetX)) + ", " +
+           NumberText(rc.dbOffsetY) + ", " + NumberText(rc.nWidth) + ", " + NumberText(rc.nHeight) +
+           "]";
 }
 
 }
