@@ -120,6 +120,18 @@ TEST_F(ZoomTest, ASecondGestureBeforeTheFirstIsSharp) {
     EXPECT_FALSE(w.State().bShowScaleSnapshot);
 }
 
+TEST_F(ZoomTest, TheFrameFromBeforeIsNoBackdropForAnotherPlace) {
+    const std::function<void()> changes[] = {
+        [&] { w.Viewer().GotoPage(3); }, [&] { w.Viewer().MoveScreen(700, 0); },
+        [&] { w.Viewer().InitLayOut(0, 0, 0, 0); }, [&] { w.Viewer().RotateViewer(1); }};
+    for (const auto& fnChange : changes) {
+        Zoom({200, 250}, 1.5, true);
+        EXPECT_TRUE(w.State().bShowScaleSnapshot);
+        fnChange();
+        EXPECT_FALSE(w.State().bShowScaleSnapshot);
+    }
+}
+
 TEST_F(ZoomTest, OutOnTheFirstPageStandsAtTheTop) {
     w.Viewer().GotoPage(0);
     Zoom({200, 400}, 3.0, true);

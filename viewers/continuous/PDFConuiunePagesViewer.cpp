@@ -86,7 +86,6 @@ void PDFConuiunePagesViewer::RecomputeCurrentPage() {
 
 void PDFConuiunePagesViewer::OnMoveScreen(double dbOffsetY, double dbOffsetX) {
     m_pScaleBitmapCache.Clear();
-    EndSnapshot();
     if (!m_pPageItems || !CanLayOut()) {
         return;
     }

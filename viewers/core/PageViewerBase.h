@@ -240,6 +240,8 @@ private:
     void WhenNotAsking(F fnOperation);
     template <class F>
     void ChangeLayout(F fnChange);
+    template <class F>
+    void ChangePlace(F fnChange);
     concurrency::task<void> ShowLoadedBox(std::int32_t nPageIndex, BoxStep fnShow);
     void TakeScaleSnapshot();
     void DrawBackdrop(Windows::Graphics::ID2D1DeviceContext& context) const;

@@ -33,6 +33,15 @@ void PageViewerBase::ChangeLayout(F fnChange) {
     });
 }
 
+// The frame from before a zoom is no backdrop for another place.
+template <class F>
+void PageViewerBase::ChangePlace(F fnChange) {
+    ChangeLayout([fnChange = std::move(fnChange)](PageViewerBase& viewer) {
+        viewer.EndSnapshot();
+        fnChange(viewer);
+    });
+}
+
 void PageViewerBase::PageScaled(Point pCentrePt, double dbScale, bool bIsInertial,
                                 bool isScrollComplete) {
     ChangeLayout([=](PageViewerBase& viewer) {
@@ -41,29 +50,29 @@ void PageViewerBase::PageScaled(Point pCentrePt, double dbScale, bool bIsInertia
 }
 
 void PageViewerBase::MoveScreen(double dbOffsetY, double dbOffsetX) {
-    ChangeLayout([=](PageViewerBase& viewer) {
+    ChangePlace([=](PageViewerBase& viewer) {
         viewer.OnMoveScreen(FiniteOrZero(dbOffsetY), FiniteOrZero(dbOffsetX));
     });
 }
 
 void PageViewerBase::RotateViewer(std::int32_t nRotate) {
-    ChangeLayout([=](PageViewerBase& viewer) { viewer.OnRotateViewer(nRotate); });
+    ChangePlace([=](PageViewerBase& viewer) { viewer.OnRotateViewer(nRotate); });
 }
 
 void PageViewerBase::InvaildateLayout() {
-    ChangeLayout([](PageViewerBase& viewer) { viewer.OnInvaildateLayout(); });
+    ChangePlace([](PageViewerBase& viewer) { viewer.OnInvaildateLayout(); });
 }
 
 void PageViewerBase::InitLayOut(std::int32_t nPageIndex, double dbScale, double dbOffsetX,
                                 double dbOffsetY) {
-    ChangeLayout([=](PageViewerBase& viewer) {
+    ChangePlace([=](PageViewerBase& viewer) {
         viewer.OnInitLayOut(nPageIndex, FiniteOrZero(dbScale), FiniteOrZero(dbOffsetX),
                             FiniteOrZero(dbOffsetY));
     });
 }
 
 void PageViewerBase::GotoPage(std::int32_t nPageIndex) {
-    ChangeLayout([=](PageViewerBase& viewer) { viewer.OnGotoPage(nPageIndex); });
+    ChangePlace([=](PageViewerBase& viewer) { viewer.OnGotoPage(nPageIndex); });
 }
 
 // Moves nothing anew: a destination that waits for its page goes on waiting.
@@ -74,14 +83,14 @@ void PageViewerBase::AlignPageAfterScroll(double dbOffsetY, double dbOffsetX) {
 }
 
 void PageViewerBase::PageSizeChanged(double dbOffsetX, double dbOffsetY) {
-    ChangeLayout([=](PageViewerBase& viewer) {
+    ChangePlace([=](PageViewerBase& viewer) {
         viewer.OnPageSizeChanged(FiniteOrZero(dbOffsetX), FiniteOrZero(dbOffsetY));
     });
 }
 
 void PageViewerBase::GotoDestination(std::int32_t nPageIndex, std::int32_t nZoomMode,
                                      const std::vector<float>& values) {
-    ChangeLayout([=](PageViewerBase& viewer) {
+    ChangePlace([=](PageViewerBase& viewer) {
         if (viewer.CanLayOut() && viewer.IsPage(nPageIndex)) {
             viewer.OnGotoDestination(nPageIndex, nZoomMode, values);
         }

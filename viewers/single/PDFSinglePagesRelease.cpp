@@ -85,7 +85,7 @@ void PDFSinglePagesViewer::OnAlignPageAfterScroll(double /*dbOffsetY*/, double d
     if (!bTurned) {
         NoteEdges(item);
     }
-    if (!bTurned || Utility::IsMobile()) {
+    if (!bTurning || Utility::IsMobile()) {
         SetScale(static_cast<float>(item.dbScale));
     }
     ShowReleased(item);

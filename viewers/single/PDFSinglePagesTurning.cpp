@@ -126,6 +126,7 @@ void PDFSinglePagesViewer::ScrollPageItems(double dbOffsetY, double dbOffsetX,
         if (m_pPageItems->size() == 1) {
             m_pPageItems->front()->screenRect.dbOffsetX = RecentredX(*m_pPageItems->front());
         }
+        RegridItems(); // the frame that is kept as a backdrop shows the new place
         CompleteGesture();
         return;
     }
