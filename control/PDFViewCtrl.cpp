@@ -117,6 +117,7 @@ void PDFViewCtrl::OnApplyTemplate() {
     }
     m_pViewControl->FindBaseViewContorl(); // documents open before anything is loaded
     m_pPageViewMgr = m_pViewControl->PageViewMgr();
+    ApplyManipulationMode(); // scrolling may have been switched off before
     fnPart(kAppBarPart, m_pAppBar);
     if (m_bProgressRingShown) {
         ShowProgressRing();
@@ -194,9 +195,14 @@ void PDFViewCtrl::SetIsCanScrollPageViewEnabled(bool bEnabled) {
     const auto pSelf = Enter();
     m_bIsCanScrollPageViewEnabled = bEnabled;
     if (m_pViewControl) {
-        m_pViewControl->CanvasPanel()->ManipulationMode =
-            bEnabled ? Xaml::Input::ManipulationMode::All : Xaml::Input::ManipulationMode::System;
+        ApplyManipulationMode();
     }
+}
+
+void PDFViewCtrl::ApplyManipulationMode() {
+    m_pViewControl->CanvasPanel()->ManipulationMode = m_bIsCanScrollPageViewEnabled
+                                                          ? Xaml::Input::ManipulationMode::All
+                                                          : Xaml::Input::ManipulationMode::System;
 }
 
 bool PDFViewCtrl::IsCanScrollPageViewEnabled() {

@@ -269,6 +269,7 @@ private:
     float ScaleY() const;
 
     // Forwarding of input to the host's sink.
+    void ApplyManipulationMode();
     void ConnectPanel();
     void ConnectManipulation();
     void ConnectPointer();

@@ -63,7 +63,7 @@ concurrency::task<OpenResult> OpenOffUiThread(concurrency::task<FilePtr> file,
 PDFViewerState FitTo(const VLK_Document& document, PDFViewerState state) {
     const std::int32_t nLastPage = std::max(document.PageCount() - 1, 0);
     state.CurrentPageIndex = std::clamp(state.CurrentPageIndex, 0, nLastPage);
-    if (!std::isfinite(state.Scale) || !std::isfinite(state.OffsetX) ||
+    if (!std::isfinite(state.Scale) || state.Scale < 0.0 || !std::isfinite(state.OffsetX) ||
         !std::isfinite(state.OffsetY)) {
         const PDFViewerState defaults;
         state.Scale = defaults.Scale;

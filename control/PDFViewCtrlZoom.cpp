@@ -8,6 +8,7 @@
 #include "control/PDFViewerManager.h"
 #include "control/VelkoViewControl.h"
 #include "document/VLK_Document.h"
+#include "document/engine/ErrorCode.h"
 #include "platform/system/Environment.h"
 #include "platform/ui/SwapChainPanel.h"
 #include "surface/PDFViewCanvas.h"
@@ -27,6 +28,16 @@ constexpr float kMinScale = 1.0F;
 constexpr float kMaxScale = 3.0F;
 
 constexpr double kPointsPerInch = 72.0;
+
+// Empty for a page that the engine cannot measure: it must not keep the reader
+// from the others.
+std::shared_ptr<VLK_PageSize> ReadablePageSize(VLK_Document& document, std::int32_t nPageIndex) {
+    try {
+        return document.GetPageSize(nPageIndex);
+    } catch (const velko::common::EngineException&) {
+        return nullptr;
+    }
+}
 
 }
 
@@ -113,7 +124,7 @@ void PDFViewCtrl::SetPageLayoutMode(std::int32_t nMode) {
 double PDFViewCtrl::GetFitScale(std::int32_t nZoomMode) {
     const auto pSelf = Enter();
     const auto pDocument = OpenDocument();
-    const auto pPage = pDocument ? pDocument->GetPageSize(CurrentPageOr0()) : nullptr;
+    const auto pPage = pDocument ? ReadablePageSize(*pDocument, CurrentPageOr0()) : nullptr;
     if (!pPage) {
         return 1.0;
     }
@@ -176,10 +187,12 @@ void PDFViewCtrl::CheckFinite(double dbFirst, double dbSecond) {
 
 void PDFViewCtrl::SetScale(float fScale) {
     const auto pSelf = Enter();
-    CheckFinite(fScale, 0.0);
     const auto pViewer = Viewer();
     if (!OpenDocument() || !pViewer) {
         return;
+    }
+    if (std::isnan(fScale)) {
+        throw Platform::InvalidArgumentException("a scale that is no number");
     }
     const float fBefore = pViewer->GetScale();
     pViewer->SetScale(LimitScale(fScale));

@@ -262,7 +262,9 @@ void VelkoViewControl::ZoomByWheel(Point ptDevice, int nDelta) {
 
 void VelkoViewControl::OnWheelZoomSettled() {
     m_pWheelZoomTimer->Stop();
-    if (const auto pManager = m_pPageViewMgr) {
+    const auto pManager = m_pPageViewMgr;
+    // Whatever has zoomed since has settled by itself, elsewhere.
+    if (pManager && ScaleOf(pManager->GetViewer()) == static_cast<float>(m_dbWheelZoomScale)) {
         pManager->PageScaled(m_ptWheelZoom, m_dbWheelZoomScale, false, true);
     }
 }

@@ -31,12 +31,10 @@ struct PlaceKeeper::Writing {
     }
 };
 
-PlaceKeeper::PlaceKeeper(std::function<std::optional<KeptView>()> fnTake, QObject* pParent)
+PlaceKeeper::PlaceKeeper(Take fnTake, QObject* pParent)
     : QObject(pParent), m_fnTake(std::move(fnTake)), m_pWriting(std::make_shared<Writing>()) {
-    connect(&m_timer, &QTimer::timeout, this, [this] {
-        m_timer.start(kLaterMs);
-        Save();
-    });
+    connect(&m_timer, &QTimer::timeout, this,
+            [this] { m_timer.start(Save(false) ? kLaterMs : kFirstMs); });
 }
 
 PlaceKeeper::~PlaceKeeper() {
@@ -51,21 +49,23 @@ void PlaceKeeper::Begin() {
 
 void PlaceKeeper::End() {
     m_timer.stop();
-    Save();
+    Save(true);
 }
 
-void PlaceKeeper::Save() {
+bool PlaceKeeper::Save(bool bLeft) {
     std::optional<KeptView> view;
     try {
-        view = m_fnTake();
+        view = m_fnTake(bLeft);
     } catch (...) {
         Tell(std::current_exception());
     }
+    const bool bFound = view.has_value();
     if (view && (m_bFailing || !m_last || !IsSamePlace(*view, *m_last))) {
         m_last = std::move(view);
         ++m_pWriting->nTaken;
         Store();
     }
+    return bFound;
 }
 
 void PlaceKeeper::Store() {

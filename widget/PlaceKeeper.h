@@ -20,9 +20,11 @@ namespace velko::vkit {
 
 class PlaceKeeper : public QObject {
 public:
-    // `fnTake` gives the place as it is now; empty when nothing is shown.
-    explicit PlaceKeeper(std::function<std::optional<KeptView>()> fnTake,
-                         QObject* pParent = nullptr);
+    // Gives the place as it is now: empty when nothing is shown, and when the
+    // place is just changing, unless it is `bLeft`. It is asked again soon then.
+    using Take = std::function<std::optional<KeptView>(bool bLeft)>;
+
+    explicit PlaceKeeper(Take fnTake, QObject* pParent = nullptr);
     ~PlaceKeeper() override;
 
     void Begin(); // a document is shown
@@ -36,11 +38,11 @@ public:
 private:
     struct Writing; // what the pool's threads see
 
-    void Save();
+    bool Save(bool bLeft); // whether there was a place
     void Store();
     void Tell(const std::exception_ptr& pError);
 
-    const std::function<std::optional<KeptView>()> m_fnTake;
+    const Take m_fnTake;
     const std::shared_ptr<Writing> m_pWriting;
     QTimer m_timer;
     std::optional<KeptView> m_last; // taken last, stored or about to be

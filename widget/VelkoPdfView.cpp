@@ -92,7 +92,7 @@ void VelkoPdfView::KeepPlace(bool bKeep) {
     if (!bKeep) {
         return;
     }
-    m_pPlace = std::make_unique<PlaceKeeper>([this] { return PlaceNow(); });
+    m_pPlace = std::make_unique<PlaceKeeper>([this](bool bLeft) { return PlaceNow(bLeft); });
     m_pPlace->OnFailure = [this](const std::exception_ptr& pError) {
         emit Failed(QStringLiteral("Your place in the document could not be kept: ") +
                     ReasonOf(pError));

@@ -223,7 +223,7 @@ private:
     void ShowTonesOf(const PageColors& colors);
 
     // The place.
-    std::optional<KeptView> PlaceNow();
+    std::optional<KeptView> PlaceNow(bool bLeft);
     void ShowKeptPlace();
     void ShowPlace(const KeptView& kept);
     void EnsureLayout();

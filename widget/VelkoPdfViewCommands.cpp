@@ -81,7 +81,7 @@ void VelkoPdfView::GoForward() {
 // --- scrolling -------------------------------------------------------------
 
 void VelkoPdfView::ScrollBy(double dbX, double dbY) {
-    Command([&] { m_pControl->MoveScreen(dbY, dbX); });
+    Command([&] { ScrollAndSettle(*m_pControl, dbY, dbX); });
 }
 
 // Where one page is shown at a time, a step past its end turns it; upward to the

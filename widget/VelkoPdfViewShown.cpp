@@ -188,8 +188,12 @@ void VelkoPdfView::AfterArrange() {
 
 // --- the place -------------------------------------------------------------
 
-std::optional<KeptView> VelkoPdfView::PlaceNow() {
-    if (!HasDocument()) {
+// Asking the viewer of single pages for its place ends a turn, which is not to
+// happen under the reader's finger.
+std::optional<KeptView> VelkoPdfView::PlaceNow(bool bLeft) {
+    const bool bTurning =
+        LayoutMode() == Layout::SinglePage && m_pControl->GetVisiblePages().size() > 1;
+    if (!HasDocument() || (bTurning && !bLeft)) {
         return std::nullopt;
     }
     NoteFitLeft();
@@ -248,7 +252,7 @@ void VelkoPdfView::PutPage(int nPage, double dbLeft, double dbTop) {
     const auto pViewer = m_pControl->PageViewMgr()->GetViewer();
     const auto pPlace = pViewer ? pViewer->GetPageScreenOffset(nPage) : nullptr;
     if (pPlace && std::isfinite(dbLeft) && std::isfinite(dbTop)) {
-        m_pControl->MoveScreen(pPlace->dbOffsetY - dbTop, pPlace->dbOffsetX - dbLeft);
+        ScrollAndSettle(*m_pControl, pPlace->dbOffsetY - dbTop, pPlace->dbOffsetX - dbLeft);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "widget/ViewKeeper.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "control/PDFViewerManager.h"
 
@@ -50,11 +51,41 @@ Place PageBelow(IPDFViewer& viewer, double dbAnchorY, std::int32_t& nPage) {
     return pBest;
 }
 
+bool ShowsSinglePage(PDFViewCtrl& control) {
+    constexpr std::int32_t kSinglePage = 2;
+    return control.GetPageLayoutMode() == kSinglePage;
+}
+
+// How far of a move to the right of `dbX` a page goes before it leaves an edge of
+// the screen free.
+double WithinEdges(const Render_PageScreenOffsetInfo& rc, double dbX, double dbScreen) {
+    if (rc.nWidth <= dbScreen) {
+        return 0.0;
+    }
+    return rc.dbOffsetX - std::clamp(rc.dbOffsetX - dbX, dbScreen - rc.nWidth, 0.0);
+}
+
 // The place on the page that is nearest to the anchor.
 double Within(double dbAnchor, double dbEdge, double dbLength) {
     return std::clamp(dbAnchor, dbEdge, dbEdge + std::max(0.0, dbLength - 1.0));
 }
 
+}
+
+void ScrollAndSettle(PDFViewCtrl& control, double dbY, double dbX) {
+    const auto pViewer = ViewerOf(control);
+    if (!pViewer || !ShowsSinglePage(control)) {
+        control.MoveScreen(dbY, dbX);
+        return;
+    }
+    const double dbScreen = control.GetCanvasSize().Width * control.CompositionScaleX();
+    const Place pPlace = pViewer->GetPageScreenOffset(control.GetCurrentPageIndex());
+    double dbLeft = pPlace ? WithinEdges(*pPlace, dbX, dbScreen) : 0.0;
+    for (; std::abs(dbLeft) > dbScreen; dbLeft -= std::copysign(dbScreen, dbLeft)) {
+        control.MoveScreen(0.0, std::copysign(dbScreen, dbLeft)); // the longest step there is
+    }
+    control.MoveScreen(dbY, dbLeft);
+    pViewer->AlignPageAfterScroll(0.0, 0.0);
 }
 
 std::optional<ViewKeeper> ViewKeeper::Remember(PDFViewCtrl& control, Anchor eAnchor) {
@@ -90,13 +121,19 @@ void ViewKeeper::Restore(PDFViewCtrl& control, double dbZoom) const {
 }
 
 void ViewKeeper::RestoreTurned(PDFViewCtrl& control, double dbZoom) const {
+    const bool bSingle = ShowsSinglePage(control);
+    if (bSingle && control.GetCurrentPageIndex() != m_nPage) {
+        control.GotoPage(m_nPage);
+    }
     control.ZoomAtPoint(Point{}, dbZoom, false, true);
-    control.GotoExactlyPage(m_nPage, m_ptPage);
-    // The point is somewhere on the screen now; the rest is a plain scroll.
+    if (!bSingle) {
+        control.GotoExactlyPage(m_nPage, m_ptPage);
+    }
+    // The page is on the screen now; the rest is a plain scroll.
     const Point pt = control.PagePointToDevicePoint(m_nPage, m_ptPage);
     const ScreenPoint anchor = AnchorPoint(control, m_eAnchor);
-    control.MoveScreen(pt.Y * control.CompositionScaleY() - (anchor.dbY + m_dbScreenY),
-                       pt.X * control.CompositionScaleX() - (anchor.dbX + m_dbScreenX));
+    ScrollAndSettle(control, pt.Y * control.CompositionScaleY() - (anchor.dbY + m_dbScreenY),
+                    pt.X * control.CompositionScaleX() - (anchor.dbX + m_dbScreenX));
 }
 
 }

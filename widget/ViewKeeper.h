@@ -13,6 +13,11 @@
 
 namespace velko::vkit {
 
+// Scrolls, device pixels. Where one page is shown at a time it moves no further
+// than its edges: a gap beside it would begin a turn that nobody ends. Raises
+// what the control raises.
+void ScrollAndSettle(PDFViewCtrl& control, double dbY, double dbX);
+
 class ViewKeeper {
 public:
     enum class Anchor { TopLeft, Middle };

@@ -189,7 +189,18 @@ TEST_F(CommandsTest, NumbersThatAreNoneAreRefused) {
     EXPECT_THROW(pControl->MoveScreen(dbNan, 0), Platform::InvalidArgumentException);
     EXPECT_THROW(pControl->ZoomAtPoint({fInfinity, 0}, 1, false, true),
                  Platform::InvalidArgumentException);
-    EXPECT_THROW(pControl->SetScale(fInfinity), Platform::InvalidArgumentException);
+    EXPECT_THROW(pControl->SetScale(static_cast<float>(dbNan)), Platform::InvalidArgumentException);
+    pControl->SetScale(fInfinity); // a number above the limit
+    EXPECT_FALSE(pControl->GetVisiblePages().empty());
+    pControl->CloseDocument();
+    EXPECT_NO_THROW(pControl->SetScale(static_cast<float>(dbNan)));
+}
+
+TEST_F(CommandsTest, ScrollingSwitchedOffBeforeTheTemplateHoldsForIt) {
+    pControl->SetIsCanScrollPageViewEnabled(false);
+    Show();
+    EXPECT_EQ(pControl->ViewControl()->CanvasPanel()->ManipulationMode,
+              Windows::UI::Xaml::Input::ManipulationMode::System);
 }
 
 TEST_F(CommandsTest, ADestinationGivesFourNumbersWithAbsentOnesZero) {

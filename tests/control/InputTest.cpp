@@ -118,6 +118,14 @@ TEST_F(InputTest, WheelZoomsSettleOnceHalfASecondAfterTheLast) {
     EXPECT_EQ(pViewer->calls.size(), 6U);
 }
 
+TEST_F(InputTest, AWaitingWheelZoomDoesNotUndoAnotherZoom) {
+    Wheel(120, true);
+    pViewer->SetScale(0.75F); // a command, or a pinch
+    pViewer->calls.clear();
+    host.Clock().Advance(1s);
+    EXPECT_EQ(pViewer->calls, Strings());
+}
+
 TEST_F(InputTest, AWheelZoomAtItsLimitDoesNothing) {
     pViewer->fScale = 3.8F;
     Wheel(120, true);

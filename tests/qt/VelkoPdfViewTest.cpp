@@ -206,6 +206,44 @@ INSTANTIATE_TEST_SUITE_P(Sizes, ResizeTest,
                                            Resize{"Tiny", {500, 600}, {60, 40}, 1.0}),
                          [](const auto& info) { return info.param.szName; });
 
+// One page at a time: the page stays alone, in the middle or at its edges, and
+// as far as these allow the point at the top left stays where it is.
+TEST_P(ResizeTest, KeepsTheOnlyPageInItsPlace) {
+    m_pView->resize(GetParam().before);
+    ASSERT_TRUE(OpenUntilSharp(*m_pView, WritePages("pages.pdf", 20)));
+    m_pView->SetLayoutMode(View::Layout::SinglePage);
+    m_pView->GotoPage(7);
+    m_pView->ZoomTo(2.0 * GetParam().dbZoom);
+    m_pView->ScrollBy(-1e5, 0.0);
+    const auto pManager = m_pView->Control()->PageViewMgr();
+    const auto fnPlace = [&] {
+        EXPECT_EQ(pManager->GetVisiblePages(), std::vector<std::int32_t>{7});
+        return *pManager->GetViewer()->GetPageScreenOffset(7);
+    };
+    const auto fnExpectInPlace = [&](double dbWidth) {
+        const auto place = fnPlace();
+        if (place.nWidth <= dbWidth) {
+            EXPECT_EQ(place.dbOffsetX, (dbWidth - place.nWidth) * 0.5);
+        } else {
+            EXPECT_LE(place.dbOffsetX, 0.0);
+            EXPECT_GE(place.dbOffsetX, dbWidth - place.nWidth);
+        }
+    };
+    fnExpectInPlace(GetParam().before.width());
+    const double dbLeft = fnPlace().dbOffsetX;
+    m_pView->resize(GetParam().after);
+    fnExpectInPlace(GetParam().after.width());
+    if (dbLeft <= 0.0 && fnPlace().nWidth > GetParam().after.width()) {
+        EXPECT_NEAR(fnPlace().dbOffsetX, dbLeft, 1.5);
+    }
+    for (const double dbStep : {1e5, -1e5, 30.0, -30.0}) { // scrolling turns no page
+        m_pView->ScrollBy(dbStep, 0.0);
+        fnExpectInPlace(GetParam().after.width());
+    }
+    EXPECT_EQ(m_pView->Control()->GetScale(), static_cast<float>(2.0 * GetParam().dbZoom));
+    EXPECT_TRUE(SettlesSharp());
+}
+
 TEST_F(VelkoPdfViewTest, AResizeIsOneVisibleStep) {
     ASSERT_TRUE(OpenUntilSharp(*m_pView, WritePages("pages.pdf", 3)));
     ASSERT_TRUE(SettlesSharp());

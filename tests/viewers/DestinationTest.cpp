@@ -139,6 +139,32 @@ TEST_F(DestinationTest, AFailedPageLoadEndsQuietly) {
     EXPECT_FALSE(w.host.DebugContains("unobserved"));
 }
 
+// A file may name any place and any zoom: the page comes up, visible, and the
+// document is not walked for it.
+TEST_F(DestinationTest, PlacesFarOffAndTinyZoomsStillShowTheirPage) {
+    const std::vector<std::vector<float>> all = {
+        {0, 9000, 0, 0},  {0, -9000, 0, 0},   {0, 2e9F, 0, 0},      {0, -2e9F, 0, 0},
+        {9e9F, 50, 0, 0}, {0, 100, 1e-4F, 0}, {-9e9F, 50, 1e9F, 0}, {0, 100, 1e-30F, 0}};
+    for (const auto& values : all) {
+        for (std::int32_t nKind = 1; nKind <= 8; ++nKind) {
+            w.Open(MakePages(100, 400, 600), 400, 500);
+            w.pEngine->ClearLog();
+            w.Viewer().GotoDestination(50, nKind, values);
+            w.Settle();
+            const Places places = w.Laid();
+            EXPECT_TRUE(std::any_of(places.begin(), places.end(),
+                                    [](const Place& place) {
+                                        return place.nPage == 50 && place.nWidth > 0 &&
+                                               place.dbY < 500 && place.dbY + place.nHeight >= 0;
+                                    }))
+                << "kind " << nKind << ", " << ::testing::PrintToString(values);
+            EXPECT_LE(w.pEngine->Count(EngineOp::GetPage), 60) << "kind " << nKind;
+            w.Viewer().MoveScreen(10, 0);
+            EXPECT_FALSE(w.Laid().empty());
+        }
+    }
+}
+
 }
 
 }

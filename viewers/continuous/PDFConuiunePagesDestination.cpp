@@ -54,10 +54,10 @@ void PDFConuiunePagesViewer::ShowDestination(PageItem pItem, std::int32_t nZoomM
                                              const std::vector<float>& values) {
     const std::int32_t nPage = pItem->nPageIndex;
     if (nZoomMode == kExplicit) {
-        const Point pt = PageToDevice(*pItem, Point{ValueAt(values, kLeft), ValueAt(values, kTop)});
+        const Point pt = PlaceOf(*pItem, {ValueAt(values, kLeft), ValueAt(values, kTop)});
         MoveLayout(nPage, pt.Y, pt.X, GetScale(), m_nRotate);
     } else if (nZoomMode == kFitHeight) {
-        const Point pt = PageToDevice(*pItem, Point{ValueAt(values, kLeft), 0.0F});
+        const Point pt = PlaceOf(*pItem, {ValueAt(values, kLeft), 0.0F});
         MoveLayout(nPage, 0.0, pt.X, GetScale(), m_nRotate);
     } else if (nZoomMode == kFitRectangle) {
         ShowRectangle(std::move(pItem), values);
@@ -65,6 +65,23 @@ void PDFConuiunePagesViewer::ShowDestination(PageItem pItem, std::int32_t nZoomM
         const float fTop = nZoomMode == kFitBoxWidth ? ValueAt(values, kLeft) : 0.0F;
         ShowPageBox(std::move(pItem), nZoomMode, fTop);
     }
+}
+
+PDFConuiunePagesViewer::Point PDFConuiunePagesViewer::PlaceOf(const ContinueViewerPageItem& item,
+                                                              Point ptPage) const {
+    return OnOrNear(item, PageToDevice(item, ptPage));
+}
+
+// A place on the screen, brought back to where a step from the page may go: a
+// file may name any place, and the way to one far off leads over other pages.
+PDFConuiunePagesViewer::Point PDFConuiunePagesViewer::OnOrNear(const ContinueViewerPageItem& item,
+                                                               Point pt) const {
+    const Render_ScreenOffsetInfo& rc = item.screenRect;
+    const double dbAbove = std::max(0.0, m_dbScreenHeight - kPageGap);
+    return {static_cast<float>(std::clamp(FiniteOrZero(pt.X), rc.dbOffsetX - m_dbScreenWidth,
+                                          rc.dbOffsetX + rc.nWidth)),
+            static_cast<float>(
+                std::clamp(FiniteOrZero(pt.Y), rc.dbOffsetY - dbAbove, rc.dbOffsetY + rc.nHeight))};
 }
 
 void PDFConuiunePagesViewer::ShowRectangle(PageItem pItem, const std::vector<float>& values) {
@@ -79,7 +96,8 @@ void PDFConuiunePagesViewer::ShowRectangle(PageItem pItem, const std::vector<flo
         return;
     }
     const Rect rcDevice = PageToDevice(*pItem, rcPage);
-    ShowMoved(MakeTask(rcDevice.Y, rcDevice.X));
+    const Point pt = OnOrNear(*pItem, {rcDevice.X, rcDevice.Y});
+    ShowMoved(MakeTask(pt.Y, pt.X));
 }
 
 // --- the page's box ---
@@ -120,7 +138,7 @@ void PDFConuiunePagesViewer::ShowBoxWidth(const ContinueViewerPageItem& item, co
     const std::int32_t nPage = item.nPageIndex;
     ZoomAtScreenCentre(m_dbScreenWidth / rcDevice.Width);
     if (const PageItem pItem = FindItem(nPage)) {
-        const Point pt = PageToDevice(*pItem, Point{0.0F, fTop});
+        const Point pt = PlaceOf(*pItem, {0.0F, fTop});
         MoveLayout(nPage, pt.Y, 0.0, GetScale(), m_nRotate);
     }
     EndGesture();
@@ -134,8 +152,8 @@ void PDFConuiunePagesViewer::ShowBoxHeight(const ContinueViewerPageItem& item, c
     if (!pItem) {
         return;
     }
-    const Point ptNear = PageToDevice(*pItem, Point{rcBox.X, rcBox.Y});
-    const Point ptFar = PageToDevice(*pItem, Point{rcBox.X + rcBox.Width, rcBox.Y + rcBox.Height});
+    const Point ptNear = PlaceOf(*pItem, {rcBox.X, rcBox.Y});
+    const Point ptFar = PlaceOf(*pItem, {rcBox.X + rcBox.Width, rcBox.Y + rcBox.Height});
     ShowMoved(MakeTask(ptFar.Y, ptNear.X));
 }
 

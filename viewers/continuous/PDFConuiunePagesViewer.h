@@ -98,6 +98,8 @@ private:
     void ScaleForDestination(std::int32_t nPageIndex, std::int32_t nZoomMode,
                              const std::vector<float>& values);
     void ShowDestination(PageItem pItem, std::int32_t nZoomMode, const std::vector<float>& values);
+    Point PlaceOf(const ContinueViewerPageItem& item, Point ptPage) const;
+    Point OnOrNear(const ContinueViewerPageItem& item, Point pt) const;
     void ShowRectangle(PageItem pItem, const std::vector<float>& values);
     void ShowPageBox(PageItem pItem, std::int32_t nZoomMode, float fTop);
     void ShowBox(const ContinueViewerPageItem& item, const Rect& rcBox, std::int32_t nZoomMode,

@@ -273,6 +273,9 @@ float PageViewerBase::GetScale() {
 void PageViewerBase::SetScale(float fScale) {
     const float fMax = GetMaxScale();
     m_fScale = fScale <= fMax ? fScale : fMax; // the limit also for what is no number
+    if (m_fScale != 0.0F) {
+        m_fScale = std::max(m_fScale, kLeastScale);
+    }
 }
 
 float PageViewerBase::AskFitScale() {

@@ -221,6 +221,10 @@ protected:
     void EndSnapshot();
     bool IsSnapshotShown() const;
 
+    // Pages of a smaller scale have no pixel to be seen by, or to be caught by.
+    // Not the smallest that is offered: callers keep to that.
+    static constexpr float kLeastScale = 0.01F;
+
     float m_fScale = 1.0F;
     std::int32_t m_nRotate = 0;
     std::shared_ptr<VLK_Document> m_pDocument;

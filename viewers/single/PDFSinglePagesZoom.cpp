@@ -39,7 +39,7 @@ struct PDFSinglePagesViewer::ZoomStep {
 // A scale that is none keeps the present one.
 double PDFSinglePagesViewer::ItemScale(double dbScale) {
     const double dbWanted = std::isfinite(dbScale) && dbScale > 0.0 ? dbScale : GetScale();
-    return std::min(dbWanted, GetMaxScale() * kBeyondLimit);
+    return std::clamp(dbWanted, double{kLeastScale}, GetMaxScale() * kBeyondLimit);
 }
 
 void PDFSinglePagesViewer::OnPageScaled(Point ptCentre, double dbScale, bool bIsInertial,
