@@ -132,6 +132,33 @@ TEST_F(ZoomTest, TheFrameFromBeforeIsNoBackdropForAnotherPlace) {
     }
 }
 
+// Moved on before its new blocks are rendered, a page still shows what it looked
+// like, in its new size and place, and nothing of that is kept longer.
+TEST_F(ZoomTest, APageCutAnewShowsItsOldBitmapsUntilItIsRendered) {
+    const auto fnPageAt = [&](std::uint32_t nX, std::uint32_t nY) {
+        const vkit::PDFPagePoint pt = Under({nX + 0.5F, nY + 0.5F});
+        return std::pair(w.Device().FrontImage().At(nX, nY), PatternColor(1, {pt.pt.X, pt.pt.Y}));
+    };
+    Zoom({200, 250}, 3.0, true);
+    ASSERT_EQ(WithBitmap(), 0U);
+    w.Viewer().MoveScreen(37, 11);
+    ASSERT_EQ(WithBitmap(), 0U);
+    int nNear = 0;
+    for (std::uint32_t nAt = 20; nAt < 400; nAt += 20) {
+        const auto [nShown, nWanted] = fnPageAt(nAt, nAt);
+        EXPECT_NE(nShown, 0xFFFFFFFFU) << "blank at " << nAt;
+        nNear += ((nShown ^ nWanted) & 0xF8F8F8F8U) == 0 ? 1 : 0;
+    }
+    EXPECT_GE(nNear, 12); // stretched, so not to the last bit
+    w.Settle();
+    EXPECT_EQ(WithBitmap(), Displayed());
+    EXPECT_EQ(w.Device().LiveBitmaps(), static_cast<std::int64_t>(WithBitmap()));
+    for (std::uint32_t nAt = 20; nAt < 400; nAt += 20) {
+        const auto [nShown, nWanted] = fnPageAt(nAt, nAt);
+        EXPECT_EQ(nShown, nWanted);
+    }
+}
+
 TEST_F(ZoomTest, OutOnTheFirstPageStandsAtTheTop) {
     w.Viewer().GotoPage(0);
     Zoom({200, 400}, 3.0, true);

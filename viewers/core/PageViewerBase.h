@@ -249,8 +249,10 @@ private:
     concurrency::task<void> ShowLoadedBox(std::int32_t nPageIndex, BoxStep fnShow);
     void TakeScaleSnapshot();
     void DrawBackdrop(Windows::Graphics::ID2D1DeviceContext& context) const;
-    void DrawItem(Windows::Graphics::ID2D1DeviceContext& context, const ViewerPageItem& item,
+    void DrawItem(Windows::Graphics::ID2D1DeviceContext& context, ViewerPageItem& item,
                   std::size_t nPosition);
+    void DrawRemnants(Windows::Graphics::ID2D1DeviceContext& context, const ViewerPageItem& item,
+                      std::size_t nPosition) const;
     void DrawBlock(Windows::Graphics::ID2D1DeviceContext& context, ViewerPageItemBlock& block,
                    std::size_t nPosition) const;
     concurrency::task<void> FinishWhenRendered(std::vector<concurrency::task<void>> renders,

@@ -94,7 +94,10 @@ void PageViewerBase::DrawBackdrop(ID2D1DeviceContext& context) const {
     context.DrawBitmap(m_pScaleSnapshot, rc, 1.0F, D2D1_INTERPOLATION_MODE::NEAREST_NEIGHBOR, rc);
 }
 
-void PageViewerBase::DrawItem(ID2D1DeviceContext& context, const ViewerPageItem& item,
+// Pages whose blocks were cut anew show what they looked like before, where they
+// are not rendered yet. The frame from before a zoom does so already while it
+// is shown.
+void PageViewerBase::DrawItem(ID2D1DeviceContext& context, ViewerPageItem& item,
                               std::size_t nPosition) {
     if (!item.HasBlocks()) {
         if (m_traits.szNothingToDraw) {
@@ -102,10 +105,38 @@ void PageViewerBase::DrawItem(ID2D1DeviceContext& context, const ViewerPageItem&
         }
         return;
     }
+    if (item.IsCovered()) {
+        item.DropRemnants();
+    }
     item.ForEachBlock([&](ViewerPageItemBlock& block) { DrawBlock(context, block, nPosition); });
+    if (!item.Remnants().empty() && !IsSnapshotShown()) {
+        DrawRemnants(context, item, nPosition);
+        item.ForEachBlock([&](ViewerPageItemBlock& block) {
+            if (block.HasBitmap()) {
+                DrawBlock(context, block, nPosition);
+            }
+        });
+    }
     if (const auto pOwner = Owner()) {
         pOwner->RaiseRenderCanvas(
             std::make_shared<RenderCanvasEventArgs>(Canvas(), item.nPageIndex, item.m_nRotate));
+    }
+}
+
+void PageViewerBase::DrawRemnants(ID2D1DeviceContext& context, const ViewerPageItem& item,
+                                  std::size_t nPosition) const {
+    const Render_ScreenOffsetInfo& rcPage = item.screenRect;
+    for (const ViewerPageItem::Remnant& remnant : item.Remnants()) {
+        const double dbX = DrawnX(nPosition, rcPage.dbOffsetX + remnant.dbLeft * rcPage.nWidth);
+        const double dbY = rcPage.dbOffsetY + remnant.dbTop * rcPage.nHeight;
+        const D2D_RECT_F rcTarget = {static_cast<float>(dbX), static_cast<float>(dbY),
+                                     static_cast<float>(dbX + remnant.dbWidth * rcPage.nWidth),
+                                     static_cast<float>(dbY + remnant.dbHeight * rcPage.nHeight)};
+        const auto& pBitmap = remnant.pSource->m_pD2DBitmap;
+        const D2D_SIZE_U size = pBitmap->GetPixelSize();
+        context.DrawBitmap(
+            pBitmap, rcTarget, 1.0F, D2D1_INTERPOLATION_MODE::NEAREST_NEIGHBOR,
+            {0.0F, 0.0F, static_cast<float>(size.width), static_cast<float>(size.height)});
     }
 }
 

@@ -81,7 +81,31 @@ void ViewerPageItem::DividToBlock(const Render_PageDavidBlock& newGrid) {
     }
 }
 
+bool ViewerPageItem::IsCovered() const {
+    bool bCovered = true;
+    ForEachBlock([&](const ViewerPageItemBlock& block) {
+        bCovered = bCovered && (!block.m_bIsDisplay || block.HasBitmap());
+    });
+    return bCovered;
+}
+
+void ViewerPageItem::KeepRemnants() {
+    if (IsCovered()) {
+        m_remnants.clear(); // nothing of them shows any more
+    }
+    ForEachBlock([&](const ViewerPageItemBlock& block) {
+        const Render_PDFPageOffsetInfo& part = block.pageOffset;
+        if (block.HasBitmap() && part.nPageWidth > 0 && part.nPageHeight > 0) {
+            m_remnants.push_back({block.m_pBitmapSource, -double(part.nOffsetX) / part.nPageWidth,
+                                  -double(part.nOffsetY) / part.nPageHeight,
+                                  double(block.screenRect.nWidth) / part.nPageWidth,
+                                  double(block.screenRect.nHeight) / part.nPageHeight});
+        }
+    });
+}
+
 void ViewerPageItem::MakeBlocks() {
+    KeepRemnants();
     ForEachBlock([](ViewerPageItemBlock& block) { block.CancelBlock(); });
     m_pPageBlock.clear();
     m_pPageBlock.reserve(grid.nRows);

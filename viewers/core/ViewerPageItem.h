@@ -45,6 +45,22 @@ public:
     void DividToBlock(const Render_PageDavidBlock& newGrid);
     bool HasBlocks() const { return !m_pPageBlock.empty(); }
 
+    // True when every displayed block has a bitmap.
+    bool IsCovered() const;
+
+    // A bitmap of a grid that was given up, and the part of the page that it
+    // shows, as shares of the page's sides. They stand in for blocks without a
+    // bitmap until the page is covered again.
+    struct Remnant {
+        std::shared_ptr<D2DBitmapSource> pSource;
+        double dbLeft = 0.0;
+        double dbTop = 0.0;
+        double dbWidth = 0.0;
+        double dbHeight = 0.0;
+    };
+    const std::vector<Remnant>& Remnants() const { return m_remnants; }
+    void DropRemnants() { m_remnants.clear(); }
+
     // For an item that leaves the list: ends its chain and all its renders.
     void ClearBlocks();
     // Ends the chain and the renders of blocks off the screen.
@@ -88,12 +104,14 @@ private:
     concurrency::task<void> StartBlocks(Walk eWalk, bool bPaintWhenDone,
                                         const concurrency::cancellation_token& token);
     void MakeBlocks();
+    void KeepRemnants();
     void PlaceBlock(ViewerPageItemBlock& block, std::int32_t nRow, std::int32_t nCol,
                     const Windows::Foundation::Rect& rcScreen) const;
     void WriteGridChange(const Render_PageDavidBlock& oldGrid) const;
 
     const std::weak_ptr<IPageItemHost> m_wkHost;
     CancellationGeneration m_ctsBlocks;
+    std::vector<Remnant> m_remnants; // the older ones first
 };
 
 }
