@@ -4,6 +4,7 @@
 
 #include "component/KeptView.h"
 #include "platform/qt/QtElementWindow.h"
+#include "widget/FlingLimit.h"
 #include "widget/LinkFollower.h"
 #include "widget/OpenFailure.h"
 #include "widget/PlaceKeeper.h"
@@ -43,7 +44,8 @@ VelkoPdfView::VelkoPdfView(std::shared_ptr<PDFViewCtrl> pControl, QWidget* pPare
     : QWidget(pParent),
       m_pControl(std::move(pControl)),
       m_pWindow(new Platform::Qt::QtElementWindow(VelkoRuntime::Environment(), m_pControl, this)),
-      m_pLinks(std::make_unique<LinkFollower>(*m_pControl, *m_pWindow)) {
+      m_pLinks(std::make_unique<LinkFollower>(*m_pControl, *m_pWindow)),
+      m_pFlingLimit(std::make_unique<FlingLimit>(*m_pControl, *m_pWindow)) {
     m_pWindow->ShowBusyMark(false);
     setFocusProxy(m_pWindow);
     ConnectWindow();
@@ -58,6 +60,7 @@ VelkoPdfView::~VelkoPdfView() {
         m_pPlace.reset(); // what is not stored yet is stored here
     }
     m_pLinks.reset();
+    m_pFlingLimit.reset();
     delete m_pWindow; // unloads the tree while the control still lives
     m_pWindow = nullptr;
     try {

@@ -45,6 +45,7 @@ class QtElementWindow;
 
 namespace velko::vkit {
 
+class FlingLimit;
 class LinkFollower;
 class PlaceKeeper;
 struct KeptView;
@@ -252,6 +253,7 @@ private:
     const std::shared_ptr<PDFViewCtrl> m_pControl;
     Platform::Qt::QtElementWindow* m_pWindow; // a child
     std::unique_ptr<LinkFollower> m_pLinks;
+    std::unique_ptr<FlingLimit> m_pFlingLimit;
     std::unique_ptr<PlaceKeeper> m_pPlace; // empty: places are not kept
     State m_eState = State::Empty;
     FilePath m_path;      // asked for last

@@ -206,8 +206,12 @@ void VelkoPdfView::RotateBy(int nQuarterTurns) {
         Hold();
         const int nTurn = (m_pControl->GetRotate() + nQuarterTurns) % kTurns;
         m_pControl->RotateViewer((nTurn + kTurns) % kTurns);
-        if (keeper) {
+        if (keeper && keeper->Page() == m_pControl->GetCurrentPageIndex()) {
             keeper->RestoreTurned(*m_pControl, ZoomFor(*keeper));
+        } else if (keeper) { // the page that is read is not the one at the top
+            const float fMiddle = m_pControl->GetCanvasSize().Width / 2.0F;
+            m_pControl->ZoomAtPoint({fMiddle * m_pControl->CompositionScaleX(), 0.0F},
+                                    ZoomFor(*keeper), false, true);
         }
         m_fFitScale = m_pControl->GetScale();
     });

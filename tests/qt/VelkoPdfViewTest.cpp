@@ -5,6 +5,7 @@
 #include <QColor>
 #include <QElapsedTimer>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QTimer>
 #include <algorithm>
 #include <cmath>
@@ -241,6 +242,45 @@ TEST_P(ResizeTest, KeepsTheOnlyPageInItsPlace) {
         fnExpectInPlace(GetParam().after.width());
     }
     EXPECT_EQ(m_pView->Control()->GetScale(), static_cast<float>(2.0 * GetParam().dbZoom));
+    EXPECT_TRUE(SettlesSharp());
+}
+
+// A flick over single pages turns one page, however fast; inside a zoomed page
+// it turns none.
+TEST_F(VelkoPdfViewTest, AFlickTurnsOnePage) {
+    m_pView->resize(500, 600);
+    ASSERT_TRUE(OpenUntilSharp(*m_pView, WritePages("pages.pdf", 20)));
+    m_pView->SetLayoutMode(View::Layout::SinglePage);
+    m_pView->GotoPage(9);
+    quint64 nTime = 1000;
+    const auto fnMouse = [&](QEvent::Type eType, double dbX, bool bDown) {
+        QMouseEvent event(eType, {dbX, 300}, m_pView->Window().mapToGlobal(QPointF{dbX, 300}),
+                          eType == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+                          bDown ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+        event.setTimestamp(nTime += 8);
+        QCoreApplication::sendEvent(&m_pView->Window(), &event);
+    };
+    const auto fnFlick = [&](double dbFrom, double dbTo) {
+        nTime += 3000;
+        fnMouse(QEvent::MouseButtonPress, dbFrom, true);
+        for (const double dbShare : {0.1, 0.3, 0.6, 1.0}) {
+            fnMouse(QEvent::MouseMove, dbFrom + (dbTo - dbFrom) * dbShare, true);
+        }
+        fnMouse(QEvent::MouseButtonRelease, dbTo, false);
+        EXPECT_TRUE(m_pView->Window().IsInertiaRunning());
+        EXPECT_TRUE(RunUntil([&] { return !m_pView->Window().IsInertiaRunning(); }));
+        EXPECT_EQ(m_pView->Control()->GetVisiblePages().size(), 1U);
+        return m_pView->Control()->GetCurrentPageIndex();
+    };
+    EXPECT_EQ(fnFlick(450, 150), 10);
+    EXPECT_EQ(fnFlick(450, 250), 11);
+    EXPECT_EQ(fnFlick(50, 350), 10);
+    m_pView->ZoomTo(3.0);
+    m_pView->ScrollBy(1e5, 0.0);
+    m_pView->ScrollBy(-400.0, 0.0);
+    EXPECT_EQ(fnFlick(450, 150), 10);
+    EXPECT_NEAR(m_pView->Control()->PageViewMgr()->GetViewer()->GetPageScreenOffset(10)->dbOffsetX,
+                500 - 2448, 1.0); // at its right edge
     EXPECT_TRUE(SettlesSharp());
 }
 

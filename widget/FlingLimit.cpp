@@ -1,0 +1,81 @@
+#include "widget/FlingLimit.h"
+
+#include <algorithm>
+
+#include "control/PDFViewCtrl.h"
+#include "control/PDFViewerManager.h"
+#include "platform/qt/QtElementWindow.h"
+
+namespace velko::vkit {
+
+namespace {
+
+constexpr std::int32_t kSinglePage = 2;
+constexpr double kTrifle = 1e-3; // device pixels
+
+}
+
+// Later than the control's own handler, which has moved the pages by then.
+FlingLimit::FlingLimit(PDFViewCtrl& control, Platform::Qt::QtElementWindow& window)
+    : m_control(control), m_window(window) {
+    m_token = m_window.Panel()->ManipulationDelta.add(
+        [this](const auto& args) { OnMoved(args.IsInertial); });
+}
+
+FlingLimit::~FlingLimit() {
+    m_window.Panel()->ManipulationDelta.remove(m_token);
+}
+
+void FlingLimit::OnMoved(bool bInertial) {
+    if (m_control.GetPageLayoutMode() != kSinglePage) {
+        return;
+    }
+    const auto pages = m_control.GetVisiblePages();
+    if (!bInertial) {
+        m_pages = pages;
+        return;
+    }
+    if (m_pages.size() == 1 && pages.size() > 1) {
+        PutBack(pages);
+    }
+    if (pages != m_pages || HasTurned()) {
+        m_window.StopInertia();
+    }
+}
+
+// Moves the page that the inertia brought in out of the screen, and a trifle
+// further, with which it goes.
+void FlingLimit::PutBack(const std::vector<std::int32_t>& pages) {
+    const bool bForward = pages.front() == m_pages.front();
+    const auto pViewer = m_control.PageViewMgr()->GetViewer();
+    const auto pPlace = pViewer->GetPageScreenOffset(bForward ? pages.back() : pages.front());
+    if (pPlace) {
+        const double dbIn =
+            bForward ? ScreenWidth() - pPlace->dbOffsetX : pPlace->dbOffsetX + pPlace->nWidth;
+        m_control.MoveScreen(0.0, bForward ? -dbIn : dbIn);
+        m_control.MoveScreen(0.0, bForward ? -kTrifle : kTrifle);
+    }
+}
+
+double FlingLimit::ScreenWidth() const {
+    return m_control.GetCanvasSize().Width * m_control.CompositionScaleX();
+}
+
+// Of the two pages of a turn the later one comes in from the right, the earlier
+// one from the left.
+bool FlingLimit::HasTurned() const {
+    const auto pViewer = m_control.PageViewMgr()->GetViewer();
+    const auto pEarlier =
+        pViewer && m_pages.size() > 1 ? pViewer->GetPageScreenOffset(m_pages.front()) : nullptr;
+    const auto pLater = pEarlier ? pViewer->GetPageScreenOffset(m_pages.back()) : nullptr;
+    if (!pLater) {
+        return false;
+    }
+    const double dbScreen = ScreenWidth();
+    const double dbLaterRest = std::max(0.0, (dbScreen - pLater->nWidth) * 0.5);
+    const double dbSpare = dbScreen - pEarlier->nWidth;
+    const double dbEarlierRest = dbSpare > 0.0 ? dbSpare * 0.5 : dbSpare;
+    return pLater->dbOffsetX <= dbLaterRest || pEarlier->dbOffsetX >= dbEarlierRest;
+}
+
+}
