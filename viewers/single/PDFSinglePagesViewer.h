@@ -35,18 +35,22 @@ public:
     BlockColors RenderColors() const override;
 
 protected:
-    void OnPageScaled(Point ptCentre, double dbScale, bool bIsInertial,
-                      bool isScrollComplete) override;
-    void OnMoveScreen(double dbOffsetY, double dbOffsetX) override;
-    void OnRotateViewer(std::int32_t nRotate) override;
-    void OnInvaildateLayout() override;
+    // Pages brought up by a command.
     void OnInitLayOut(std::int32_t nPageIndex, double dbScale, double dbOffsetX,
                       double dbOffsetY) override;
     void OnGotoPage(std::int32_t nPageIndex) override;
-    void OnAlignPageAfterScroll(double dbOffsetY, double dbOffsetX) override;
-    void OnPageSizeChanged(double dbOffsetX, double dbOffsetY) override;
+    void OnRotateViewer(std::int32_t nRotate) override;
+    void OnInvaildateLayout() override;
     void OnGotoDestination(std::int32_t nPageIndex, std::int32_t nZoomMode,
                            const std::vector<float>& values) override;
+
+    // A drag and its release, other moves, a zoom.
+    void OnMoveScreen(double dbOffsetY, double dbOffsetX) override;
+    void OnAlignPageAfterScroll(double dbOffsetY, double dbOffsetX) override;
+    void OnPageSizeChanged(double dbOffsetX, double dbOffsetY) override;
+    void OnPageScaled(Point ptCentre, double dbScale, bool bIsInertial,
+                      bool isScrollComplete) override;
+
     double DrawnX(std::size_t nPosition, double dbX) const override;
     void DrawBlank(Windows::Graphics::ID2D1DeviceContext& context,
                    const Windows::Graphics::D2D_RECT_F& rc) const override;
