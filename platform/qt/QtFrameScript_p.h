@@ -39,7 +39,8 @@ public:
         bool DrawsTheSame(const Part& other) const;
     };
 
-    void Begin() { m_parts.clear(); }
+    void Clear() { m_parts.clear(); }
+    bool IsEmpty() const { return m_parts.empty(); }
     Part& Add(Kind eKind, const QRect& rcTarget);
 
     // Draws what lies in `rcPart`. The pixels that the script does not touch
@@ -55,7 +56,6 @@ public:
     bool SaysEveryPixel() const { return !m_parts.empty() && m_parts.front().eKind == Kind::Clear; }
 
     void Swap(QtFrameScript& other) { m_parts.swap(other.m_parts); }
-    void Forget() { m_parts.clear(); }
 
 private:
     void DrawPart(QPainter& painter, std::size_t nPart, const QRect& rcPart);

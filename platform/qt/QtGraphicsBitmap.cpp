@@ -148,7 +148,7 @@ QImage& QtGraphicsBitmap::BeginFrame() {
         back = MakeImage(m_pBuffers->size);
     }
     m_pBuffers->bFrameBegun = true;
-    m_pBuffers->backScript.Forget();
+    m_pBuffers->backScript.Clear();
     return back;
 }
 

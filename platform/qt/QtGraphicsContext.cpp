@@ -82,7 +82,7 @@ void QtGraphicsContext::BeginDraw() {
     if (m_bDrawing || !m_pTarget) {
         throw Platform::Exception(D2DERR_WRONG_STATE, "a frame within a frame, or no target");
     }
-    m_script.Begin();
+    m_script.Clear();
     m_bDrawnInPart = false;
     m_bDrawing = true;
     ++m_pState->nFrames;
@@ -108,8 +108,11 @@ void QtGraphicsContext::EndDraw() {
 // Draws into the buffer that is shown. False when nothing is known of what it
 // shows, or when somebody else holds it.
 bool QtGraphicsContext::DrawDifference(QtSwapBuffers& buffers) {
-    if (buffers.bFrameBegun || buffers.front.size() != buffers.size ||
-        !buffers.front.isDetached() || !m_script.SaysEveryPixel() ||
+    const bool bShown = !buffers.bFrameBegun && buffers.front.size() == buffers.size;
+    if (bShown && m_script.IsEmpty()) {
+        return true; // nothing was drawn: what is shown stays
+    }
+    if (!bShown || !buffers.front.isDetached() || !m_script.SaysEveryPixel() ||
         !buffers.frontScript.SaysEveryPixel()) {
         return false;
     }
@@ -127,7 +130,7 @@ bool QtGraphicsContext::DrawDifference(QtSwapBuffers& buffers) {
 void QtGraphicsContext::DrawGathered() {
     QImage& image = m_bDrawnInPart ? m_pTarget->FrameUnderWay() : m_pTarget->BeginFrame();
     m_script.Draw(image, image.rect());
-    m_script.Begin();
+    m_script.Clear();
     m_bDrawnInPart = true;
 }
 
@@ -142,7 +145,7 @@ void QtGraphicsContext::RequireFrame() const {
 void QtGraphicsContext::Clear(const D2D_COLOR_F& color) {
     RequireFrame();
     const QColor around = Tones().around;
-    m_script.Begin(); // nothing is left of what was drawn before
+    m_script.Clear(); // nothing is left of what was drawn before
     const D2D_SIZE_U size = m_pTarget->GetPixelSize();
     m_script
         .Add(QtFrameScript::Kind::Clear,

@@ -233,10 +233,12 @@ TEST(QtRasterDeviceTest, AFrameIsShownWithoutACopyAndStaysWhatItWas) {
     EXPECT_EQ(pSnapshot->ReadPixels()[2], 153) << "the snapshot is that of its time";
     EXPECT_EQ(qRed(chain.FrontImage().pixel(5, 5)), 255);
 
+    screen.Frame([](Graphics::ID2D1DeviceContext&) {}); // an older buffer must not come back
+    EXPECT_EQ(qRed(chain.FrontImage().pixel(5, 5)), 255);
     EXPECT_EQ(chain.Present1(1, 0), Platform::S_OK); // nothing was drawn since
     EXPECT_EQ(qRed(chain.FrontImage().pixel(5, 5)), 255);
-    EXPECT_EQ(nPresented, 5);
-    EXPECT_EQ(chain.PresentCount(), 5U);
+    EXPECT_EQ(nPresented, 6);
+    EXPECT_EQ(chain.PresentCount(), 6U);
 }
 
 // A frame of a few parts, much like the one of the round before it.
