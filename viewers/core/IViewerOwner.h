@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 
 namespace velko::vkit {
@@ -25,6 +26,11 @@ public:
 
     // Tells the host that a page became available on the way to a destination.
     virtual void RaisePageLoaded(std::int32_t nPageIndex) = 0;
+
+    // Runs a change of the layout that the viewer had to put off, with what goes
+    // around such a change when a command makes it: the host hears which pages
+    // went and which came.
+    virtual void RunOperation(const std::function<void()>& fnOperation) { fnOperation(); }
 };
 
 }
