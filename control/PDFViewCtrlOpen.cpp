@@ -16,6 +16,7 @@
 #include "settings/AppConfig.h"
 #include "surface/PDFViewCanvas.h"
 #include "viewers/core/IPDFViewer.h"
+#include "viewers/core/Modes.h"
 
 namespace velko::vkit {
 
@@ -24,9 +25,6 @@ namespace {
 using velko::common::ErrorCode;
 using OpenResult = std::shared_ptr<VLK_DocOpenResult>;
 using FilePtr = std::shared_ptr<Windows::Storage::StorageFile>;
-
-constexpr std::int32_t kSinglePage = 2;
-constexpr std::int32_t kReflow = 3;
 
 // The document layer counts bytes in 32 bits.
 OpenResult TooLarge() {
@@ -163,11 +161,12 @@ bool PDFViewCtrl::ShowOpenedDocument() {
     const auto pDocument = m_pDocument;
     m_pViewerState = LoadViewState();
     if (AppConfig::IsAutoReflowMode()) {
-        m_pViewerState->ViewState = kReflow;
+        m_pViewerState->ViewState = LayoutMode::kReflow;
     }
     const PDFViewerState state = FitTo(*pDocument, *m_pViewerState);
     const std::int32_t nOldMode = m_nLayoutMode;
-    const std::int32_t nNewMode = state.ViewState == 0 ? kSinglePage : state.ViewState;
+    const std::int32_t nNewMode =
+        state.ViewState == LayoutMode::kNone ? LayoutMode::kSinglePage : state.ViewState;
     m_nLayoutMode = nNewMode;
     pManager->ChangeViewer(nNewMode, pDocument, m_pViewControl->ViewCtrl());
     pManager->InitLayOut(state.CurrentPageIndex, state.Scale, state.OffsetX, state.OffsetY);

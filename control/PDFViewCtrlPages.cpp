@@ -13,12 +13,11 @@
 #include "platform/ui/SwapChainPanel.h"
 #include "surface/PDFViewCanvas.h"
 #include "viewers/core/IPDFViewer.h"
+#include "viewers/core/Modes.h"
 
 namespace velko::vkit {
 
 namespace {
-
-constexpr std::int32_t kContinuous = 1;
 
 std::string Text(double dbValue) {
     char szText[32];
@@ -158,7 +157,8 @@ bool PDFViewCtrl::IsJumpNeeded(std::int32_t nPageIndex) const {
     const auto pViewer = Viewer();
     const Rect rcPage = pViewer ? pViewer->GetPageRectAtPoint(Point(), nPageIndex) : Rect();
     const bool bLaidOut = rcPage.Width > 0.0F && rcPage.Height != 0.0F;
-    return CurrentPageOr0() != nPageIndex && !(ManagerMode() == kContinuous && bLaidOut);
+    return CurrentPageOr0() != nPageIndex &&
+           !(ManagerMode() == LayoutMode::kContinuous && bLaidOut);
 }
 
 void PDFViewCtrl::GotoExactlyPage(std::int32_t nPageIndex, Point ptPage) {

@@ -6,18 +6,11 @@
 #include "control/PDFViewerManager.h"
 #include "document/VLK_Document.h"
 #include "viewers/core/IPDFViewer.h"
+#include "viewers/core/Modes.h"
 
 namespace velko::vkit {
 
-namespace {
-
 using Windows::UI::Color;
-
-constexpr Color kNightBackground{255, 0, 0, 27};
-constexpr Color kNightForeground{255, 93, 91, 113};
-constexpr std::int32_t kReflow = 3;
-
-}
 
 Color PDFViewCtrl::PageBgColor() {
     const auto pSelf = Enter();
@@ -33,16 +26,16 @@ Color PDFViewCtrl::PageFgColor() {
 
 bool PDFViewCtrl::NightMode() {
     const auto pSelf = Enter();
-    return PageBgColor() == kNightBackground && PageFgColor() == kNightForeground;
+    return PageBgColor() == kNightColors.background && PageFgColor() == kNightColors.foreground;
 }
 
 void PDFViewCtrl::NightMode(bool bOn) {
     const auto pSelf = Enter();
-    if (ManagerMode() == kReflow) {
+    if (ManagerMode() == LayoutMode::kReflow) {
         return;
     }
     if (bOn) {
-        SetPageColors(kNightBackground, kNightForeground);
+        SetPageColors(kNightColors.background, kNightColors.foreground);
     } else {
         SetPageColors(Windows::UI::Colors::White, Windows::UI::Colors::Black);
     }

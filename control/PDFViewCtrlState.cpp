@@ -11,6 +11,7 @@
 #include "document/VLK_Document.h"
 #include "platform/storage/ApplicationData.h"
 #include "viewers/core/IPDFViewer.h"
+#include "viewers/core/Modes.h"
 
 namespace velko::vkit {
 
@@ -19,8 +20,6 @@ namespace {
 using Windows::Foundation::PropertyValue;
 using Windows::Foundation::Collections::PropertySet;
 using Windows::Storage::ApplicationData;
-
-constexpr std::int32_t kReflow = 3;
 
 // The present time in units of 100 ns since 1601-01-01 UTC.
 std::int64_t UniversalTimeNow() {
@@ -96,7 +95,7 @@ void PDFViewCtrl::SaveViewState(PropertySet& values) {
     const auto pViewer = Viewer();
     SaveFileFacts(values, *pDocument);
     Put<std::int32_t>(values, "ViewState", ManagerMode());
-    if (ManagerMode() != kReflow) {
+    if (ManagerMode() != LayoutMode::kReflow) {
         Put<std::int32_t>(values, "Rotate", pViewer ? pViewer->GetRotate() : 0);
         Put<double>(values, "Scale", pViewer ? pViewer->GetScale() : 1.0);
     }

@@ -13,19 +13,11 @@
 #include "platform/ui/SwapChainPanel.h"
 #include "surface/PDFViewCanvas.h"
 #include "viewers/core/IPDFViewer.h"
+#include "viewers/core/Modes.h"
 
 namespace velko::vkit {
 
 namespace {
-
-// Zoom modes; any other is a scale of 1.
-constexpr std::int32_t kFitPage = 1;
-constexpr std::int32_t kFitWidth = 2;
-constexpr std::int32_t kFitHeight = 3;
-
-// The limits while no viewer tells its own.
-constexpr float kMinScale = 1.0F;
-constexpr float kMaxScale = 3.0F;
 
 constexpr double kPointsPerInch = 72.0;
 
@@ -108,7 +100,7 @@ void PDFViewCtrl::SetPageLayoutMode(std::int32_t nMode) {
     const auto pManager = m_pPageViewMgr;
     const std::int32_t nPageIndex = CurrentPageOr0();
     const std::int32_t nOldMode = ManagerMode();
-    if (nMode == nOldMode || nMode == 0 || !pManager) {
+    if (nMode == nOldMode || nMode == LayoutMode::kNone || !pManager) {
         return;
     }
     const auto pDocument = OpenDocument();
@@ -136,12 +128,12 @@ double PDFViewCtrl::GetFitScale(std::int32_t nZoomMode) {
     const std::int32_t nRotate = pViewer ? pViewer->GetRotate() : 0;
     const bool bTurned = nRotate == 1 || nRotate == 3;
     switch (nZoomMode) {
-        case kFitPage: // a turned page is fitted by its width alone
+        case ZoomMode::kFitPage: // a turned page is fitted by its width alone
             return bTurned ? size.Height / dbWidth
                            : std::min(size.Height / dbHeight, size.Width / dbWidth);
-        case kFitWidth:
+        case ZoomMode::kFitWidth:
             return size.Width / (bTurned ? dbHeight : dbWidth);
-        case kFitHeight:
+        case ZoomMode::kFitHeight:
             return size.Height / (bTurned ? dbWidth : dbHeight);
         default:
             return 1.0;
@@ -163,7 +155,7 @@ float PDFViewCtrl::GetMinScale() {
         return 0.0F;
     }
     const auto pViewer = Viewer();
-    return pViewer ? pViewer->GetMinScale() : kMinScale;
+    return pViewer ? pViewer->GetMinScale() : kNoViewerLimits.fLeast;
 }
 
 float PDFViewCtrl::GetMaxScale() {
@@ -172,7 +164,7 @@ float PDFViewCtrl::GetMaxScale() {
         return 0.0F;
     }
     const auto pViewer = Viewer();
-    return pViewer ? pViewer->GetMaxScale() : kMaxScale;
+    return pViewer ? pViewer->GetMaxScale() : kNoViewerLimits.fMost;
 }
 
 float PDFViewCtrl::LimitScale(float fScale) {

@@ -10,14 +10,12 @@
 #include "platform/system/Environment.h"
 #include "platform/ui/CoreDispatcher.h"
 #include "viewers/continuous/PDFConuiunePagesViewer.h"
+#include "viewers/core/Modes.h"
 #include "viewers/single/PDFSinglePagesViewer.h"
 
 namespace velko::vkit {
 
 namespace {
-
-constexpr std::int32_t kContinuous = 1;
-constexpr std::int32_t kSinglePage = 2;
 
 bool Holds(const std::vector<std::int32_t>& pages, std::int32_t nPage) {
     return std::find(pages.begin(), pages.end(), nPage) != pages.end();
@@ -99,9 +97,9 @@ std::shared_ptr<IPDFViewer> PDFViewerManager::MakeViewer(
     const std::shared_ptr<PDFViewCanvas>& pCanvas) const {
     const std::weak_ptr<IViewerOwner> wkOwner = Control();
     switch (nMode) {
-        case kContinuous:
+        case LayoutMode::kContinuous:
             return std::make_shared<PDFConuiunePagesViewer>(wkOwner, pDocument, pCanvas);
-        case kSinglePage:
+        case LayoutMode::kSinglePage:
             return std::make_shared<PDFSinglePagesViewer>(wkOwner, pDocument, pCanvas);
         default:
             return nullptr;

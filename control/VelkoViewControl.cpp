@@ -15,6 +15,7 @@
 #include "platform/ui/Markup.h"
 #include "surface/PDFViewCanvas.h"
 #include "viewers/core/IPDFViewer.h"
+#include "viewers/core/Modes.h"
 
 namespace velko::vkit {
 
@@ -25,21 +26,15 @@ namespace Input = Windows::UI::Xaml::Input;
 
 constexpr std::chrono::milliseconds kWheelZoomSettles{500};
 constexpr double kWheelZoomStep = 0.5;
-constexpr std::int32_t kSinglePage = 2;
-constexpr std::int32_t kReflow = 3;
-
-// The limits while no viewer tells its own.
-constexpr float kMinScale = 1.0F;
-constexpr float kMaxScale = 3.0F;
 
 float ScaleOf(const std::shared_ptr<IPDFViewer>& pViewer) {
     return pViewer ? pViewer->GetScale() : 1.0F;
 }
 float MinScaleOf(const std::shared_ptr<IPDFViewer>& pViewer) {
-    return pViewer ? pViewer->GetMinScale() : kMinScale;
+    return pViewer ? pViewer->GetMinScale() : kNoViewerLimits.fLeast;
 }
 float MaxScaleOf(const std::shared_ptr<IPDFViewer>& pViewer) {
-    return pViewer ? pViewer->GetMaxScale() : kMaxScale;
+    return pViewer ? pViewer->GetMaxScale() : kNoViewerLimits.fMost;
 }
 
 void LogSwipe(float fX, float fY) {
@@ -162,7 +157,7 @@ void VelkoViewControl::OnManipulationDelta(Input::ManipulationDeltaRoutedEventAr
     }
     if (args.Delta.Scale == 1.0F) {
         PanBy(args.Position, bHasPinched);
-    } else if (m_pPageViewMgr->LayoutMode() == kReflow) {
+    } else if (m_pPageViewMgr->LayoutMode() == LayoutMode::kReflow) {
         return;
     } else {
         PinchAt(args.Position, args.Delta.Scale);
@@ -199,7 +194,7 @@ void VelkoViewControl::OnManipulationCompleted(Input::ManipulationCompletedRoute
     const auto pManager = m_pPageViewMgr;
     const auto pViewer = pManager->GetViewer();
     if (args.Cumulative.Scale != 1.0F) {
-        if (pManager->LayoutMode() != kReflow) {
+        if (pManager->LayoutMode() != LayoutMode::kReflow) {
             pManager->PageScaled(ToDevice(args.Position), ScaleOf(pViewer), false, true);
         }
         return;
@@ -219,10 +214,10 @@ void VelkoViewControl::OnPointerWheelChanged(Input::PointerRoutedEventArgs& args
     const auto pManager = m_pPageViewMgr;
     const std::int32_t nMode = pManager->LayoutMode();
     if (Platform::Environment()->IsControlKeyDown()) {
-        if (nMode != kReflow) {
+        if (nMode != LayoutMode::kReflow) {
             ZoomByWheel(ToDevice(args.Position), args.MouseWheelDelta);
         }
-    } else if (nMode == kSinglePage) {
+    } else if (nMode == LayoutMode::kSinglePage) {
         TurnPageByWheel(args.MouseWheelDelta);
     } else {
         // A horizontal wheel moves nothing, but is a step with its page events.

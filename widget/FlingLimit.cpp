@@ -5,12 +5,12 @@
 #include "control/PDFViewCtrl.h"
 #include "control/PDFViewerManager.h"
 #include "platform/qt/QtElementWindow.h"
+#include "viewers/core/Modes.h"
 
 namespace velko::vkit {
 
 namespace {
 
-constexpr std::int32_t kSinglePage = 2;
 constexpr double kTrifle = 1e-3; // device pixels
 
 }
@@ -27,7 +27,7 @@ FlingLimit::~FlingLimit() {
 }
 
 void FlingLimit::OnMoved(bool bInertial) {
-    if (m_control.GetPageLayoutMode() != kSinglePage) {
+    if (m_control.GetPageLayoutMode() != LayoutMode::kSinglePage) {
         return;
     }
     const auto pages = m_control.GetVisiblePages();

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "control/PDFViewerManager.h"
+#include "viewers/core/Modes.h"
 
 namespace velko::vkit {
 
@@ -52,8 +53,7 @@ Place PageBelow(IPDFViewer& viewer, double dbAnchorY, std::int32_t& nPage) {
 }
 
 bool ShowsSinglePage(PDFViewCtrl& control) {
-    constexpr std::int32_t kSinglePage = 2;
-    return control.GetPageLayoutMode() == kSinglePage;
+    return control.GetPageLayoutMode() == LayoutMode::kSinglePage;
 }
 
 // How far of a move to the right of `dbX` a page goes before it leaves an edge of
