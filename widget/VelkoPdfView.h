@@ -2,7 +2,7 @@
 // window.
 //
 //   QApplication app(argc, argv);
-//   velko::vkit::VelkoRuntime runtime;
+//   velko::vkit::VelkoRuntime runtime({.fnRegisterEngine = velko::engines::mupdf::RegisterEngine});
 //   velko::vkit::VelkoPdfView view;
 //   view.Open("report.pdf");
 //   view.show();

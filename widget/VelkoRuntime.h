@@ -1,5 +1,5 @@
-// What the viewer control needs around it in a Qt process: the UI dispatcher,
-// the task pool, the machine's facts, the settings store and the engine.
+// What the viewer control needs around it in a Qt process: the platform on Qt,
+// the settings store, an engine and the component.
 //
 // Make one at the start of `main`, before any view; it may come before the
 // application object, so that a document opens while Qt still starts. It goes
@@ -8,20 +8,19 @@
 #pragma once
 
 #include <QString>
-#include <QTemporaryDir>
+#include <functional>
 #include <memory>
 
-#include "platform/qt/QtEnvironment.h"
-
-namespace concurrency {
-class ThreadPool;
-}
+#include "platform/qt/QtRuntime.h"
 
 namespace velko::vkit {
 
 class VelkoRuntime {
 public:
     struct Options {
+        // Registers the engine that opens the documents, such as
+        // `velko::engines::mupdf::RegisterEngine`. Empty: the program has done so.
+        std::function<void()> fnRegisterEngine;
         // Settings and the recently used list; empty: a folder of this
         // component in the user's data folder. Where it cannot be used, a folder
         // for the runtime's length stands in, and the debug output tells.
@@ -30,7 +29,6 @@ public:
         bool bDebugOutput = false; // the debug output goes to standard error
     };
 
-    VelkoRuntime();
     explicit VelkoRuntime(Options options);
     ~VelkoRuntime();
     VelkoRuntime(const VelkoRuntime&) = delete;
@@ -40,11 +38,9 @@ public:
     static std::shared_ptr<Platform::Qt::QtEnvironment> Environment();
 
 private:
-    void OpenData(const QString& strFolder);
+    void UseData(const QString& strFolder);
 
-    std::unique_ptr<QTemporaryDir> m_pStandIn; // for a data folder that cannot be used
-    std::shared_ptr<Platform::Qt::QtDispatcher> m_pDispatcher;
-    std::shared_ptr<concurrency::ThreadPool> m_pPool;
+    Platform::Qt::QtRuntime m_platform;
 };
 
 }

@@ -11,6 +11,7 @@
 #include "app/viewer/MainWindow.h"
 #include "app/viewer/Screenshot.h"
 #include "app/viewer/StartClock.h"
+#include "engines/mupdf/Register.h"
 #include "widget/VelkoRuntime.h"
 
 namespace velko::viewer {
@@ -48,6 +49,7 @@ void ShowFirst(vkit::VelkoPdfView& view, int nPage) {
 // whatever the reader's settings are.
 vkit::VelkoRuntime::Options RuntimeOptions(const CommandLine& options, const QString& strFresh) {
     vkit::VelkoRuntime::Options runtime;
+    runtime.fnRegisterEngine = engines::mupdf::RegisterEngine;
     runtime.strDataFolder = strFresh;
     runtime.environment.size = {static_cast<float>(options.size.width()),
                                 static_cast<float>(options.size.height() - CommandBar::kHeight)};

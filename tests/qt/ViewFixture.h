@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "engines/mupdf/Register.h"
 #include "tests/qt/EventLoop.h"
 #include "tests/support/pdf_writer/PdfWriter.h"
 #include "widget/VelkoPdfView.h"
@@ -26,6 +27,7 @@ protected:
 
     ViewFixture() {
         vkit::VelkoRuntime::Options options;
+        options.fnRegisterEngine = engines::mupdf::RegisterEngine;
         options.strDataFolder = m_folder.filePath("data");
         m_pRuntime = std::make_unique<vkit::VelkoRuntime>(options);
     }

@@ -68,7 +68,7 @@ function(check_include file area line)
     elseif(name MATCHES "_p[.]h$" AND NOT folder STREQUAL other_folder)
         breach("${file}" "${line}" "private to another folder")
     elseif(NOT other IN_LIST "sees_${area}"
-            AND NOT (name STREQUAL engine_entry AND area MATCHES "^(widget|app|tools)$"))
+            AND NOT (name STREQUAL engine_entry AND area MATCHES "^(app|tools)$"))
         breach("${file}" "${line}" "${area} may not see ${other}")
     endif()
 endfunction()

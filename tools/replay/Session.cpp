@@ -4,8 +4,6 @@
 #include <cerrno>
 #include <cmath>
 #include <cstring>
-#include <filesystem>
-#include <thread>
 #include <utility>
 
 #include <QCoreApplication>
@@ -16,11 +14,9 @@
 #include "control/PDFViewCtrl.h"
 #include "control/PDFViewerManager.h"
 #include "engines/mupdf/Register.h"
-#include "platform/concurrency/ThreadPool.h"
 #include "platform/qt/QtElementWindow.h"
-#include "platform/qt/QtEnvironment.h"
 #include "platform/qt/QtGraphicsFactory.h"
-#include "platform/storage/ApplicationData.h"
+#include "platform/qt/QtRuntime.h"
 #include "platform/storage/StorageActivity.h"
 #include "platform/storage/StorageFaults.h"
 #include "platform/system/Debug.h"
@@ -70,36 +66,11 @@ std::string Counted(std::size_t nCount, const char* szWhat) {
 
 }
 
-// The application data folder: the one asked for, or one of our own that goes
-// with this object.
-struct Session::Folder {
-    explicit Folder(const std::optional<std::string>& strWanted) : bOwn(!strWanted) {
-        if (strWanted) {
-            path = *strWanted;
-            return;
-        }
-        std::string strTemplate =
-            (std::filesystem::temp_directory_path() / "velko-replay-XXXXXX").string();
-        if (mkdtemp(strTemplate.data()) == nullptr) {
-            throw Platform::AccessDeniedException("no temporary folder: " + strTemplate);
-        }
-        path = strTemplate;
-    }
-    ~Folder() {
-        if (bOwn) {
-            std::error_code ignored;
-            std::filesystem::remove_all(path, ignored);
-        }
-    }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
+Session::Session(Output& output) : m_output(output) {}
 
-    const bool bOwn;
-    std::filesystem::path path;
-};
-
-Session::Session(const Options& options, Output& output)
-    : m_output(output), m_pDataFolder(std::make_unique<Folder>(options.strDataFolder)) {
+// An object whose first constructor has returned is destroyed also when the
+// second one raises.
+Session::Session(const Options& options, Output& output) : Session(output) {
     if (options.bDebugOutput) {
         PrintDebugOutput(output);
     }
@@ -119,19 +90,18 @@ void Session::StartPlatform(const Options& options) {
     facts.fCompositionScaleY = options.fScaleY;
     facts.size = LogicalSize(options.nWidth, options.nHeight);
     facts.pGraphicsFactory = m_pGraphics;
-    m_pEnvironment = std::make_shared<Platform::Qt::QtEnvironment>(
-        Platform::Qt::QtDispatcher::Create(), std::move(facts));
-    Platform::SetEnvironment(m_pEnvironment);
-    m_pPool = std::make_shared<concurrency::ThreadPool>(
-        std::max(2U, std::thread::hardware_concurrency()));
-    concurrency::set_task_pool(m_pPool);
-    Windows::Storage::ApplicationData::SetCurrent(
-        Windows::Storage::OpenApplicationData(m_pDataFolder->path.string()));
+    m_pPlatform = std::make_unique<Platform::Qt::QtRuntime>(std::move(facts));
+    if (options.strDataFolder) {
+        m_pPlatform->UseData(*options.strDataFolder);
+    } else {
+        m_pPlatform->UseTemporaryData("velko-replay-XXXXXX");
+    }
 }
 
 void Session::MakeControl(const Options& options) {
     m_pControl = velko::vkit::PDFViewCtrl::Create();
-    m_pWindow = std::make_unique<Platform::Qt::QtElementWindow>(m_pEnvironment, m_pControl);
+    m_pWindow =
+        std::make_unique<Platform::Qt::QtElementWindow>(m_pPlatform->Environment(), m_pControl);
     m_pWindow->OnFailure = [this](std::exception_ptr pFailure) {
         if (!m_pFailure) { // the first one is the cause
             m_pFailure = std::move(pFailure);
@@ -152,22 +122,26 @@ void Session::PrintEvents() {
 }
 
 Session::~Session() {
-    m_pWindow->OnFailure = [](const std::exception_ptr&) {}; // nobody is left to hear of it
+    EndControl();
+    velko::vkit::AppConfig::Close();
+    m_pPlatform.reset();
+    Windows::Storage::SetStorageFaultHook(nullptr);
+    Platform::Debug::SetSink(nullptr);
+}
+
+void Session::EndControl() {
+    if (m_pWindow) {
+        m_pWindow->OnFailure = [](const std::exception_ptr&) {}; // nobody is left to hear of it
+    }
     try {
-        m_pControl->Dispose();
+        if (m_pControl) {
+            m_pControl->Dispose();
+        }
     } catch (const std::exception& error) {
         Platform::Debug::OutputDebugString(std::string("closing failed: ") + error.what() + "\n");
     }
     m_pWindow.reset();
     m_pControl.reset();
-    m_pPool->stop(); // before the queue that its works post to goes
-    concurrency::set_task_pool(nullptr);
-    m_pEnvironment->Dispatcher()->ShutDown();
-    Platform::SetEnvironment(nullptr);
-    Windows::Storage::SetStorageFaultHook(nullptr);
-    velko::vkit::AppConfig::Close();
-    Windows::Storage::ApplicationData::SetCurrent(nullptr);
-    Platform::Debug::SetSink(nullptr);
 }
 
 std::shared_ptr<velko::vkit::IPDFViewer> Session::Viewer() {
@@ -193,7 +167,7 @@ void Session::ThroughWindow(const std::function<void()>& fnBody) {
 }
 
 void Session::Resize(std::int32_t nWidth, std::int32_t nHeight, float fScaleX, float fScaleY) {
-    m_pEnvironment->SetCompositionScale(fScaleX, fScaleY);
+    m_pPlatform->Environment()->SetCompositionScale(fScaleX, fScaleY);
     m_pWindow->FixLogicalSize(LogicalSize(nWidth, nHeight));
     const QSize sizeBefore = m_pWindow->size();
     const QSize size(DevicePixels(nWidth, fScaleX), DevicePixels(nHeight, fScaleY));
@@ -233,22 +207,23 @@ std::vector<std::string> Session::WaitUntilIdle(std::chrono::milliseconds limit)
 // in the dispatcher by the time that the thread counts as idle.
 std::vector<std::string> Session::Pending() const {
     std::vector<std::string> busy;
-    if (!m_pPool->is_idle()) {
+    if (!m_pPlatform->Pool().is_idle()) {
         busy.emplace_back("tasks or renders on the pool");
     }
     if (Windows::Storage::AreFileOperationsPending()) {
         busy.emplace_back("file operations");
     }
-    if (!m_pPool->is_idle()) { // a file operation ended and went on there
+    if (!m_pPlatform->Pool().is_idle()) { // a file operation ended and went on there
         busy.emplace_back("tasks or renders on the pool");
     }
-    if (const std::size_t nPosts = m_pEnvironment->Dispatcher()->PendingCount(); nPosts > 0) {
+    if (const std::size_t nPosts = m_pPlatform->Environment()->Dispatcher()->PendingCount();
+        nPosts > 0) {
         busy.push_back(Counted(nPosts, "posts to the UI thread"));
     }
     if (m_pWindow->IsInertiaRunning()) {
         busy.emplace_back("the inertia of a pan");
     }
-    if (const int nTimers = m_pEnvironment->RunningTimers(); nTimers > 0) {
+    if (const int nTimers = m_pPlatform->Environment()->RunningTimers(); nTimers > 0) {
         busy.push_back(Counted(static_cast<std::size_t>(nTimers), "timers"));
     }
     busy.erase(std::unique(busy.begin(), busy.end()), busy.end());

@@ -24,11 +24,8 @@
 
 namespace Platform::Qt {
 class QtElementWindow;
-class QtEnvironment;
 class QtGraphicsFactory;
-}
-namespace concurrency {
-class ThreadPool;
+class QtRuntime;
 }
 namespace Windows::UI::Xaml::Controls {
 class SwapChainPanel;
@@ -91,19 +88,18 @@ public:
     void ThroughWindow(const std::function<void()>& fnBody);
 
 private:
-    struct Folder;
+    explicit Session(Output& output); // what the destructor ends has begun
 
     std::vector<std::string> Pending() const;
     void StartPlatform(const Options& options);
     void MakeControl(const Options& options);
+    void EndControl();
 
     Output& m_output;
     std::shared_ptr<Counters> m_pCounters = std::make_shared<Counters>();
     std::shared_ptr<Faults> m_pFaults = std::make_shared<Faults>();
-    std::unique_ptr<Folder> m_pDataFolder;
     std::shared_ptr<Platform::Qt::QtGraphicsFactory> m_pGraphics;
-    std::shared_ptr<Platform::Qt::QtEnvironment> m_pEnvironment;
-    std::shared_ptr<concurrency::ThreadPool> m_pPool;
+    std::unique_ptr<Platform::Qt::QtRuntime> m_pPlatform;
     std::shared_ptr<velko::vkit::PDFViewCtrl> m_pControl;
     std::unique_ptr<Platform::Qt::QtElementWindow> m_pWindow;
     std::chrono::milliseconds m_inputTime{1000};

@@ -1,0 +1,52 @@
+#include "platform/qt/QtRuntime.h"
+
+#include <QDir>
+#include <QFile>
+#include <algorithm>
+#include <thread>
+#include <utility>
+
+#include "platform/foundation/Exception.h"
+#include "platform/storage/ApplicationData.h"
+
+namespace Platform::Qt {
+
+namespace {
+
+constexpr unsigned kFewestPoolThreads = 2; // one renders, one loads
+
+}
+
+QtRuntime::QtRuntime(QtEnvironment::Options options)
+    : m_pDispatcher(QtDispatcher::Create()),
+      m_pPool(std::make_shared<concurrency::ThreadPool>(
+          std::max(kFewestPoolThreads, std::thread::hardware_concurrency()))),
+      m_pEnvironment(std::make_shared<QtEnvironment>(m_pDispatcher, std::move(options))) {
+    concurrency::set_task_pool(m_pPool); // from here on nothing raises
+    SetEnvironment(m_pEnvironment);
+}
+
+QtRuntime::~QtRuntime() {
+    m_pPool->stop();
+    concurrency::set_task_pool(nullptr);
+    m_pDispatcher->ShutDown();
+    Windows::Storage::ApplicationData::SetCurrent(nullptr);
+    SetEnvironment(nullptr);
+}
+
+void QtRuntime::UseData(const std::string& strFolder) {
+    const auto pData = Windows::Storage::OpenApplicationData(strFolder);
+    pData->MostRecentlyUsedList()->Entries(); // opens the store that is there
+    Windows::Storage::ApplicationData::SetCurrent(pData);
+}
+
+void QtRuntime::UseTemporaryData(const std::string& strNameTemplate) {
+    QTemporaryDir folder(QDir::temp().filePath(QString::fromStdString(strNameTemplate)));
+    if (!folder.isValid()) {
+        throw AccessDeniedException("no temporary folder: " + folder.errorString().toStdString());
+    }
+    UseData(QFile::encodeName(folder.path()).toStdString());
+    m_ownFolder = std::move(folder);
+}
+
+}
