@@ -33,18 +33,22 @@ function(velko_program name)
 endfunction()
 
 # velko_test(NAME SOURCES a.cpp ... USES library ... [TIMEOUT seconds])
-# One GoogleTest program; each of its cases is a test of its own for ctest.
+# One GoogleTest program; each of its suites is a test of its own for ctest, with
+# the folder's name before it. The timeout is a suite's.
 function(velko_test name)
     cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;USES" ${ARGN})
     if(NOT ARG_TIMEOUT)
-        set(ARG_TIMEOUT 120)
+        set(ARG_TIMEOUT 600)
     endif()
     velko_program(${name} SOURCES ${ARG_SOURCES} USES ${ARG_USES} GTest::gtest_main)
     if(VELKO_SANITIZE MATCHES thread)
         target_sources(${name} PRIVATE ${VELKO_ROOT}/tests/support/TsanSuppressions.cpp)
     endif()
-    gtest_discover_tests(${name}
-        DISCOVERY_MODE PRE_TEST
-        WORKING_DIRECTORY ${PROJECT_SOURCE_DIR}
-        PROPERTIES TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+    get_filename_component(area ${CMAKE_CURRENT_SOURCE_DIR} NAME)
+    set(script ${CMAKE_CURRENT_BINARY_DIR}/${name}_suites.cmake)
+    file(CONFIGURE OUTPUT ${script} CONTENT [[
+include(@VELKO_ROOT@/cmake/TestSuites.cmake)
+add_suites(@PROJECT_BINARY_DIR@/bin/@name@ @area@ @PROJECT_SOURCE_DIR@ @ARG_TIMEOUT@)
+]] @ONLY)
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${script})
 endfunction()
