@@ -7,6 +7,7 @@
 #include <atomic>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <mutex>
 #include <sstream>
 #include <thread>
@@ -115,15 +116,16 @@ std::string CheckShown(ReplayProcess& replay, const Row& row) {
 }
 
 // What is wrong with how the file ends; empty when it ends as it should.
-std::string Check(const Row& row) {
-    ReplayProcess replay({"--size", "600x800"}, kLimit);
+std::string Check(ReplayProcess& replay, const Row& row) {
     const QJsonObject open{{"op", "open"}, {"path", QString::fromStdString(row.path.string())}};
     QJsonObject answer = replay.Run(open);
     if (row.strExpected == "format error") {
-        if (answer.value("error") != QJsonValue(2) && answer.value("error") != QJsonValue(1)) {
-            return "no format error but " + Describe(answer);
-        }
-    } else if (row.strExpected == "password") {
+        const QJsonValue error = answer.value("error");
+        return error == QJsonValue(2) || error == QJsonValue(1)
+                   ? std::string()
+                   : "no format error but " + Describe(answer);
+    }
+    if (row.strExpected == "password") {
         if (answer.value("error") != QJsonValue(3)) {
             return "asks for no password but ends with " + Describe(answer);
         }
@@ -131,32 +133,58 @@ std::string Check(const Row& row) {
         withPassword["password"] = QString::fromStdString(row.strPassword);
         answer = replay.Run(withPassword);
     }
-    std::string strProblem;
-    if (row.strExpected != "format error") {
-        strProblem = answer.value("error") == QJsonValue(0) ? CheckShown(replay, row)
-                                                            : "does not open: " + Describe(answer);
-    }
-    replay.Run({{"op", "close"}});
-    const int nStatus = replay.Finish();
-    if (nStatus != 0 && strProblem.empty()) {
-        strProblem = "ends with status " + std::to_string(nStatus) + "\n" + replay.Errors();
-    }
-    return strProblem;
+    return answer.value("error") == QJsonValue(0) ? CheckShown(replay, row)
+                                                  : "does not open: " + Describe(answer);
 }
+
+// The files one after the other in a process; one that ends is started again
+// with the next file.
+class Worker {
+public:
+    std::string Run(const Row& row) {
+        if (!m_pReplay) {
+            m_pReplay = std::make_unique<ReplayProcess>(
+                std::vector<std::string>{"--size", "600x800"}, kLimit);
+        }
+        std::string strProblem = Check(*m_pReplay, row);
+        if (!m_pReplay->Run({{"op", "close"}}).contains("op")) {
+            strProblem += Finish();
+        }
+        return strProblem;
+    }
+    // What is wrong with the end of the process, if one runs.
+    std::string Finish() {
+        if (!m_pReplay) {
+            return {};
+        }
+        const int nStatus = m_pReplay->Finish();
+        const std::string strErrors = m_pReplay->Errors();
+        m_pReplay.reset();
+        return nStatus == 0 ? std::string()
+                            : " ends with status " + std::to_string(nStatus) + "\n" + strErrors;
+    }
+
+private:
+    std::unique_ptr<ReplayProcess> m_pReplay;
+};
 
 // Runs the rows on several threads; the problems, each with its file's name.
 std::vector<std::string> CheckAll(const std::vector<Row>& rows) {
     std::atomic<std::size_t> nNext{0};
     std::mutex lock;
     std::vector<std::string> problems;
-    const auto fnWork = [&] {
-        for (std::size_t n = nNext++; n < rows.size(); n = nNext++) {
-            const std::string strProblem = Check(rows[n]);
-            if (!strProblem.empty()) {
-                const std::lock_guard<std::mutex> guard(lock);
-                problems.push_back(rows[n].path.filename().string() + ": " + strProblem);
-            }
+    const auto fnTell = [&](const std::string& strWho, const std::string& strProblem) {
+        if (!strProblem.empty()) {
+            const std::lock_guard<std::mutex> guard(lock);
+            problems.push_back(strWho + ": " + strProblem);
         }
+    };
+    const auto fnWork = [&] {
+        Worker worker;
+        for (std::size_t n = nNext++; n < rows.size(); n = nNext++) {
+            fnTell(rows[n].path.filename().string(), worker.Run(rows[n]));
+        }
+        fnTell("the process of the last files", worker.Finish());
     };
     std::vector<std::jthread> workers;
     for (int n = 0; n < kWorkers; ++n) {
