@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "platform/fake/OffUiScope.h"
+#include "platform/storage/StorageActivity.h"
 #include "platform/system/Debug.h"
 
 namespace Platform::Fake {
@@ -100,11 +101,18 @@ bool TestHost::WaitUntil(const std::function<bool()>& fnDone, std::chrono::milli
     return true;
 }
 
+void TestHost::AwaitFiles() {
+    while (Windows::Storage::AreFileOperationsPending()) {
+        m_pDispatcher->WaitForWork(std::chrono::milliseconds(1));
+    }
+}
+
 void TestHost::Drain() {
     const auto fnNothingLeft = [this] {
-        // In this order: a pool that is idle posts nothing more.
-        const bool bPoolIdle = IsPoolIdle() && (!m_pManualPool || m_pManualPool->Pending() == 0);
-        return bPoolIdle && m_pDispatcher->Pending() == 0;
+        // In this order: each may post to those after it, and the pool to files.
+        return !Windows::Storage::AreFileOperationsPending() && IsPoolIdle() &&
+               !Windows::Storage::AreFileOperationsPending() &&
+               (!m_pManualPool || m_pManualPool->Pending() == 0) && m_pDispatcher->Pending() == 0;
     };
     if (!WaitUntil(fnNothingLeft)) {
         throw std::logic_error("the pool does not come to rest");

@@ -55,8 +55,13 @@ public:
     bool WaitUntil(const std::function<bool()>& fnDone,
                    std::chrono::milliseconds limit = std::chrono::seconds(20));
 
-    // Steps until dispatcher and pool are both empty; a real pool is waited for.
+    // Steps until dispatcher and pool are both empty; a real pool and file
+    // operations are waited for.
     void Drain();
+
+    // Waits until no file operation is under way, and steps nothing meanwhile: what
+    // waits to be stepped afterwards does not depend on the speed of the disk.
+    void AwaitFiles();
 
     // The texts written to the debug output so far, each as it was written.
     std::vector<std::string> DebugOutput() const;

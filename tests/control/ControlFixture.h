@@ -16,12 +16,13 @@
 #include "platform/fake/TestHost.h"
 #include "settings/AppConfig.h"
 #include "tests/control/ScriptedViewer.h"
+#include "tests/support/FileOnDisk.h"
 #include "tests/support/scripted_engine/ScriptedEngine.h"
 
 namespace velko::testing {
 
 using common::ErrorCode;
-using Platform::Fake::MemoryStorageFile;
+using Windows::Storage::StorageFile;
 using Strings = std::vector<std::string>;
 
 class ControlFixture : public ::testing::Test {
@@ -46,8 +47,12 @@ protected:
         host.Drain();
     }
 
-    static std::shared_ptr<MemoryStorageFile> File(const std::string& strName = "a.pdf") {
-        return MemoryStorageFile::Create("/docs/" + strName, std::vector<std::uint8_t>(1000, 37));
+    // The file of that name, written at the first call.
+    std::shared_ptr<StorageFile> File(const std::string& strName = "a.pdf") const {
+        if (!std::filesystem::exists(folder / strName)) {
+            folder.Write(strName, std::string(1000, '%'));
+        }
+        return TemporaryFolder::File(folder / strName);
     }
 
     concurrency::task<ErrorCode> Run(concurrency::task<ErrorCode> opening) {
@@ -129,6 +134,7 @@ protected:
         }
     }
 
+    const TemporaryFolder folder;
     Platform::Fake::TestHost host;
     std::shared_ptr<Platform::Fake::RecordingGraphicsFactory> pGraphics =
         std::make_shared<Platform::Fake::RecordingGraphicsFactory>();

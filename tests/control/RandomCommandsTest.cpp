@@ -294,6 +294,7 @@ protected:
             pControl->CloseDocument();
         } else if (!pControl->GetPDFDoc() || Below(6) == 0) {
             opening = pControl->OpenPdfDocument(File(), "");
+            host.AwaitFiles(); // so that a seed gives the same steps on any disk
         }
     }
     void MayRun() {

@@ -6,6 +6,7 @@
 #include "platform/fake/RecordingGraphicsFactory.h"
 #include "platform/fake/TestHost.h"
 #include "settings/AppConfig.h"
+#include "tests/support/FileOnDisk.h"
 #include "tests/support/scripted_engine/ScriptedEngine.h"
 
 #include <gtest/gtest.h>
@@ -13,17 +14,11 @@
 namespace velko::testing {
 namespace {
 
-using Platform::Fake::FileCompletion;
-using Platform::Fake::MemoryStorageFile;
 using Platform::Fake::TestHost;
 
-std::shared_ptr<MemoryStorageFile> OwnThreadFile() {
-    auto pFile = MemoryStorageFile::Create("/docs/stress.pdf", std::vector<std::uint8_t>(5000, 1));
-    pFile->SetCompletion(FileCompletion::OwnThread);
-    return pFile;
-}
-
 TEST(ControlStress, OpensMovesAndClosesInAnyOrder) {
+    const TemporaryFolder folder;
+    const auto pFile = TemporaryFolder::File(folder.Write("stress.pdf", std::string(5000, '%')));
     TestHost host{TestHost::RealPool{3}};
     host.Environment().SetGraphicsFactory(
         std::make_shared<Platform::Fake::RecordingGraphicsFactory>());
@@ -38,8 +33,8 @@ TEST(ControlStress, OpensMovesAndClosesInAnyOrder) {
         pControl->RenderPageEvent.add([&](const auto&, const auto&) { ++nRendered; });
         pControl->ApplyTemplate();
         pControl->Arrange({200, 300});
-        const auto first = pControl->OpenPdfDocument(OwnThreadFile(), "");
-        const auto second = pControl->OpenPdfDocument(OwnThreadFile(), "");
+        const auto first = pControl->OpenPdfDocument(pFile, "");
+        const auto second = pControl->OpenPdfDocument(pFile, "");
         const auto nAct = random() % 4;
         if (nAct != 0) {
             ASSERT_TRUE(host.WaitUntil([&] { return first.is_done() && second.is_done(); }));

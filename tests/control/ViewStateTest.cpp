@@ -10,7 +10,8 @@ using Windows::Foundation::Collections::PropertySet;
 
 class ViewStateTest : public ControlFixture {
 protected:
-    void Keep(const PropertySet& values, const std::string& strPath = "/docs/a.pdf") {
+    void Keep(const PropertySet& values, const std::string& strName = "a.pdf") {
+        const std::string strPath = folder / strName;
         const auto strToken = host.Data().MostRecentlyUsedList()->Add(strPath, strPath);
         host.Data().LocalSettings()->Values()->Insert(
             strToken,
@@ -116,8 +117,9 @@ TEST_F(ViewStateTest, ASquareScreenCountsAsNotTurned) {
 }
 
 TEST_F(ViewStateTest, NothingSavedIsTheDefaults) {
-    Keep(Saved(true), "/docs/other.pdf");
-    host.Data().MostRecentlyUsedList()->Add("/docs/b.pdf", "/docs/b.pdf"); // an entry without a set
+    Keep(Saved(true), "other.pdf");
+    host.Data().MostRecentlyUsedList()->Add(folder / "b.pdf",
+                                            folder / "b.pdf"); // an entry without a set
     Show();
     for (const char* szName : {"a.pdf", "b.pdf"}) {
         Open(szName);
@@ -126,7 +128,8 @@ TEST_F(ViewStateTest, NothingSavedIsTheDefaults) {
         EXPECT_EQ(pControl->ViewerState()->ViewState, 1);
         EXPECT_EQ(pControl->ViewerState()->ReflowScale, defaults.ReflowScale);
     }
-    const auto strToken = host.Data().MostRecentlyUsedList()->Add("/docs/c.pdf", "/docs/c.pdf");
+    const auto strToken =
+        host.Data().MostRecentlyUsedList()->Add(folder / "c.pdf", folder / "c.pdf");
     host.Data().LocalSettings()->Values()->Insert(strToken, PropertyValue::Create<bool>(true));
     EXPECT_EQ(Open("c.pdf"), ErrorCode::e_ErrSuccess);
 }

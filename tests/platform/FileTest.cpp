@@ -19,7 +19,7 @@
 #include "platform/storage/DataReaderWriter.h"
 #include "platform/storage/StorageFile.h"
 #include "platform/storage/StorageFolder.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/FileOnDisk.h"
 
 namespace {
 

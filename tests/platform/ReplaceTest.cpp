@@ -10,9 +10,8 @@
 #include <vector>
 
 #include "platform/foundation/Exception.h"
-#include "platform/storage/StorageFaults.h"
 #include "platform/storage/StorageFile.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/FileOnDisk.h"
 
 namespace {
 
@@ -22,26 +21,6 @@ using Windows::Storage::StorageFile;
 std::shared_ptr<StorageFile> FileAt(const std::string& strPath) {
     return StorageFile::GetFileFromPathAsync(strPath).GetResults();
 }
-
-// Fails calls from the N-th on, for the length of a scope.
-class OrderedFaults {
-public:
-    OrderedFaults(int nNth, int nError) {
-        Windows::Storage::SetStorageFaultHook([this, nNth, nError](const char* pszCall) {
-            calls.emplace_back(pszCall);
-            const bool bFails = ++nCalls == nNth;
-            bFailed = bFailed || bFails;
-            return bFails ? nError : 0;
-        });
-    }
-    ~OrderedFaults() { Windows::Storage::SetStorageFaultHook({}); }
-    OrderedFaults(const OrderedFaults&) = delete;
-    OrderedFaults& operator=(const OrderedFaults&) = delete;
-
-    std::atomic<int> nCalls{0};
-    std::atomic<bool> bFailed{false};
-    std::vector<std::string> calls;
-};
 
 struct Big {
     const std::string strOld = std::string(100'000, 'o') + "OLD";
@@ -121,12 +100,13 @@ TEST(ReplaceTest, AFailureOfAnyCallLeavesTheTargetWhole) {
         for (bool bFailed = true; bFailed;) {
             const auto pTarget = FileAt(folder.Write("target", big.strOld));
             {
-                OrderedFaults faults(++nNth, nError);
+                StorageCalls calls;
+                calls.Fail("", nError, ++nNth);
                 const auto replace = pNew->CopyAndReplaceAsync(pTarget);
                 replace.AsTask().wait();
-                bFailed = faults.bFailed;
+                bFailed = calls.Struck() > 0;
                 EXPECT_EQ(replace.AsTask().is_failure(), bFailed) << nNth;
-                if (bFailed && nError == ENOSPC && faults.calls.back() == "pwrite") {
+                if (bFailed && nError == ENOSPC && calls.Names().back() == "pwrite") {
                     EXPECT_THROW(replace.GetResults(), Platform::DiskFullException);
                 }
                 replace.AsTask().mark_observed();
@@ -146,10 +126,10 @@ TEST(ReplaceTest, BytesAreOnDiskBeforeTheNameAndTheNameBeforeTheEnd) {
     const TemporaryFolder folder;
     const auto pNew = FileAt(folder.Write("new", "new"));
     const auto pTarget = FileAt(folder.Write("target", "old"));
-    const OrderedFaults none(0, 0);
+    const StorageCalls calls;
     pNew->CopyAndReplaceAsync(pTarget).GetResults();
     std::vector<std::string> order;
-    for (const std::string& strCall : none.calls) {
+    for (const std::string& strCall : calls.Names()) {
         if (strCall == "pwrite" || strCall == "fsync" || strCall == "rename") {
             order.push_back(strCall);
         }
@@ -162,7 +142,8 @@ TEST(ReplaceTest, AFailedReadFailsTheReadAndNotTheStream) {
     const auto pStream =
         FileAt(folder.Write("a", "0123456789"))->OpenAsync(FileAccessMode::Read).GetResults();
     for (int nNth = 1; nNth <= 2; ++nNth) { // the look at the size, and the read itself
-        const OrderedFaults faults(nNth, EIO);
+        StorageCalls calls;
+        calls.Fail("", EIO, nNth);
         EXPECT_THROW(pStream->ReadAsync(4).GetResults(), Platform::ReadFaultException);
     }
     EXPECT_EQ(pStream->ReadAsync(4).GetResults()->Bytes()[0], '0');

@@ -13,7 +13,7 @@
 #include "platform/foundation/Exception.h"
 #include "platform/storage/ApplicationData.h"
 #include "tests/platform/FaultyVfs.h"
-#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/FileOnDisk.h"
 
 namespace {
 
