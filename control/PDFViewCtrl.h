@@ -23,6 +23,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -144,9 +145,20 @@ public:
     float GetMaxScale(); // no document: 0, no viewer: 3
     void MoveScreen(double dbOffsetY, double dbOffsetX);
     void ZoomAtPoint(Point ptCentre, double dbScale, bool bIsInertial, bool isScrollComplete);
+    // The end of a drag that came this far, start minus end: a single page comes
+    // to rest, or turns. Other layouts are at rest already.
+    void AlignPageAfterScroll(double dbOffsetY, double dbOffsetX);
     void RotateViewer(std::int32_t nRotate);
     std::int32_t GetRotate(); // none: 0
     Size GetCanvasSize();     // none: 0 x 0
+
+    // --- what lies on the screen ---
+    bool HasViewer(); // whether there is a layout that could show pages
+    // Where a page lies on the canvas, in device pixels; empty also for a page
+    // that is not laid out.
+    std::optional<Render_PageScreenOffsetInfo> GetPageScreenRect(std::int32_t nPageIndex);
+    bool HasInk();  // something of a page's contents shows, be it blurred; none: false
+    bool IsSharp(); // all in sight is rendered for its place; none: false
 
     // --- events ---
     ControlEvent<RenderCanvasEventArgs> RenderCanvasEvent;

@@ -19,6 +19,18 @@ Rect RectOf(const std::shared_ptr<WrapperDeviceRect>& pResult) {
 
 }
 
+bool PDFViewCtrl::HasViewer() {
+    const auto pSelf = Enter();
+    return Viewer() != nullptr;
+}
+
+std::optional<Render_PageScreenOffsetInfo> PDFViewCtrl::GetPageScreenRect(std::int32_t nPageIndex) {
+    const auto pSelf = Enter();
+    const auto pViewer = Viewer();
+    const auto pPlace = pViewer ? pViewer->GetPageScreenOffset(nPageIndex) : nullptr;
+    return pPlace ? std::optional(*pPlace) : std::nullopt;
+}
+
 std::array<double, 6> PDFViewCtrl::GetDisplayMatrix(std::int32_t nPageIndex, std::int32_t) {
     const auto pSelf = Enter();
     const auto pViewer = Viewer();

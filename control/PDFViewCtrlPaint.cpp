@@ -7,10 +7,45 @@
 #include "document/VLK_Document.h"
 #include "viewers/core/IPDFViewer.h"
 #include "viewers/core/Modes.h"
+#include "viewers/core/ViewerInspection.h"
 
 namespace velko::vkit {
 
 using Windows::UI::Color;
+
+namespace {
+
+// What of the pages in sight is rendered.
+struct Ink {
+    bool bSome = false; // stand-ins count
+    bool bAll = false;  // each block at the size that it has now
+};
+
+// A bitmap of another size stands in for the block until its own is rendered.
+bool IsFinal(const BlockState& block) {
+    return block.bHasBitmap && !block.bIsRendering &&
+           block.nBitmapWidth == block.screenRect.nWidth &&
+           block.nBitmapHeight == block.screenRect.nHeight;
+}
+
+Ink InkOf(const std::shared_ptr<IPDFViewer>& pViewer) {
+    const auto pInspection = std::dynamic_pointer_cast<IViewerInspection>(pViewer);
+    if (!pInspection) {
+        return {};
+    }
+    const ViewerState state = pInspection->Inspect();
+    Ink ink{false, !state.bShowScaleSnapshot};
+    for (const PageItemState& item : state.items) {
+        for (const BlockState& block : item.blocks) {
+            ink.bSome = ink.bSome || (block.bIsDisplay && block.bHasBitmap);
+            ink.bAll = ink.bAll && (!block.bIsDisplay || IsFinal(block));
+        }
+    }
+    ink.bAll = ink.bAll && ink.bSome;
+    return ink;
+}
+
+}
 
 Color PDFViewCtrl::PageBgColor() {
     const auto pSelf = Enter();
@@ -76,6 +111,16 @@ void PDFViewCtrl::CancelRender() {
     if (const auto pViewer = Viewer()) {
         pViewer->CancelRender();
     }
+}
+
+bool PDFViewCtrl::HasInk() {
+    const auto pSelf = Enter();
+    return InkOf(Viewer()).bSome;
+}
+
+bool PDFViewCtrl::IsSharp() {
+    const auto pSelf = Enter();
+    return InkOf(Viewer()).bAll;
 }
 
 bool PDFViewCtrl::GetDeleteFileOnClose() {

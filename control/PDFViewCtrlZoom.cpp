@@ -209,6 +209,14 @@ void PDFViewCtrl::ZoomAtPoint(Point ptCentre, double dbScale, bool bIsInertial,
     }
 }
 
+void PDFViewCtrl::AlignPageAfterScroll(double dbOffsetY, double dbOffsetX) {
+    const auto pSelf = Enter();
+    CheckFinite(dbOffsetY, dbOffsetX);
+    if (const auto pViewer = Viewer()) {
+        pViewer->AlignPageAfterScroll(dbOffsetY, dbOffsetX);
+    }
+}
+
 void PDFViewCtrl::RotateViewer(std::int32_t nRotate) {
     const auto pSelf = Enter();
     const auto pViewer = Viewer();
