@@ -1,13 +1,18 @@
-// Commands, gestures, wheels, resizes and a host that misbehaves, in any order:
-// what holds whatever came before.
+// Commands, gestures, wheels, resizes, faults and a host that misbehaves, in any
+// order: what holds whatever came before, and in every frame.
+//
+// VELKO_RANDOM_SESSIONS=N runs N sessions instead of the few of every day.
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
+#include <map>
 #include <random>
 #include <stdexcept>
 
 #include "platform/ui/SwapChainPanel.h"
+#include "surface/PDFViewCanvas.h"
 #include "tests/control/ControlFixture.h"
 #include "tests/support/scripted_engine/ScriptedDestination.h"
 #include "viewers/core/ViewerInspection.h"
@@ -31,6 +36,57 @@ struct Setting {
     float fScale;
     int nPages;
     bool bEvilHost;
+};
+
+constexpr double kRounding = 1e-6;
+
+// Whether something of the page is drawn at that share of it. What division into
+// blocks truncates moves their edges: `nPixels` more, or fewer, on each side.
+bool Shows(const vkit::PageItemState& item, double dbX, double dbY, int nPixels) {
+    const double dbMoreX = nPixels / std::max(1.0, double(item.screenRect.nWidth));
+    const double dbMoreY = nPixels / std::max(1.0, double(item.screenRect.nHeight));
+    const auto fnHolds = [&](const vkit::PageShare& share) {
+        return dbX >= share.dbLeft - dbMoreX && dbX <= share.dbLeft + share.dbWidth + dbMoreX &&
+               dbY >= share.dbTop - dbMoreY && dbY <= share.dbTop + share.dbHeight + dbMoreY;
+    };
+    return std::any_of(item.standIns.begin(), item.standIns.end(), fnHolds) ||
+           std::any_of(item.blocks.begin(), item.blocks.end(), [&](const auto& block) {
+               return block.bIsDisplay && block.bHasBitmap && fnHolds(block.share);
+           });
+}
+
+// The points of a page, as shares of its sides, at which it was seen drawn.
+class SeenPoints {
+public:
+    static constexpr int kPoints = 7; // a side
+    static constexpr int kEdge = 9;   // pixels
+
+    void Look(const vkit::PageItemState& item, const Windows::Foundation::Rect& rcScreen) {
+        for (int n = 0; n < kPoints * kPoints; ++n) {
+            m_seen[n] = IsOnScreen(item, rcScreen, n) && Shows(item, X(n), Y(n), -kEdge);
+        }
+    }
+    // How many that were seen are on the screen and blank now.
+    int Lost(const vkit::PageItemState& item, const Windows::Foundation::Rect& rcScreen) const {
+        int nLost = 0;
+        for (int n = 0; n < kPoints * kPoints; ++n) {
+            nLost += m_seen[n] && IsOnScreen(item, rcScreen, n) && !Shows(item, X(n), Y(n), kEdge)
+                         ? 1
+                         : 0;
+        }
+        return nLost;
+    }
+
+private:
+    static double X(int n) { return (n % kPoints + 0.5) / kPoints; }
+    static double Y(int n) { return (n / kPoints + 0.5) / kPoints; }
+    static bool IsOnScreen(const vkit::PageItemState& item,
+                           const Windows::Foundation::Rect& rcScreen, int n) {
+        const double dbX = item.screenRect.dbOffsetX + X(n) * item.screenRect.nWidth;
+        const double dbY = item.screenRect.dbOffsetY + Y(n) * item.screenRect.nHeight;
+        return dbX > 0.0 && dbX < rcScreen.Width && dbY > 0.0 && dbY < rcScreen.Height;
+    }
+    std::array<bool, kPoints * kPoints> m_seen{};
 };
 
 std::vector<ScriptedPage> MixedPages(std::mt19937& random, int nPages) {
@@ -90,7 +146,10 @@ protected:
             ++nFrames;
             MayMisbehave();
         });
-        pControl->RenderCanvasEvent.add([this](const auto&, const auto&) { MayMisbehave(); });
+        pControl->RenderCanvasEvent.add([this](const auto&, const auto& pArgs) {
+            CheckFrame(pArgs->nPageIndex);
+            MayMisbehave();
+        });
         pControl->PageLoadedEvent.add([this](const auto&, const auto&) { MayMisbehave(); });
         pControl->PageUnloadedEvent.add([this](const auto&, const auto&) { MayMisbehave(); });
         pControl->CloseDocEvent.add([this](const auto&, const auto&) { MayMisbehave(); });
@@ -122,7 +181,7 @@ protected:
 
     void Act() {
         using Action = void (RandomCommandsTest::*)();
-        static constexpr std::array<Action, 16> kActions = {
+        static constexpr std::array<Action, 17> kActions = {
             &RandomCommandsTest::Move,    &RandomCommandsTest::Move,
             &RandomCommandsTest::Pan,     &RandomCommandsTest::Pan,
             &RandomCommandsTest::Pinch,   &RandomCommandsTest::Pinch,
@@ -131,8 +190,11 @@ protected:
             &RandomCommandsTest::Resize,  &RandomCommandsTest::Look,
             &RandomCommandsTest::Rework,  &RandomCommandsTest::ChangeMode,
             &RandomCommandsTest::Convert, &RandomCommandsTest::Reopen,
+            &RandomCommandsTest::Fault,
         };
-        (this->*kActions[random() % kActions.size()])();
+        const std::size_t nAction = random() % kActions.size();
+        strDone += " " + std::to_string(nAction);
+        (this->*kActions[nAction])();
     }
     void Move() { pControl->MoveScreen(Coordinate(), Coordinate() / 4); }
     void Start(Point pt) {
@@ -175,13 +237,16 @@ protected:
             host.Drain();
         }
         const auto nRenders = pEngine->Count(EngineOp::StartRender);
+        const auto nFaults = pGraphics->FaultsHappened();
         for (int n = Below(10); n > 0; --n) {
             fCumulative *= fStep;
             Delta({pt.X + Coordinate() / 50, pt.Y}, fStep, fCumulative, false);
         }
         if (!GetParam().bEvilHost) {
             host.Drain();
-            EXPECT_EQ(pEngine->Count(EngineOp::StartRender), nRenders);
+            if (pGraphics->FaultsHappened() == nFaults) { // a lost device renders anew
+                EXPECT_EQ(pEngine->Count(EngineOp::StartRender), nRenders);
+            }
         }
         Complete(pt, fCumulative);
     }
@@ -253,6 +318,9 @@ protected:
             Pan();
         }
         pControl->Arrange({size[0], size[1]});
+        if (size[0] < 2) {
+            seen.clear(); // nothing is to be seen for a while
+        }
     }
     void Look() {
         pControl->GetVisiblePages();
@@ -297,6 +365,19 @@ protected:
             host.AwaitFiles(); // so that a seed gives the same steps on any disk
         }
     }
+    // A render that fails, a frame that fails, a device that is lost.
+    void Fault() {
+        switch (Below(3)) {
+            case 0:
+                pEngine->FailCall(EngineOp::StartRender, 1 + Below(4));
+                break;
+            case 1:
+                pGraphics->FailCallOf(Platform::Fake::GraphicsCall::Present1, 1 + Below(3));
+                break;
+            default:
+                pGraphics->LoseDeviceAtPresent(1 + Below(3));
+        }
+    }
     void MayRun() {
         for (int n = nDepth == 0 ? Below(30) : 0; n > 0; --n) {
             host.Dispatcher().RunOne();
@@ -308,56 +389,141 @@ protected:
 
     // --- what holds after each step ---
 
-    void Check() {
-        const auto pViewer = pControl->PageViewMgr()->GetViewer();
-        const auto pInspection = std::dynamic_pointer_cast<vkit::IViewerInspection>(pViewer);
+    std::shared_ptr<vkit::IViewerInspection> Inspection() {
+        return std::dynamic_pointer_cast<vkit::IViewerInspection>(
+            pControl->PageViewMgr()->GetViewer());
+    }
+    Windows::Foundation::Rect Screen() {
+        const auto& canvas = *pControl->ViewControl()->ViewCtrl();
+        return {0, 0, canvas.GetScaledWidth(), canvas.GetScaledHeight()};
+    }
+
+    // What one frame has shown of a page, the next one that draws it does not
+    // lose, however it is laid out: blank paper comes before pixels, never after.
+    void CheckFrame(std::int32_t nPage) {
+        const auto pInspection = Inspection();
+        const vkit::ViewerState state = pInspection ? pInspection->Inspect() : vkit::ViewerState();
+        const auto it = std::find_if(state.items.begin(), state.items.end(),
+                                     [&](const auto& item) { return item.nPageIndex == nPage; });
+        if (it == state.items.end()) {
+            return;
+        }
+        const bool bSame = seenIn.lock() == pInspection && nSeenRotate == it->nRotate;
+        seenIn = pInspection;
+        nSeenRotate = it->nRotate;
+        const auto nFaults = pGraphics->FaultsHappened();
+        if (!bSame || std::exchange(nFaultsSeen, nFaults) != nFaults) {
+            seen.clear(); // a lost device loses all that was seen
+        }
+        std::erase_if(seen, [&](const auto& entry) { // gone since
+            return std::none_of(state.items.begin(), state.items.end(),
+                                [&](const auto& item) { return item.nPageIndex == entry.first; });
+        });
+        if (const auto known = seen.find(nPage); known != seen.end()) {
+            EXPECT_EQ(known->second.Lost(*it, Screen()), 0)
+                << "page " << nPage << " of " << it->screenRect.nWidth << " x "
+                << it->screenRect.nHeight << " at " << it->screenRect.dbOffsetX << ", "
+                << it->screenRect.dbOffsetY << " in " << it->grid.nRows << " x " << it->grid.nCols
+                << " turned blank; layout " << pControl->GetPageLayoutMode() << ", "
+                << it->standIns.size() << " stand-ins, snapshot " << state.bShowScaleSnapshot;
+        }
+        seen[nPage].Look(*it, Screen());
+    }
+
+    void Check(bool bAtRest) {
+        const auto pInspection = Inspection();
         if (!pInspection || !pControl->GetPDFDoc()) {
             return;
         }
         const vkit::ViewerState state = pInspection->Inspect();
-        for (std::size_t n = 1; n < state.items.size(); ++n) {
-            EXPECT_EQ(state.items[n].nPageIndex, state.items[n - 1].nPageIndex + 1);
-        }
-        if (pControl->GetPageLayoutMode() == 2) {
+        const bool bSingle = pControl->GetPageLayoutMode() == 2;
+        if (bSingle) {
             EXPECT_LE(state.items.size(), 2U);
         }
-        for (const auto& item : state.items) {
+        for (std::size_t n = 0; n < state.items.size(); ++n) {
+            const auto& item = state.items[n];
             EXPECT_GE(item.nPageIndex, 0);
             EXPECT_LT(item.nPageIndex, GetParam().nPages);
-            EXPECT_TRUE(std::isfinite(item.screenRect.dbOffsetX + item.screenRect.dbOffsetY));
+            if (n > 0) {
+                CheckNeighbours(state.items[n - 1], item, bSingle);
+            }
+            if (bAtRest || (!bSingle && !GetParam().bEvilHost)) {
+                CheckSideways(item);
+            }
+            CheckBlocks(item);
         }
         EXPECT_GE(pControl->GetCurrentPageIndex(), 0);
         EXPECT_LT(pControl->GetCurrentPageIndex(), GetParam().nPages);
         EXPECT_LE(pControl->GetScale(), pControl->GetMaxScale());
     }
 
-    // The reader's last wish is met: all that shows is sharp, and nothing else
-    // is kept.
-    void CheckAtRest() {
+    // Pages in their order, each once; a column with a gap, but for what
+    // truncation takes.
+    static void CheckNeighbours(const vkit::PageItemState& above, const vkit::PageItemState& below,
+                                bool bSingle) {
+        EXPECT_EQ(below.nPageIndex, above.nPageIndex + 1);
+        if (!bSingle) {
+            const double dbGap = below.screenRect.dbOffsetY -
+                                 (above.screenRect.dbOffsetY + above.screenRect.nHeight);
+            EXPECT_LT(std::abs(dbGap - 15.0), 1.0 + kRounding);
+        }
+    }
+
+    // A page narrower than the screen stands in the middle, another one covers
+    // the screen's width.
+    void CheckSideways(const vkit::PageItemState& item) {
+        const auto& rc = item.screenRect;
+        EXPECT_TRUE(std::isfinite(rc.dbOffsetX + rc.dbOffsetY));
+        const double dbRoom = Screen().Width - rc.nWidth;
+        if (dbRoom > 0.0) {
+            EXPECT_NEAR(rc.dbOffsetX, dbRoom * 0.5, 1.0);
+        } else {
+            EXPECT_LE(rc.dbOffsetX, kRounding);
+            EXPECT_GE(rc.dbOffsetX, dbRoom - kRounding);
+        }
+    }
+
+    // Blocks cover their page exactly, and only displayed ones are at work.
+    void CheckBlocks(const vkit::PageItemState& item) {
+        double dbArea = 0.0;
+        for (const vkit::BlockState& block : item.blocks) {
+            dbArea += double(block.screenRect.nWidth) * block.screenRect.nHeight;
+            EXPECT_TRUE(block.bIsDisplay || !block.bIsRendering);
+        }
+        EXPECT_EQ(dbArea, double(item.screenRect.nWidth) * item.screenRect.nHeight);
+        EXPECT_EQ(static_cast<std::int32_t>(item.blocks.size()), item.grid.nRows * item.grid.nCols);
+    }
+
+    // The reader's last wish is met in either layout: all that shows is sharp
+    // and in its place, and nothing else is kept.
+    void CheckAtRest(std::int32_t nMode) {
+        pGraphics->ClearFaults();
+        pEngine->ClearFailures();
         if (!pControl->GetPDFDoc()) {
             Open();
         }
         pControl->Arrange({480, 360});
-        pControl->SetPageLayoutMode(1);
+        pControl->SetPageLayoutMode(nMode);
         pControl->ZoomAtPoint({100, 100}, 1.0, false, true);
         host.Clock().Advance(1s);
         host.Drain();
-        const auto state =
-            std::dynamic_pointer_cast<vkit::IViewerInspection>(pControl->PageViewMgr()->GetViewer())
-                ->Inspect();
+        const auto state = Inspection()->Inspect();
         EXPECT_FALSE(state.items.empty());
         EXPECT_EQ(state.nScaleCacheEntries, 0U);
+        EXPECT_EQ(state.nStandIns, 0U);
         EXPECT_FALSE(state.bShowScaleSnapshot);
         std::int64_t nHeld = 0;
         for (const auto& item : state.items) {
             for (const auto& block : item.blocks) {
-                EXPECT_TRUE(block.bHasBitmap || !block.bIsDisplay);
+                EXPECT_TRUE(block.bIsSharp || !block.bIsDisplay);
                 EXPECT_FALSE(block.bIsRendering);
+                EXPECT_TRUE(!block.bIsDisplay || block.nBitmapWidth == block.screenRect.nWidth);
                 nHeld += block.bHasBitmap ? 1 : 0;
             }
         }
-        EXPECT_EQ(pGraphics->LiveBitmaps(), nHeld);
+        EXPECT_EQ(pGraphics->LiveBitmaps(), nHeld + static_cast<std::int64_t>(state.nOverviews));
         EXPECT_EQ(pEngine->LiveBitmaps(), 0);
+        Check(true);
     }
 
     std::mt19937 random;
@@ -365,6 +531,11 @@ protected:
     std::optional<concurrency::task<ErrorCode>> opening;
     Pages gone;
     Pages shown;
+    std::map<std::int32_t, SeenPoints> seen; // in the last frame, by page
+    std::weak_ptr<vkit::IViewerInspection> seenIn;
+    std::int32_t nSeenRotate = 0;
+    std::uint32_t nFaultsSeen = 0;
+    std::string strDone; // the actions of a step, by their numbers
     int nFrames = 0;
     int nMisdeeds = 0;
     int nDepth = 0;
@@ -378,16 +549,22 @@ TEST_P(RandomCommandsTest, HoldAfterAnySequence) {
             MayRun();
         } catch (const HostsOwnFailure&) {
             nDepth = 0;
+        } catch (const Platform::Exception&) {
+            EXPECT_GT(pGraphics->FaultsHappened(), 0U); // a frame failed
+            nDepth = 0;
         }
-        Check();
+        Check(false);
         pGraphics->ClearCalls();
-        ASSERT_FALSE(HasFailure()) << "step " << nStep;
+        ASSERT_FALSE(HasFailure()) << "step " << nStep << " after actions" << strDone;
+        strDone.clear();
     }
     EXPECT_GT(nFrames, kSteps / 8);
     EXPECT_EQ(nMisdeeds > 0, GetParam().bEvilHost);
     nDepth = 99; // the host behaves from here on
-    CheckAtRest();
-    EXPECT_FALSE(host.DebugContains("unobserved") && !GetParam().bEvilHost);
+    CheckAtRest(1);
+    CheckAtRest(2);
+    const bool bUndisturbed = !GetParam().bEvilHost && pGraphics->FaultsHappened() == 0;
+    EXPECT_FALSE(host.DebugContains("unobserved") && bUndisturbed);
 }
 
 std::vector<Setting> Settings() {
@@ -396,7 +573,9 @@ std::vector<Setting> Settings() {
     constexpr std::array<float, 4> kScales = {1.0F, 1.25F, 1.5F, 2.0F};
     constexpr std::array<int, 4> kPages = {1, 2, 3, 500};
     std::vector<Setting> settings;
-    for (unsigned n = 0; n < 24; ++n) {
+    const char* const szSessions = std::getenv("VELKO_RANDOM_SESSIONS");
+    const unsigned nSessions = szSessions ? static_cast<unsigned>(std::atoi(szSessions)) : 24;
+    for (unsigned n = 0; n < nSessions; ++n) {
         settings.push_back(
             {n + 1, kFamilies[n % 3], kScales[n / 3 % 4], kPages[(n + n / 4) % 4], n % 4 == 3});
     }

@@ -81,8 +81,8 @@ TEST_F(DestinationTest, TheBoxWaitsForItsPage) {
     EXPECT_TRUE(w.pOwner->loaded.empty());
     w.Settle();
     EXPECT_EQ(w.pOwner->loaded, std::vector<std::int32_t>{5});
-    // A box as large as the page: 200/300 across, 400/500 down.
-    EXPECT_NEAR(w.Viewer().GetScale(), 200.0 / 300.0, 1e-5);
+    // A box as large as the page fits like the page: 500 / 400.
+    EXPECT_EQ(w.Viewer().GetScale(), 1.25F);
     Go(5, kBox, {});
     EXPECT_LE(Of(5).dbY, 15.0);
 
@@ -110,9 +110,8 @@ TEST_F(DestinationTest, ABoxThatIsKnownIsShownAtOnce) {
     w.pOwner->loaded.clear();
     Go(4, kBoxHeight, {0, 0});
     EXPECT_TRUE(w.pOwner->loaded.empty());
-    // Height over screen height, as the box is as high as the page: 400/500.
-    EXPECT_NEAR(w.Viewer().GetScale(), 0.8, 1e-5);
-    EXPECT_EQ(Of(4), (Place{4, 70, 0, 160, 320}));
+    EXPECT_EQ(w.Viewer().GetScale(), 1.25F); // as high as the page
+    EXPECT_EQ(Of(4), (Place{4, 25, 0, 250, 500}));
 }
 
 TEST_F(DestinationTest, ADocumentOfOnePageNeverHangsBelowTheTop) {

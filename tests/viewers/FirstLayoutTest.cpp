@@ -92,6 +92,8 @@ TEST_F(FirstLayoutTest, APlaceOffTheScreenIsBroughtBack) {
     // Sideways too, for a page wider than the screen.
     w.Open(MakePages(3, 700, 200), 300, 500);
     w.Viewer().InitLayOut(0, 0.0, -900.0, 0.0);
+    EXPECT_EQ(w.Laid().front().dbX, -400.0);
+    w.Viewer().InitLayOut(0, 0.0, 30.0, 0.0);
     EXPECT_EQ(w.Laid().front().dbX, 0.0);
     w.Viewer().InitLayOut(0, 0.0, -399.0, 0.0);
     EXPECT_EQ(w.Laid().front().dbX, -399.0);

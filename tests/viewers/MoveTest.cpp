@@ -166,22 +166,50 @@ TEST_F(MoveTest, TheCurrentPageChangesHalfWay) {
     EXPECT_EQ(w.Viewer().GetCurrentPageIndex(), 2);
 }
 
+// Pages of several widths: each stands between its own edges, from the first
+// layout on, and the one with most room left decides how far a move goes.
+TEST_F(MoveTest, PagesOfSeveralWidthsKeepToTheirOwnEdges) {
+    std::vector<ScriptedPage> pages = MakePages(6, 200, 100);
+    pages[1] = MakePage(500, 100);
+    pages[2] = MakePage(800, 100);
+    w.Open(pages, 300, 500);
+    const auto fnX = [&] {
+        std::vector<double> places;
+        for (const Place& place : w.Laid()) {
+            places.push_back(place.dbX);
+        }
+        return places;
+    };
+    EXPECT_EQ(fnX(), (std::vector<double>{50, 0, 0, 50, 50}));
+    w.Viewer().MoveScreen(0, 350);
+    EXPECT_EQ(fnX(), (std::vector<double>{50, -200, -350, 50, 50}));
+    w.Viewer().MoveScreen(0, -400);
+    EXPECT_EQ(fnX(), (std::vector<double>{50, 0, 0, 50, 50}));
+    w.Viewer().MoveScreen(0, 9000);
+    EXPECT_EQ(fnX(), (std::vector<double>{50, -200, -500, 50, 50}));
+    w.Viewer().MoveScreen(150, 0); // what comes in is brought between its edges too
+    w.Viewer().MoveScreen(-150, -100);
+    EXPECT_EQ(fnX(), (std::vector<double>{50, -100, -400, 50, 50}));
+}
+
 TEST_F(MoveTest, TheResizeMoveTakesTheHorizontalPartFirst) {
     w.Open(MakePages(9, 400, 200), 300, 500);
     w.Viewer().PageSizeChanged(50, 20);
     EXPECT_EQ(w.Laid().front(), (Place{0, -50, -20, 400, 200}));
 }
 
-TEST_F(MoveTest, WithoutALayoutOnlyTheResizeMoveMakesOne) {
+TEST_F(MoveTest, WithoutALayoutOnlyTheResizeMoveAndAZoomMakeOne) {
     w.Make(MakePages(9, 100, 200), 300, 500);
     w.Viewer().MoveScreen(100, 0);
     w.Viewer().InvaildateLayout();
     w.Viewer().RedrawScreen();
     w.Viewer().UpdatePageAfterAnnotEdit(0);
-    w.Viewer().PageScaled({1, 1}, 2.0, false, true);
     EXPECT_TRUE(w.Laid().empty());
     w.Viewer().PageSizeChanged(0, 0);
     EXPECT_EQ(w.Laid().front().dbY, 0.0);
+    w.Viewer().ClearPagesBitmap();
+    w.Viewer().PageScaled({1, 1}, 2.0, false, true);
+    EXPECT_EQ(w.Laid().front(), (Place{0, 50, 0, 200, 400}));
 }
 
 // What handlers of the host do while a step measures a page it has not seen.
@@ -196,8 +224,28 @@ TEST_F(MoveTest, AHandlerMayMoveWithinAStep) {
     w.Viewer().MoveScreen(200, 0);
     EXPECT_TRUE(bMoved);
     EXPECT_EQ(w.Laid().front(), (Place{0, 100, -200, 100, 200}));
+    EXPECT_EQ(w.pOwner->nOperations, 0);
     w.Settle();
+    EXPECT_EQ(w.pOwner->nOperations, 1); // with what the owner puts around a command
     EXPECT_EQ(w.Laid().front(), (Place{1, 100, -5, 100, 200}));
+}
+
+// A handler with an event loop of its own, as that of a dialog: what is put off
+// waits until the asking ends, and does not keep the loop awake.
+TEST_F(MoveTest, AHandlerWithALoopOfItsOwnDoesNotSpin) {
+    OpenTen();
+    int nTurns = 0;
+    w.pDocumentOwner->fnLoaded = [&](std::int32_t) {
+        w.Viewer().MoveScreen(20, 0);
+        while (nTurns < 1000 && w.host.Dispatcher().RunOne()) {
+            ++nTurns;
+        }
+    };
+    w.Viewer().MoveScreen(200, 0);
+    EXPECT_LT(nTurns, 1000);
+    w.pDocumentOwner->fnLoaded = nullptr;
+    w.Settle();
+    EXPECT_EQ(w.Laid().front().nPage, 1);
 }
 
 TEST_F(MoveTest, AHandlerMayCloseOrFailWithinAStep) {

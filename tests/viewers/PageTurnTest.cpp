@@ -204,14 +204,38 @@ const Turn kTurns[] = {
      {{400}, {50}, {20}, {-80}, {-30}},
      {},
      {{1, -370, 0, 700, 500}}},
-    {"the next wide page stands at its left edge",
+    {"what moved it to its edge turns no wide page",
      kOther,
      700,
      500,
      1,
      {{400}, {50}},
      450,
+     {{1, -400, 0, 700, 500}}},
+    {"nor does what hangs over the left edge",
+     kDesktop,
+     600,
+     500,
+     1,
+     {{300}, {20}, {20}},
+     340,
+     {{1, -300, 0, 600, 500}}},
+    {"the next wide page stands at its left edge",
+     kOther,
+     700,
+     500,
+     1,
+     {{400}, {50}, {160}},
+     610,
      {{2, 0, 0, 700, 500}}},
+    {"the one before at its right edge",
+     kOther,
+     700,
+     500,
+     2,
+     {{-50}, {-160}},
+     -210,
+     {{1, -400, 0, 700, 500}}},
     {"a wide last page stops at its right edge",
      kOther,
      700,
@@ -257,7 +281,7 @@ TEST_F(PageTurnTest, WhereDragsAndReleasesLeadTo) {
     }
 }
 
-TEST_F(PageTurnTest, AReleaseOfPagesAtExactlyHalfKeepsBoth) {
+TEST_F(PageTurnTest, AReleaseOfPagesAtExactlyHalfKeepsTheNearer) {
     std::vector<ScriptedPage> pages = MakePages(4, 300, 500);
     pages[1] = MakePage(250, 500);
     w.Open(pages, 300, 500, 2);
@@ -265,8 +289,6 @@ TEST_F(PageTurnTest, AReleaseOfPagesAtExactlyHalfKeepsBoth) {
     MoveX(-140);
     ASSERT_EQ(w.Laid(), (Places{{1, -110, 0, 250, 500}, {2, 150, 0, 300, 500}}));
     w.Viewer().AlignPageAfterScroll(0, -150);
-    EXPECT_EQ(w.Laid(), (Places{{1, 25, 0, 250, 500}, {2, 150, 0, 300, 500}}));
-    w.Viewer().AlignPageAfterScroll(0, 0);
     EXPECT_EQ(w.Laid(), (Places{{1, 25, 0, 250, 500}}));
 }
 
@@ -283,6 +305,21 @@ TEST_F(PageTurnTest, TheCurrentPageIsTheOneInItsPlaceElseTheLast) {
     EXPECT_EQ(w.Viewer().GetPagePosition()->nPageIndex, 2); // page 1 hangs out, and goes
     EXPECT_EQ(w.Laid(), (Places{{2, 260, 0, 300, 500}}));
     EXPECT_EQ(w.Viewer().GetCurrentPageIndex(), 2);
+}
+
+// Asked in the middle of a frame, the place is told as if the page that hangs
+// out had gone, and the frame shows both.
+TEST_F(PageTurnTest, AQuestionWithinAFrameTakesNoPageAway) {
+    w.Open(MakePages(5, 300, 500), 300, 500, 1);
+    MoveX(10);
+    std::int32_t nTold = -1;
+    w.pOwner->fnDrawn = [&](std::int32_t) { nTold = w.Viewer().GetPagePosition()->nPageIndex; };
+    w.pOwner->drawn.clear();
+    MoveX(90);
+    w.pOwner->fnDrawn = nullptr;
+    EXPECT_EQ(w.pOwner->drawn, (std::vector<std::int32_t>{1, 2}));
+    EXPECT_EQ(nTold, 2);
+    EXPECT_EQ(w.Laid().size(), 2U);
 }
 
 TEST_F(PageTurnTest, AGapIsDrawnThatTheLayoutDoesNotKnow) {
@@ -354,8 +391,13 @@ TEST_F(PageTurnTest, AScaledPageFollowsAPointWithinItsEdgesOnly) {
     EXPECT_EQ(w.Laid(), (Places{{1, -1100, -1300, 1400, 1800}}));
     w.Viewer().GotoPage(3);
     w.Viewer().PageScaled({0, 0}, 1.0, false, true);
-    w.Viewer().PageSizeChanged(250, 100); // at scale 1.0 it goes down alone
+    w.Viewer().PageSizeChanged(250, 100); // at scale 1.0 too
+    EXPECT_EQ(w.Laid(), (Places{{3, -250, -100, 700, 900}}));
+    w.Viewer().PageSizeChanged(-270, 0); // beyond the left edge
     EXPECT_EQ(w.Laid(), (Places{{3, 0, -100, 700, 900}}));
+    w.Viewer().PageScaled({150, 250}, 0.98, false, true); // never into the middle
+    EXPECT_LE(w.Laid().front().dbX, 0.0);
+    EXPECT_GE(w.Laid().front().dbX, -10.0);
 }
 
 }

@@ -76,7 +76,7 @@ TEST_F(RenderChainTest, PaintsBlankAtOnceAndSharpAsBlocksArrive) {
 
     w.Settle();
     EXPECT_EQ(RenderedPages(), (std::vector<std::int32_t>{0, 1, 2}));
-    EXPECT_EQ(w.Frames(), 5U); // two more blocks, and the closing one
+    EXPECT_EQ(w.Frames(), 4U); // two more blocks, and nothing after them
     EXPECT_EQ(Rendering(), 0U);
 }
 

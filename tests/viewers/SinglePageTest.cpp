@@ -210,9 +210,9 @@ TEST_F(SinglePageTest, Destinations) {
         {3, {600}, {3, 50, -200, 200, 800}, 1.0F},
         {4, {150}, {3, 50, 0, 200, 800}, 1.0F},
         {5, {1, 2, 3, 4}, {3, 50, 0, 200, 800}, 1.0F},
-        {6, {}, {3, 83.5, 0, 133, 533}, 2.0F / 3.0F}, // as large as the page: upside down
+        {6, {}, {3, 87.5, 0, 125, 500}, 0.625F}, // as large as the page: fits like it
         {7, {500}, {3, 0, -450, 300, 1200}, 1.5F},
-        {8, {}, {3, -10, 0, 320, 1280}, 1.0F}, // the stored scale stays behind
+        {8, {}, {3, 87.5, 0, 125, 500}, 0.625F}, // stored as it is shown
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.nKind);

@@ -51,6 +51,12 @@ public:
     }
     void RaisePageLoaded(std::int32_t nPageIndex) override { loaded.push_back(nPageIndex); }
 
+    void RunOperation(const std::function<void()>& fnOperation) override {
+        ++nOperations;
+        fnOperation();
+    }
+
+    int nOperations = 0; // that had been put off
     double dbFit = 1.0;
     std::vector<std::int32_t> askedModes;
     std::vector<std::int32_t> drawn;

@@ -27,6 +27,10 @@ protected:
     std::size_t Displayed() const {
         return w.CountBlocks([](const BlockState& b) { return b.bIsDisplay; });
     }
+    // What is to be held at rest: blocks that are displayed, and overviews.
+    std::int64_t Kept() const {
+        return static_cast<std::int64_t>(WithBitmap() + w.State().nOverviews);
+    }
     std::size_t WithBitmap() const {
         return w.CountBlocks([](const BlockState& b) { return b.bIsDisplay && b.bHasBitmap; });
     }
@@ -68,7 +72,7 @@ TEST_F(ZoomTest, AGestureRendersNothingAndKeepsTheGrid) {
     EXPECT_FALSE(w.State().bShowScaleSnapshot);
     EXPECT_EQ(w.Renders(1), static_cast<std::int32_t>(Displayed()));
     EXPECT_EQ(WithBitmap(), Displayed());
-    EXPECT_EQ(w.Device().LiveBitmaps(), static_cast<std::int64_t>(Displayed()));
+    EXPECT_EQ(w.Device().LiveBitmaps(), Kept());
 }
 
 TEST_F(ZoomTest, TheEndRendersAlsoWithoutAChange) {
@@ -113,11 +117,99 @@ TEST_F(ZoomTest, ASecondGestureBeforeTheFirstIsSharp) {
     EXPECT_EQ(w.Renders(), 0);
     EXPECT_EQ(w.host.CountDebug("PDFConuiunePagesViewer::RenderScreenBitmapSync "
                                 "concurrency::task_canceled...\n"),
-              3U);
+              1U);
     Zoom({200, 250}, 1.8, true);
     w.Settle();
     EXPECT_EQ(WithBitmap(), Displayed());
     EXPECT_FALSE(w.State().bShowScaleSnapshot);
+}
+
+// Three gestures in a row, each before the last one is sharp, in and out again:
+// nothing that was shown turns blank, and nothing is kept in the end.
+TEST_F(ZoomTest, GesturesInARowHandOnWhatTheyShow) {
+    const auto fnBlank = [&] {
+        int nBlank = 0;
+        const auto image = w.Device().FrontImage();
+        for (std::uint32_t nX = 10; nX < 400; nX += 20) {
+            for (std::uint32_t nY = 10; nY < 500; nY += 20) {
+                nBlank += image.At(nX, nY) == 0xFFFFFFFFU ? 1 : 0;
+            }
+        }
+        return nBlank;
+    };
+    for (const Layout eLayout : {Layout::Continuous, Layout::Single}) {
+        w.Exchange(eLayout);
+        w.Settle();
+        ASSERT_EQ(fnBlank(), 0);
+        Zoom({200, 250}, 4.0, true);
+        EXPECT_EQ(fnBlank(), 0);
+        for (const double dbScale : {1.2, 3.0, 1.0}) {
+            for (const bool bComplete : {false, true}) {
+                Zoom({200, 250}, dbScale, bComplete);
+                EXPECT_EQ(fnBlank(), 0) << dbScale;
+            }
+            for (int n = 0; n < 9; ++n) { // some of its blocks come
+                w.host.Pool().RunOne();
+                w.host.Dispatcher().RunOne();
+                EXPECT_EQ(fnBlank(), 0);
+            }
+            EXPECT_LE(w.Device().LiveBitmaps(), 24);
+        }
+        w.Settle();
+        EXPECT_EQ(w.State().nStandIns + w.State().nOverviews, 0U);
+        EXPECT_EQ(w.Device().LiveBitmaps(), Kept());
+    }
+}
+
+// A page that was seen whole shows that where it is not rendered yet, as long as
+// it still looks so.
+TEST_F(ZoomTest, WhatComesInAtALargeScaleIsNotBlank) {
+    Zoom({200, 250}, 4.0, true);
+    w.Settle();
+    EXPECT_GE(w.State().nOverviews, 1U);
+    w.Viewer().MoveScreen(600, 300);
+    EXPECT_NE(w.Device().FrontImage().At(350, 450), 0xFFFFFFFFU);
+    w.Settle();
+    w.Viewer().RedrawScreen();
+    w.Settle();
+    EXPECT_EQ(w.State().nStandIns + w.State().nOverviews, 0U);
+    w.Viewer().GotoPage(7);
+    w.Settle();
+    EXPECT_EQ(w.Device().LiveBitmaps(), Kept());
+}
+
+// A command in the middle of a zoom ends it: the pages are rendered in blocks of
+// their true size, also where the command moves nothing.
+TEST_F(ZoomTest, ACommandEndsAnOpenZoom) {
+    const std::function<void()> commands[] = {
+        [&] { w.Viewer().MoveScreen(0, 0); }, [&] { w.Viewer().GotoPage(3); },
+        [&] {
+            w.Viewer().GotoDestination(2, 1, {0, 500, 3.9F});
+        },
+        [&] { w.Viewer().RedrawScreen(); },
+        [&] { w.Viewer().UpdatePageAfterAnnotEdit(w.Viewer().GetVisiblePages().front()); }};
+    for (const auto& fnCommand : commands) {
+        w.Settle();
+        Zoom({200, 250}, 1.0, true);
+        w.Settle();
+        Zoom({200, 250}, 3.9, false);
+        fnCommand();
+        w.Settle();
+        const vkit::PageItemState item = w.State().items.front();
+        EXPECT_EQ(item.grid, vkit::CalcBlockGrid(item.screenRect, {400, 500}));
+        for (const BlockState& block : item.blocks) {
+            EXPECT_TRUE(block.bIsSharp || !block.bIsDisplay);
+        }
+    }
+}
+
+// An edit on a page off the screen leaves what is under way as it is.
+TEST_F(ZoomTest, AnEditElsewhereDoesNotKeepTheSnapshot) {
+    Zoom({200, 250}, 2.0, true);
+    w.Viewer().UpdatePageAfterAnnotEdit(8);
+    w.Settle();
+    EXPECT_FALSE(w.State().bShowScaleSnapshot);
+    EXPECT_EQ(w.State().nStandIns, 0U);
 }
 
 TEST_F(ZoomTest, TheFrameFromBeforeIsNoBackdropForAnotherPlace) {
@@ -152,7 +244,7 @@ TEST_F(ZoomTest, APageCutAnewShowsItsOldBitmapsUntilItIsRendered) {
     EXPECT_GE(nNear, 12); // stretched, so not to the last bit
     w.Settle();
     EXPECT_EQ(WithBitmap(), Displayed());
-    EXPECT_EQ(w.Device().LiveBitmaps(), static_cast<std::int64_t>(WithBitmap()));
+    EXPECT_EQ(w.Device().LiveBitmaps(), Kept());
     for (std::uint32_t nAt = 20; nAt < 400; nAt += 20) {
         const auto [nShown, nWanted] = fnPageAt(nAt, nAt);
         EXPECT_EQ(nShown, nWanted);

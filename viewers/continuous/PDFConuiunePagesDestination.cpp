@@ -22,6 +22,7 @@ bool IsUnknown(const Windows::Foundation::Rect& rcBox) {
 void PDFConuiunePagesViewer::OnGotoDestination(std::int32_t nPageIndex, std::int32_t nZoomMode,
                                                const std::vector<float>& values) {
     RefreshScreenSize();
+    BeginDestination();
     ScaleForDestination(nPageIndex, nZoomMode, values);
     GotoPageTop(nPageIndex);
     if (const PageItem pItem = FindItem(nPageIndex)) {
@@ -34,7 +35,7 @@ void PDFConuiunePagesViewer::ScaleForDestination(std::int32_t nPageIndex, std::i
     if (nZoomMode == kExplicit) {
         const float fZoom = ValueAt(values, kRight);
         if (fZoom > 0.0F && fZoom != m_fScale) {
-            SetScale(fZoom);
+            SetScale(static_cast<float>(DestinationScale(fZoom)));
         }
         return;
     }
@@ -44,10 +45,7 @@ void PDFConuiunePagesViewer::ScaleForDestination(std::int32_t nPageIndex, std::i
         const float fWidth = pPage->GetPageDisplaySize().fWidth;
         dbScale = fWidth > 0.0F ? m_dbScreenWidth / fWidth : 1.0;
     }
-    const auto fScale = static_cast<float>(dbScale);
-    if (fScale != m_fScale) {
-        SetScale(fScale);
-    }
+    SetScale(static_cast<float>(DestinationScale(dbScale)));
 }
 
 void PDFConuiunePagesViewer::ShowDestination(PageItem pItem, std::int32_t nZoomMode,
@@ -136,7 +134,7 @@ void PDFConuiunePagesViewer::ShowWholeBox(const ContinueViewerPageItem& item,
 void PDFConuiunePagesViewer::ShowBoxWidth(const ContinueViewerPageItem& item, const Rect& rcDevice,
                                           float fTop) {
     const std::int32_t nPage = item.nPageIndex;
-    ZoomAtScreenCentre(m_dbScreenWidth / rcDevice.Width);
+    ZoomAtScreenCentre(SideFactor(rcDevice.Width, item.screenRect.nWidth, m_dbScreenWidth));
     if (const PageItem pItem = FindItem(nPage)) {
         const Point pt = PlaceOf(*pItem, {0.0F, fTop});
         MoveLayout(nPage, pt.Y, 0.0, GetScale(), m_nRotate);
@@ -162,9 +160,7 @@ void PDFConuiunePagesViewer::ShowBoxHeight(const ContinueViewerPageItem& item, c
 // Lays the page out anew without showing it; empty when it has no size.
 PageViewerBase::PageItem PDFConuiunePagesViewer::LayOutAtScale(std::int32_t nPageIndex,
                                                                double dbScale) {
-    if (dbScale > 0.0) {
-        SetScale(static_cast<float>(dbScale));
-    }
+    SetScale(static_cast<float>(DestinationScale(dbScale)));
     PDFRenderTask task = MakeTask(m_dbScreenHeight, 0.0);
     ClampTaskOffset(*m_pPageItems, task);
     DropItems();

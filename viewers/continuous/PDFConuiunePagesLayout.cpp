@@ -18,10 +18,6 @@ constexpr double kSmallestMove = 1.0;
 // A page is laid out as long as more than this of the height is not filled.
 constexpr double kFilled = 1.0;
 
-double BottomOf(const Render_ScreenOffsetInfo& rc) {
-    return rc.dbOffsetY + rc.nHeight;
-}
-
 }
 
 // --- limits ---
@@ -30,86 +26,35 @@ bool PDFConuiunePagesViewer::ClampTaskOffset(const PageItems& items, PDFRenderTa
     if (items.empty()) {
         return true;
     }
-    if (PageCount() < 2) {
-        ClampOnlyPage(*items.front(), task.dbOffsetY);
-    } else {
-        ClampToEnds(items, task.dbOffsetY);
-    }
-    ClampHorizontal(items, task.dbOffsetX);
+    task.dbOffsetY = TheColumn().LimitMove(*items.front(), *items.back(), task.dbOffsetY);
+    task.dbOffsetX = LimitSideways(items, task.dbOffsetX);
     return std::abs(task.dbOffsetY) >= kSmallestMove || std::abs(task.dbOffsetX) >= kSmallestMove;
 }
 
-// Each of the two decides by the sign that comes in. A page 0 that hangs below
-// the top is brought there by any upward move.
-void PDFConuiunePagesViewer::ClampOnlyPage(const ContinueViewerPageItem& page,
-                                           double& dbOffsetY) const {
-    const Render_ScreenOffsetInfo& rc = page.screenRect;
-    if (dbOffsetY < 0.0) {
-        if (rc.dbOffsetY == 0.0) {
-            dbOffsetY = 0.0;
-        } else if (rc.dbOffsetY > 0.0 || std::abs(rc.dbOffsetY) <= std::abs(dbOffsetY)) {
-            dbOffsetY = rc.dbOffsetY;
-        }
-    } else if (dbOffsetY > 0.0) {
-        const double dbCanvasHeight = CanvasHeight();
-        if (rc.nHeight <= dbCanvasHeight) {
-            dbOffsetY = 0.0;
-        } else if (rc.nHeight + (rc.dbOffsetY - dbOffsetY) < dbCanvasHeight) {
-            dbOffsetY = std::abs(BottomOf(rc) - dbCanvasHeight);
+// As far as the page goes that has most left. A page that is off its edges, as
+// after a change of the screen's size, comes back to them with any move.
+double PDFConuiunePagesViewer::LimitSideways(const PageItems& items, double dbOffsetX) const {
+    double dbMostLeft = 0.0;
+    double dbMostRight = 0.0;
+    for (const PageItem& pItem : items) {
+        const Render_ScreenOffsetInfo& rc = pItem->screenRect;
+        if (rc.nWidth >= m_dbScreenWidth) {
+            dbMostLeft = std::max(dbMostLeft, rc.dbOffsetX + rc.nWidth - m_dbScreenWidth);
+            dbMostRight = std::min(dbMostRight, rc.dbOffsetX);
         }
     }
+    return std::clamp(dbOffsetX, dbMostRight, dbMostLeft);
 }
 
-void PDFConuiunePagesViewer::ClampToEnds(const PageItems& items, double& dbOffsetY) const {
-    const Render_ScreenOffsetInfo& rcFirst = items.front()->screenRect;
-    const Render_ScreenOffsetInfo& rcLast = items.back()->screenRect;
-    if (dbOffsetY < 0.0) {
-        const bool bReachesTop =
-            rcFirst.dbOffsetY > 0.0 || std::abs(dbOffsetY) >= std::abs(rcFirst.dbOffsetY);
-        if (items.front()->nPageIndex == 0 && bReachesTop) {
-            dbOffsetY = rcFirst.dbOffsetY;
-        }
-    } else if (dbOffsetY > 0.0) {
-        if (IsLastPage(items.back()->nPageIndex) &&
-            rcLast.nHeight + (rcLast.dbOffsetY - dbOffsetY) < m_dbScreenHeight) {
-            dbOffsetY = BottomOf(rcLast) <= m_dbScreenHeight
-                            ? 0.0
-                            : std::abs(BottomOf(rcLast) - m_dbScreenHeight);
-        }
+// Within its own edges for a page as wide as the screen or wider; in the middle
+// for another one, to a pixel, since its exact width decides that at first.
+double PDFConuiunePagesViewer::StandingX(const LaidOutPage& item, double dbOffsetX) const {
+    const double dbRoom = m_dbScreenWidth - item.screenRect.nWidth;
+    if (dbRoom <= 0.0) {
+        return std::clamp(dbOffsetX, dbRoom, 0.0);
     }
-}
-
-// The widest page decides, the first of several.
-void PDFConuiunePagesViewer::ClampHorizontal(const PageItems& items, double& dbOffsetX) const {
-    const auto it = std::max_element(items.begin(), items.end(), [](const auto& a, const auto& b) {
-        return a->screenRect.nWidth < b->screenRect.nWidth;
-    });
-    const double dbWidest = (*it)->screenRect.nWidth;
-    const double dbLeft = (*it)->screenRect.dbOffsetX;
-    if (dbWidest <= m_dbScreenWidth) {
-        const double dbCentred = (m_dbScreenWidth - dbWidest) * 0.5;
-        const double dbAway = std::abs(dbCentred - dbLeft);
-        if (dbLeft == dbCentred) {
-            dbOffsetX = 0.0;
-        } else if (dbLeft > dbCentred) {
-            dbOffsetX = dbOffsetX > 0.0 ? std::min(dbOffsetX, dbAway) : 0.0;
-        } else {
-            dbOffsetX = dbOffsetX < 0.0 ? std::max(dbOffsetX, -dbAway) : 0.0;
-        }
-    } else if (dbOffsetX > 0.0) {
-        if (dbLeft == dbWidest - m_dbScreenWidth) {
-            dbOffsetX = 0.0;
-        } else if (dbWidest < std::abs(dbOffsetX) + std::abs(dbLeft) + m_dbScreenWidth) {
-            dbOffsetX = dbWidest - std::abs(dbLeft - m_dbScreenWidth);
-            if (dbOffsetX < 0.0) {
-                Platform::Debug::OutputDebugString("HOffset Error\n");
-            }
-        }
-    } else if (dbLeft == 0.0) {
-        dbOffsetX = 0.0;
-    } else if (std::abs(dbLeft) < std::abs(dbOffsetX)) {
-        dbOffsetX = -std::abs(dbLeft);
-    }
+    const double dbNow = item.screenRect.dbOffsetX;
+    return std::abs(dbNow - dbRoom * 0.5) < 1.0 ? dbNow : dbRoom * 0.5;
 }
 
 // --- the step ---
@@ -152,12 +97,13 @@ void PDFConuiunePagesViewer::Adopt(PageItems& newList) {
 
 bool PDFConuiunePagesViewer::RelayoutPageItems(PageItems& newList, const PDFRenderTask& task) {
     for (const PageItem& pItem : *m_pPageItems) {
-        pItem->MoveTo(pItem->screenRect.dbOffsetX - task.dbOffsetX,
+        pItem->MoveTo(StandingX(*pItem, pItem->screenRect.dbOffsetX - task.dbOffsetX),
                       pItem->screenRect.dbOffsetY - task.dbOffsetY);
         if (StaysOnScreen(*pItem, task)) {
             newList.push_back(pItem);
             pItem->DividToBlock(GetPageDavidBlock(*pItem));
         } else {
+            KeepStandIns(*pItem); // it may come back before the frame
             pItem->ClearBlocks();
         }
     }
@@ -212,13 +158,13 @@ void PDFConuiunePagesViewer::EnumPageBelow(std::int32_t nPageIndex, PageItems& l
     double dbLeft = task.dbOffsetX;
     std::int32_t nPage = std::max(0, nPageIndex);
     if (!list.empty()) {
-        const Render_ScreenOffsetInfo& rcLast = list.back()->screenRect;
-        if (m_dbScreenHeight <= BottomOf(rcLast)) {
+        const ContinueViewerPageItem& last = *list.back();
+        if (m_dbScreenHeight <= BottomOf(last)) {
             return;
         }
-        dbToFill = (m_dbScreenHeight - BottomOf(rcLast)) - kPageGap;
-        dbLeft = rcLast.dbOffsetX;
-        nPage = list.back()->nPageIndex + 1;
+        dbToFill = (m_dbScreenHeight - BottomOf(last)) - kPageGap;
+        dbLeft = last.screenRect.dbOffsetX;
+        nPage = last.nPageIndex + 1;
     }
     for (const std::int32_t nCount = PageCount(); nPage < nCount; ++nPage) {
         const PageItem pItem = MakeItem(nPage, task);
@@ -241,8 +187,12 @@ void PDFConuiunePagesViewer::EnumPageBelow(std::int32_t nPageIndex, PageItems& l
 void PDFConuiunePagesViewer::PlaceItem(ContinueViewerPageItem& item, const DisplaySize& size,
                                        double dbOffsetX, double dbOffsetY) const {
     item.SetSize(size);
-    item.MoveTo(size.fWidth < m_dbScreenWidth ? (m_dbScreenWidth - size.fWidth) * 0.5 : dbOffsetX,
-                dbOffsetY);
+    const bool bIsNarrow = size.fWidth < m_dbScreenWidth;
+    item.MoveTo(
+        bIsNarrow
+            ? (m_dbScreenWidth - size.fWidth) * 0.5
+            : std::clamp(dbOffsetX, std::min(0.0, m_dbScreenWidth - item.screenRect.nWidth), 0.0),
+        dbOffsetY);
 }
 
 // Until the canvas's size is read again, all limits then work against the page.
@@ -254,25 +204,24 @@ void PDFConuiunePagesViewer::NarrowToOnlyPage(const Render_ScreenOffsetInfo& rc)
 
 // Whether the reader sees a page, or a gap between two. True also where there
 // is no screen or no page to see.
-bool PDFConuiunePagesViewer::HoldsScreen(const PageItems& items) const {
-    const Rect rcScreen = ScreenRect();
+bool PDFConuiunePagesViewer::HoldsScreen(const PageItems& items) {
+    const Rect rcScreen = CanvasRect();
     if (rcScreen.Width <= 0.0F || rcScreen.Height <= 0.0F || PageCount() == 0) {
         return true;
     }
-    return std::any_of(items.begin(), items.end(), [&](const PageItem& pItem) {
-        const Render_ScreenOffsetInfo& rc = pItem->screenRect;
-        return rc.dbOffsetY < rcScreen.Height && BottomOf(rc) + kPageGap > 0.0 &&
-               rc.dbOffsetX < rcScreen.Width && rc.dbOffsetX + rc.nWidth > 0.0;
-    });
+    const Column column = TheColumn();
+    return std::any_of(items.begin(), items.end(),
+                       [&](const PageItem& pItem) { return column.HoldsScreen(*pItem); });
 }
 
 void PDFConuiunePagesViewer::BringBack(PageItems& list, PDFRenderTask task) {
+    task.dbOffsetY = m_dbScreenHeight;
+    task.dbOffsetX = list.empty() ? 0.0 : list.front()->screenRect.dbOffsetX;
     for (const PageItem& pItem : list) {
+        KeepStandIns(*pItem);
         pItem->ClearBlocks();
     }
     list.clear();
-    task.dbOffsetY = m_dbScreenHeight;
-    task.dbOffsetX = 0.0;
     EnumPageBelow(std::min(m_nCurPageIndex, PageCount() - 1), list, task);
 }
 

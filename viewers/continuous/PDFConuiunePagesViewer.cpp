@@ -30,7 +30,6 @@ const ViewerTraits PDFConuiunePagesViewer::kTraits = {
     .szRenderOperation = "RenderScreenBitmapSync",
     .szNothingToRender = "RenderScreenBitmapSync error\n",
     .szNothingToDraw = nullptr,
-    .bStepEndsSnapshot = true,
     .bClearsWithoutPages = true,
 };
 
@@ -38,9 +37,13 @@ PDFRenderTask PDFConuiunePagesViewer::MakeTask(double dbOffsetY, double dbOffset
     return {dbOffsetY, dbOffsetX, GetScale(), m_nRotate};
 }
 
-void PDFConuiunePagesViewer::CloseViewer() {
-    PageViewerBase::CloseViewer();
+void PDFConuiunePagesViewer::OnClosed() {
+    PageViewerBase::OnClosed();
     m_spareItems = PageItems();
+}
+
+Column PDFConuiunePagesViewer::TheColumn() {
+    return {*this, kPageGap, m_dbScreenHeight, CanvasHeight()};
 }
 
 // A page that is not rendered yet has its paper's colour, unless the snapshot
@@ -58,22 +61,7 @@ void PDFConuiunePagesViewer::DrawBlank(Windows::Graphics::ID2D1DeviceContext& co
 
 std::int32_t PDFConuiunePagesViewer::GetCurrentPageIndex() {
     ThrowIfDisposed();
-    if (!HasItems()) {
-        return 0;
-    }
-    const ContinueViewerPageItem& first = *m_pPageItems->front();
-    const std::int32_t nLast = std::max(0, PageCount() - 1);
-    const std::int32_t nPage = std::min(first.nPageIndex, nLast);
-    const Render_ScreenOffsetInfo& rc = first.screenRect;
-    if (rc.dbOffsetY >= 0.0) {
-        return nPage;
-    }
-    const double dbHidden = std::abs(rc.dbOffsetY);
-    const float fCanvasHeight = CanvasHeight();
-    const bool bMostlyShown = static_cast<float>(rc.nHeight) < fCanvasHeight
-                                  ? dbHidden < rc.nHeight / 2
-                                  : fCanvasHeight * 0.5 < rc.nHeight - dbHidden;
-    return bMostlyShown ? nPage : std::min(first.nPageIndex + 1, nLast);
+    return HasItems() ? TheColumn().CurrentPage(*m_pPageItems->front()) : 0;
 }
 
 void PDFConuiunePagesViewer::RecomputeCurrentPage() {
@@ -85,7 +73,7 @@ void PDFConuiunePagesViewer::RecomputeCurrentPage() {
 // --- moves ---
 
 void PDFConuiunePagesViewer::OnMoveScreen(double dbOffsetY, double dbOffsetX) {
-    m_pScaleBitmapCache.Clear();
+    EmptyScaleCache();
     if (!m_pPageItems || !CanLayOut()) {
         return;
     }
@@ -103,30 +91,17 @@ void PDFConuiunePagesViewer::OnMoveScreen(double dbOffsetY, double dbOffsetX) {
     }
 }
 
-// Steps shorter than the screen, so that no step empties it. Returns whether
-// anything moved.
+// Returns whether anything moved.
 bool PDFConuiunePagesViewer::MoveInSteps(double dbOffsetY, double dbOffsetX) {
-    const double dbLongest = std::max(1.0, m_dbScreenHeight - kPageGap);
     bool bMoved = false;
-    double dbLeft = dbOffsetY;
-    while (std::abs(dbLeft) > dbLongest) {
-        PDFRenderTask step = MakeTask(std::copysign(dbLongest, dbLeft), 0.0);
-        if (!ClampTaskOffset(*m_pPageItems, step)) {
-            dbLeft = 0.0; // the document's end
-            break;
+    TheColumn().MoveInSteps(dbOffsetY, [&](double dbStep, bool bIsLast) {
+        PDFRenderTask task = MakeTask(dbStep, bIsLast ? dbOffsetX : 0.0);
+        if (!ClampTaskOffset(*m_pPageItems, task)) {
+            return false; // the document's end
         }
         bMoved = true;
-        if (!LayOut(step)) {
-            dbLeft = 0.0; // past what can be shown: an end that has no size
-            break;
-        }
-        dbLeft -= std::copysign(dbLongest, dbLeft);
-    }
-    PDFRenderTask last = MakeTask(dbLeft, dbOffsetX);
-    if (ClampTaskOffset(*m_pPageItems, last)) {
-        LayOut(last);
-        bMoved = true;
-    }
+        return LayOut(task); // else past what can be shown: an end that has no size
+    });
     return bMoved;
 }
 
@@ -134,35 +109,23 @@ bool PDFConuiunePagesViewer::MoveInSteps(double dbOffsetY, double dbOffsetX) {
 // the last page's end above the bottom.
 bool PDFConuiunePagesViewer::PinEnds() {
     bool bMoved = false;
-    if (HasItems() && IsLastPage(m_pPageItems->back()->nPageIndex)) {
-        const Render_ScreenOffsetInfo& rcLast = m_pPageItems->back()->screenRect;
-        const ContinueViewerPageItem& first = *m_pPageItems->front();
-        double dbGap = m_dbScreenHeight - (rcLast.dbOffsetY + rcLast.nHeight);
-        if (first.nPageIndex == 0) {
-            dbGap = std::min(dbGap, -first.screenRect.dbOffsetY);
-        }
-        if (dbGap > kNoDistance) {
-            LayOut(MakeTask(-dbGap, 0.0));
+    const auto fnPin = [&](double dbMove) {
+        if (std::abs(dbMove) > kNoDistance) {
+            LayOut(MakeTask(dbMove, 0.0));
             bMoved = true;
         }
+    };
+    if (HasItems()) {
+        fnPin(-TheColumn().GapBelow(*m_pPageItems->front(), *m_pPageItems->back()));
     }
-    return PinFirstPage() || bMoved;
-}
-
-bool PDFConuiunePagesViewer::PinFirstPage() {
-    if (!HasItems()) {
-        return false;
+    if (HasItems()) {
+        fnPin(TheColumn().GapAbove(*m_pPageItems->front()));
     }
-    const ContinueViewerPageItem& first = *m_pPageItems->front();
-    if (first.nPageIndex != 0 || first.screenRect.dbOffsetY <= kNoDistance) {
-        return false;
-    }
-    LayOut(MakeTask(first.screenRect.dbOffsetY, 0.0));
-    return true;
+    return bMoved;
 }
 
 void PDFConuiunePagesViewer::OnPageSizeChanged(double dbOffsetX, double dbOffsetY) {
-    m_pScaleBitmapCache.Clear();
+    EmptyScaleCache();
     if (!CanLayOut()) {
         return;
     }
@@ -188,26 +151,12 @@ void PDFConuiunePagesViewer::MoveLayout(std::int32_t nPageIndex, double dbOffset
 // then the page at which the document's last screen starts. Else 0.
 double PDFConuiunePagesViewer::CalcTailOverflow(std::int32_t nPageIndex) {
     RefreshScreenSize();
-    const std::int32_t nCount = PageCount();
-    double dbLeft = m_dbScreenHeight;
-    for (std::int32_t nPage = nPageIndex; nPage < nCount; ++nPage) {
-        dbLeft = dbLeft - DisplaySizeOf(nPage).fHeight - kPageGap;
-        if (dbLeft <= 0.0) {
-            return 0.0;
-        }
+    std::int32_t nStart = nPageIndex;
+    const double dbOverflow = TheColumn().TailOverflow(nStart);
+    if (nStart != nPageIndex) {
+        m_nCurPageIndex = nStart;
     }
-    dbLeft = m_dbScreenHeight;
-    for (std::int32_t nPage = nCount - 1; nPage >= 0; --nPage) {
-        dbLeft -= DisplaySizeOf(nPage).fHeight;
-        if (nPage != nCount - 1) {
-            dbLeft -= kPageGap;
-        }
-        m_nCurPageIndex = nPage;
-        if (dbLeft <= 0.0) {
-            break;
-        }
-    }
-    return std::min(dbLeft, 0.0);
+    return dbOverflow;
 }
 
 DisplaySize PDFConuiunePagesViewer::DisplaySizeOf(std::int32_t nPageIndex) {
@@ -289,7 +238,7 @@ void PDFConuiunePagesViewer::OnRotateViewer(std::int32_t nRotate) {
 }
 
 void PDFConuiunePagesViewer::OnInvaildateLayout() {
-    m_pScaleBitmapCache.Clear();
+    EmptyScaleCache();
     if (m_pPageItems && CanLayOut()) {
         if (KeepsOrientation()) {
             LayOutInPlace();

@@ -4,7 +4,8 @@
 // the screen, in page order. A move is a change of those pages' places, limited
 // by the first and the last page once they are laid out, after which the list
 // is trimmed at one end and filled at the other. A page narrower than the
-// screen is centred. Wherever a step would leave the screen without a page, the
+// screen is centred; any other covers the screen's width and moves sideways
+// between its own edges. Wherever a step would leave the screen without a page, the
 // page asked for comes to stand at the top.
 // Lifetime, threads, units, errors: as `PageViewerBase`.
 #pragma once
@@ -15,20 +16,21 @@
 #include <vector>
 
 #include "viewers/continuous/ContinueViewerPageItem.h"
+#include "viewers/core/Column.h"
 #include "viewers/core/PageViewerBase.h"
 
 namespace velko::vkit {
 
-class PDFConuiunePagesViewer final : public PageViewerBase {
+class PDFConuiunePagesViewer final : public PageViewerBase, private IColumnPages {
 public:
     PDFConuiunePagesViewer(std::weak_ptr<IViewerOwner> wkOwner,
                            std::shared_ptr<VLK_Document> pDocument,
                            std::shared_ptr<PDFViewCanvas> pCanvas);
 
-    void CloseViewer() override;
     std::int32_t GetCurrentPageIndex() override;
 
 protected:
+    void OnClosed() override;
     void OnPageScaled(Point ptCentre, double dbScale, bool bIsInertial,
                       bool isScrollComplete) override;
     void OnMoveScreen(double dbOffsetY, double dbOffsetX) override;
@@ -46,15 +48,22 @@ protected:
 private:
     static const ViewerTraits kTraits;
 
+    // --- IColumnPages ---
+    std::int32_t ColumnLength() const override { return PageCount(); }
+    bool TakesRoom(std::int32_t /*nPageIndex*/) override { return true; }
+    float HeightInColumn(std::int32_t nPageIndex) override {
+        return DisplaySizeOf(nPageIndex).fHeight;
+    }
+    Column TheColumn();
+
     PDFRenderTask MakeTask(double dbOffsetY, double dbOffsetX);
     void RecomputeCurrentPage(); // keeps the one known when nothing is laid out
 
     // --- a layout step ---
     // Limits the task in place; whether a move is left to do.
     bool ClampTaskOffset(const PageItems& items, PDFRenderTask& task);
-    void ClampOnlyPage(const ContinueViewerPageItem& page, double& dbOffsetY) const;
-    void ClampToEnds(const PageItems& items, double& dbOffsetY) const;
-    void ClampHorizontal(const PageItems& items, double& dbOffsetX) const;
+    double LimitSideways(const PageItems& items, double dbOffsetX) const;
+    double StandingX(const LaidOutPage& item, double dbOffsetX) const;
     // Moves the items in force into `newList`, then fills it.
     bool RelayoutPageItems(PageItems& newList, const PDFRenderTask& task);
     bool StaysOnScreen(const ContinueViewerPageItem& item, const PDFRenderTask& task) const;
@@ -66,7 +75,7 @@ private:
     // One whole step: the next list is in force afterwards.
     bool LayOut(const PDFRenderTask& task);
     void Adopt(PageItems& newList);
-    bool HoldsScreen(const PageItems& items) const;
+    bool HoldsScreen(const PageItems& items);
     void BringBack(PageItems& list, PDFRenderTask task);
 
     // Lays out and starts the renders; returns the list now in force.
@@ -78,7 +87,6 @@ private:
     // --- longer ways ---
     bool MoveInSteps(double dbOffsetY, double dbOffsetX);
     bool PinEnds();
-    bool PinFirstPage();
     double CalcTailOverflow(std::int32_t nPageIndex);
     DisplaySize DisplaySizeOf(std::int32_t nPageIndex);
     void GotoPageTop(std::int32_t nPageIndex);
@@ -92,6 +100,7 @@ private:
     void StoreZoomScale(double dbScale);
     void LayOutZoomed(std::int32_t nOldHeight);
     void MoveUnderCentre(const ContinueViewerPageItem& item, Point ptPage, Point ptCentre);
+    void ShowUnzoomed(bool isScrollComplete);
     bool WouldEmptyScreen(const PDFRenderTask& task) const;
 
     // --- destinations; see the .cpp ---

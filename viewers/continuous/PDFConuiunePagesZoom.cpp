@@ -20,10 +20,10 @@ void PDFConuiunePagesViewer::OnPageScaled(Point ptCentre, double dbScale, bool b
     std::string strLog = "PageScaled Start..." + NumberText(dbScale) + FlagText(bIsInertial) + " " +
                          FlagText(isScrollComplete) + "......\n";
     const bool bZoomed = Zoom(ptCentre, dbScale, isScrollComplete, strLog);
-    if (isScrollComplete) {
-        m_pScaleBitmapCache.Clear();
+    if (!bZoomed) {
+        ShowUnzoomed(isScrollComplete);
     }
-    strLog += "m_pScaleBitmapCache->Size: " + std::to_string(m_pScaleBitmapCache.Size()) +
+    strLog += "m_pScaleBitmapCache->Size: " + std::to_string(ScaleCacheSize()) +
               "pPageViewer is NULL: " + FlagText(!bZoomed) + "PageScaled End...\n";
     Platform::Debug::OutputDebugString(strLog);
 }
@@ -32,9 +32,11 @@ void PDFConuiunePagesViewer::OnPageScaled(Point ptCentre, double dbScale, bool b
 bool PDFConuiunePagesViewer::Zoom(Point ptCentre, double dbScale, bool isScrollComplete,
                                   std::string& strLog) {
     RefreshScreenSize();
+    EndSnapshot(); // what it shows stands in for the pages from here on
     PageItem pAnchor = KeepBitmaps(ptCentre);
-    strLog += "m_pScaleBitmapCache->Size: " + std::to_string(m_pScaleBitmapCache.Size());
+    strLog += "m_pScaleBitmapCache->Size: " + std::to_string(ScaleCacheSize());
     if (!pAnchor) {
+        StoreZoomScale(dbScale);
         return false;
     }
     const Point ptPage = DeviceToPage(*pAnchor, ptCentre);
@@ -65,6 +67,16 @@ PageViewerBase::PageItem PDFConuiunePagesViewer::KeepBitmaps(Point ptCentre) {
         FillScaleCache(*pItem);
     }
     return pAnchor;
+}
+
+// Then the page that counts as current stands at the top, at the new scale.
+void PDFConuiunePagesViewer::ShowUnzoomed(bool isScrollComplete) {
+    if (isScrollComplete) {
+        EndZoom();
+    }
+    if (IsPage(m_nCurPageIndex)) {
+        GotoPageTop(m_nCurPageIndex);
+    }
 }
 
 void PDFConuiunePagesViewer::StoreZoomScale(double dbScale) {

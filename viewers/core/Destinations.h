@@ -39,9 +39,10 @@ inline float ValueAt(const std::vector<float>& values, std::size_t nIndex) {
     return values[nIndex];
 }
 
-// How much larger a page is to be shown for one side of an area to fit.
+// How much larger a page is to be shown for one side of an area to fit. An area
+// that covers the page fits like the page.
 inline double SideFactor(double dbArea, double dbPage, double dbScreen) {
-    return dbArea >= dbPage ? dbArea / dbScreen : dbScreen / dbArea;
+    return dbScreen / std::min(dbArea, dbPage);
 }
 
 // The same for both sides of an area (device pixels) of the page at `rcPage`.

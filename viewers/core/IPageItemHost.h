@@ -18,6 +18,7 @@ namespace velko::vkit {
 
 class PDFViewCanvas;
 class VLK_Document;
+class ViewerPageItem;
 struct D2DBitmapSource;
 
 // What a block is rendered with; 0xAARRGGBB.
@@ -49,6 +50,9 @@ public:
     // The bitmap that stands in for a block during a zoom; empty without one.
     virtual std::shared_ptr<D2DBitmapSource> FindScaleBitmap(std::int32_t nPageIndex,
                                                              std::int32_t nBlockId) const = 0;
+
+    // Keeps what the page's blocks show: it is about to be cut into others.
+    virtual void KeepStandIns(const ViewerPageItem& item) = 0;
 
     // Paints one frame; raises what the canvas or a handler of the host raises.
     virtual void PaintCanvas() = 0;

@@ -31,7 +31,7 @@ concurrency::task<void> PageViewerBase::ShowLoadedBox(std::int32_t nPageIndex, B
         if (const auto pOwner = Owner()) {
             pOwner->RaisePageLoaded(nPageIndex);
         }
-        const PageItem pItem = FindConvertible(nPageIndex);
+        const PageItem pItem = OpenDocument() ? FindItem(nPageIndex) : nullptr;
         if (pItem && !token.is_canceled()) {
             fnShow(*pItem, pDocument->PageBox(pHandle));
         }

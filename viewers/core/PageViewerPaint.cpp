@@ -1,5 +1,6 @@
-// A frame: what stands behind the pages, then the pages, block by block.
-#include <algorithm>
+// A frame: what stands behind the pages, then the pages, block by block; and
+// what is let go of once it is on the screen.
+#include <cmath>
 #include <string>
 
 #include "platform/system/Debug.h"
@@ -14,20 +15,42 @@ namespace {
 constexpr float kSurroundGrey = 0.8784314F;
 constexpr D2D_COLOR_F kSurround = {kSurroundGrey, kSurroundGrey, kSurroundGrey, 1.0F};
 
+// Sides of a place off the pixel grid come out this exactly at worst.
+constexpr float kSameSize = 0.05F;
+
+// For the time of a frame.
+class DrawingMark {
+public:
+    explicit DrawingMark(bool& bDrawing) : m_bDrawing(bDrawing), m_bBefore(bDrawing) {
+        m_bDrawing = true;
+    }
+    ~DrawingMark() { m_bDrawing = m_bBefore; }
+    DrawingMark(const DrawingMark&) = delete;
+    DrawingMark& operator=(const DrawingMark&) = delete;
+
+private:
+    bool& m_bDrawing;
+    const bool m_bBefore;
+};
+
 D2D_RECT_F ToDrawing(const Render_ScreenOffsetInfo& rc) {
     const Windows::Foundation::Rect rect = ToRect(rc);
     return {rect.X, rect.Y, rect.X + rect.Width, rect.Y + rect.Height};
 }
 
-// A bitmap of another size than its block fills the block all the same.
+// A bitmap of another size than its target fills it all the same, smoothly; one
+// of the same size is copied as it is.
 void DrawStretched(ID2D1DeviceContext& context, const std::shared_ptr<ID2D1Bitmap>& pBitmap,
-                   const D2D_RECT_F& rcTarget, const Render_ScreenOffsetInfo& rcBlock) {
+                   const D2D_RECT_F& rcTarget) {
     const D2D_SIZE_U size = pBitmap->GetPixelSize();
-    const D2D_RECT_F rcSource = {
-        0.0F, 0.0F, std::max(static_cast<float>(size.width), static_cast<float>(rcBlock.nWidth)),
-        std::max(static_cast<float>(size.height), static_cast<float>(rcBlock.nHeight))};
-    context.DrawBitmap(pBitmap, rcTarget, 1.0F, D2D1_INTERPOLATION_MODE::NEAREST_NEIGHBOR,
-                       rcSource);
+    const auto fWidth = static_cast<float>(size.width);
+    const auto fHeight = static_cast<float>(size.height);
+    const bool bIsSameSize = std::abs(rcTarget.right - rcTarget.left - fWidth) < kSameSize &&
+                             std::abs(rcTarget.bottom - rcTarget.top - fHeight) < kSameSize;
+    context.DrawBitmap(
+        pBitmap, rcTarget, 1.0F,
+        bIsSameSize ? D2D1_INTERPOLATION_MODE::NEAREST_NEIGHBOR : D2D1_INTERPOLATION_MODE::LINEAR,
+        {0.0F, 0.0F, fWidth, fHeight});
 }
 
 }
@@ -36,6 +59,7 @@ void PageViewerBase::PaintCanvas() {
     const auto pCanvas = m_pCanvas;
     if (pCanvas && m_pPageItems) {
         pCanvas->RenderViewer(*this);
+        GiveBackMemory();
     }
 }
 
@@ -61,6 +85,8 @@ void PageViewerBase::ClearScreen() {
     }
 }
 
+// --- a frame ---
+
 void PageViewerBase::OnRenderCanvas(const std::shared_ptr<WPRenderDC>& pDc) {
     ThrowIfDisposed();
     if (!m_pPageItems || !pDc || !pDc->m_pContext) {
@@ -68,19 +94,34 @@ void PageViewerBase::OnRenderCanvas(const std::shared_ptr<WPRenderDC>& pDc) {
     }
     const auto pSelf = shared_from_this();
     const auto pContext = pDc->m_pContext;
+    const DrawingMark mark(m_bDrawing);
     pContext->BeginDraw();
     if (HasItems() || m_traits.bClearsWithoutPages) {
         DrawBackdrop(*pContext);
         pContext->SetTransform(D2D_MATRIX_3X2_F());
     }
-    // A handler of the host may change the layout; it has then asked for a frame
-    // of that layout, and the rest of this one is of no use.
+    DrawPages(*pContext);
+    pContext->EndDraw();
+}
+
+// A handler of the host may change the layout; it has then asked for a frame of
+// that layout, and the rest of this one is of no use.
+void PageViewerBase::DrawPages(ID2D1DeviceContext& context) {
     const std::uint64_t nVersion = m_nLayoutVersion;
     for (std::size_t n = 0; nVersion == m_nLayoutVersion && n < m_pPageItems->size(); ++n) {
         const PageItem pItem = (*m_pPageItems)[n];
-        DrawItem(*pContext, *pItem, n);
+        if (!pItem->HasBlocks()) {
+            if (m_traits.szNothingToDraw) {
+                Platform::Debug::OutputDebugString(m_traits.szNothingToDraw);
+            }
+            continue;
+        }
+        DrawItem(context, *pItem, n);
+        if (const auto pOwner = Owner()) {
+            pOwner->RaiseRenderCanvas(std::make_shared<RenderCanvasEventArgs>(
+                Canvas(), pItem->nPageIndex, pItem->m_nRotate));
+        }
     }
-    pContext->EndDraw();
 }
 
 void PageViewerBase::DrawBackdrop(ID2D1DeviceContext& context) const {
@@ -88,78 +129,90 @@ void PageViewerBase::DrawBackdrop(ID2D1DeviceContext& context) const {
         context.Clear(kSurround);
         return;
     }
-    const D2D_SIZE_U size = m_pScaleSnapshot->GetPixelSize();
-    const D2D_RECT_F rc = {0.0F, 0.0F, static_cast<float>(size.width),
-                           static_cast<float>(size.height)};
-    context.DrawBitmap(m_pScaleSnapshot, rc, 1.0F, D2D1_INTERPOLATION_MODE::NEAREST_NEIGHBOR, rc);
+    const D2D_SIZE_U size = m_standIns.Snapshot()->GetPixelSize();
+    DrawStretched(context, m_standIns.Snapshot(),
+                  {0.0F, 0.0F, static_cast<float>(size.width), static_cast<float>(size.height)});
 }
 
-// Pages whose blocks were cut anew show what they looked like before, where they
-// are not rendered yet. The frame from before a zoom does so already while it
-// is shown.
-void PageViewerBase::DrawItem(ID2D1DeviceContext& context, ViewerPageItem& item,
-                              std::size_t nPosition) {
-    if (!item.HasBlocks()) {
-        if (m_traits.szNothingToDraw) {
-            Platform::Debug::OutputDebugString(m_traits.szNothingToDraw);
+void PageViewerBase::DrawItem(ID2D1DeviceContext& context, const ViewerPageItem& item,
+                              std::size_t nPosition) const {
+    if (!item.IsCovered()) {
+        DrawMissing(context, item, nPosition);
+    }
+    item.ForEachBlock([&](const ViewerPageItemBlock& block) {
+        if (block.IsDisplayed() && block.HasBitmap()) {
+            Render_ScreenOffsetInfo rc = block.screenRect;
+            rc.dbOffsetX = DrawnX(nPosition, rc.dbOffsetX);
+            DrawStretched(context, block.BitmapSource()->m_pD2DBitmap, ToDrawing(rc));
         }
+    });
+}
+
+// Blank paper, and on it what the page looked like before. The frame from before
+// a zoom shows that already.
+void PageViewerBase::DrawMissing(ID2D1DeviceContext& context, const ViewerPageItem& item,
+                                 std::size_t nPosition) const {
+    item.ForEachBlock([&](const ViewerPageItemBlock& block) {
+        if (block.IsDisplayed() && !block.HasBitmap()) {
+            Render_ScreenOffsetInfo rc = block.screenRect;
+            rc.dbOffsetX = DrawnX(nPosition, rc.dbOffsetX);
+            DrawBlank(context, ToDrawing(rc));
+        }
+    });
+    if (!IsSnapshotShown()) {
+        DrawStandIns(context, item, nPosition);
+    }
+}
+
+void PageViewerBase::DrawStandIns(ID2D1DeviceContext& context, const ViewerPageItem& item,
+                                  std::size_t nPosition) const {
+    const Render_ScreenOffsetInfo& rcPage = item.screenRect;
+    const D2D_RECT_F rcScreen = {0.0F, 0.0F, CanvasWidth(), CanvasHeight()};
+    m_standIns.ForEachOf(item.nPageIndex, item.m_nRotate, [&](const StandIns::StandIn& kept) {
+        const double dbX = DrawnX(nPosition, rcPage.dbOffsetX + kept.share.dbLeft * rcPage.nWidth);
+        const double dbY = rcPage.dbOffsetY + kept.share.dbTop * rcPage.nHeight;
+        const D2D_RECT_F rc = {static_cast<float>(dbX), static_cast<float>(dbY),
+                               static_cast<float>(dbX + kept.share.dbWidth * rcPage.nWidth),
+                               static_cast<float>(dbY + kept.share.dbHeight * rcPage.nHeight)};
+        if (rc.left < rcScreen.right && rc.right > 0.0F && rc.top < rcScreen.bottom &&
+            rc.bottom > 0.0F) {
+            DrawStretched(context, kept.pSource->m_pD2DBitmap, rc);
+        }
+    });
+}
+
+// --- after a frame ---
+
+// A frame may have failed, or not been drawn within another one; then what it
+// should have replaced is still there to be shown, as blocks or as stand-ins.
+void PageViewerBase::GiveBackMemory() {
+    if (!m_pPageItems) {
         return;
     }
-    if (item.IsCovered()) {
-        item.DropRemnants();
-    }
-    item.ForEachBlock([&](ViewerPageItemBlock& block) { DrawBlock(context, block, nPosition); });
-    if (!item.Remnants().empty() && !IsSnapshotShown()) {
-        DrawRemnants(context, item, nPosition);
-        item.ForEachBlock([&](ViewerPageItemBlock& block) {
-            if (block.HasBitmap()) {
-                DrawBlock(context, block, nPosition);
+    for (const PageItem& pItem : *m_pPageItems) {
+        pItem->ForEachBlock([](ViewerPageItemBlock& block) {
+            if (!block.IsDisplayed() && block.BitmapSource()) {
+                block.DropBitmap();
+                Platform::Debug::OutputDebugString(
+                    "Clear DisVisible Page: " + std::to_string(block.nPageIndex) +
+                    ", ID: " + std::to_string(block.m_nBlockId) + "\n");
             }
         });
     }
-    if (const auto pOwner = Owner()) {
-        pOwner->RaiseRenderCanvas(
-            std::make_shared<RenderCanvasEventArgs>(Canvas(), item.nPageIndex, item.m_nRotate));
+    if (m_standIns.Count() > 0 && !m_bZoomOpen && !IsSnapshotShown()) {
+        m_standIns.Release([this](const StandIns::StandIn& kept) { return IsNeeded(kept); });
     }
 }
 
-void PageViewerBase::DrawRemnants(ID2D1DeviceContext& context, const ViewerPageItem& item,
-                                  std::size_t nPosition) const {
-    const Render_ScreenOffsetInfo& rcPage = item.screenRect;
-    for (const ViewerPageItem::Remnant& remnant : item.Remnants()) {
-        const double dbX = DrawnX(nPosition, rcPage.dbOffsetX + remnant.dbLeft * rcPage.nWidth);
-        const double dbY = rcPage.dbOffsetY + remnant.dbTop * rcPage.nHeight;
-        const D2D_RECT_F rcTarget = {static_cast<float>(dbX), static_cast<float>(dbY),
-                                     static_cast<float>(dbX + remnant.dbWidth * rcPage.nWidth),
-                                     static_cast<float>(dbY + remnant.dbHeight * rcPage.nHeight)};
-        const auto& pBitmap = remnant.pSource->m_pD2DBitmap;
-        const D2D_SIZE_U size = pBitmap->GetPixelSize();
-        context.DrawBitmap(
-            pBitmap, rcTarget, 1.0F, D2D1_INTERPOLATION_MODE::NEAREST_NEIGHBOR,
-            {0.0F, 0.0F, static_cast<float>(size.width), static_cast<float>(size.height)});
+// As long as its page is laid out and not sharp; an overview, as long as the page
+// is cut into blocks of which some are not on the screen.
+bool PageViewerBase::IsNeeded(const StandIns::StandIn& kept) const {
+    const PageItem pItem = FindItem(kept.nPageIndex);
+    if (!pItem || pItem->m_nRotate != kept.nRotate) {
+        return false;
     }
-}
-
-// Memory of blocks that left the screen is given back here, not at the layout.
-void PageViewerBase::DrawBlock(ID2D1DeviceContext& context, ViewerPageItemBlock& block,
-                               std::size_t nPosition) const {
-    if (!block.m_bIsDisplay) {
-        if (block.m_pBitmapSource) {
-            block.DropBitmap();
-            Platform::Debug::OutputDebugString(
-                "Clear DisVisible Page: " + std::to_string(block.nPageIndex) +
-                ", ID: " + std::to_string(block.m_nBlockId) + "\n");
-        }
-        return;
-    }
-    Render_ScreenOffsetInfo rcDrawn = block.screenRect;
-    rcDrawn.dbOffsetX = DrawnX(nPosition, rcDrawn.dbOffsetX);
-    const D2D_RECT_F rcTarget = ToDrawing(rcDrawn);
-    if (block.HasBitmap()) {
-        DrawStretched(context, block.m_pBitmapSource->m_pD2DBitmap, rcTarget, rcDrawn);
-    } else {
-        DrawBlank(context, rcTarget);
-    }
+    const bool bIsWhole = pItem->Grid() == Render_PageDavidBlock{1, 1};
+    return !pItem->IsSharp() || (kept.bIsOverview && !bIsWhole);
 }
 
 }

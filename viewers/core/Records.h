@@ -41,6 +41,22 @@ struct Render_PDFPageOffsetInfo {
     std::int32_t nOffsetX = 0;
 };
 
+// A part of a page, as shares of the page's sides as it lies on the screen.
+struct PageShare {
+    double dbLeft = 0.0;
+    double dbTop = 0.0;
+    double dbWidth = 0.0;
+    double dbHeight = 0.0;
+
+    double Area() const { return dbWidth * dbHeight; }
+    bool Contains(const PageShare& other) const {
+        constexpr double kRounding = 1e-9;
+        return other.dbLeft >= dbLeft - kRounding && other.dbTop >= dbTop - kRounding &&
+               other.dbLeft + other.dbWidth <= dbLeft + dbWidth + kRounding &&
+               other.dbTop + other.dbHeight <= dbTop + dbHeight + kRounding;
+    }
+};
+
 // The grid into which a page is divided; both at least 1 once it is computed.
 struct Render_PageDavidBlock {
     std::int32_t nRows = 0;

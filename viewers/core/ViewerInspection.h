@@ -3,6 +3,7 @@
 // Units: device pixels. Threads: the UI thread only.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -16,6 +17,8 @@ struct BlockState {
     bool bIsDisplay = false;
     bool bIsRendering = false;
     bool bHasBitmap = false;
+    bool bIsSharp = false;         // the bitmap is of this scale and this state of the page
+    PageShare share;               // of its page
     std::int32_t nBitmapWidth = 0; // 0 without a bitmap
     std::int32_t nBitmapHeight = 0;
 };
@@ -26,12 +29,15 @@ struct PageItemState {
     double dbScale = 0.0;
     std::int32_t nRotate = 0;
     Render_PageDavidBlock grid;
-    std::vector<BlockState> blocks; // row by row
+    std::vector<BlockState> blocks;  // row by row
+    std::vector<PageShare> standIns; // what lies under blocks without a bitmap
 };
 
 struct ViewerState {
     std::vector<PageItemState> items; // in list order
     std::uint32_t nScaleCacheEntries = 0;
+    std::size_t nStandIns = 0;  // of all pages, also of those that are not laid out
+    std::size_t nOverviews = 0; // beside them
     bool bShowScaleSnapshot = false;
 };
 

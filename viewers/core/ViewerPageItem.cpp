@@ -6,6 +6,7 @@
 
 #include "document/VLK_Document.h"
 #include "platform/system/Debug.h"
+#include "viewers/core/PageBlockRenderer.h"
 
 namespace velko::vkit {
 
@@ -35,7 +36,7 @@ const task<void>& FinishedTask() {
 
 ViewerPageItem::ViewerPageItem(std::weak_ptr<IPageItemHost> wkHost, std::int32_t nPage,
                                double dbPageScale, std::int32_t nTurn)
-    : m_nRotate(nTurn), nPageIndex(nPage), dbScale(dbPageScale), m_wkHost(std::move(wkHost)) {}
+    : LaidOutPage(nPage, nTurn), m_wkHost(std::move(wkHost)), m_dbScale(dbPageScale) {}
 
 DisplaySize ViewerPageItem::GetPageDisplaySize() {
     const auto pHost = m_wkHost.lock();
@@ -43,16 +44,13 @@ DisplaySize ViewerPageItem::GetPageDisplaySize() {
         return {};
     }
     return CalcPageDisplaySize(pHost->PageSizeOf(nPageIndex), m_nRotate, pHost->LayoutScreen(),
-                               dbScale);
+                               m_dbScale);
 }
 
 void ViewerPageItem::SetSize(const DisplaySize& size) {
     screenRect.nWidth = TruncateSide(size.fWidth);
     screenRect.nHeight = TruncateSide(size.fHeight);
-    pageOffset.nPageWidth = screenRect.nWidth;
-    pageOffset.nPageHeight = screenRect.nHeight;
-    pageOffset.nOffsetX = 0;
-    pageOffset.nOffsetY = 0;
+    m_pageOffset = {screenRect.nWidth, screenRect.nHeight, 0, 0};
 }
 
 void ViewerPageItem::MoveTo(double dbOffsetX, double dbOffsetY) {
@@ -63,17 +61,20 @@ void ViewerPageItem::MoveTo(double dbOffsetX, double dbOffsetY) {
 // --- blocks ---
 
 void ViewerPageItem::DividToBlock(const Render_PageDavidBlock& newGrid) {
-    const Render_PageDavidBlock oldGrid = grid;
+    const Render_PageDavidBlock oldGrid = m_grid;
     const bool bNew = !(oldGrid == newGrid) || m_pPageBlock.empty();
-    grid = newGrid;
+    const auto pHost = m_wkHost.lock();
     if (bNew) {
+        if (pHost) {
+            pHost->KeepStandIns(*this);
+        }
+        m_grid = newGrid;
         MakeBlocks();
     }
-    const auto pHost = m_wkHost.lock();
     const Rect rcScreen = pHost ? pHost->ScreenRect() : Rect();
-    for (std::int32_t nRow = 0; nRow < grid.nRows; ++nRow) {
-        for (std::int32_t nCol = 0; nCol < grid.nCols; ++nCol) {
-            PlaceBlock(*m_pPageBlock[nRow][nCol], nRow, nCol, rcScreen);
+    for (std::int32_t nRow = 0; nRow < m_grid.nRows; ++nRow) {
+        for (std::int32_t nCol = 0; nCol < m_grid.nCols; ++nCol) {
+            PlaceBlock(nRow, nCol, rcScreen);
         }
     }
     if (bNew) {
@@ -81,69 +82,59 @@ void ViewerPageItem::DividToBlock(const Render_PageDavidBlock& newGrid) {
     }
 }
 
+bool ViewerPageItem::IsSharp() const {
+    bool bSharp = true;
+    ForEachBlock(
+        [&](const ViewerPageItemBlock& block) { bSharp = bSharp && !block.NeedsRender(); });
+    return bSharp;
+}
+
 bool ViewerPageItem::IsCovered() const {
     bool bCovered = true;
     ForEachBlock([&](const ViewerPageItemBlock& block) {
-        bCovered = bCovered && (!block.m_bIsDisplay || block.HasBitmap());
+        bCovered = bCovered && (!block.IsDisplayed() || block.HasBitmap());
     });
     return bCovered;
 }
 
-void ViewerPageItem::KeepRemnants() {
-    if (IsCovered()) {
-        m_remnants.clear(); // nothing of them shows any more
-    }
-    ForEachBlock([&](const ViewerPageItemBlock& block) {
-        const Render_PDFPageOffsetInfo& part = block.pageOffset;
-        if (block.HasBitmap() && part.nPageWidth > 0 && part.nPageHeight > 0) {
-            m_remnants.push_back({block.m_pBitmapSource, -double(part.nOffsetX) / part.nPageWidth,
-                                  -double(part.nOffsetY) / part.nPageHeight,
-                                  double(block.screenRect.nWidth) / part.nPageWidth,
-                                  double(block.screenRect.nHeight) / part.nPageHeight});
-        }
-    });
-}
-
 void ViewerPageItem::MakeBlocks() {
-    KeepRemnants();
     ForEachBlock([](ViewerPageItemBlock& block) { block.CancelBlock(); });
     m_pPageBlock.clear();
-    m_pPageBlock.reserve(grid.nRows);
+    m_pPageBlock.reserve(m_grid.nRows);
+    const auto pRenderer = std::make_shared<PageBlockRenderer>(m_wkHost, nPageIndex);
     std::int32_t nBlockId = 0;
-    for (std::int32_t nRow = 0; nRow < grid.nRows; ++nRow) {
+    for (std::int32_t nRow = 0; nRow < m_grid.nRows; ++nRow) {
         auto& row = m_pPageBlock.emplace_back();
-        row.reserve(grid.nCols);
-        for (std::int32_t nCol = 0; nCol < grid.nCols; ++nCol) {
-            row.push_back(std::make_shared<ViewerPageItemBlock>(m_wkHost, nPageIndex, m_nRotate,
-                                                                ++nBlockId, grid));
+        row.reserve(m_grid.nCols);
+        for (std::int32_t nCol = 0; nCol < m_grid.nCols; ++nCol) {
+            row.push_back(std::make_shared<ViewerPageItemBlock>(m_wkHost, pRenderer, nPageIndex,
+                                                                m_nRotate, ++nBlockId, m_grid));
         }
     }
 }
 
 // What the division truncates goes to the last row and column.
-void ViewerPageItem::PlaceBlock(ViewerPageItemBlock& block, std::int32_t nRow, std::int32_t nCol,
-                                const Rect& rcScreen) const {
-    const std::int32_t nBlockHeight = screenRect.nHeight / grid.nRows;
-    const std::int32_t nBlockWidth = screenRect.nWidth / grid.nCols;
+void ViewerPageItem::PlaceBlock(std::int32_t nRow, std::int32_t nCol, const Rect& rcScreen) {
+    const std::int32_t nBlockHeight = screenRect.nHeight / m_grid.nRows;
+    const std::int32_t nBlockWidth = screenRect.nWidth / m_grid.nCols;
     const std::int32_t nLeft = nCol * nBlockWidth;
     const std::int32_t nTop = nRow * nBlockHeight;
-    block.screenRect.dbOffsetX = screenRect.dbOffsetX + nLeft;
-    block.screenRect.dbOffsetY = screenRect.dbOffsetY + nTop;
-    block.screenRect.nWidth = nCol + 1 == grid.nCols ? screenRect.nWidth - nLeft : nBlockWidth;
-    block.screenRect.nHeight = nRow + 1 == grid.nRows ? screenRect.nHeight - nTop : nBlockHeight;
-    block.pageOffset.nPageWidth = pageOffset.nPageWidth;
-    block.pageOffset.nPageHeight = pageOffset.nPageHeight;
-    block.pageOffset.nOffsetX = -(pageOffset.nOffsetX + nLeft);
-    block.pageOffset.nOffsetY = -nTop;
-    block.m_bIsDisplay = block.screenRect.nWidth > 0 && block.screenRect.nHeight > 0 &&
-                         ToRect(block.screenRect).IntersectsWith(rcScreen);
+    Render_ScreenOffsetInfo rc;
+    rc.dbOffsetX = screenRect.dbOffsetX + nLeft;
+    rc.dbOffsetY = screenRect.dbOffsetY + nTop;
+    rc.nWidth = nCol + 1 == m_grid.nCols ? screenRect.nWidth - nLeft : nBlockWidth;
+    rc.nHeight = nRow + 1 == m_grid.nRows ? screenRect.nHeight - nTop : nBlockHeight;
+    Render_PDFPageOffsetInfo offset = m_pageOffset;
+    offset.nOffsetX = -(m_pageOffset.nOffsetX + nLeft);
+    offset.nOffsetY = -nTop;
+    m_pPageBlock[nRow][nCol]->Place(rc, offset, rcScreen);
 }
 
 void ViewerPageItem::WriteGridChange(const Render_PageDavidBlock& oldGrid) const {
     Platform::Debug::OutputDebugString(
         "ContinueViewerPageItem::DividToBlock: " + std::to_string(nPageIndex) + ", [" +
         std::to_string(oldGrid.nRows) + " * " + std::to_string(oldGrid.nCols) + "] --> [" +
-        std::to_string(grid.nRows) + " * " + std::to_string(grid.nCols) + "]\n");
+        std::to_string(m_grid.nRows) + " * " + std::to_string(m_grid.nCols) + "]\n");
 }
 
 void ViewerPageItem::ClearBlocks() {
@@ -156,7 +147,7 @@ void ViewerPageItem::ClearBlocks() {
 
 void ViewerPageItem::ClearInvisibleBlocks() {
     ForEachBlock([](ViewerPageItemBlock& block) {
-        if (!block.m_bIsDisplay) {
+        if (!block.IsDisplayed()) {
             block.CancelBlock();
         }
     });
@@ -173,13 +164,13 @@ task<void> ViewerPageItem::RenderViewerPage(bool bUseCacheOnly) {
     }
     bool bRenders = false;
     ForEachBlock([&](ViewerPageItemBlock& block) {
-        if (block.m_bIsDisplay && !block.HasBitmap()) {
+        if (block.IsDisplayed() && !block.HasBitmap()) {
             auto pCached = pHost->FindScaleBitmap(nPageIndex, block.m_nBlockId);
             if (pCached || bUseCacheOnly) {
                 block.ShowStandIn(std::move(pCached));
             }
         }
-        bRenders = bRenders || (!block.m_bIsRendering && block.NeedsRender());
+        bRenders = bRenders || (!block.IsRendering() && block.NeedsRender());
     });
     if (bUseCacheOnly || !bRenders) {
         return FinishedTask();
@@ -241,12 +232,12 @@ task<void> ViewerPageItem::StartBlocks(Walk eWalk, bool bPaintWhenDone,
                                        const cancellation_token& token) {
     std::vector<task<void>> renders;
     ForEachBlock([&](ViewerPageItemBlock& block) {
-        if (!block.m_bIsDisplay || eWalk == Walk::Displayed) {
+        if (!block.IsDisplayed() || eWalk == Walk::Displayed) {
             block.CancelBlock();
         }
         const bool bWanted =
-            eWalk == Walk::NeedingRender ? block.NeedsRender() : block.m_bIsDisplay;
-        if (bWanted && !block.m_bIsRendering) {
+            eWalk == Walk::NeedingRender ? block.NeedsRender() : block.IsDisplayed();
+        if (bWanted && !block.IsRendering()) {
             renders.push_back(block.RenderViewerPageBlock(bPaintWhenDone));
         }
     });

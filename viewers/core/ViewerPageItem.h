@@ -17,17 +17,15 @@
 #include "viewers/core/CancellationGeneration.h"
 #include "viewers/core/ChainLog.h"
 #include "viewers/core/IPageItemHost.h"
+#include "viewers/core/LaidOutPage.h"
 #include "viewers/core/PageGeometry.h"
-#include "viewers/core/Records.h"
 #include "viewers/core/ViewerPageItemBlock.h"
 
 namespace velko::vkit {
 
-class ViewerPageItem final : public std::enable_shared_from_this<ViewerPageItem> {
+class ViewerPageItem final : public LaidOutPage,
+                             public std::enable_shared_from_this<ViewerPageItem> {
 public:
-    using Block = std::shared_ptr<ViewerPageItemBlock>;
-    using Rows = std::vector<std::vector<Block>>;
-
     // A scale of 0 asks for the one that fits the screen.
     ViewerPageItem(std::weak_ptr<IPageItemHost> wkHost, std::int32_t nPage, double dbPageScale,
                    std::int32_t nTurn);
@@ -35,31 +33,23 @@ public:
     // The page's size at the item's scale and rotation, not truncated. Raises
     // as `IPageItemHost::PageSizeOf`.
     DisplaySize GetPageDisplaySize();
+    double Scale() const { return m_dbScale; } // a fit is known once the size was asked for
 
-    // Stores the size, truncated, in the screen rectangle and the page offset.
+    // Stores the size, truncated.
     void SetSize(const DisplaySize& size);
     void MoveTo(double dbOffsetX, double dbOffsetY);
 
-    // Puts the grid in force. Blocks of the same grid stay, with their bitmaps;
-    // another grid drops them all. Allocates nothing while the grid stays.
+    // Puts the grid in force, and the blocks in their places. Blocks of the same
+    // grid stay, with their bitmaps; another grid drops them all, and the host
+    // keeps what they showed. Allocates nothing while the grid stays.
     void DividToBlock(const Render_PageDavidBlock& newGrid);
+    const Render_PageDavidBlock& Grid() const { return m_grid; } // 0 by 0 until divided
     bool HasBlocks() const { return !m_pPageBlock.empty(); }
 
-    // True when every displayed block has a bitmap.
+    // True when every displayed block has the bitmap that it should have.
+    bool IsSharp() const;
+    // True when every displayed block has a bitmap, be it a stand-in.
     bool IsCovered() const;
-
-    // A bitmap of a grid that was given up, and the part of the page that it
-    // shows, as shares of the page's sides. They stand in for blocks without a
-    // bitmap until the page is covered again.
-    struct Remnant {
-        std::shared_ptr<D2DBitmapSource> pSource;
-        double dbLeft = 0.0;
-        double dbTop = 0.0;
-        double dbWidth = 0.0;
-        double dbHeight = 0.0;
-    };
-    const std::vector<Remnant>& Remnants() const { return m_remnants; }
-    void DropRemnants() { m_remnants.clear(); }
 
     // For an item that leaves the list: ends its chain and all its renders.
     void ClearBlocks();
@@ -67,7 +57,8 @@ public:
     void ClearInvisibleBlocks();
 
     // Each returns a task that ends with the renders that it started: as
-    // cancelled when the chain or one of them was.
+    // cancelled when the chain or one of them was. Done already when there is
+    // nothing to render.
 
     // Gives displayed blocks a bitmap of the scale cache, and renders those that
     // need one. With `bUseCacheOnly` nothing is rendered.
@@ -81,19 +72,19 @@ public:
     template <class F>
     void ForEachBlock(F fnVisit) const {
         for (const auto& row : m_pPageBlock) {
-            for (const Block& pBlock : row) {
+            for (const std::shared_ptr<ViewerPageItemBlock>& pBlock : row) {
+                fnVisit(std::as_const(*pBlock));
+            }
+        }
+    }
+    template <class F>
+    void ForEachBlock(F fnVisit) {
+        for (const auto& row : m_pPageBlock) {
+            for (const std::shared_ptr<ViewerPageItemBlock>& pBlock : row) {
                 fnVisit(*pBlock);
             }
         }
     }
-
-    Render_ScreenOffsetInfo screenRect;
-    Render_PDFPageOffsetInfo pageOffset; // offsets 0
-    const std::int32_t m_nRotate;
-    const std::int32_t nPageIndex;
-    double dbScale;
-    Render_PageDavidBlock grid; // 0 by 0 until divided
-    Rows m_pPageBlock;
 
 private:
     // Which blocks a chain renders once the page is loaded.
@@ -104,14 +95,16 @@ private:
     concurrency::task<void> StartBlocks(Walk eWalk, bool bPaintWhenDone,
                                         const concurrency::cancellation_token& token);
     void MakeBlocks();
-    void KeepRemnants();
-    void PlaceBlock(ViewerPageItemBlock& block, std::int32_t nRow, std::int32_t nCol,
-                    const Windows::Foundation::Rect& rcScreen) const;
+    void PlaceBlock(std::int32_t nRow, std::int32_t nCol,
+                    const Windows::Foundation::Rect& rcScreen);
     void WriteGridChange(const Render_PageDavidBlock& oldGrid) const;
 
     const std::weak_ptr<IPageItemHost> m_wkHost;
+    double m_dbScale;
+    Render_PDFPageOffsetInfo m_pageOffset; // offsets 0
+    Render_PageDavidBlock m_grid;
+    std::vector<std::vector<std::shared_ptr<ViewerPageItemBlock>>> m_pPageBlock; // by rows
     CancellationGeneration m_ctsBlocks;
-    std::vector<Remnant> m_remnants; // the older ones first
 };
 
 }

@@ -1,13 +1,13 @@
 #include "viewers/core/ViewerPageItemBlock.h"
 
-#include <exception>
 #include <utility>
 
-#include "document/VLK_Document.h"
 #include "document/engine/Bitmap.h"
+#include "platform/foundation/FirstFailure.h"
 #include "platform/system/Debug.h"
 #include "platform/ui/CoreDispatcher.h"
 #include "surface/PDFViewCanvas.h"
+#include "viewers/core/PageGeometry.h"
 #include "viewers/core/ViewerCounters.h"
 
 namespace velko::vkit {
@@ -23,39 +23,39 @@ constexpr std::uint32_t kBytesPerPixel = 4;
 // Up to this many blocks in a page, a finished one overtakes other UI work.
 constexpr std::int64_t kLargestUrgentGrid = 8;
 
-// Counts a render in flight in the page's entry, until told to end or gone.
-class PageUse {
-public:
-    PageUse(std::shared_ptr<VLK_Document> pDocument, std::shared_ptr<WPPDFPage> pEntry)
-        : m_pDocument(std::move(pDocument)), m_pEntry(std::move(pEntry)) {
-        m_pDocument->AddPageUse(m_pEntry, 1);
-    }
-    ~PageUse() { End(); }
-    PageUse(const PageUse&) = delete;
-    PageUse& operator=(const PageUse&) = delete;
-
-    void End() {
-        if (m_pEntry) {
-            m_pDocument->AddPageUse(std::exchange(m_pEntry, nullptr), -1);
-        }
-    }
-
-private:
-    const std::shared_ptr<VLK_Document> m_pDocument;
-    std::shared_ptr<WPPDFPage> m_pEntry;
-};
-
 }
 
-ViewerPageItemBlock::ViewerPageItemBlock(std::weak_ptr<IPageItemHost> wkHost, std::int32_t nPage,
-                                         std::int32_t nTurn, std::int32_t nBlockId,
+ViewerPageItemBlock::ViewerPageItemBlock(std::weak_ptr<IPageItemHost> wkHost,
+                                         std::shared_ptr<IBlockRenderer> pRenderer,
+                                         std::int32_t nPage, std::int32_t nTurn,
+                                         std::int32_t nBlockId,
                                          const Render_PageDavidBlock& blockGrid)
-    : m_nRotate(nTurn),
-      nPageIndex(nPage),
+    : LaidOutPage(nPage, nTurn),
       m_nBlockId(nBlockId),
       m_wkHost(std::move(wkHost)),
+      m_pRenderer(std::move(pRenderer)),
       grid(blockGrid) {
     ViewerCounters::CountBlock();
+}
+
+// --- place and bitmap ---
+
+void ViewerPageItemBlock::Place(const Render_ScreenOffsetInfo& rc,
+                                const Render_PDFPageOffsetInfo& offset,
+                                const Windows::Foundation::Rect& rcScreen) {
+    screenRect = rc;
+    m_pageOffset = offset;
+    m_bIsDisplay = rc.nWidth > 0 && rc.nHeight > 0 && ToRect(rc).IntersectsWith(rcScreen);
+}
+
+PageShare ViewerPageItemBlock::Share() const {
+    if (m_pageOffset.nPageWidth <= 0 || m_pageOffset.nPageHeight <= 0) {
+        return {};
+    }
+    const double dbWidth = m_pageOffset.nPageWidth;
+    const double dbHeight = m_pageOffset.nPageHeight;
+    return {-m_pageOffset.nOffsetX / dbWidth, -m_pageOffset.nOffsetY / dbHeight,
+            screenRect.nWidth / dbWidth, screenRect.nHeight / dbHeight};
 }
 
 void ViewerPageItemBlock::ShowStandIn(std::shared_ptr<D2DBitmapSource> pSource) {
@@ -68,6 +68,8 @@ void ViewerPageItemBlock::DropBitmap() {
     m_bIsStandIn = false;
 }
 
+// --- rendering ---
+
 void ViewerPageItemBlock::CancelBlock() {
     m_ctsBlock.Renew();
     m_bIsRendering = false;
@@ -75,89 +77,55 @@ void ViewerPageItemBlock::CancelBlock() {
 
 task<void> ViewerPageItemBlock::RenderViewerPageBlock(bool bPaintWhenDone) {
     const auto pHost = m_wkHost.lock();
-    const auto pDocument = pHost ? pHost->LiveDocument() : nullptr;
-    const auto pEntry = pDocument ? pDocument->ReLoadPageIndex(nPageIndex) : nullptr;
-    if (!pEntry || !pEntry->m_pPageHandle || !pEntry->m_pPageHandle->m_pPage) {
+    const cancellation_token token = m_ctsBlock.Token();
+    BlockRender render = pHost ? m_pRenderer->Start(*this, token) : BlockRender();
+    if (!render.fnRender) {
         return concurrency::task_from_result<void>();
     }
-    return Render(pHost, pDocument, pEntry, bPaintWhenDone);
+    return Render(pHost, std::move(render), token, bPaintWhenDone);
 }
 
-task<void> ViewerPageItemBlock::Render(std::shared_ptr<IPageItemHost> pHost,
-                                       std::shared_ptr<VLK_Document> pDocument,
-                                       std::shared_ptr<WPPDFPage> pEntry, bool bPaintWhenDone) {
+task<void> ViewerPageItemBlock::Render(std::shared_ptr<IPageItemHost> pHost, BlockRender render,
+                                       cancellation_token token, bool bPaintWhenDone) {
     const auto pSelf = shared_from_this();
-    const cancellation_token token = m_ctsBlock.Token();
-    const RenderBlockRequest request = MakeRequest(*pHost, *pDocument, *pEntry, token);
     const auto pDispatcher = pHost->Dispatcher();
-    PageUse use(pDocument, pEntry);
     m_bIsRendering = true;
 
     BitmapBox box;
     bool bGood = false;
     bool bCanceled = false;
     try {
-        co_await concurrency::resume_on(pDocument->RenderQueue(), token);
-        bGood = pDocument->RenderPageBlock(request, box);
+        co_await concurrency::resume_on(render.pQueue, token);
+        bGood = render.fnRender(box);
     } catch (const task_canceled&) {
         bCanceled = true;
     } catch (...) {
         bGood = false; // told on the UI thread
     }
-    use.End();
+    render = BlockRender();
 
     // Also when cancelled: what the chain holds last goes on the UI thread.
     co_await concurrency::resume_foreground(pDispatcher, HandOverPriority());
     if (bCanceled || token.is_canceled()) {
         throw task_canceled();
     }
-    const std::exception_ptr pFailure = HandOver(*pHost, box, bGood, bPaintWhenDone);
-    if (pFailure) {
-        std::rethrow_exception(pFailure);
-    }
+    HandOver(*pHost, box, bGood, bPaintWhenDone);
 }
 
 // The frame is asked for in any case: a device that fails may have been lost,
 // which the frame finds out and makes up for.
-std::exception_ptr ViewerPageItemBlock::HandOver(IPageItemHost& host, BitmapBox& box, bool bGood,
-                                                 bool bPaintWhenDone) {
-    std::exception_ptr pFailure;
-    try {
-        TakeOver(host, box, bGood);
-    } catch (...) {
-        pFailure = std::current_exception();
-    }
+void ViewerPageItemBlock::HandOver(IPageItemHost& host, BitmapBox& box, bool bGood,
+                                   bool bPaintWhenDone) {
+    Platform::FirstFailure steps;
+    steps.Run([&] { TakeOver(host, box, bGood); });
     // Idle before the frame: one that meets a lost device starts this block anew.
     m_bIsRendering = false;
-    try {
+    steps.Run([&] {
         if (m_bIsDisplay && bPaintWhenDone) {
             host.PaintCanvas();
         }
-    } catch (...) {
-        pFailure = std::current_exception();
-    }
-    return pFailure;
-}
-
-RenderBlockRequest ViewerPageItemBlock::MakeRequest(const IPageItemHost& host,
-                                                    const VLK_Document& document,
-                                                    const WPPDFPage& entry,
-                                                    cancellation_token token) const {
-    const BlockColors colors = host.RenderColors();
-    RenderBlockRequest request;
-    request.pPage = entry.m_pPageHandle->m_pPage;
-    request.nLeft = pageOffset.nOffsetX;
-    request.nTop = pageOffset.nOffsetY;
-    request.nBitmapWidth = screenRect.nWidth;
-    request.nBitmapHeight = screenRect.nHeight;
-    request.fDisplayWidth = static_cast<float>(pageOffset.nPageWidth);
-    request.fDisplayHeight = static_cast<float>(pageOffset.nPageHeight);
-    request.nRotate = m_nRotate;
-    request.nBackColor = colors.nBackground;
-    request.nForeColor = colors.nForeground;
-    request.token = std::move(token);
-    document.FillRenderState(request);
-    return request;
+    });
+    steps.Rethrow();
 }
 
 concurrency::priority ViewerPageItemBlock::HandOverPriority() const {

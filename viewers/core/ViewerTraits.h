@@ -12,8 +12,6 @@ struct ViewerTraits {
     const char* szNothingToRender;
     const char* szNothingToDraw;
 
-    // A zoom step that renders nothing ends the snapshot all the same.
-    bool bStepEndsSnapshot;
     // A frame without pages is cleared; else the old one stays.
     bool bClearsWithoutPages;
 };

@@ -20,13 +20,22 @@ void PDFSinglePagesViewer::OnGotoDestination(std::int32_t nPageIndex, std::int32
         return;
     }
     RefreshScreenSize();
+    BeginDestination();
     ScaleForDestination(nZoomMode, values);
     const SingleViewerPageItem& first = *m_pPageItems->front();
-    if (first.nPageIndex != nPageIndex || first.dbScale != 1.0) {
+    if (first.nPageIndex != nPageIndex || first.Scale() != 1.0) {
         ResetToPage(nPageIndex);
     }
     if (HasItems()) {
         ShowDestination(nZoomMode, values);
+    }
+    StoreShownScale();
+}
+
+// Whatever a destination asked for, the next step starts from what is shown.
+void PDFSinglePagesViewer::StoreShownScale() {
+    if (HasItems()) {
+        SetScale(static_cast<float>(m_pPageItems->front()->Scale()));
     }
 }
 
@@ -40,7 +49,7 @@ void PDFSinglePagesViewer::ScaleForDestination(std::int32_t nZoomMode,
     }
     const float fZoom = ValueAt(values, kRight);
     if (fZoom > 0.0F && fZoom != m_fScale) {
-        SetScale(fZoom);
+        SetScale(static_cast<float>(DestinationScale(fZoom)));
     }
 }
 
@@ -72,10 +81,11 @@ void PDFSinglePagesViewer::ShowPageBox(std::int32_t nZoomMode, float fTop) {
                     if (nZoomMode == kFitBox) {
                         ZoomToPageBox(item, rcDevice);
                     } else if (nZoomMode == kFitBoxWidth) {
-                        ZoomToPageBoxWidth(rcDevice, fTop);
+                        ZoomToPageBoxWidth(item, rcDevice, fTop);
                     } else {
                         ZoomToPageBoxHeight(item, rcBox, rcDevice);
                     }
+                    StoreShownScale();
                 });
 }
 
@@ -85,8 +95,9 @@ void PDFSinglePagesViewer::ZoomToPageBox(const SingleViewerPageItem& item, const
     EndGesture();
 }
 
-void PDFSinglePagesViewer::ZoomToPageBoxWidth(const Rect& rcDevice, float fTop) {
-    ZoomAtScreenCentre(m_dbScreenWidth / rcDevice.Width);
+void PDFSinglePagesViewer::ZoomToPageBoxWidth(const SingleViewerPageItem& item,
+                                              const Rect& rcDevice, float fTop) {
+    ZoomAtScreenCentre(SideFactor(rcDevice.Width, item.screenRect.nWidth, m_dbScreenWidth));
     if (HasItems()) {
         const Point pt = PageToDevice(*m_pPageItems->front(), Point{0.0F, fTop});
         ScrollPageItems(FiniteOrZero(pt.Y), 0.0, false, false);
@@ -100,7 +111,7 @@ void PDFSinglePagesViewer::ZoomToPageBoxHeight(const SingleViewerPageItem& item,
     const double dbFactor = SideFactor(rcDevice.Height, item.screenRect.nHeight, m_dbScreenHeight);
     const Point ptNear = PageToDevice(item, Point{rcBox.X, rcBox.Y});
     const PageItem pItem =
-        InitPageItem({0.0, 0.0, ItemScale(dbFactor), m_nRotate}, item.nPageIndex);
+        InitPageItem({0.0, 0.0, DestinationScale(dbFactor), m_nRotate}, item.nPageIndex);
     Regrid(*pItem);
     ReplaceItems(pItem);
     const Point ptFar = PageToDevice(*pItem, Point{rcBox.X + rcBox.Width, rcBox.Y + rcBox.Height});

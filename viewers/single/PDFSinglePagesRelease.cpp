@@ -1,16 +1,23 @@
 // The end of a drag: which of two pages stays, and where it comes to stand.
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "document/Utility.h"
 #include "viewers/single/PDFSinglePagesViewer.h"
 
 namespace velko::vkit {
 
-// Which of two pages goes; both stay where a page stands at exactly half.
 void PDFSinglePagesViewer::DropHiddenPageItem(double dbOffsetX) {
-    if (!HasItems() || m_pPageItems->size() < 2) {
-        return;
+    if (HasItems() && m_pPageItems->size() >= 2) {
+        RemoveItem(PositionToDrop(dbOffsetX));
     }
+}
+
+// `dbOffsetX` is the part of the drag that went beyond the page's edge. A page
+// wider than the screen goes by where its neighbour stands: that it hangs far
+// over the left edge says nothing.
+std::size_t PDFSinglePagesViewer::PositionToDrop(double dbOffsetX) const {
     const Render_ScreenOffsetInfo& rcA = m_pPageItems->front()->screenRect;
     const Render_ScreenOffsetInfo& rcB = m_pPageItems->back()->screenRect;
     const double dbHalf = m_dbScreenWidth * 0.5;
@@ -19,22 +26,37 @@ void PDFSinglePagesViewer::DropHiddenPageItem(double dbOffsetX) {
     const double dbA = rcA.dbOffsetX;
     const double dbB = rcB.dbOffsetX;
     if (std::abs(dbOffsetX) >= m_dbScreenWidth) { // a drag as long always turns
-        RemoveItem(dbOffsetX > 0.0 ? nFirst : nLast);
-    } else if (dbA > dbHalf) {
-        RemoveItem(nFirst);
-    } else if (dbA > 0.0 && dbA < dbHalf) {
-        RemoveItem(nLast);
-    } else if (dbA < 0.0 && dbA < -(rcA.nWidth / 2)) {
-        RemoveItem(nFirst);
-    } else if (dbB > dbHalf) {
-        RemoveItem(nLast);
-    } else if (dbB > 0.0 && dbB < dbHalf) {
-        RemoveItem(nFirst);
-    } else if (dbA == 0.0) {
-        RemoveItem(nLast);
-    } else if (dbB == 0.0) {
-        RemoveItem(nFirst);
+        return dbOffsetX > 0.0 ? nFirst : nLast;
     }
+    if (dbA > dbHalf) {
+        return nFirst;
+    }
+    if (dbA > 0.0 && dbA < dbHalf) {
+        return nLast;
+    }
+    if (rcA.nWidth <= m_dbScreenWidth && dbA < 0.0 && dbA < -(rcA.nWidth / 2)) {
+        return nFirst;
+    }
+    if (dbB > dbHalf) {
+        return nLast;
+    }
+    if (dbB > 0.0 && dbB < dbHalf) {
+        return nFirst;
+    }
+    if (dbA == 0.0) {
+        return nLast;
+    }
+    return dbB == 0.0 ? nFirst : PositionFarther();
+}
+
+// Where both stand at half: of two as far from the middle, the second.
+std::size_t PDFSinglePagesViewer::PositionFarther() const {
+    const auto fnAway = [this](const SingleViewerPageItem& item) {
+        return std::abs(item.screenRect.dbOffsetX - CentreX(item));
+    };
+    return fnAway(*m_pPageItems->front()) > fnAway(*m_pPageItems->back())
+               ? 0
+               : m_pPageItems->size() - 1;
 }
 
 // A neighbour that has not come in, or a page that has gone out, exactly to the
@@ -55,14 +77,14 @@ bool PDFSinglePagesViewer::DropItemOutside() {
 // that is on the screen.
 double PDFSinglePagesViewer::ReleasedX(const SingleViewerPageItem& item) const {
     const double dbX = item.screenRect.dbOffsetX;
-    if (Utility::IsMobile() && item.dbScale < 1.0) {
+    if (Utility::IsMobile() && item.Scale() < 1.0) {
         const bool bIsShown = dbX < m_dbScreenWidth && dbX + item.screenRect.nWidth > 0.0;
         return bIsShown ? dbX : CentreX(item);
     }
-    if (Utility::IsMobile() ? item.dbScale == 1.0 : IsNarrow(item)) {
+    if (Utility::IsMobile() ? item.Scale() == 1.0 : IsNarrow(item)) {
         return CentreX(item);
     }
-    return dbX > 0.0 && !IsNarrow(item) ? 0.0 : RecentredX(item);
+    return RecentredX(item);
 }
 
 void PDFSinglePagesViewer::OnAlignPageAfterScroll(double /*dbOffsetY*/, double dbOffsetX) {
@@ -70,10 +92,13 @@ void PDFSinglePagesViewer::OnAlignPageAfterScroll(double /*dbOffsetY*/, double d
         return;
     }
     RefreshScreenSize();
+    const double dbWithin = std::exchange(m_dbMovedWithin, 0.0);
+    const double dbBeyond =
+        dbOffsetX - std::clamp(dbWithin, std::min(0.0, dbOffsetX), std::max(0.0, dbOffsetX));
     const bool bTurning = m_pPageItems->size() >= 2;
     const bool bTurned = bTurning && DropItemOutside();
     if (bTurning && !bTurned) {
-        DropHiddenPageItem(dbOffsetX);
+        DropHiddenPageItem(dbBeyond);
     }
     SingleViewerPageItem& item = *m_pPageItems->front();
     const double dbX = ReleasedX(item);
@@ -86,7 +111,7 @@ void PDFSinglePagesViewer::OnAlignPageAfterScroll(double /*dbOffsetY*/, double d
         NoteEdges(item);
     }
     if (!bTurning || Utility::IsMobile()) {
-        SetScale(static_cast<float>(item.dbScale));
+        SetScale(static_cast<float>(item.Scale()));
     }
     ShowReleased(item);
 }
@@ -96,13 +121,13 @@ void PDFSinglePagesViewer::OnAlignPageAfterScroll(double /*dbOffsetY*/, double d
 void PDFSinglePagesViewer::ShowReleased(SingleViewerPageItem& item) {
     Regrid(item);
     LoadPageBitmapFromCache(false);
-    m_pScaleBitmapCache.Clear();
+    EmptyScaleCache();
     PaintCanvas();
 }
 
 void PDFSinglePagesViewer::NoteEdges(const SingleViewerPageItem& item) {
     const Render_ScreenOffsetInfo& rc = item.screenRect;
-    if (item.dbScale <= 1.0) {
+    if (item.Scale() <= 1.0) {
         m_bAtLeftEdge = false;
         m_bAtRightEdge = false;
     } else if (rc.dbOffsetX == 0.0) {

@@ -116,7 +116,11 @@ void PDFSinglePagesViewer::ScrollPageItems(double dbOffsetY, double dbOffsetX,
     }
     PageItems newList;
     newList.reserve(2);
+    const double dbFrom = first.screenRect.dbOffsetX;
     OffsetPageItems(dbOffsetY, dbOffsetX, newList);
+    if (newList.size() == 1) {
+        NoteMoveWithin(first, dbFrom);
+    }
     if (newList.size() == 1 && !m_bCentreNarrowPage && dbOffsetX != 0.0 && bAppendNeighbour) {
         FetchNeighbour(newList, {dbOffsetY, dbOffsetX, m_fScale, m_nRotate});
     }
@@ -133,6 +137,13 @@ void PDFSinglePagesViewer::ScrollPageItems(double dbOffsetY, double dbOffsetX,
     RegridItems();
     LoadPageBitmapFromCache(false);
     PaintCanvas();
+}
+
+// What a drag moves between the edges of a wide page turns no page.
+void PDFSinglePagesViewer::NoteMoveWithin(const SingleViewerPageItem& item, double dbFrom) {
+    const double dbRoom = std::min(0.0, m_dbScreenWidth - item.screenRect.nWidth);
+    m_dbMovedWithin +=
+        std::clamp(dbFrom, dbRoom, 0.0) - std::clamp(item.screenRect.dbOffsetX, dbRoom, 0.0);
 }
 
 // Where a gap has opened on a side.
@@ -170,7 +181,7 @@ void PDFSinglePagesViewer::EnumPageRight(std::int32_t nPageIndex, PageItems& lis
     Render_ScreenOffsetInfo& rcLast = last.screenRect;
     if (!IsPage(nPageIndex + 1)) {
         const double dbOverhang = rcLast.nWidth - m_dbScreenWidth;
-        if (last.dbScale == 1.0 || std::abs(rcLast.dbOffsetX) > dbOverhang) {
+        if (last.Scale() == 1.0 || std::abs(rcLast.dbOffsetX) > dbOverhang) {
             rcLast.dbOffsetX = -static_cast<std::int32_t>(dbOverhang);
         }
         return;
@@ -217,7 +228,7 @@ void PDFSinglePagesViewer::OnMoveScreen(double dbOffsetY, double dbOffsetX) {
     if (!m_pPageItems || !CanLayOut()) {
         return;
     }
-    m_pScaleBitmapCache.Clear();
+    EmptyScaleCache();
     GetScale(); // lowers it to the limit
     RefreshScreenSize();
     if (m_pPageItems->size() == 2) {
@@ -232,30 +243,18 @@ void PDFSinglePagesViewer::OnMoveScreen(double dbOffsetY, double dbOffsetX) {
     ScrollPageItems(dbOffsetY, dbOffsetX, true, false);
 }
 
-// Turns no page at another scale than 1.0: there the page moves at most as far
-// as its edges.
+// Turns no page: a page wider than the screen moves as far as its edges.
 void PDFSinglePagesViewer::OnPageSizeChanged(double dbOffsetX, double dbOffsetY) {
     if (!CanLayOut()) {
         return;
     }
     RefreshScreenSize();
     GetScale(); // lowers it to the limit
-    if (!HasItems() || m_pPageItems->front()->dbScale == 1.0) {
-        ScrollPageItems(dbOffsetY, 0.0, true, false);
-        return;
-    }
-    const Render_ScreenOffsetInfo& rc = m_pPageItems->front()->screenRect;
-    const double dbToEdge = std::abs(m_dbScreenWidth - rc.nWidth - rc.dbOffsetX);
-    double dbMove = dbOffsetX;
-    if (m_dbScreenWidth >= rc.nWidth) {
-        dbMove = 0.0;
-    } else {
-        if (rc.dbOffsetX - dbMove > 0.0) {
-            dbMove = dbToEdge;
-        }
-        if (rc.dbOffsetX - dbMove < m_dbScreenWidth - rc.nWidth) {
-            dbMove = dbToEdge;
-        }
+    double dbMove = 0.0;
+    if (HasItems() && m_pPageItems->front()->screenRect.nWidth > m_dbScreenWidth) {
+        const Render_ScreenOffsetInfo& rc = m_pPageItems->front()->screenRect;
+        dbMove =
+            rc.dbOffsetX - std::clamp(rc.dbOffsetX - dbOffsetX, m_dbScreenWidth - rc.nWidth, 0.0);
     }
     ScrollPageItems(dbOffsetY, dbMove, false, false);
 }

@@ -28,7 +28,6 @@ const ViewerTraits PDFSinglePagesViewer::kTraits = {
     .szRenderOperation = "LoadPageBitmapFromCache",
     .szNothingToRender = nullptr,
     .szNothingToDraw = "\n",
-    .bStepEndsSnapshot = false,
     .bClearsWithoutPages = false,
 };
 
@@ -51,14 +50,17 @@ bool PDFSinglePagesViewer::IsNarrow(const SingleViewerPageItem& item) const {
     return item.screenRect.nWidth < m_dbScreenWidth;
 }
 
-// Also for a page that has gone altogether.
+// A wide page comes to its edge; also one that has gone altogether.
 double PDFSinglePagesViewer::RecentredX(const SingleViewerPageItem& item) const {
     const double dbX = item.screenRect.dbOffsetX;
     const double dbRight = dbX + item.screenRect.nWidth;
-    if (dbX > 0.0) {
+    if (dbX <= 0.0 && dbRight >= m_dbScreenWidth) {
+        return dbX;
+    }
+    if (IsNarrow(item)) {
         return CentreX(item);
     }
-    return dbRight < m_dbScreenWidth ? (dbX + m_dbScreenWidth - dbRight) * 0.5 : dbX;
+    return dbX > 0.0 ? 0.0 : m_dbScreenWidth - item.screenRect.nWidth;
 }
 
 std::int32_t PDFSinglePagesViewer::GetCurrentPageIndex() {
@@ -69,7 +71,7 @@ std::int32_t PDFSinglePagesViewer::GetCurrentPageIndex() {
     for (const PageItem& pItem : *m_pPageItems) {
         const double dbX = pItem->screenRect.dbOffsetX;
         const double dbCentre = CentreX(*pItem);
-        if (dbX == dbCentre || (std::abs(dbX) < dbCentre && pItem->dbScale == 1.0)) {
+        if (dbX == dbCentre || (std::abs(dbX) < dbCentre && pItem->Scale() == 1.0)) {
             return pItem->nPageIndex;
         }
     }
@@ -78,13 +80,20 @@ std::int32_t PDFSinglePagesViewer::GetCurrentPageIndex() {
 
 std::shared_ptr<PagePosition> PDFSinglePagesViewer::GetPagePosition() {
     ThrowIfDisposed();
-    if (HasItems() && m_pPageItems->size() > 1) {
-        const auto it =
-            std::find_if(m_pPageItems->begin(), m_pPageItems->end(),
-                         [](const PageItem& pItem) { return pItem->screenRect.dbOffsetX < 0.0; });
-        if (it != m_pPageItems->end()) {
-            RemoveItem(it - m_pPageItems->begin());
-        }
+    if (!HasItems() || m_pPageItems->size() < 2) {
+        return PageViewerBase::GetPagePosition();
+    }
+    const auto it =
+        std::find_if(m_pPageItems->begin(), m_pPageItems->end(),
+                     [](const PageItem& pItem) { return pItem->screenRect.dbOffsetX < 0.0; });
+    const auto nGoing = it - m_pPageItems->begin();
+    if (IsDrawing()) { // a frame shows both to its end
+        const SingleViewerPageItem& first = *(*m_pPageItems)[nGoing == 0 ? 1 : 0];
+        return std::make_shared<PagePosition>(
+            PagePosition{first.screenRect.dbOffsetX, first.screenRect.dbOffsetY, first.nPageIndex});
+    }
+    if (it != m_pPageItems->end()) {
+        RemoveItem(static_cast<std::size_t>(nGoing));
     }
     return PageViewerBase::GetPagePosition();
 }
@@ -130,6 +139,7 @@ void PDFSinglePagesViewer::AdoptItems(PageItems& newList) {
 }
 
 void PDFSinglePagesViewer::RemoveItem(std::size_t nPosition) {
+    KeepStandIns(*(*m_pPageItems)[nPosition]); // it may come back before the frame
     (*m_pPageItems)[nPosition]->ClearBlocks();
     m_pPageItems->erase(m_pPageItems->begin() + static_cast<std::ptrdiff_t>(nPosition));
     ++m_nLayoutVersion;
@@ -143,7 +153,7 @@ void PDFSinglePagesViewer::PlacePageAt(std::int32_t nPageIndex, double dbOffsetY
     RefreshScreenSize();
     const PageItem pItem = InitPageItem(MakeTask(dbOffsetY, dbOffsetX), nPageIndex);
     if (m_fScale == 0.0F) {
-        SetScale(static_cast<float>(pItem->dbScale));
+        SetScale(static_cast<float>(pItem->Scale()));
     }
     Render_ScreenOffsetInfo& rc = pItem->screenRect;
     rc.dbOffsetY = StandingAt(rc.dbOffsetY, rc.nHeight, m_dbScreenHeight);
@@ -194,7 +204,7 @@ void PDFSinglePagesViewer::OnInvaildateLayout() {
         dbLeft = first.screenRect.dbOffsetX;
     }
     DropItems();
-    m_pScaleBitmapCache.Clear();
+    EmptyScaleCache();
     if (bKeepsOrientation) {
         OnInitLayOut(m_nLayoutPageIndex, GetScale(), dbLeft, dbTop);
     } else if (IsPage(nCurrent)) {
@@ -215,7 +225,7 @@ void PDFSinglePagesViewer::OnRotateViewer(std::int32_t nRotate) {
     if (!CanLayOut() || !IsPage(nCurrent)) {
         return;
     }
-    m_pScaleBitmapCache.Clear();
+    EmptyScaleCache();
     ReplaceItems(MakeItem(nCurrent, {0.0, 0.0, 0.0, m_nRotate}));
     PlacePageAt(nCurrent, 0.0, 0.0);
 }
@@ -251,7 +261,7 @@ void PDFSinglePagesViewer::ShowPage(std::int32_t nPageIndex, bool bAlsoShown) {
 // --- drawing ---
 
 BlockColors PDFSinglePagesViewer::RenderColors() const {
-    return m_bUseDefaultPageColor ? BlockColors() : PageViewerBase::RenderColors();
+    return m_bUseDefaultPageColor ? BlockColors() : PageColors();
 }
 
 // The second page of a turn stands off the first, but for what lies exactly at
@@ -263,7 +273,7 @@ double PDFSinglePagesViewer::DrawnX(std::size_t nPosition, double dbX) const {
 // An outline leaves the snapshot visible.
 void PDFSinglePagesViewer::DrawBlank(Windows::Graphics::ID2D1DeviceContext& context,
                                      const Windows::Graphics::D2D_RECT_F& rc) const {
-    const auto& pBrush = m_pCanvas->WhiteBrush();
+    const auto& pBrush = m_pCanvas->PageBrush();
     if (IsSnapshotShown()) {
         context.DrawRectangle(rc, pBrush, kOutlineWidth);
     } else {

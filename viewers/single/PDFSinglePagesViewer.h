@@ -30,7 +30,7 @@ public:
     // Of two pages the one that is in its place, else the last.
     std::int32_t GetCurrentPageIndex() override;
     // The only question that changes the layout: of two pages the one that
-    // hangs over the left edge goes.
+    // hangs over the left edge goes. Within a frame it only counts as gone.
     std::shared_ptr<PagePosition> GetPagePosition() override;
     BlockColors RenderColors() const override;
 
@@ -61,7 +61,8 @@ private:
     // --- where pages stand ---
     double CentreX(const SingleViewerPageItem& item) const;
     bool IsNarrow(const SingleViewerPageItem& item) const; // narrower than the screen
-    // Back to the middle for a page that came away from an edge of the screen.
+    // Back to its place for a page that came away from an edge of the screen: a
+    // narrow one to the middle, another to that edge.
     double RecentredX(const SingleViewerPageItem& item) const;
     double ReleasedX(const SingleViewerPageItem& item) const;
 
@@ -87,6 +88,7 @@ private:
     void OffsetBackward(std::size_t nPosition, double dbOffsetX);
     void OffsetDown(SingleViewerPageItem& item, double dbOffsetY) const;
     void PinWidePage() const;
+    void NoteMoveWithin(const SingleViewerPageItem& item, double dbFrom);
     bool IsMoveRefused(const SingleViewerPageItem& item, double dbOffsetX, bool bIsZoom) const;
     void ScrollPageItems(double dbOffsetY, double dbOffsetX, bool bAppendNeighbour, bool bComplete);
     void FetchNeighbour(PageItems& list, const PDFRenderTask& task);
@@ -96,6 +98,8 @@ private:
     void BringIntoSight();
     bool DropItemOutside();
     void DropHiddenPageItem(double dbOffsetX);
+    std::size_t PositionToDrop(double dbOffsetX) const;
+    std::size_t PositionFarther() const;
     void ShowReleased(SingleViewerPageItem& item);
     void NoteEdges(const SingleViewerPageItem& item);
 
@@ -109,10 +113,11 @@ private:
     // --- destinations; see the .cpp ---
     void ScaleForDestination(std::int32_t nZoomMode, const std::vector<float>& values);
     void ShowDestination(std::int32_t nZoomMode, const std::vector<float>& values);
+    void StoreShownScale();
     void ShowPoint(Point ptPage, bool bAcross, bool bDown);
     void ShowPageBox(std::int32_t nZoomMode, float fTop);
     void ZoomToPageBox(const SingleViewerPageItem& item, const Rect& rcDevice);
-    void ZoomToPageBoxWidth(const Rect& rcDevice, float fTop);
+    void ZoomToPageBoxWidth(const SingleViewerPageItem& item, const Rect& rcDevice, float fTop);
     void ZoomToPageBoxHeight(const SingleViewerPageItem& item, const Rect& rcBox,
                              const Rect& rcDevice);
 
@@ -120,6 +125,7 @@ private:
     bool m_bSwipeBackward = false;       // the last step went towards the page before
     bool m_bAtLeftEdge = false;          // of a zoomed page, at the last release
     bool m_bAtRightEdge = false;
+    double m_dbMovedWithin = 0.0;        // of the drag under way, between a wide page's edges
     bool m_bCentreNarrowPage = false;    // a narrow page stays centred and is not turned
     bool m_bUseDefaultPageColor = false; // black on white, whatever the settings say
 };

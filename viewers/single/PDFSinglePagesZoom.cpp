@@ -53,6 +53,7 @@ void PDFSinglePagesViewer::OnPageScaled(Point ptCentre, double dbScale, bool bIs
         return;
     }
     RefreshScreenSize();
+    EndSnapshot(); // what it shows stands in for the page from here on
     KeepNearerItem();
     std::string strLog = "PDFSinglePagesViewer::ZoomTo -- dbScale: " + NumberText(dbScale) +
                          ", bIsInertial: " + FlagText(bIsInertial) +

@@ -2,7 +2,7 @@
 #include <utility>
 
 #include "document/VLK_Document.h"
-#include "viewers/core/PageViewerBase.h"
+#include "viewers/core/ViewerCore.h"
 
 namespace velko::vkit {
 
@@ -12,13 +12,13 @@ constexpr float kIconSide = 24.0F; // device pixels at scale 1.0
 
 // Calls one of the document's four conversions with an item's place.
 template <class F, class T>
-auto Convert(VLK_Document& document, F pConversion, const ViewerPageItem& item, const T& value) {
+auto Convert(VLK_Document& document, F pConversion, const LaidOutPage& item, const T& value) {
     const Render_ScreenOffsetInfo& rc = item.screenRect;
     return (document.*pConversion)(item.nPageIndex, rc.dbOffsetX, rc.dbOffsetY, rc.nWidth,
                                    rc.nHeight, item.m_nRotate, value);
 }
 
-std::shared_ptr<Render_PageScreenOffsetInfo> CopyPlace(const ViewerPageItem* pItem) {
+std::shared_ptr<Render_PageScreenOffsetInfo> CopyPlace(const LaidOutPage* pItem) {
     auto pPlace = std::make_shared<Render_PageScreenOffsetInfo>();
     if (pItem) {
         pPlace->nWidth = pItem->screenRect.nWidth;
@@ -31,62 +31,71 @@ std::shared_ptr<Render_PageScreenOffsetInfo> CopyPlace(const ViewerPageItem* pIt
 
 }
 
-PageViewerBase::Point PageViewerBase::ToDevice(Point pt) const {
+const LaidOutPage* ViewerCore::FindLaidOut(std::int32_t nPageIndex) const {
+    for (std::size_t n = 0; n < LaidOutCount(); ++n) {
+        if (LaidOut(n).nPageIndex == nPageIndex) {
+            return &LaidOut(n);
+        }
+    }
+    return nullptr;
+}
+
+ViewerCore::Point ViewerCore::ToDevice(Point pt) const {
     const auto& pPanel = m_pCanvas->Panel();
     return {pt.X * pPanel->CompositionScaleX(), pt.Y * pPanel->CompositionScaleY()};
 }
 
-PageViewerBase::Point PageViewerBase::ToLogical(Point pt) const {
+ViewerCore::Point ViewerCore::ToLogical(Point pt) const {
     const auto& pPanel = m_pCanvas->Panel();
     return {pt.X / pPanel->CompositionScaleX(), pt.Y / pPanel->CompositionScaleY()};
 }
 
-PageViewerBase::Point PageViewerBase::PageToDevice(const ViewerPageItem& item, Point pt) const {
+ViewerCore::Point ViewerCore::PageToDevice(const LaidOutPage& item, Point pt) const {
     return Convert(*m_pDocument, &VLK_Document::PagePointToDevicePoint, item, pt);
 }
 
-PageViewerBase::Point PageViewerBase::DeviceToPage(const ViewerPageItem& item, Point pt) const {
+ViewerCore::Point ViewerCore::DeviceToPage(const LaidOutPage& item, Point pt) const {
     return Convert(*m_pDocument, &VLK_Document::DevicePointToPagePoint, item, pt);
 }
 
-PageViewerBase::Rect PageViewerBase::PageToDevice(const ViewerPageItem& item,
-                                                  const Rect& rc) const {
+ViewerCore::Rect ViewerCore::PageToDevice(const LaidOutPage& item, const Rect& rc) const {
     return Convert(*m_pDocument, &VLK_Document::PageRectToDeviceRect, item, rc);
 }
 
 // With overlapping pages the last one wins.
-std::shared_ptr<PDFPagePoint> PageViewerBase::DevicePointToPagePoint(Point pt) {
+std::shared_ptr<PDFPagePoint> ViewerCore::DevicePointToPagePoint(Point pt) {
     ThrowIfDisposed();
     auto pResult = std::make_shared<PDFPagePoint>();
     pResult->nPageIndex = GetCurrentPageIndex();
     pResult->pt = m_pCanvas ? ToDevice(pt) : pt;
-    if (!HasItems() || !LiveDocument()) {
+    if (!OpenDocument()) {
         return pResult;
     }
     const Point ptDevice = pResult->pt;
-    for (const PageItem& pItem : *m_pPageItems) {
-        if (ToRect(pItem->screenRect).Contains(ptDevice)) {
-            pResult->nPageIndex = pItem->nPageIndex;
-            pResult->pt = DeviceToPage(*pItem, ptDevice);
+    for (std::size_t n = 0; n < LaidOutCount(); ++n) {
+        const LaidOutPage& item = LaidOut(n);
+        if (ToRect(item.screenRect).Contains(ptDevice)) {
+            pResult->nPageIndex = item.nPageIndex;
+            pResult->pt = DeviceToPage(item, ptDevice);
         }
     }
     return pResult;
 }
 
-std::shared_ptr<Render_PageScreenOffsetInfo> PageViewerBase::GetPageScreenOffset(
+std::shared_ptr<Render_PageScreenOffsetInfo> ViewerCore::GetPageScreenOffset(
     std::int32_t nPageIndex) {
     ThrowIfDisposed();
-    const PageItem pItem = FindItem(nPageIndex);
-    return pItem ? CopyPlace(pItem.get()) : nullptr;
+    const LaidOutPage* const pItem = FindLaidOut(nPageIndex);
+    return pItem ? CopyPlace(pItem) : nullptr;
 }
 
-std::shared_ptr<WrapperDevicePoint> PageViewerBase::PagePointToDevicePoint(std::int32_t nPageIndex,
-                                                                           Point pt) {
+std::shared_ptr<WrapperDevicePoint> ViewerCore::PagePointToDevicePoint(std::int32_t nPageIndex,
+                                                                       Point pt) {
     ThrowIfDisposed();
     auto pResult = std::make_shared<WrapperDevicePoint>();
     pResult->nPageIndex = nPageIndex;
-    const PageItem pItem = FindItem(nPageIndex);
-    if (pItem && LiveDocument()) {
+    const LaidOutPage* const pItem = FindLaidOut(nPageIndex);
+    if (pItem && OpenDocument()) {
         pResult->bIsValid = true;
         pResult->pt = ToLogical(PageToDevice(*pItem, pt));
     }
@@ -94,8 +103,8 @@ std::shared_ptr<WrapperDevicePoint> PageViewerBase::PagePointToDevicePoint(std::
 }
 
 // The record of a conversion, without its rectangle; valid with an item.
-std::shared_ptr<WrapperDeviceRect> PageViewerBase::MakeDeviceRect(
-    std::int32_t nPageIndex, const ViewerPageItem* pItem) const {
+std::shared_ptr<WrapperDeviceRect> ViewerCore::MakeDeviceRect(std::int32_t nPageIndex,
+                                                              const LaidOutPage* pItem) const {
     auto pResult = std::make_shared<WrapperDeviceRect>();
     pResult->bIsValid = pItem != nullptr;
     pResult->nPageIndex = nPageIndex;
@@ -103,12 +112,12 @@ std::shared_ptr<WrapperDeviceRect> PageViewerBase::MakeDeviceRect(
     return pResult;
 }
 
-PageViewerBase::PageItem PageViewerBase::FindConvertible(std::int32_t nPageIndex) const {
-    return LiveDocument() ? FindItem(nPageIndex) : nullptr;
+const LaidOutPage* ViewerCore::FindConvertible(std::int32_t nPageIndex) const {
+    return OpenDocument() ? FindLaidOut(nPageIndex) : nullptr;
 }
 
-std::shared_ptr<WrapperDeviceRect> PageViewerBase::PageRectToDeviceRect(std::int32_t nPageIndex,
-                                                                        const Rect& rc) {
+std::shared_ptr<WrapperDeviceRect> ViewerCore::PageRectToDeviceRect(std::int32_t nPageIndex,
+                                                                    const Rect& rc) {
     const auto pResult = PageRectToScreenRect(nPageIndex, rc);
     const Rect rcDevice = std::exchange(pResult->rc, Rect::Empty());
     if (pResult->bIsValid && rcDevice.Width >= 0.0F) {
@@ -121,22 +130,22 @@ std::shared_ptr<WrapperDeviceRect> PageViewerBase::PageRectToDeviceRect(std::int
     return pResult;
 }
 
-std::shared_ptr<WrapperDeviceRect> PageViewerBase::PageRectToScreenRect(std::int32_t nPageIndex,
-                                                                        const Rect& rc) {
+std::shared_ptr<WrapperDeviceRect> ViewerCore::PageRectToScreenRect(std::int32_t nPageIndex,
+                                                                    const Rect& rc) {
     ThrowIfDisposed();
-    const PageItem pItem = FindConvertible(nPageIndex);
-    const auto pResult = MakeDeviceRect(nPageIndex, pItem.get());
+    const LaidOutPage* const pItem = FindConvertible(nPageIndex);
+    const auto pResult = MakeDeviceRect(nPageIndex, pItem);
     if (pItem) {
         pResult->rc = PageToDevice(*pItem, rc);
     }
     return pResult;
 }
 
-std::shared_ptr<WrapperDeviceRect> PageViewerBase::ScreenRectToPageRect(std::int32_t nPageIndex,
-                                                                        const Rect& rc) {
+std::shared_ptr<WrapperDeviceRect> ViewerCore::ScreenRectToPageRect(std::int32_t nPageIndex,
+                                                                    const Rect& rc) {
     ThrowIfDisposed();
-    const PageItem pItem = FindConvertible(nPageIndex);
-    const auto pResult = MakeDeviceRect(nPageIndex, pItem.get());
+    const LaidOutPage* const pItem = FindConvertible(nPageIndex);
+    const auto pResult = MakeDeviceRect(nPageIndex, pItem);
     if (pItem) {
         pResult->rc = Convert(*m_pDocument, &VLK_Document::DeviceRectToPageRect, *pItem, rc);
     }
@@ -144,8 +153,8 @@ std::shared_ptr<WrapperDeviceRect> PageViewerBase::ScreenRectToPageRect(std::int
 }
 
 // The height goes by the X scale, as hosts have always been answered.
-std::shared_ptr<WrapperDeviceRect> PageViewerBase::DeviceRectToPageRect(std::int32_t nPageIndex,
-                                                                        const Rect& rc) {
+std::shared_ptr<WrapperDeviceRect> ViewerCore::DeviceRectToPageRect(std::int32_t nPageIndex,
+                                                                    const Rect& rc) {
     ThrowIfDisposed();
     if (!m_pCanvas) {
         return MakeDeviceRect(nPageIndex, nullptr);
@@ -161,10 +170,10 @@ std::shared_ptr<WrapperDeviceRect> PageViewerBase::DeviceRectToPageRect(std::int
     return ScreenRectToPageRect(nPageIndex, rcDevice);
 }
 
-std::array<double, 6> PageViewerBase::GetDisplayMatrix(std::int32_t nPageIndex) {
+std::array<double, 6> ViewerCore::GetDisplayMatrix(std::int32_t nPageIndex) {
     ThrowIfDisposed();
     velko::common::vxbase::Matrix2D matrix;
-    if (const PageItem pItem = FindConvertible(nPageIndex)) {
+    if (const LaidOutPage* const pItem = FindConvertible(nPageIndex)) {
         const Render_ScreenOffsetInfo& rc = pItem->screenRect;
         matrix = m_pDocument->GetDisplayMatrix(nPageIndex, rc.dbOffsetX, rc.dbOffsetY, rc.nWidth,
                                                rc.nHeight, pItem->m_nRotate);
@@ -172,22 +181,26 @@ std::array<double, 6> PageViewerBase::GetDisplayMatrix(std::int32_t nPageIndex) 
     return {matrix.A, matrix.B, matrix.C, matrix.D, matrix.E, matrix.F};
 }
 
-bool PageViewerBase::IsPointInPage(Point pt) {
+bool ViewerCore::IsPointInPage(Point pt) {
     return GetPageIndexAtPoint(pt) >= 0;
 }
 
-std::int32_t PageViewerBase::GetPageIndexAtPoint(Point pt) {
+std::int32_t ViewerCore::GetPageIndexAtPoint(Point pt) {
     ThrowIfDisposed();
-    if (!HasItems() || !m_pCanvas) {
-        return -1;
+    if (m_pCanvas) {
+        const Point ptDevice = ToDevice(pt);
+        for (std::size_t n = 0; n < LaidOutCount(); ++n) {
+            if (ToRect(LaidOut(n).screenRect).Contains(ptDevice)) {
+                return LaidOut(n).nPageIndex;
+            }
+        }
     }
-    const PageItem pItem = FindItemAt(ToDevice(pt));
-    return pItem ? pItem->nPageIndex : -1;
+    return -1;
 }
 
-PageViewerBase::Point PageViewerBase::AdjustPointInPage(Point pt, std::int32_t nPageIndex) {
+ViewerCore::Point ViewerCore::AdjustPointInPage(Point pt, std::int32_t nPageIndex) {
     ThrowIfDisposed();
-    const PageItem pItem = FindItem(nPageIndex);
+    const LaidOutPage* const pItem = FindLaidOut(nPageIndex);
     if (!pItem || !m_pCanvas) {
         return {-1.0F, -1.0F};
     }
@@ -206,19 +219,20 @@ PageViewerBase::Point PageViewerBase::AdjustPointInPage(Point pt, std::int32_t n
     return pt;
 }
 
-PageViewerBase::Rect PageViewerBase::GetPageRectAtPoint(Point pt, std::int32_t nPageIndex) {
+ViewerCore::Rect ViewerCore::GetPageRectAtPoint(Point pt, std::int32_t nPageIndex) {
     ThrowIfDisposed();
-    if (!HasItems() || !m_pCanvas) {
+    if (!m_pCanvas) {
         return {};
     }
     const auto& pPanel = m_pCanvas->Panel();
     const float fScaleX = pPanel->CompositionScaleX();
     const float fScaleY = pPanel->CompositionScaleY();
-    for (const PageItem& pItem : *m_pPageItems) {
-        const Rect rc = ToRect(pItem->screenRect);
+    for (std::size_t n = 0; n < LaidOutCount(); ++n) {
+        const LaidOutPage& item = LaidOut(n);
+        const Rect rc = ToRect(item.screenRect);
         const Rect rcLogical(rc.X / fScaleX, rc.Y / fScaleY, rc.Width / fScaleX,
                              rc.Height / fScaleY);
-        if (nPageIndex == -1 ? rcLogical.Contains(pt) : pItem->nPageIndex == nPageIndex) {
+        if (nPageIndex == -1 ? rcLogical.Contains(pt) : item.nPageIndex == nPageIndex) {
             return rcLogical;
         }
     }

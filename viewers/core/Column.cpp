@@ -1,0 +1,116 @@
+#include "viewers/core/Column.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace velko::vkit {
+
+double Column::LongestStep() const {
+    return std::max(1.0, m_dbScreen - m_dbGap);
+}
+
+double Column::LimitMove(const LaidOutPage& first, const LaidOutPage& last, double dbMove) {
+    if (dbMove < 0.0) {
+        return LimitUp(first, dbMove);
+    }
+    return dbMove > 0.0 ? LimitDown(last, dbMove) : dbMove;
+}
+
+double Column::LimitUp(const LaidOutPage& first, double dbMove) {
+    const double dbTop = first.screenRect.dbOffsetY;
+    const bool bReachesTop = dbTop > 0.0 || std::abs(dbMove) >= std::abs(dbTop);
+    return bReachesTop && !RoomAbove(first.nPageIndex) ? dbTop : dbMove;
+}
+
+double Column::LimitDown(const LaidOutPage& last, double dbMove) {
+    const double dbHeight = m_pages.ColumnLength() < 2 ? m_dbCanvas : m_dbScreen;
+    const double dbOverhang = BottomOf(last) - dbHeight;
+    return dbOverhang < dbMove && !RoomBelow(last.nPageIndex) ? std::max(0.0, dbOverhang) : dbMove;
+}
+
+double Column::GapAbove(const LaidOutPage& first) {
+    const double dbTop = first.screenRect.dbOffsetY;
+    return dbTop > 0.0 && !RoomAbove(first.nPageIndex) ? dbTop : 0.0;
+}
+
+double Column::GapBelow(const LaidOutPage& first, const LaidOutPage& last) {
+    double dbGap = m_dbScreen - BottomOf(last);
+    if (dbGap <= 0.0 || RoomBelow(last.nPageIndex)) {
+        return 0.0;
+    }
+    if (!RoomAbove(first.nPageIndex)) {
+        dbGap = std::min(dbGap, -first.screenRect.dbOffsetY);
+    }
+    return std::max(0.0, dbGap);
+}
+
+bool Column::HoldsScreen(const LaidOutPage& item) const {
+    return item.screenRect.dbOffsetY < m_dbCanvas && BottomOf(item) + m_dbGap > 0.0;
+}
+
+bool Column::HasLeftAbove(const LaidOutPage& item) const {
+    return item.screenRect.dbOffsetY < 0.0 && BottomOf(item) + m_dbGap <= 0.0;
+}
+
+std::int32_t Column::CurrentPage(const LaidOutPage& first) const {
+    const std::int32_t nLast = std::max(0, m_pages.ColumnLength() - 1);
+    const Render_ScreenOffsetInfo& rc = first.screenRect;
+    if (rc.dbOffsetY >= 0.0) {
+        return std::min(first.nPageIndex, nLast);
+    }
+    const double dbHidden = std::abs(rc.dbOffsetY);
+    const bool bMostlyShown = rc.nHeight < m_dbCanvas ? dbHidden < rc.nHeight / 2
+                                                      : m_dbCanvas * 0.5 < rc.nHeight - dbHidden;
+    return std::min(bMostlyShown ? first.nPageIndex : first.nPageIndex + 1, nLast);
+}
+
+// --- over pages that are not laid out ---
+
+bool Column::RoomAbove(std::int32_t nPageIndex) {
+    while (--nPageIndex >= 0) {
+        if (m_pages.TakesRoom(nPageIndex)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool Column::RoomBelow(std::int32_t nPageIndex) {
+    while (++nPageIndex < m_pages.ColumnLength()) {
+        if (m_pages.TakesRoom(nPageIndex)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool Column::FillScreenFrom(std::int32_t nPageIndex) {
+    double dbLeft = m_dbScreen;
+    for (; nPageIndex < m_pages.ColumnLength(); ++nPageIndex) {
+        if (m_pages.TakesRoom(nPageIndex)) {
+            dbLeft = dbLeft - m_pages.HeightInColumn(nPageIndex) - m_dbGap;
+        }
+        if (dbLeft <= 0.0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+double Column::TailOverflow(std::int32_t& nPageIndex) {
+    if (FillScreenFrom(nPageIndex)) {
+        return 0.0;
+    }
+    double dbLeft = m_dbScreen;
+    bool bIsLast = true;
+    for (std::int32_t nPage = m_pages.ColumnLength() - 1; nPage >= 0 && dbLeft > 0.0; --nPage) {
+        nPageIndex = nPage;
+        if (m_pages.TakesRoom(nPage)) {
+            dbLeft -= m_pages.HeightInColumn(nPage) + (bIsLast ? 0.0 : m_dbGap);
+            bIsLast = false;
+        }
+    }
+    return std::min(dbLeft, 0.0);
+}
+
+}

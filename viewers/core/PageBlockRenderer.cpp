@@ -1,0 +1,71 @@
+#include "viewers/core/PageBlockRenderer.h"
+
+#include <utility>
+
+#include "document/VLK_Document.h"
+#include "viewers/core/IPageItemHost.h"
+#include "viewers/core/ViewerPageItemBlock.h"
+
+namespace velko::vkit {
+
+namespace {
+
+// Counts a render in flight in the page's entry, until it is gone.
+class PageUse {
+public:
+    PageUse(std::shared_ptr<VLK_Document> pDocument, std::shared_ptr<WPPDFPage> pEntry)
+        : m_pDocument(std::move(pDocument)), m_pEntry(std::move(pEntry)) {
+        m_pDocument->AddPageUse(m_pEntry, 1);
+    }
+    ~PageUse() { m_pDocument->AddPageUse(m_pEntry, -1); }
+    PageUse(const PageUse&) = delete;
+    PageUse& operator=(const PageUse&) = delete;
+
+private:
+    const std::shared_ptr<VLK_Document> m_pDocument;
+    const std::shared_ptr<WPPDFPage> m_pEntry;
+};
+
+}
+
+BlockRender PageBlockRenderer::Start(const ViewerPageItemBlock& block,
+                                     concurrency::cancellation_token token) {
+    const auto pHost = m_wkHost.lock();
+    const auto pDocument = pHost ? pHost->LiveDocument() : nullptr;
+    const auto pEntry = pDocument ? pDocument->ReLoadPageIndex(m_nPageIndex) : nullptr;
+    if (!pEntry || !pEntry->m_pPageHandle || !pEntry->m_pPageHandle->m_pPage) {
+        return {};
+    }
+    BlockRender render;
+    render.pUse = std::make_shared<PageUse>(pDocument, pEntry);
+    render.pQueue = pDocument->RenderQueue();
+    render.fnRender = [pDocument,
+                       request = MakeRequest(block, *pHost, *pDocument, *pEntry, std::move(token))](
+                          BitmapBox& box) { return pDocument->RenderPageBlock(request, box); };
+    return render;
+}
+
+RenderBlockRequest PageBlockRenderer::MakeRequest(const ViewerPageItemBlock& block,
+                                                  const IPageItemHost& host,
+                                                  const VLK_Document& document,
+                                                  const WPPDFPage& entry,
+                                                  concurrency::cancellation_token token) {
+    const BlockColors colors = host.RenderColors();
+    const Render_PDFPageOffsetInfo& pageOffset = block.PageOffset();
+    RenderBlockRequest request;
+    request.pPage = entry.m_pPageHandle->m_pPage;
+    request.nLeft = pageOffset.nOffsetX;
+    request.nTop = pageOffset.nOffsetY;
+    request.nBitmapWidth = block.screenRect.nWidth;
+    request.nBitmapHeight = block.screenRect.nHeight;
+    request.fDisplayWidth = static_cast<float>(pageOffset.nPageWidth);
+    request.fDisplayHeight = static_cast<float>(pageOffset.nPageHeight);
+    request.nRotate = block.m_nRotate;
+    request.nBackColor = colors.nBackground;
+    request.nForeColor = colors.nForeground;
+    request.token = std::move(token);
+    document.FillRenderState(request);
+    return request;
+}
+
+}
