@@ -356,6 +356,8 @@ void PDFViewCanvas::PostPendingFrame() {
                 return;
             }
             const auto pClient = request.wkClient.lock();
+            // A handler may let go of the client while later frames still ask for it.
+            const std::shared_ptr<void> pKeptAlive = pClient ? pClient->KeepAlive() : nullptr;
             if (pClient || !request.pDraw) {
                 pSelf->RequestFrame(pClient.get(), request.pDraw);
             }

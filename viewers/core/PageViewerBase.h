@@ -146,7 +146,7 @@ private:
     concurrency::task<void> ShowLoadedBox(std::int32_t nPageIndex, BoxStep fnShow);
 
     // --- drawing ---
-    void DrawPages(Windows::Graphics::ID2D1DeviceContext& context);
+    bool DrawPages(Windows::Graphics::ID2D1DeviceContext& context);
     void DrawBackdrop(Windows::Graphics::ID2D1DeviceContext& context) const;
     void DrawItem(Windows::Graphics::ID2D1DeviceContext& context, const ViewerPageItem& item,
                   std::size_t nPosition) const;
@@ -182,6 +182,7 @@ private:
     bool m_bZoomOpen = false;          // a step was shown that was not the last
     bool m_bZoomWasOpen = false;       // before the change of place that is under way
     bool m_bDrawing = false;
+    bool m_bFrameDrawn = false; // to its end, since it was asked for
 };
 
 }

@@ -58,8 +58,11 @@ void DrawStretched(ID2D1DeviceContext& context, const std::shared_ptr<ID2D1Bitma
 void PageViewerBase::PaintCanvas() {
     const auto pCanvas = m_pCanvas;
     if (pCanvas && m_pPageItems) {
+        m_bFrameDrawn = false;
         pCanvas->RenderViewer(*this);
-        GiveBackMemory();
+        if (m_bFrameDrawn) { // not when asked for within another frame
+            GiveBackMemory();
+        }
     }
 }
 
@@ -100,13 +103,13 @@ void PageViewerBase::OnRenderCanvas(const std::shared_ptr<WPRenderDC>& pDc) {
         DrawBackdrop(*pContext);
         pContext->SetTransform(D2D_MATRIX_3X2_F());
     }
-    DrawPages(*pContext);
+    m_bFrameDrawn = DrawPages(*pContext);
     pContext->EndDraw();
 }
 
 // A handler of the host may change the layout; it has then asked for a frame of
-// that layout, and the rest of this one is of no use.
-void PageViewerBase::DrawPages(ID2D1DeviceContext& context) {
+// that layout, and the rest of this one is of no use: then false.
+bool PageViewerBase::DrawPages(ID2D1DeviceContext& context) {
     const std::uint64_t nVersion = m_nLayoutVersion;
     for (std::size_t n = 0; nVersion == m_nLayoutVersion && n < m_pPageItems->size(); ++n) {
         const PageItem pItem = (*m_pPageItems)[n];
@@ -122,6 +125,7 @@ void PageViewerBase::DrawPages(ID2D1DeviceContext& context) {
                 Canvas(), pItem->nPageIndex, pItem->m_nRotate));
         }
     }
+    return nVersion == m_nLayoutVersion;
 }
 
 void PageViewerBase::DrawBackdrop(ID2D1DeviceContext& context) const {
@@ -183,8 +187,6 @@ void PageViewerBase::DrawStandIns(ID2D1DeviceContext& context, const ViewerPageI
 
 // --- after a frame ---
 
-// A frame may have failed, or not been drawn within another one; then what it
-// should have replaced is still there to be shown, as blocks or as stand-ins.
 void PageViewerBase::GiveBackMemory() {
     if (!m_pPageItems) {
         return;
