@@ -196,7 +196,12 @@ protected:
         strDone += " " + std::to_string(nAction);
         (this->*kActions[nAction])();
     }
-    void Move() { pControl->MoveScreen(Coordinate(), Coordinate() / 4); }
+    void Move() {
+        pControl->MoveScreen(Coordinate(), Coordinate() / 4);
+        if (!GetParam().bEvilHost && pControl->GetPageLayoutMode() == 1) {
+            CheckEnds();
+        }
+    }
     void Start(Point pt) {
         Input::ManipulationStartedRoutedEventArgs args;
         args.Position = pt;
@@ -453,6 +458,17 @@ protected:
             }
             CheckBlocks(item);
         }
+        // Of single pages, asking for the place in the middle of a turn takes one away.
+        EXPECT_TRUE(bSingle || state.items.empty() || Screen().Width < 2.0F ||
+                    std::any_of(state.items.begin(), state.items.end(),
+                                [&](const auto& item) {
+                                    const auto& rc = item.screenRect;
+                                    return rc.dbOffsetX < Screen().Width &&
+                                           rc.dbOffsetX + rc.nWidth > 0.0 &&
+                                           rc.dbOffsetY < Screen().Height &&
+                                           rc.dbOffsetY + rc.nHeight + 15 > 0.0;
+                                }))
+            << "no page is on the screen";
         EXPECT_GE(pControl->GetCurrentPageIndex(), 0);
         EXPECT_LT(pControl->GetCurrentPageIndex(), GetParam().nPages);
         EXPECT_LE(pControl->GetScale(), pControl->GetMaxScale());
@@ -468,6 +484,22 @@ protected:
                                  (above.screenRect.dbOffsetY + above.screenRect.nHeight);
             EXPECT_LT(std::abs(dbGap - 15.0), 1.0 + kRounding);
         }
+    }
+
+    // No move leaves the document's start below the top, or the end of one that
+    // is taller than the screen above the bottom.
+    void CheckEnds() {
+        const auto pInspection = Inspection();
+        const vkit::ViewerState state = pInspection ? pInspection->Inspect() : vkit::ViewerState();
+        if (state.items.empty()) {
+            return;
+        }
+        const auto& first = state.items.front();
+        const auto& last = state.items.back();
+        EXPECT_TRUE(first.nPageIndex > 0 || first.screenRect.dbOffsetY <= 0.001);
+        const bool bTaller = first.nPageIndex > 0 || first.screenRect.dbOffsetY < -0.001;
+        EXPECT_TRUE(last.nPageIndex < GetParam().nPages - 1 || !bTaller ||
+                    last.screenRect.dbOffsetY + last.screenRect.nHeight >= Screen().Height - 1.0);
     }
 
     // A page narrower than the screen stands in the middle, another one covers

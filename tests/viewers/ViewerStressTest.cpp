@@ -1,5 +1,4 @@
 // The viewer with real pool threads under it; for the thread sanitizer.
-#include <chrono>
 #include <random>
 
 #include "tests/viewers/ViewerFixture.h"
@@ -7,42 +6,6 @@
 namespace velko::testing {
 
 namespace {
-
-TEST(ViewerStressTest, OpenScrollAndCloseWhileRendering) {
-    ViewerWorld w(Platform::Fake::TestHost::RealPool{4});
-    std::mt19937 random(7); // the same run every time
-    int nClosedAtWork = 0;
-    for (int nRound = 0; nRound < 500; ++nRound) {
-        w.Open(MakePages(40, 60, 90), 64, 128);
-        for (int nStep = 0; nStep < 6; ++nStep) {
-            w.Viewer().MoveScreen(static_cast<double>(random() % 400) - 100, 0);
-            if (random() % 3 == 0) {
-                w.host.Dispatcher().RunOne();
-            }
-            if (random() % 8 == 0) {
-                w.Viewer().RedrawScreen();
-            }
-        }
-        const auto fnIsRendering = [&] {
-            return w.CountBlocks([](const auto& b) { return b.bIsRendering; }) > 0;
-        };
-        if (nRound % 5 == 0) { // on a slow machine too, every fifth closes at work for sure
-            w.Viewer().RedrawScreen();
-            w.host.WaitUntil(fnIsRendering, std::chrono::seconds(30));
-        }
-        nClosedAtWork += fnIsRendering() ? 1 : 0;
-        if (nRound % 3 == 0) {
-            w.pDocument->Dispose();
-        }
-        w.Viewer().Dispose();
-        w.host.Dispatcher().RunAll();
-        w.pViewer.reset();
-    }
-    w.Settle();
-    EXPECT_GE(nClosedAtWork, 100);
-    EXPECT_EQ(w.pEngine->LiveBitmaps(), 0);
-    EXPECT_EQ(w.Device().LiveBitmaps(), 0);
-}
 
 TEST(ViewerStressTest, PagesReachTheEngineFromTheTopDown) {
     ViewerWorld w(Platform::Fake::TestHost::RealPool{4});
