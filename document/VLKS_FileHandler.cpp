@@ -4,12 +4,10 @@
 #include <utility>
 
 #include "platform/foundation/Exception.h"
-#include "platform/storage/DataReaderWriter.h"
 
 namespace velko::vkit {
 
 using concurrency::critical_section;
-using Windows::Storage::Streams::DataReader;
 
 void VLKS_FileHandler::SetReadWrite(std::shared_ptr<VLKS_FileHandlerReadWrite> pReadWrite) {
     const critical_section::scoped_lock lock(m_lock);
@@ -34,13 +32,15 @@ std::uint32_t VLKS_FileHandler::GetSize() {
 
 bool VLKS_FileHandler::ReadBlock(std::span<std::uint8_t> destination, std::uint64_t nOffset,
                                  std::uint32_t nSize) {
-    std::fill(destination.begin(), destination.end(), std::uint8_t{0});
-    auto pBuffer = ReadBytes(nOffset, nSize);
-    if (!pBuffer) {
-        return false;
+    const auto pReadWrite = ReadWrite();
+    if (nSize < destination.size()) {
+        throw Platform::OutOfBoundsException("fewer bytes asked for than the destination holds");
     }
-    DataReader::FromBuffer(std::move(pBuffer))->ReadBytes(destination);
-    return true;
+    if (pReadWrite && pReadWrite->ReadInto(destination, nOffset)) {
+        return true;
+    }
+    std::fill(destination.begin(), destination.end(), std::uint8_t{0});
+    return false;
 }
 
 VLKS_FileHandlerReadWrite::BufferPtr VLKS_FileHandler::ReadBytes(std::uint64_t nOffset,

@@ -1,6 +1,10 @@
 // The reader that the engine is given: its blocking callback over
 // `VLKS_FileHandlerReadWrite`.
 //
+// Two classes, because their lives differ: the engine may hold the handler for
+// as long as it likes, while the other, with the file and the memory of its
+// head, goes when the engine or the document says that it is done.
+//
 // Lifetime: whoever opens gives it its read-write object with `SetReadWrite`;
 // the engine's `Release`, or `Dispose`, ends it. After that every operation
 // raises `ObjectDisposedException`, `Release` and `Dispose` excepted. A read in
@@ -24,8 +28,9 @@ public:
 
     std::uint32_t GetSize() override;
 
-    // Zeroes the destination first. False when nothing came; raises
-    // `OutOfBoundsException` when less came than the destination holds.
+    // Reads as many bytes as `destination` holds; `nSize` says the same once
+    // more. False, and zeros, when nothing came. Raises `OutOfBoundsException`
+    // when less came, and what `VLKS_FileHandlerReadWrite` raises.
     bool ReadBlock(std::span<std::uint8_t> destination, std::uint64_t nOffset,
                    std::uint32_t nSize) override;
 

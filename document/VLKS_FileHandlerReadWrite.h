@@ -2,26 +2,26 @@
 // the file held in memory.
 //
 // The file is pinned when it is set: every read sees the bytes of that moment,
-// also when the path is replaced later. `SetFile` and `PreloadFile` come first,
-// once each, on one thread; reads may then run on any threads, several at a
-// time, but never on the UI thread while it must stay responsive: a read that
-// goes to the file blocks until the file answers.
+// also when the path is replaced later, or fails. `SetFile` and `PreloadFile`
+// come first, once each, on one thread; reads may then run on any threads,
+// several at a time, but never on the UI thread while it must stay responsive:
+// a read that goes to the file blocks until the file answers, until `EndWaits`,
+// or until the task pool that the calling thread belongs to ends.
 // Units: bytes.
-// Errors: a file that does not answer gives an empty result and a line in the
-// debug output; nothing is raised.
+// Errors: a file that does not answer gives nothing and a line in the debug
+// output. A file that was written to since it was set, which is no fault of a
+// disk and heals with no second try, raises `Platform::FileChangedException`.
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
+#include <span>
+#include <vector>
 
+#include "platform/concurrency/CriticalSection.h"
 #include "platform/foundation/Collections.h"
 #include "platform/storage/Buffer.h"
 #include "platform/storage/StorageFile.h"
-
-namespace Windows::Storage::Streams {
-class DataReader;
-}
 
 namespace velko::vkit {
 
@@ -29,7 +29,7 @@ class VLKS_FileHandlerReadWrite {
 public:
     using BufferPtr = std::shared_ptr<Windows::Storage::Streams::IBuffer>;
 
-    // How much of the head is held, 30 MiB.
+    // How much of the head is held at most, 30 MiB.
     static constexpr std::uint32_t kCacheLimit = 0x1E00000;
 
     VLKS_FileHandlerReadWrite();
@@ -41,14 +41,22 @@ public:
     void SetFile(const std::shared_ptr<Windows::Storage::StorageFile>& pFile,
                  std::int32_t nFileSize);
 
-    // Reads the head. False when the file did not answer; what could not be
-    // read is then served as zeros.
+    // Reads the head. False when the file did not answer. The head that is held
+    // ends where the read ended; what lies behind it is read when it is asked for.
     bool PreloadFile();
 
-    // Up to `nSize` bytes at `nOffset`; empty when nothing came, and for a
-    // span that ends beyond the size told. A span that ends within the cache
-    // limit comes from memory, any other whole from the file.
+    // Fills `destination` with the bytes at `nOffset`. False when nothing came,
+    // and for a span that ends beyond the size told; raises
+    // `OutOfBoundsException` when fewer came. A span that lies within the held
+    // head comes from memory, any other whole from the file.
+    bool ReadInto(std::span<std::uint8_t> destination, std::uint64_t nOffset);
+
+    // The same, as a buffer of what came, up to `nSize`; empty when nothing did.
     BufferPtr ReadBytes(std::uint64_t nOffset, std::uint32_t nSize);
+
+    // Ends the waits of all reads that are under way, as if the file had not
+    // answered, and of those that come. Any thread.
+    void EndWaits();
 
     std::int32_t Size() const { return m_nFileSize; }
 
@@ -58,19 +66,23 @@ public:
 
 private:
     struct PendingRead;
-    // Gets the bytes that came out of the reader; called when there are any.
-    using Take = std::function<void(Windows::Storage::Streams::DataReader&, std::uint32_t nLoaded)>;
     using BlockList = Windows::Foundation::Collections::ObservableVector<BufferPtr>;
 
-    bool IsHeld(std::uint64_t nOffset, std::uint32_t nSize) const;
-    std::shared_ptr<PendingRead> ReadFile(std::uint64_t nOffset, std::uint32_t nSize,
-                                          Take fnTake) const;
+    bool IsWithinFile(std::uint64_t nOffset, std::uint64_t nSize) const;
+    bool IsHeld(std::uint64_t nOffset, std::uint64_t nSize) const;
+    std::shared_ptr<PendingRead> ReadFile(std::uint64_t nOffset, std::uint32_t nSize);
+    bool BeginWait(const std::shared_ptr<PendingRead>& pRead); // false once waits are ended
+    void EndWait(const std::shared_ptr<PendingRead>& pRead);
 
     std::shared_ptr<Windows::Storage::StorageFile> m_pFile; // pinned
     std::int32_t m_nFileSize = 0;
     std::uint64_t m_nStreamSize = 0;
     std::shared_ptr<BlockList> m_pBlocks;
-    std::unique_ptr<std::uint8_t[]> m_pCache; // empty before the preload
+    BufferPtr m_pCache; // the head that is held; empty before the preload
+
+    concurrency::critical_section m_waitsLock; // a leaf
+    std::vector<std::shared_ptr<PendingRead>> m_waits VLK_GUARDED_BY(m_waitsLock);
+    bool m_bWaitsEnded VLK_GUARDED_BY(m_waitsLock) = false;
 };
 
 }

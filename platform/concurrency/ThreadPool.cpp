@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <chrono>
-#include <system_error>
+#include <exception>
+#include <iterator>
 #include <utility>
 
 namespace concurrency {
@@ -16,8 +17,14 @@ constexpr std::chrono::seconds kIdleLife(5);
 
 class ThreadPool::worker final : public blocking_scope::observer {
 public:
-    explicit worker(ThreadPool& pool) : m_pool(pool) { blocking_scope::set_thread_observer(this); }
-    ~worker() override { blocking_scope::set_thread_observer(nullptr); }
+    explicit worker(ThreadPool& pool) : m_pool(pool) {
+        blocking_scope::set_thread_observer(this);
+        stop_signal::install(&pool.m_stopSignal);
+    }
+    ~worker() override {
+        stop_signal::install(nullptr);
+        blocking_scope::set_thread_observer(nullptr);
+    }
     worker(const worker&) = delete;
     worker& operator=(const worker&) = delete;
 
@@ -44,6 +51,7 @@ ThreadPool::~ThreadPool() {
 }
 
 void ThreadPool::stop() {
+    m_stopSignal.stop();
     std::deque<work> dropped;
     std::vector<std::thread> threads;
     {
@@ -57,6 +65,28 @@ void ThreadPool::stop() {
     }
     dropped.clear();
     for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+void ThreadPool::abandon() {
+    m_stopSignal.stop();
+    std::deque<work> dropped;
+    std::vector<std::thread> ended;
+    {
+        std::unique_lock<std::mutex> lock(m_lock);
+        m_bStopping = true;
+        m_bAbandoned = true;
+        dropped.swap(m_queue);
+        m_changed.notify_all();
+        m_left.wait(lock, [this] { return m_nThreads == m_nBlocked; });
+        for (std::thread& thread : m_threads) {
+            thread.detach();
+        }
+        m_threads.clear();
+        ended.swap(m_ended);
+    }
+    for (std::thread& thread : ended) {
         thread.join();
     }
 }
@@ -93,20 +123,24 @@ void ThreadPool::StartThread() {
     try {
         m_threads.emplace_back([this] { RunWorker(); });
         ++m_nThreads;
-    } catch (const std::system_error&) {
-        // The machine gives no more threads. The work stays in the queue, for a
-        // thread that there is or for the next try: it is not the caller's again.
+    } catch (const std::exception&) {
+        // The machine gives no more threads, or no memory for one. The work stays in the queue, for
+        // a thread that there is or for the next try: it is not the caller's again.
     }
 }
 
 void ThreadPool::BeginBlocking() {
     const std::lock_guard<std::mutex> lock(m_lock);
     ++m_nBlocked;
+    m_left.notify_all();
     GrowIfNeeded();
 }
 
 void ThreadPool::EndBlocking() {
-    const std::lock_guard<std::mutex> lock(m_lock);
+    std::unique_lock<std::mutex> lock(m_lock);
+    if (m_bAbandoned) {
+        m_changed.wait(lock, [] { return false; }); // what it would go back to may be gone
+    }
     --m_nBlocked;
 }
 
@@ -130,6 +164,7 @@ void ThreadPool::RunWorker() {
         }
     }
     --m_nThreads;
+    m_left.notify_all();
     const auto itSelf = std::find_if(m_threads.begin(), m_threads.end(), [](const std::thread& t) {
         return t.get_id() == std::this_thread::get_id();
     });

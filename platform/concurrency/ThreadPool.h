@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "platform/concurrency/Scheduler.h"
+#include "platform/concurrency/StopSignal.h"
 
 namespace concurrency {
 
@@ -27,9 +28,15 @@ public:
 
     void schedule(work fnWork) override;
 
-    // Lets the running works end, destroys those that have not begun and what
-    // comes from now on, and joins. Not from a thread of the pool.
+    // Lets the running works end, with their waits by `stop_signal` cut short,
+    // destroys those that have not begun and what comes from now on, and joins.
+    // Not from a thread of the pool.
     void stop();
+
+    // As `stop`, but leaves behind the threads that wait inside a
+    // `blocking_scope`: a system call may never return. Such a thread runs
+    // nothing any more once it does. The pool itself must never be destroyed.
+    void abandon();
 
     // True when no work waits or runs.
     bool is_idle() const;
@@ -46,6 +53,7 @@ private:
     const unsigned m_nWanted;
     mutable std::mutex m_lock;
     std::condition_variable m_changed;
+    std::condition_variable m_left; // a thread ended, or began to wait
     std::deque<work> m_queue;
     std::vector<std::thread> m_threads;
     std::vector<std::thread> m_ended; // threads that left, to be joined
@@ -53,6 +61,8 @@ private:
     unsigned m_nIdle = 0;
     unsigned m_nBlocked = 0;
     bool m_bStopping = false;
+    bool m_bAbandoned = false;
+    stop_signal m_stopSignal;
 };
 
 }

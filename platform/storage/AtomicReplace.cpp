@@ -7,7 +7,9 @@
 #include <cstdint>
 #include <cstdlib>
 #include <optional>
+#include <span>
 #include <utility>
+#include <vector>
 
 #include "platform/concurrency/Scheduler.h"
 #include "platform/foundation/Exception.h"
@@ -75,13 +77,15 @@ std::optional<std::pair<std::uint64_t, std::uint64_t>> NextData(int nFd, std::ui
 }
 
 void CopyRun(int nSource, int nTarget, std::uint64_t nFrom, std::uint64_t nEnd) {
+    std::vector<std::uint8_t> bytes(std::min(kChunk, nEnd - nFrom));
     while (nFrom < nEnd) {
-        const auto bytes = ReadAt(nSource, nFrom, std::min(kChunk, nEnd - nFrom));
-        if (bytes.empty()) {
+        const std::span wanted = std::span(bytes).first(std::min(kChunk, nEnd - nFrom));
+        const std::size_t nRead = ReadAt(nSource, nFrom, wanted);
+        if (nRead == 0) {
             throw Platform::ReadFaultException("the source became shorter while it was copied");
         }
-        WriteAt(nTarget, nFrom, bytes);
-        nFrom += bytes.size();
+        WriteAt(nTarget, nFrom, wanted.first(nRead));
+        nFrom += nRead;
     }
 }
 

@@ -2,7 +2,8 @@
 //
 // They multiply when system calls or completion handlers block, and no work of
 // the task pool ever runs on them: a pool thread that waits for a read always
-// wakes. The process has one set; it ends with the process's static objects.
+// wakes. The process has one set; it ends with the process's static objects,
+// and leaves behind those that hang in a system call.
 #pragma once
 
 #include <type_traits>

@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <limits>
 #include <memory>
 #include <mutex>
 #include <system_error>
@@ -137,29 +136,22 @@ struct stat Status(int nFd, const std::string& strPath) {
     return status;
 }
 
-std::vector<std::uint8_t> ReadAt(int nFd, std::uint64_t nOffset, std::uint64_t nCount) {
-    const struct stat status = Status(nFd, "read");
-    const auto nSize = static_cast<std::uint64_t>(std::max<off_t>(status.st_size, 0));
-    if (nOffset >= nSize) {
-        return {};
-    }
-    std::vector<std::uint8_t> bytes(std::min(nCount, nSize - nOffset));
+std::size_t ReadAt(int nFd, std::uint64_t nOffset, std::span<std::uint8_t> destination) {
     std::size_t nDone = 0;
-    while (nDone < bytes.size()) {
+    while (nDone < destination.size()) {
         const ssize_t nRead = Call("pread", [&] {
-            return ::pread(nFd, bytes.data() + nDone, bytes.size() - nDone,
+            return ::pread(nFd, destination.data() + nDone, destination.size() - nDone,
                            static_cast<off_t>(nOffset + nDone));
         });
         if (nRead < 0) {
             RaiseError(errno, Direction::Read, "read");
         }
         if (nRead == 0) {
-            break; // the file has shrunk
+            break; // the file's end, wherever that is by now
         }
         nDone += static_cast<std::size_t>(nRead);
     }
-    bytes.resize(nDone);
-    return bytes;
+    return nDone;
 }
 
 void WriteAt(int nFd, std::uint64_t nOffset, std::span<const std::uint8_t> bytes) {

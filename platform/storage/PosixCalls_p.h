@@ -6,10 +6,10 @@
 
 #include <sys/stat.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
-#include <vector>
 
 namespace Windows::Storage::Posix {
 
@@ -38,8 +38,9 @@ FileDescriptor OpenRegular(const std::string& strPath, int nFlags);
 
 struct stat Status(int nFd, const std::string& strPath);
 
-// Up to `nCount` bytes at `nOffset`: fewer only at the end of the file.
-std::vector<std::uint8_t> ReadAt(int nFd, std::uint64_t nOffset, std::uint64_t nCount);
+// Fills `destination` from `nOffset` on; returns how many bytes came, fewer
+// only at the end of the file.
+std::size_t ReadAt(int nFd, std::uint64_t nOffset, std::span<std::uint8_t> destination);
 void WriteAt(int nFd, std::uint64_t nOffset, std::span<const std::uint8_t> bytes);
 
 // Synchronises a file, or a folder by its path, with the disk.

@@ -3,13 +3,16 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <exception>
-#include <limits>
+#include <optional>
 #include <utility>
 
 #include "platform/foundation/Exception.h"
 #include "platform/storage/AtomicReplace_p.h"
+#include "platform/storage/FileChangedException.h"
+#include "platform/storage/FillBuffer_p.h"
 #include "platform/storage/IoThreads_p.h"
 #include "platform/storage/PosixCalls_p.h"
 #include "platform/storage/PosixFile_p.h"
@@ -18,9 +21,9 @@ namespace Windows::Storage {
 
 using Foundation::AsyncAction;
 using Foundation::AsyncOperation;
+using Streams::FillBuffer;
 using Streams::IBuffer;
 using Streams::IRandomAccessStream;
-using Streams::VectorBuffer;
 
 namespace {
 
@@ -45,11 +48,29 @@ BasicProperties PropertiesOf(const struct stat& status) {
     return properties;
 }
 
-// Reads by offset, so that several streams share one open file.
+// What tells the bytes of one moment from those after a write in place.
+class FileState {
+public:
+    explicit FileState(const struct stat& status)
+        : m_nSize(status.st_size), m_changed(status.st_mtim) {}
+
+    bool IsThatOf(const struct stat& status) const {
+        return status.st_size == m_nSize && status.st_mtim.tv_sec == m_changed.tv_sec &&
+               status.st_mtim.tv_nsec == m_changed.tv_nsec;
+    }
+
+private:
+    off_t m_nSize;
+    timespec m_changed;
+};
+
+// Reads by offset, so that several streams share one open file. With a pinned
+// state it refuses the bytes of any other.
 class FileStream final : public IRandomAccessStream,
                          public std::enable_shared_from_this<FileStream> {
 public:
-    explicit FileStream(SharedDescriptor pFd) : m_pFd(std::move(pFd)) {}
+    explicit FileStream(SharedDescriptor pFd, std::optional<FileState> pinned = std::nullopt)
+        : m_pFd(std::move(pFd)), m_pinned(pinned) {}
 
     std::uint64_t Size() const override {
         return static_cast<std::uint64_t>(Posix::Status(m_pFd->Get(), "stream").st_size);
@@ -57,15 +78,28 @@ public:
     void Seek(std::uint64_t nPosition) override { m_nPosition = nPosition; }
 
     AsyncOperation<BufferPtr> ReadAsync(std::uint32_t nCount) override {
-        return RunOnIoThread([pSelf = shared_from_this(), nCount]() -> BufferPtr {
-            auto bytes = Posix::ReadAt(pSelf->m_pFd->Get(), pSelf->m_nPosition, nCount);
-            pSelf->m_nPosition += bytes.size();
-            return std::make_shared<VectorBuffer>(std::move(bytes));
-        });
+        return RunOnIoThread(
+            [pSelf = shared_from_this(), nCount]() -> BufferPtr { return pSelf->Read(nCount); });
     }
 
 private:
+    BufferPtr Read(std::uint64_t nCount) {
+        const auto nSize = static_cast<std::uint64_t>(
+            std::max<off_t>(Posix::Status(m_pFd->Get(), "read").st_size, 0));
+        const std::uint64_t nHere = nSize - std::min(nSize, m_nPosition);
+        const auto pBuffer = std::make_shared<FillBuffer>(std::min(nCount, nHere));
+        const std::size_t nRead = Posix::ReadAt(m_pFd->Get(), m_nPosition, pBuffer->Storage());
+        // Looked at after the read, so that no write before its end is missed.
+        if (m_pinned && !m_pinned->IsThatOf(Posix::Status(m_pFd->Get(), "read"))) {
+            throw Platform::FileChangedException();
+        }
+        pBuffer->SetFilled(nRead);
+        m_nPosition += nRead;
+        return pBuffer;
+    }
+
     const SharedDescriptor m_pFd;
+    const std::optional<FileState> m_pinned;
     std::uint64_t m_nPosition = 0;
 };
 
@@ -105,8 +139,8 @@ private:
 // A file that is held open.
 class PinnedFile final : public FileBase {
 public:
-    PinnedFile(std::string strPath, SharedDescriptor pFd)
-        : FileBase(std::move(strPath)), m_pFd(std::move(pFd)) {}
+    PinnedFile(std::string strPath, SharedDescriptor pFd, FileState state)
+        : FileBase(std::move(strPath)), m_pFd(std::move(pFd)), m_state(state) {}
     PinnedFile(std::string strPath, std::exception_ptr pError)
         : FileBase(std::move(strPath)), m_pError(std::move(pError)) {}
 
@@ -122,7 +156,7 @@ public:
             if (eMode != FileAccessMode::Read) {
                 throw Platform::AccessDeniedException("a pinned file is for reading");
             }
-            return std::make_shared<FileStream>(pFd);
+            return std::make_shared<FileStream>(pFd, pSelf->m_state);
         });
     }
 
@@ -137,7 +171,7 @@ public:
 private:
     std::shared_ptr<PinnedFile> Self() {
         return m_pError ? std::make_shared<PinnedFile>(Path(), m_pError)
-                        : std::make_shared<PinnedFile>(Path(), m_pFd);
+                        : std::make_shared<PinnedFile>(Path(), m_pFd, *m_state);
     }
     SharedDescriptor Descriptor() const {
         if (m_pError) {
@@ -147,6 +181,7 @@ private:
     }
 
     const SharedDescriptor m_pFd;
+    const std::optional<FileState> m_state; // of the moment of the pinning
     const std::exception_ptr m_pError;
 };
 
@@ -170,7 +205,9 @@ public:
 
     std::shared_ptr<StorageFile> PinForReading() override {
         try {
-            return std::make_shared<PinnedFile>(Path(), OpenShared(Path(), O_RDONLY));
+            const SharedDescriptor pFd = OpenShared(Path(), O_RDONLY);
+            return std::make_shared<PinnedFile>(Path(), pFd,
+                                                FileState(Posix::Status(pFd->Get(), Path())));
         } catch (const Platform::Exception&) {
             return std::make_shared<PinnedFile>(Path(), std::current_exception());
         }

@@ -2,7 +2,8 @@
 //
 // All operations complete on threads of their own, never on the task pool.
 // Failures: `FileNotFoundException`, `AccessDeniedException` (a folder counts
-// as one), `ReadFaultException`, `WriteFaultException`, `DiskFullException`.
+// as one), `ReadFaultException`, `WriteFaultException`, `DiskFullException`, and
+// `FileChangedException` for a pinned file.
 // Threads: any.
 #pragma once
 
@@ -52,7 +53,9 @@ public:
     // A file that reads, from now on and for its life, the bytes that the path
     // names at this moment, also when the path is replaced or removed. Name,
     // path and attributes are this file's. When the path cannot be opened the
-    // result fails its own `OpenAsync` in the same way.
+    // result fails its own `OpenAsync` in the same way. A file that was written
+    // to in place is no longer those bytes: once its size or the time of its
+    // last change differs, every read fails with `FileChangedException`.
     virtual std::shared_ptr<StorageFile> PinForReading() = 0;
 
     // Replaces the bytes of `pTarget` with this file's, atomically: the target

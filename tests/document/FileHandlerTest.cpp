@@ -2,160 +2,175 @@
 // happens when the file does not answer.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <limits>
-#include <numeric>
+#include <thread>
 
 #include "document/VLKS_FileHandler.h"
 #include "document/VLK_Image.h"
+#include "platform/concurrency/ThreadPool.h"
 #include "platform/fake/TestHost.h"
 #include "platform/foundation/Exception.h"
+#include "platform/storage/FileChangedException.h"
+#include "tests/support/FileOnDisk.h"
 
 namespace velko::testing {
 namespace {
 
-using Platform::Fake::FileCompletion;
-using Platform::Fake::FileFailure;
-using Platform::Fake::MemoryStorageFile;
 using Platform::Fake::TestHost;
 using vkit::VLKS_FileHandler;
 using vkit::VLKS_FileHandlerReadWrite;
-using Data = MemoryStorageFile::Data;
+using Data = std::vector<std::uint8_t>;
 
 constexpr std::uint32_t kLimit = 31457280;
 const char* const kOpenError = "status ERROR!!!!!\n";
 const char* const kLoadError = "LoadAsync status ERROR!!!!!\n";
 
-// No two stretches of it that a test compares are alike.
-Data MakeBytes(std::size_t nSize) {
-    Data bytes(nSize);
-    for (std::size_t nIndex = 0; nIndex < nSize; ++nIndex) {
-        bytes[nIndex] = static_cast<std::uint8_t>(nIndex * 7 + nIndex / 251 + 1);
-    }
-    return bytes;
-}
-
-// A little more than the head that is held in memory; made once.
-const Data& LargeBytes() {
-    static const Data s_bytes = MakeBytes(kLimit + 10);
-    return s_bytes;
-}
-
-Data Part(const Data& bytes, std::size_t nOffset, std::size_t nSize) {
-    const auto itFirst = bytes.begin() + static_cast<std::ptrdiff_t>(nOffset);
-    return {itFirst, itFirst + static_cast<std::ptrdiff_t>(nSize)};
-}
-
 class FileHandlerTest : public ::testing::Test {
 protected:
-    void Open(Data bytes, bool bPreload = true) {
-        const std::size_t nSize = bytes.size();
-        m_pFile = MemoryStorageFile::Create("/docs/a.pdf", std::move(bytes));
-        m_pReadWrite->SetFile(m_pFile, static_cast<std::int32_t>(nSize));
+    // A file of that size with a mark at its start and one over its end.
+    std::string Make(std::uint64_t nSize) {
+        m_folder.WriteSparse("a.pdf", nSize - 10, "0123456789");
+        std::ofstream(m_folder / "a.pdf", std::ios::binary | std::ios::app) << "abcdefghij";
+        return m_folder / "a.pdf";
+    }
+    // Tells the size that the file has, unless another is given.
+    void Open(const std::string& strPath, bool bPreload = true, std::int32_t nSize = 0) {
+        nSize = nSize > 0 ? nSize : static_cast<std::int32_t>(std::filesystem::file_size(strPath));
+        m_pReadWrite->SetFile(TemporaryFolder::File(strPath), nSize);
         m_handler.SetReadWrite(m_pReadWrite);
         if (bPreload) {
-            m_bPreloaded = m_pReadWrite->PreloadFile();
+            EXPECT_TRUE(m_pReadWrite->PreloadFile());
         }
+        m_nReads = m_calls.Count("pread");
     }
-
-    Data Read(std::uint64_t nOffset, std::uint32_t nSize) {
+    std::string Read(std::uint64_t nOffset, std::uint32_t nSize) {
         Data bytes(nSize, 0xEE);
-        EXPECT_TRUE(m_handler.ReadBlock(bytes, nOffset, nSize)) << nOffset << " + " << nSize;
-        return bytes;
+        const bool bRead = m_handler.ReadBlock(bytes, nOffset, nSize);
+        EXPECT_TRUE(bRead || bytes == Data(nSize, 0)) << "the destination is zeroed";
+        return bRead ? std::string(bytes.begin(), bytes.end()) : "nothing";
     }
+    // Reads of the file since `Open`.
+    int FileReads() { return m_calls.Count("pread") - m_nReads; }
 
     TestHost m_host;
-    const Data m_bytes = MakeBytes(1000);
-    std::shared_ptr<MemoryStorageFile> m_pFile;
+    const TemporaryFolder m_folder;
+    StorageCalls m_calls;
     std::shared_ptr<VLKS_FileHandlerReadWrite> m_pReadWrite =
         std::make_shared<VLKS_FileHandlerReadWrite>();
     VLKS_FileHandler m_handler;
-    bool m_bPreloaded = false;
+    int m_nReads = 0;
 };
 
-TEST_F(FileHandlerTest, FileOfExactlyTheLimitIsServedFromMemory) {
-    const Data& bytes = LargeBytes();
-    Open(Part(bytes, 0, kLimit));
-    ASSERT_TRUE(m_bPreloaded);
-    EXPECT_EQ(m_pFile->Reads(), (std::vector<MemoryStorageFile::ReadRecord>{{0, kLimit}}));
-    EXPECT_EQ(Read(kLimit - 1, 1), Part(bytes, kLimit - 1, 1));
-    EXPECT_EQ(Read(0, 64), Part(bytes, 0, 64));
-    EXPECT_EQ(m_pFile->Reads().size(), 1U);
-    EXPECT_EQ(m_handler.GetSize(), kLimit);
+TEST_F(FileHandlerTest, TheHeadIsHeldAndWhatEndsBeyondItIsReadWhole) {
+    Open(Make(kLimit + 5));
+    EXPECT_EQ(m_handler.GetSize(), kLimit + 5);
+    EXPECT_EQ(Read(0, 10), "0123456789");
+    EXPECT_EQ(Read(kLimit - 5, 5), "abcde");
+    EXPECT_EQ(FileReads(), 0);
+    EXPECT_EQ(Read(kLimit - 5, 6), "abcdef");
+    EXPECT_EQ(FileReads(), 1);
+    m_folder.Replace("a.pdf", "another file");
+    EXPECT_EQ(Read(kLimit - 5, 10), "abcdefghij") << "it stays on the file of the opening";
 }
 
-TEST_F(FileHandlerTest, SpanThatEndsBeyondTheLimitGoesToTheFileWhole) {
-    const Data& bytes = LargeBytes();
-    Open(bytes);
-    EXPECT_EQ(m_pFile->Reads().back().Count, kLimit) << "no more than the head is preloaded";
-    EXPECT_EQ(Read(kLimit - 8, 8), Part(bytes, kLimit - 8, 8));
-    EXPECT_EQ(m_pFile->Reads().size(), 1U);
-    EXPECT_EQ(Read(kLimit - 7, 8), Part(bytes, kLimit - 7, 8));
-    EXPECT_EQ(m_pFile->Reads().back(), (MemoryStorageFile::ReadRecord{kLimit - 7, 8}));
-    EXPECT_EQ(m_pFile->Opens(), 2U) << "every read of the file has a stream of its own";
+TEST_F(FileHandlerTest, AFileOfTheLimitIsHeldWhole) {
+    Open(Make(kLimit));
+    EXPECT_EQ(Read(kLimit - 10, 10), "abcdefghij");
+    EXPECT_EQ(FileReads(), 0);
 }
 
-TEST_F(FileHandlerTest, ReadsStayOnTheBytesOfTheOpening) {
-    const Data& bytes = LargeBytes();
-    Open(bytes);
-    m_pFile->SetBytes(Data(100, 0));
-    EXPECT_EQ(Read(kLimit, 10), Part(bytes, kLimit, 10));
-    m_pFile->DeleteAsync();
-    EXPECT_EQ(Read(kLimit - 5, 10), Part(bytes, kLimit - 5, 10));
+// Wrong pages for the life of a document are worse than a slow start.
+TEST_F(FileHandlerTest, AHeadThatDidNotComeIsReadWhenItIsAskedFor) {
+    Open(Make(kLimit + 5), false);
+    for (const char* const szCall : {"pread", "fstat"}) {
+        m_calls.Fail(szCall, EIO);
+        EXPECT_FALSE(m_pReadWrite->PreloadFile()) << szCall;
+        m_calls.Pass();
+        EXPECT_EQ(Read(0, 10), "0123456789") << szCall;
+        EXPECT_EQ(Read(kLimit - 5, 10), "abcdefghij") << szCall;
+    }
+    m_calls.Fail("pread", EIO, 1, true);
+    EXPECT_FALSE(m_pReadWrite->PreloadFile());
+    EXPECT_EQ(Read(0, 10), "nothing");
+}
+
+TEST_F(FileHandlerTest, AHeadThatCameShortEndsWhereTheReadEnded) {
+    Open(m_folder.Write("a.pdf", "0123456789abcde"), true, 40);
+    EXPECT_EQ(Read(5, 10), "56789abcde");
+    EXPECT_EQ(FileReads(), 0);
+    EXPECT_THROW(Read(10, 10), Platform::OutOfBoundsException);
+    EXPECT_EQ(Read(15, 10), "nothing");
+    Data bytes(20);
+    EXPECT_THROW(m_handler.ReadBlock(bytes, 0, 10), Platform::OutOfBoundsException);
+}
+
+TEST_F(FileHandlerTest, AFileWrittenInPlaceFailsAsChanged) {
+    const std::string strPath = Make(kLimit + 5);
+    Open(strPath);
+    const auto timeOld = std::filesystem::last_write_time(strPath);
+    std::filesystem::last_write_time(strPath, timeOld + std::chrono::seconds(1));
+    EXPECT_THROW(Read(kLimit, 5), Platform::FileChangedException);
+    EXPECT_THROW(m_handler.ReadBytes(kLimit, 5), Platform::FileChangedException);
+    EXPECT_EQ(Read(0, 10), "0123456789") << "what is held was read before";
+    std::filesystem::last_write_time(strPath, timeOld);
+    EXPECT_EQ(Read(kLimit, 5), "fghij");
+    std::filesystem::resize_file(strPath, kLimit + 6);
+    std::filesystem::last_write_time(strPath, timeOld);
+    EXPECT_THROW(Read(kLimit, 5), Platform::FileChangedException);
 }
 
 TEST_F(FileHandlerTest, SpanBeyondTheEndIsRefused) {
-    Open(m_bytes);
-    Data bytes(10, 0xEE);
-    constexpr std::uint64_t kHuge = std::numeric_limits<std::uint64_t>::max();
-    for (const std::uint64_t nOffset : {std::uint64_t{991}, std::uint64_t{1001}, kHuge - 4}) {
-        EXPECT_FALSE(m_handler.ReadBlock(bytes, nOffset, 10)) << nOffset;
-        EXPECT_EQ(bytes, Data(10, 0)) << "the destination is zeroed first";
+    Open(Make(1000));
+    for (const std::uint64_t nOffset :
+         {std::uint64_t{991}, std::uint64_t{1001}, std::numeric_limits<std::uint64_t>::max() - 4}) {
+        EXPECT_EQ(Read(nOffset, 10), "nothing") << nOffset;
         EXPECT_EQ(m_handler.ReadBytes(nOffset, 10), nullptr);
     }
-    EXPECT_EQ(Read(990, 10), Part(m_bytes, 990, 10));
-    EXPECT_TRUE(m_handler.ReadBlock({}, 1000, 0));
+    EXPECT_EQ(Read(990, 10), "abcdefghij");
+    EXPECT_EQ(Read(1000, 0), "");
 }
 
-TEST_F(FileHandlerTest, BufferShorterThanTheDestinationRaises) {
-    Open(m_bytes);
-    Data bytes(20);
-    EXPECT_THROW(m_handler.ReadBlock(bytes, 0, 10), Platform::OutOfBoundsException);
-    // A file that lies about its size gives fewer bytes than were asked for.
-    const auto pShort = MemoryStorageFile::Create("/docs/short.pdf", MakeBytes(15));
-    const auto pReadWrite = std::make_shared<VLKS_FileHandlerReadWrite>();
-    pReadWrite->SetFile(pShort, 40);
-    m_handler.SetReadWrite(pReadWrite);
-    EXPECT_THROW(m_handler.ReadBlock(bytes, 0, 20), Platform::OutOfBoundsException);
-    EXPECT_FALSE(m_handler.ReadBlock(bytes, 15, 20)) << "nothing came at all";
-}
+TEST_F(FileHandlerTest, AFileThatDoesNotAnswerGivesNothingAndOneLine) {
+    const std::string strPath = Make(1000);
+    Open(strPath, false);
+    m_calls.Fail("pread", EIO);
+    EXPECT_EQ(Read(0, 10), "nothing");
+    EXPECT_EQ(m_host.DebugOutput(), std::vector<std::string>{kLoadError});
+    EXPECT_EQ(Read(0, 10), "0123456789");
 
-TEST_F(FileHandlerTest, FailedOpenAndFailedLoadGiveNothingAndOneLine) {
-    Open(m_bytes, false);
-    for (const FileFailure eFailure : {FileFailure::AccessDenied, FileFailure::Canceled}) {
-        m_host.ClearDebug();
-        m_pFile->FailOpen(eFailure);
-        EXPECT_EQ(m_pReadWrite->ReadBytes(0, 10), nullptr);
-        EXPECT_EQ(m_host.DebugOutput(), std::vector<std::string>{kOpenError});
-        m_pFile->FailOpen(FileFailure::None);
-
-        m_host.ClearDebug();
-        m_pFile->FailRead(1, eFailure);
-        EXPECT_EQ(m_pReadWrite->ReadBytes(0, 10), nullptr);
-        EXPECT_EQ(m_host.DebugOutput(), std::vector<std::string>{kLoadError});
-    }
-    EXPECT_EQ(Read(0, 10), Part(m_bytes, 0, 10));
-}
-
-TEST_F(FileHandlerTest, FailedPreloadIsReportedAndLeavesZeros) {
-    Open(m_bytes, false);
-    EXPECT_EQ(Read(3, 4), Part(m_bytes, 3, 4)) << "without a preload the file serves";
-    m_pFile->FailRead(1, FileFailure::ReadFault);
+    const auto pFile = TemporaryFolder::File(strPath);
+    m_calls.Fail("open", EACCES);
+    m_pReadWrite->SetFile(pFile, 1000);
+    m_host.ClearDebug();
     EXPECT_FALSE(m_pReadWrite->PreloadFile());
-    EXPECT_EQ(m_host.CountDebug(kLoadError), 1U);
-    EXPECT_EQ(Read(3, 4), Data(4, 0));
-    m_pFile->FailOpen(FileFailure::FileNotFound);
-    EXPECT_FALSE(m_pReadWrite->PreloadFile());
-    EXPECT_EQ(m_host.CountDebug(kOpenError), 1U);
+    EXPECT_EQ(m_host.DebugOutput(), std::vector<std::string>{kOpenError});
+}
+
+// The disk may answer late or never; what it then still writes is its own.
+TEST_F(FileHandlerTest, AWaitEndsThoughTheDiskHangs) {
+    Open(Make(1000), false);
+    m_calls.Hold("pread");
+    std::thread reader([&] { EXPECT_EQ(Read(0, 10), "nothing"); });
+    EXPECT_TRUE(m_calls.WaitForHeld());
+    m_pReadWrite->EndWaits();
+    reader.join();
+    EXPECT_EQ(Read(0, 10), "nothing") << "nor does a later one wait";
+}
+
+TEST_F(FileHandlerTest, TheEndOfThePoolEndsItsWaits) {
+    Open(Make(1000), false);
+    concurrency::ThreadPool pool(1);
+    std::atomic<bool> bEnded = false;
+    m_calls.Hold("pread");
+    pool.schedule([&] {
+        EXPECT_EQ(Read(0, 10), "nothing");
+        EXPECT_EQ(Read(0, 10), "nothing");
+        bEnded = true;
+    });
+    EXPECT_TRUE(m_calls.WaitForHeld());
+    pool.stop();
+    EXPECT_TRUE(bEnded);
 }
 
 // Whatever a stage raises, the thread that waits must wake.
@@ -174,13 +189,12 @@ public:
         override {
         throw Platform::AccessDeniedException();
     }
-    Windows::Foundation::AsyncOperation<
-        std::shared_ptr<Windows::Storage::Streams::IRandomAccessStream>>
-    OpenAsync(Windows::Storage::FileAccessMode) override {
+    using StreamPtr = std::shared_ptr<Windows::Storage::Streams::IRandomAccessStream>;
+    Windows::Foundation::AsyncOperation<StreamPtr> OpenAsync(
+        Windows::Storage::FileAccessMode) override {
         if (m_eFault == Fault::OpenRaises) {
             throw Platform::AccessDeniedException();
         }
-        using StreamPtr = std::shared_ptr<Windows::Storage::Streams::IRandomAccessStream>;
         if (m_eFault == Fault::Abandoned) {
             return concurrency::task_completion_event<StreamPtr>().get_task();
         }
@@ -215,41 +229,33 @@ private:
     Fault m_eFault;
 };
 
-TEST(BrokenFileTest, EveryWaitEnds) {
+TEST_F(FileHandlerTest, EveryWaitEnds) {
     using Fault = BrokenFile::Fault;
-    const std::pair<Fault, const char*> kCases[] = {{Fault::OpenRaises, kOpenError},
-                                                    {Fault::SeekRaises, kOpenError},
-                                                    {Fault::ReadRaises, kLoadError},
-                                                    {Fault::Abandoned, kOpenError}};
-    for (const auto& [eFault, szLine] : kCases) {
-        const TestHost host;
-        VLKS_FileHandlerReadWrite readWrite;
-        readWrite.SetFile(std::make_shared<BrokenFile>(eFault), 100);
-        EXPECT_EQ(readWrite.ReadBytes(0, 10), nullptr);
-        EXPECT_FALSE(readWrite.PreloadFile());
-        EXPECT_EQ(host.DebugOutput(), (std::vector<std::string>{szLine, szLine}));
+    for (const auto& [eFault, szLine] :
+         {std::pair(Fault::OpenRaises, kOpenError), std::pair(Fault::SeekRaises, kOpenError),
+          std::pair(Fault::ReadRaises, kLoadError), std::pair(Fault::Abandoned, kOpenError)}) {
+        m_host.ClearDebug();
+        m_pReadWrite->SetFile(std::make_shared<BrokenFile>(eFault), 100);
+        EXPECT_EQ(m_pReadWrite->ReadBytes(0, 10), nullptr);
+        EXPECT_FALSE(m_pReadWrite->PreloadFile());
+        EXPECT_EQ(m_host.DebugOutput(), (std::vector<std::string>{szLine, szLine}));
     }
 }
 
-TEST_F(FileHandlerTest, WithoutAFileNothingIsRead) {
-    Data bytes(10, 0xEE);
-    EXPECT_FALSE(m_handler.ReadBlock(bytes, 0, 10)) << "no read-write object yet";
+TEST_F(FileHandlerTest, WithoutAFileNothingIsReadAndReleaseEndsIt) {
+    EXPECT_EQ(Read(0, 10), "nothing") << "no read-write object yet";
     m_handler.SetReadWrite(m_pReadWrite);
     EXPECT_FALSE(m_pReadWrite->PreloadFile());
-    EXPECT_FALSE(m_handler.ReadBlock(bytes, 0, 10));
+    EXPECT_EQ(Read(0, 10), "nothing");
     EXPECT_EQ(m_handler.GetSize(), 0U);
     EXPECT_THROW(m_pReadWrite->SetFile(nullptr, -1), Platform::InvalidArgumentException);
-}
 
-TEST_F(FileHandlerTest, ReleaseEndsTheHandlerAndItsFile) {
-    Open(m_bytes);
     const std::weak_ptr<VLKS_FileHandlerReadWrite> wkReadWrite = m_pReadWrite;
     m_pReadWrite.reset();
     EXPECT_TRUE(m_handler.Release());
     EXPECT_TRUE(wkReadWrite.expired());
     EXPECT_TRUE(m_handler.Release());
-    Data bytes(10);
-    EXPECT_THROW(m_handler.ReadBlock(bytes, 0, 10), Platform::ObjectDisposedException);
+    EXPECT_THROW(Read(0, 10), Platform::ObjectDisposedException);
     EXPECT_THROW(m_handler.GetSize(), Platform::ObjectDisposedException);
     EXPECT_THROW(m_handler.ReadBytes(0, 1), Platform::ObjectDisposedException);
     EXPECT_THROW(m_handler.SetReadWrite(nullptr), Platform::ObjectDisposedException);

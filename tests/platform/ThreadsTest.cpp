@@ -79,6 +79,24 @@ TEST(ThreadPoolTest, TheEndLetsRunningWorksFinishAndDropsTheRest) {
     EXPECT_TRUE(bFinished);
 }
 
+TEST(ThreadPoolTest, AThreadThatHangsInASystemCallHoldsNoEnd) {
+    static auto* const s_pPool = new ThreadPool(2); // the thread outlives the test
+    static std::atomic<bool> s_bInside{false};
+    static concurrency::event s_never;
+    s_pPool->schedule([] {
+        const concurrency::blocking_scope blocking;
+        s_bInside = true;
+        s_never.wait();
+    });
+    std::atomic<bool> bRan{false};
+    s_pPool->schedule([&] { bRan = true; });
+    ASSERT_TRUE(Eventually([&] { return s_bInside && bRan; }));
+    s_pPool->abandon();
+    auto pToken = std::make_shared<int>(0);
+    s_pPool->schedule([pToken] {});
+    EXPECT_EQ(pToken.use_count(), 1) << "what comes later is dropped";
+}
+
 TEST(ThreadPoolTest, ChainsOverManyThreadsAllEnd) {
     TestHost host(TestHost::RealPool{3});
     constexpr int kChains = 200;

@@ -83,26 +83,22 @@ TEST_F(FaultsTest, AFileThatVanishesWhileOpenStaysReadable) {
     EXPECT_EQ(replay.Finish(), 0);
 }
 
-// Fails the first read of an open, then the second, and so on until an open
-// meets no failure.
-TEST_F(FaultsTest, EachReadOfAnOpenThatFailsIsAClearAnswer) {
+// What an open could not read is read when it is asked for, or the open says so.
+TEST_F(FaultsTest, AReadThatFailsInAnOpenLeavesAPictureOrAClearAnswer) {
     const std::string strPath = WritePages("read.pdf", 4);
-    constexpr int kMostReads = 50;
-    int nRead = 0;
-    for (bool bFailed = true; bFailed && nRead < kMostReads; ++nRead) {
+    for (int nRead = 0; nRead < 3; ++nRead) {
         ReplayProcess replay({"--size", "500x700"});
         replay.Run({{"op", "fault"}, {"what", "read_error"}, {"after", nRead}});
         const QJsonValue error = Open(replay, strPath).value("error");
         EXPECT_TRUE(IsIdle(replay));
-        bFailed = error != QJsonValue(0);
-        if (bFailed) {
-            EXPECT_TRUE(error == QJsonValue(1) || error == QJsonValue(2) || error.isString());
+        if (error == QJsonValue(0)) {
+            ExpectSharp(replay);
+        } else {
+            EXPECT_EQ(error, QJsonValue(1)) << nRead;
             ExpectUsable(replay);
         }
         EXPECT_EQ(replay.Finish(), 0) << replay.Errors();
     }
-    EXPECT_GT(nRead, 1) << "no read was met at all";
-    EXPECT_LT(nRead, kMostReads);
 }
 
 TEST_F(FaultsTest, AReadThatFailsInTheMiddleOfALargeFileLeavesTheControlUsable) {
