@@ -172,6 +172,18 @@ public:
     ControlEvent<PageChangedEventArgs> PageChangedEvent;
     ControlEvent<PageLayoutModeChangedEventArgs> PageLayoutModeChangedEvent;
 
+    // --- pages that cannot be shown ---
+
+    // Why the page is not shown, or not all of it; none: empty. What fails is
+    // not tried again by itself: `RedrawScreen` and `UpdatePageAfterAnnotEdit`
+    // do, as does whatever brings the page on the screen anew. A host says it on
+    // the page's place, inside `RenderCanvasEvent`.
+    std::optional<PageFailure> PageFailureOf(std::int32_t nPageIndex);
+
+    // That answer has changed, for the worse or the better. A host repaints
+    // (`UpdateViewer`) to show what it says there.
+    ControlEvent<PageFailureEventArgs> PageFailureEvent;
+
     // Only remembered; the next open takes the document's saved mode.
     void SetDefaultLayoutMode(std::int32_t nMode);
 
@@ -228,6 +240,7 @@ public:
     void RaisePageLoaded(const std::shared_ptr<PDFDoc>& pPdfDoc, std::int32_t nPageIndex) override;
     void RaisePageUnloaded(const std::shared_ptr<PDFDoc>& pPdfDoc,
                            std::int32_t nPageIndex) override;
+    void RaisePageFailure(std::int32_t nPageIndex) override;
     void RaiseRenderPage(const std::shared_ptr<RenderPageEventArgs>& pArgs) override;
 
 private:

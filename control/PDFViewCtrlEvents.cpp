@@ -4,6 +4,7 @@
 
 #include "control/PDFViewCtrl.h"
 #include "document/RenderPageEventArgs.h"
+#include "document/VLK_Document.h"
 #include "platform/foundation/Exception.h"
 
 namespace velko::vkit {
@@ -42,6 +43,21 @@ void PDFViewCtrl::RaiseRenderCanvas(const std::shared_ptr<RenderCanvasEventArgs>
 void PDFViewCtrl::RaiseRenderPage(const std::shared_ptr<RenderPageEventArgs>& pArgs) {
     if (!m_bDisposed) {
         RenderPageEvent.raise(Self(), pArgs);
+    }
+}
+
+std::optional<PageFailure> PDFViewCtrl::PageFailureOf(std::int32_t nPageIndex) {
+    const auto pSelf = Enter();
+    const auto pDocument = OpenDocument();
+    return pDocument ? pDocument->PageFailureOf(nPageIndex) : std::nullopt;
+}
+
+void PDFViewCtrl::RaisePageFailure(std::int32_t nPageIndex) {
+    const auto pDocument = m_bDisposed ? nullptr : OpenDocument();
+    if (pDocument) {
+        PageFailureEvent.raise(
+            Self(), std::make_shared<PageFailureEventArgs>(pDocument->PdfDoc(), nPageIndex,
+                                                           pDocument->PageFailureOf(nPageIndex)));
     }
 }
 

@@ -2,7 +2,8 @@
 //
 // The document holds it weakly and does nothing once it is gone.
 // Threads: `RaiseRenderPage` on a render worker, under the document's render
-// lock; the page events on the thread that the page table names for each.
+// lock; `RaisePageFailure` on the UI thread; the other page events on the thread
+// that the page table names for each.
 #pragma once
 
 #include <cstdint>
@@ -26,6 +27,12 @@ public:
                                  std::int32_t nPageIndex) = 0;
     virtual void RaisePageUnloaded(const std::shared_ptr<velko::pdf::PDFDoc>& pPdfDoc,
                                    std::int32_t nPageIndex) = 0;
+
+    // What `VLK_Document::PageFailureOf` answers for the page has changed: the
+    // page could not be shown, or can be again. Always through the UI thread's
+    // queue, so several changes may be told as one; what a handler raises goes
+    // to the queue.
+    virtual void RaisePageFailure(std::int32_t nPageIndex) = 0;
 
     // A page or a block was rendered; the host may draw on the bitmap.
     virtual void RaiseRenderPage(const std::shared_ptr<RenderPageEventArgs>& pArgs) = 0;

@@ -38,6 +38,10 @@ void VLK_Document::Dispose() {
     if (m_bDisposed.exchange(true)) {
         return;
     }
+    // First of all: whoever waits for the file may hold the lock of the table.
+    if (const auto pReadWrite = m_pFileReadWrite.lock()) {
+        pReadWrite->EndWaits();
+    }
     std::exception_ptr pHandlerFailure;
     try {
         ClearTable();
@@ -45,20 +49,10 @@ void VLK_Document::Dispose() {
         pHandlerFailure = std::current_exception();
         DropTable();
     }
-    for (std::shared_ptr<void>& pObject : m_vecPageObjects) {
-        pObject.reset();
-    }
     m_pFileHandler.reset();
-    DeleteTemporaryFile();
     ReleaseMembers();
     if (pHandlerFailure) {
         std::rethrow_exception(pHandlerFailure);
-    }
-}
-
-void VLK_Document::DeleteTemporaryFile() {
-    if (m_bFileIsTemporary && m_pFile) {
-        m_pFile->DeleteAsync();
     }
 }
 
@@ -68,12 +62,10 @@ void VLK_Document::ReleaseMembers() {
     m_vecHiddenAnnotTypes.clear();
     m_pFile.reset();
     m_pFileReadWrite.reset();
-    m_pTempFile.reset();
     {
         const critical_section::scoped_lock lock(m_refLock);
         m_wkOwner.reset();
     }
-    m_vecPageObjects.clear();
 }
 
 std::int32_t VLK_Document::PageCount() const {

@@ -21,13 +21,16 @@
 
 #include <atomic>
 #include <cstdint>
+#include <exception>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "document/IDocumentOwner.h"
+#include "document/PageFailure.h"
+#include "document/PageFailures.h"
 #include "document/PageTable.h"
-#include "document/PixelSource.h"
 #include "document/RenderBlockRequest.h"
 #include "document/VLK_DocOpenResult.h"
 #include "document/engine/Bitmap.h"
@@ -77,10 +80,21 @@ public:
     // its page box. Pages that are still to be parsed come up in the order of
     // the calls; one that is parsed waits for none of them. Cancelled when the
     // token is before it starts, and when the document is disposed meanwhile.
-    // Fails for an index without a page.
+    // Fails for an index without a page. `bAnew` is for a reader who asks again:
+    // a page whose parse was cut short for its time is parsed once more.
     concurrency::task<std::shared_ptr<VLK_PageHandle>> LoadPageAsync(
         std::int32_t nPageIndex,
-        concurrency::cancellation_token token = concurrency::cancellation_token::none());
+        concurrency::cancellation_token token = concurrency::cancellation_token::none(),
+        bool bAnew = false);
+
+    // Why the page is not shown, or not all of it; empty for a page of which
+    // nothing failed. A load and a render note their own failures here, beside
+    // raising them, and heal them when they succeed; a render that ran out of
+    // its time succeeds with what it has and is noted too. Cancelled work says
+    // nothing. The owner is told of each change. Any thread, disposed too.
+    std::optional<PageFailure> PageFailureOf(std::int32_t nPageIndex) const {
+        return m_failures.Find(nPageIndex);
+    }
 
     // --- the page table ---
     // An engine failure is raised; the table is then as it was.
@@ -136,9 +150,6 @@ public:
     // was disposed while it waited.
     bool RenderPageBlock(const RenderBlockRequest& request, BitmapBox& outBox);
 
-    // Copies the pixels; the bitmap is not needed afterwards.
-    static std::shared_ptr<PixelSource> BitmapToPixelSource(velko::common::Bitmap& bitmap);
-
     // --- page space and device space ---
     // The page fills the rectangle (left, top, width, height), truncated to
     // whole pixels and turned by `nRotate` quarter turns. Without an entry in
@@ -165,8 +176,9 @@ public:
                                                      double dbTop, double dbWidth, double dbHeight,
                                                      std::int32_t nRotate);
 
-    // Closes; a second call does nothing. Waits for no render and for no load.
-    // A failing `PageUnloaded` handler's exception is raised when all is closed.
+    // Closes; a second call does nothing. Waits for no render and for no load,
+    // and ends their waits for bytes, so that a file that does not answer holds
+    // nobody. A failing `PageUnloaded` handler's exception is raised when all is closed.
     void Dispose();
     bool IsDisposed() const { return m_bDisposed; } // any thread
 
@@ -189,6 +201,7 @@ public:
     void SetOwner(std::weak_ptr<IDocumentOwner> wkOwner);
     std::shared_ptr<IDocumentOwner> Owner() const;
 
+    // Only remembered for the host: closing deletes no file.
     bool DeleteFileOnClose() const;
     void DeleteFileOnClose(bool bDelete);
     std::uint32_t RenderFlags() const;
@@ -224,11 +237,18 @@ private:
 
     // Loading a page, on a pool thread.
     concurrency::task<HandlePtr> LoadPageOnPool(PdfDocPtr pPdfDoc, std::int32_t nPageIndex,
-                                                concurrency::cancellation_token token);
+                                                concurrency::cancellation_token token, bool bAnew);
     bool IsPageParsed(std::int32_t nPageIndex) const;
-    HandlePtr LoadPage(const PdfDocPtr& pPdfDoc, std::int32_t nPageIndex);
-    HandlePtr LoadKnownPage(const EntryView& view, std::int32_t nPageIndex);
+    HandlePtr LoadPage(const PdfDocPtr& pPdfDoc, std::int32_t nPageIndex, bool bAnew);
+    HandlePtr LoadKnownPage(const EntryView& view, std::int32_t nPageIndex, bool bAnew);
     HandlePtr LoadNewPage(const PdfDocPtr& pPdfDoc, std::int32_t nPageIndex);
+
+    // What became of pages, for `PageFailureOf`. Any thread.
+    void NoteFailure(const PageFailures::Part& part, std::int32_t nPageIndex,
+                     const std::exception_ptr& pError);
+    void NoteCutShort(const PageFailures::Part& part, std::int32_t nPageIndex);
+    void NoteSuccess(const PageFailures::Part& part, std::int32_t nPageIndex);
+    void TellPageFailure(std::int32_t nPageIndex);
     void StorePageBox(VLK_PageHandle& handle, const velko::pdf::PDFPage& page);
 
     // The table, for callers that hold an engine document; none of them looks
@@ -249,11 +269,9 @@ private:
     bool IsPageIndex(std::int32_t nPageIndex) const;
     std::shared_ptr<velko::pdf::PDFPage> TablePage(std::int32_t nPageIndex);
 
-    void DeleteTemporaryFile();
     void ReleaseMembers();
 
     // In the order of the document's life: what comes later goes first.
-    std::vector<std::shared_ptr<void>> m_vecPageObjects;
     mutable concurrency::critical_section m_refLock; // a leaf: owner and engine document
     std::weak_ptr<IDocumentOwner> m_wkOwner VLK_GUARDED_BY(m_refLock);
     std::uint32_t m_nFileSize = 0;
@@ -264,17 +282,15 @@ private:
     const std::shared_ptr<concurrency::scheduler> m_pLoadQueue;
     const std::shared_ptr<concurrency::scheduler> m_pRenderQueue;
     std::int32_t m_nPermissions = 0;
-    std::shared_ptr<Windows::Storage::StorageFile> m_pTempFile;
     std::int32_t m_nPasswordType = velko::pdf::PDFDoc::kNoPassword;
     bool m_bDeleteFileOnClose = false;
-    bool m_bFileIsTemporary = false; // the file goes with the document
     std::uint32_t m_nRenderFlags = kRenderContent | kRenderAnnots;
     std::weak_ptr<VLKS_FileHandlerReadWrite> m_pFileReadWrite; // owned by the handler
     std::shared_ptr<VLKS_FileHandler> m_pFileHandler;
     std::shared_ptr<Windows::Storage::StorageFile> m_pFile;
     PdfDocPtr m_pPdfDoc VLK_GUARDED_BY(m_refLock);
     std::atomic<std::int32_t> m_nPageCount{0}; // workers check indexes against it
-    concurrency::cancellation_token_source m_Cancellation;
+    PageFailures m_failures;
     std::vector<std::int32_t> m_vecHiddenAnnotTypes;
     bool m_bPasswordApplied = false;
     std::atomic<bool> m_bDisposed{false};

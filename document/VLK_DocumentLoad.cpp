@@ -15,22 +15,24 @@ using velko::pdf::PDFPage;
 using Windows::Foundation::Rect;
 
 concurrency::task<std::shared_ptr<VLK_PageHandle>> VLK_Document::LoadPageAsync(
-    std::int32_t nPageIndex, concurrency::cancellation_token token) {
-    return LoadPageOnPool(EngineDoc(), nPageIndex, std::move(token));
+    std::int32_t nPageIndex, concurrency::cancellation_token token, bool bAnew) {
+    return LoadPageOnPool(EngineDoc(), nPageIndex, std::move(token), bAnew);
 }
 
 concurrency::task<VLK_Document::HandlePtr> VLK_Document::LoadPageOnPool(
-    PdfDocPtr pPdfDoc, std::int32_t nPageIndex, concurrency::cancellation_token token) {
+    PdfDocPtr pPdfDoc, std::int32_t nPageIndex, concurrency::cancellation_token token, bool bAnew) {
     const auto pSelf = shared_from_this();
     const auto pWay = IsPageParsed(nPageIndex) ? concurrency::task_pool() : m_pLoadQueue;
     co_await concurrency::resume_on(pWay, std::move(token));
     try {
         ThrowIfDisposed();
-        HandlePtr pHandle = LoadPage(pPdfDoc, nPageIndex);
+        HandlePtr pHandle = LoadPage(pPdfDoc, nPageIndex, bAnew);
         ThrowIfDisposed();
+        NoteSuccess({}, nPageIndex);
         co_return pHandle;
-    } catch (const Platform::ObjectDisposedException&) {
-        throw concurrency::task_canceled(); // closed meanwhile, which is nobody's failure
+    } catch (...) {
+        NoteFailure({}, nPageIndex, std::current_exception());
+        throw;
     }
 }
 
@@ -41,21 +43,22 @@ bool VLK_Document::IsPageParsed(std::int32_t nPageIndex) const {
     return pHandle && pHandle->m_pPage && pHandle->m_pPage->IsParsed();
 }
 
-VLK_Document::HandlePtr VLK_Document::LoadPage(const PdfDocPtr& pPdfDoc, std::int32_t nPageIndex) {
+VLK_Document::HandlePtr VLK_Document::LoadPage(const PdfDocPtr& pPdfDoc, std::int32_t nPageIndex,
+                                               bool bAnew) {
     OutputDebugString("LoadPageAsync " + std::to_string(nPageIndex) + "\n");
     if (const EntryPtr pEntry = FindEntry(pPdfDoc, nPageIndex)) {
         const EntryView view = View(pEntry);
         if (view.pPage) {
-            return LoadKnownPage(view, nPageIndex);
+            return LoadKnownPage(view, nPageIndex, bAnew);
         }
     }
     return LoadNewPage(pPdfDoc, nPageIndex);
 }
 
-VLK_Document::HandlePtr VLK_Document::LoadKnownPage(const EntryView& view,
-                                                    std::int32_t nPageIndex) {
+VLK_Document::HandlePtr VLK_Document::LoadKnownPage(const EntryView& view, std::int32_t nPageIndex,
+                                                    bool bAnew) {
     if (!view.pPage->IsParsed()) {
-        view.pPage->StartParse(0, nullptr, 0);
+        view.pPage->StartParse(0, nullptr, bAnew ? 1 : 0);
         OutputDebugString("LoadPageAsync --- Parser Completely: " + std::to_string(nPageIndex) +
                           "\n");
     }

@@ -8,7 +8,6 @@
 #include "document/VLK_Document.h"
 #include "document/engine/Renderer.h"
 #include "platform/foundation/Exception.h"
-#include "platform/storage/DataReaderWriter.h"
 #include "platform/system/Activation.h"
 
 namespace velko::vkit {
@@ -74,6 +73,9 @@ void DrawAnnots(const RenderBlockRequest& request, Renderer& renderer, const Mat
 
 // Without a pause object the engine has drawn all when the start returns.
 void DrawPage(const RenderBlockRequest& request, Renderer& renderer, const Matrix2D& matrix) {
+    if (!request.pPage->IsParsed()) {
+        request.pPage->StartParse(0, nullptr, 0);
+    }
     if ((request.nRenderFlags & VLK_Document::kRenderContent) != 0) {
         renderer.SetRenderContentFlags(Renderer::kRenderContent);
         renderer.StartRender(request.pPage, matrix, nullptr);
@@ -81,6 +83,12 @@ void DrawPage(const RenderBlockRequest& request, Renderer& renderer, const Matri
     if ((request.nRenderFlags & VLK_Document::kRenderAnnots) != 0) {
         DrawAnnots(request, renderer, matrix);
     }
+}
+
+PageFailures::Part PartOf(const RenderBlockRequest& request) {
+    return {{detail::Truncate(request.fDisplayWidth), detail::Truncate(request.fDisplayHeight),
+             request.nRotate},
+            {request.nLeft, request.nTop, request.nBitmapWidth, request.nBitmapHeight}};
 }
 
 Matrix2D MatrixOf(const PDFPage& page, double dbLeft, double dbTop, double dbWidth, double dbHeight,
@@ -113,27 +121,30 @@ bool VLK_Document::RenderPageBlock(const RenderBlockRequest& request, BitmapBox&
     if (m_bDisposed) {
         throw concurrency::task_canceled(); // closed while this waited
     }
-    std::shared_ptr<Bitmap> pBitmap = MakeFilledBitmap(request);
-    const Matrix2D matrix = MakeBlockMatrix(request);
-    const std::shared_ptr<Renderer> pRenderer = MakeRenderer(request, pBitmap);
-    if (!request.pPage->IsParsed()) {
-        request.pPage->StartParse(0, nullptr, 0);
+    std::shared_ptr<Bitmap> pBitmap;
+    std::shared_ptr<Renderer> pRenderer;
+    Matrix2D matrix;
+    const PageFailures::Part part = PartOf(request);
+    try {
+        pBitmap = MakeFilledBitmap(request);
+        matrix = MakeBlockMatrix(request);
+        pRenderer = MakeRenderer(request, pBitmap);
+        DrawPage(request, *pRenderer, matrix);
+    } catch (...) {
+        NoteFailure(part, request.pPage->GetIndex(), std::current_exception());
+        throw;
     }
-    DrawPage(request, *pRenderer, matrix);
+    if (pRenderer->IsIncomplete()) {
+        NoteCutShort(part, request.pPage->GetIndex());
+    } else {
+        NoteSuccess(part, request.pPage->GetIndex());
+    }
     if (const auto pOwner = Owner()) {
         pOwner->RaiseRenderPage(
             std::make_shared<RenderPageEventArgs>(pRenderer, request.pPage->GetIndex(), matrix));
     }
     outBox.pBitmap = std::move(pBitmap);
     return true;
-}
-
-std::shared_ptr<PixelSource> VLK_Document::BitmapToPixelSource(Bitmap& bitmap) {
-    Windows::Storage::Streams::DataWriter writer;
-    writer.WriteBytes(bitmap.GetBuffer());
-    return std::make_shared<PixelSource>(writer.DetachBuffer(),
-                                         static_cast<std::uint32_t>(bitmap.GetWidth()),
-                                         static_cast<std::uint32_t>(bitmap.GetHeight()));
 }
 
 std::shared_ptr<PDFPage> VLK_Document::TablePage(std::int32_t nPageIndex) {

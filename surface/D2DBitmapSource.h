@@ -14,7 +14,6 @@ struct D2DBitmapSource {
     std::int32_t nWidth = 0;
     std::int32_t nHeight = 0;
     std::shared_ptr<Windows::Graphics::ID2D1Bitmap> m_pD2DBitmap; // empty until rendered
-    std::shared_ptr<void> m_pSource; // what it was made from, where a caller keeps that
 
     // The block that it belongs to, and the grid of its time.
     std::int32_t m_nBlockId = 0; // from 1

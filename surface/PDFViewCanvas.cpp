@@ -3,7 +3,7 @@
 #include <array>
 #include <utility>
 
-#include "document/VLK_Document.h"
+#include "document/engine/Bitmap.h"
 #include "platform/ui/CoreDispatcher.h"
 
 namespace velko::vkit {
@@ -166,10 +166,9 @@ void PDFViewCanvas::DrawEngineBitmap(velko::common::Bitmap& bitmap, const Rect& 
                                      const Rect& rcDestination) {
     ID2D1DeviceContext& context = Context();
     const auto nWidth = static_cast<std::uint32_t>(bitmap.GetWidth());
-    const std::shared_ptr<PixelSource> pPixels = VLK_Document::BitmapToPixelSource(bitmap);
-    const auto pBitmap =
-        context.CreateBitmap({pPixels->Width, pPixels->Height}, pPixels->Pixels->Bytes(),
-                             nWidth * kBytesPerPixel, D2D1_BITMAP_PROPERTIES{});
+    const auto nHeight = static_cast<std::uint32_t>(bitmap.GetHeight());
+    const auto pBitmap = context.CreateBitmap({nWidth, nHeight}, bitmap.GetBuffer(),
+                                              nWidth * kBytesPerPixel, D2D1_BITMAP_PROPERTIES{});
     const D2D_RECT_F rcDeviceSource = ToDevice(rcSource);
     const D2D_RECT_F rcDeviceDestination = ToDevice(rcDestination);
     context.DrawBitmap(pBitmap, rcDeviceDestination, 1.0F, D2D1_INTERPOLATION_MODE::LINEAR,

@@ -6,8 +6,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
+
+#include "document/PageFailure.h"
 
 namespace velko::pdf {
 class PDFDoc;
@@ -47,6 +50,16 @@ class PageLoadedEventArgs final : public SinglePageEventArgs {
 
 class PageUnloadedEventArgs final : public SinglePageEventArgs {
     using SinglePageEventArgs::SinglePageEventArgs;
+};
+
+// `Failure` is empty when nothing of the page fails any more.
+class PageFailureEventArgs final : public SinglePageEventArgs {
+public:
+    PageFailureEventArgs(std::shared_ptr<velko::pdf::PDFDoc> pDocument, std::int32_t nPageIndex,
+                         std::optional<PageFailure> failure)
+        : SinglePageEventArgs(std::move(pDocument), nPageIndex), Failure(std::move(failure)) {}
+
+    const std::optional<PageFailure> Failure;
 };
 
 // Keeps copies of both lists, so it stays true when the viewer moves on.

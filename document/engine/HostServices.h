@@ -2,7 +2,9 @@
 // control itself uses. A host asks for an interface with a dynamic cast on the
 // engine's document and does without it when the cast fails.
 //
-// Threads: any, but not the UI thread: calls may wait for the engine.
+// Threads: any, but not the UI thread: calls may wait for the engine and for
+// the file. Errors: `EngineException`, with e_ErrNotLoaded before `Load`, and
+// the codes of `PDFPage::StartParse` for what cannot be read.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +19,7 @@ namespace velko::pdf {
 
 // A link on a page: its area in page space, and one of three: an action inside
 // the document, a URI outside, or an action of another kind, for the host to
-// carry out or to refuse.
+// carry out or to refuse. A value: it may outlive the page and the document.
 struct LinkRecord {
     common::vxbase::RectF rcArea;
     std::shared_ptr<IAction> pAction;
@@ -29,9 +31,14 @@ struct LinkRecord {
 class ILinkSource {
 public:
     virtual ~ILinkSource() = default;
+
+    // In the order in which the page draws them: where areas overlap, the last
+    // one lies on top. Links that lead nowhere are left out. An index out of
+    // range raises e_ErrParam.
     virtual std::vector<LinkRecord> GetLinks(std::int32_t nPageIndex) = 0;
 
-    // The destination of a name of the document; empty when it has none such.
+    // The destination of a name of the document; empty when it has none such,
+    // or one that leads nowhere.
     virtual std::shared_ptr<IAction> FindNamedDestination(const std::string& strName) = 0;
 };
 

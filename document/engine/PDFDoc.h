@@ -29,7 +29,8 @@ public:
     virtual ~PDFDoc() = default;
 
     // Parses the file: success 0, read failure 1, not a PDF or no pages 2,
-    // password missing or wrong 3, out of memory 10. May be called again, with
+    // password missing or wrong 3, out of memory 10, written to meanwhile 15.
+    // May be called again, with
     // another password after a 3; a failed call leaves a loaded document as it was.
     virtual common::ErrorCode Load(const std::string& strPassword) = 0;
 
@@ -49,7 +50,11 @@ public:
     // 3 AES-128, 4 (reserved), 5 AES-256.
     virtual std::int32_t GetEncryptionType() const = 0;
 
-    // Writes the document into `pFile`. Flag 1 is an incremental update.
+    // Writes the document into `pFile`. Flag 1 is an incremental update, 0 a
+    // file written anew. Renders of other threads go on meanwhile, edits wait.
+    // Raises `EngineException`: e_ErrFile when it cannot be written, the code
+    // of `Load` when the document's own bytes cannot be read, e_ErrUnsupported
+    // from an engine that does not write. What it raises leaves `pFile` as it was.
     virtual std::shared_ptr<common::Progressive> StartSaveAs(
         std::shared_ptr<Windows::Storage::StorageFile> pFile, std::uint32_t nFlags,
         common::IPauseCallback* pPause) = 0;

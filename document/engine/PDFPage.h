@@ -31,11 +31,18 @@ public:
     // The page box in page space (crop box within the media box); `nKind` 0.
     virtual common::vxbase::RectF GetBox(std::int32_t nKind) const = 0;
 
+    // False also for a page whose parse was cut short.
     virtual bool IsParsed() const = 0;
 
     // Interprets the page's content. Without a pause object the work may be
-    // done before this returns; the progress then answers `kFinished` at once.
-    // A page whose content is broken parses as far as it goes. Never empty.
+    // done before this returns; the progress then answers at once how it ended.
+    // A page whose content is broken parses as far as it goes, and so does one
+    // that takes longer than an engine allows (`kCutShort`): what came of it is
+    // drawn, and parsed anew when `nReparse` is not 0. Waiting for bytes is not
+    // counted. Raises `EngineException` when the page cannot be read
+    // (e_ErrFile), the file was changed (e_ErrConflict), has no such page
+    // (e_ErrNotFound), or memory is short (e_ErrOutOfMemory); the next call
+    // tries again. Never empty.
     virtual std::shared_ptr<common::Progressive> StartParse(std::int32_t nFlags,
                                                             common::IPauseCallback* pPause,
                                                             std::int32_t nReparse) = 0;

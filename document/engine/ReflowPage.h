@@ -1,6 +1,12 @@
 // `velko.pdf.ReflowPage`: a page's text laid out anew for a width.
 //
-// Threads: one at a time; independent of other pages.
+// The five settings come first, then `StartParse`; the rest answers for the last
+// parse that ended. A setting that changes needs a new parse.
+// Threads: one at a time, not the UI thread; independent of other pages. The
+// page is kept alive.
+// Units: device pixels; the content's space has its origin at the top left and
+// grows downward.
+// Errors: `EngineException`, as `PDFPage::StartParse`.
 #pragma once
 
 #include <cstdint>
@@ -17,19 +23,26 @@ class ReflowPage {
 public:
     virtual ~ReflowPage() = default;
 
-    virtual void SetScreenSize(float fWidth, float fHeight) = 0; // pixels
-    virtual void SetZoom(std::int32_t nPercent) = 0;
-    virtual void SetSpacing1(float fSpacing) = 0;
+    virtual void SetScreenSize(float fWidth, float fHeight) = 0; // the room for the text
+    virtual void SetZoom(std::int32_t nPercent) = 0;             // 100: the page's own sizes
+    virtual void SetSpacing1(float fSpacing) = 0; // for the engine to read as it likes
     virtual void SetSpacing2(float fSpacing) = 0;
     virtual void SetParseFlags(std::int32_t nFlags) = 0; // 2 text, 3 text and pictures
+
+    // Without a pause object the page is laid out when this returns.
     virtual std::shared_ptr<common::Progressive> StartParse(common::IPauseCallback* pPause) = 0;
+
+    // 0 for a page without text.
     virtual std::int32_t GetContentWidth() const = 0;
     virtual std::int32_t GetContentHeight() const = 0;
+
+    // The content's space to a bitmap whose first row is the content's first.
     virtual common::vxbase::Matrix2D GetDisplayMatrix() const = 0;
 };
 
 class IReflowPageFactory : public Platform::IActivationFactory {
 public:
+    // Raises e_ErrUnsupported from an engine that does not reflow.
     virtual std::shared_ptr<ReflowPage> Create(std::shared_ptr<PDFPage> pPage) = 0;
 };
 

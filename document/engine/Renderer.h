@@ -33,28 +33,37 @@ public:
     virtual void SetColorMode(std::int32_t nMode) = 0;
     virtual void SetMappingModeColors(std::uint32_t nBackColor, std::uint32_t nForeColor) = 0;
 
+    // `kRenderContent` or nothing: without the bit `StartRender` draws nothing.
+    // Other bits mean nothing.
     virtual void SetRenderContentFlags(std::uint32_t nFlags) = 0;
 
     // Draws the page's content (no annotations) over what the bitmap holds.
     // `matrix` maps page space to the bitmap; only what lies in the bitmap
     // costs time. Without a pause object the page is drawn when this returns;
-    // what cannot be drawn is left out. Raises `EngineException` when nothing
-    // could be drawn or a read failed.
+    // what is broken in it is left out. Raises `EngineException` as
+    // `PDFPage::StartParse` does, and e_ErrParam for a page of another engine.
     virtual std::shared_ptr<Progressive> StartRender(std::shared_ptr<pdf::PDFPage> pPage,
                                                      const vxbase::Matrix2D& matrix,
                                                      IPauseCallback* pPause) = 0;
 
-    // Draws one annotation of a page. False when it has nothing to show.
+    // Draws one annotation of a page, over what was drawn before it. False when
+    // it has nothing to show. Raises as `StartRender`.
     virtual bool RenderAnnot(std::shared_ptr<pdf::IAnnot> pAnnot,
                              const vxbase::Matrix2D& matrix) = 0;
 
+    // True when something that was drawn so far is not all there, because its
+    // time ran out. Asked again from the start, it may come out whole.
+    virtual bool IsIncomplete() const { return false; }
+
+    // Draws a reflowed page as `StartRender` draws a page; `matrix` maps its
+    // content to the bitmap. Raises e_ErrUnsupported from an engine without it.
     virtual std::shared_ptr<Progressive> StartRenderReflowPage(
         std::shared_ptr<pdf::ReflowPage> pPage, const vxbase::Matrix2D& matrix,
         IPauseCallback* pPause) = 0;
 
     // A flag that whoever asked for the render may set at any time; the
-    // drawing then ends early by raising `concurrency::task_canceled`.
-    // Handed over before the first draw; empty for none.
+    // drawing then ends early by raising `concurrency::task_canceled`. Handed
+    // over before the first draw, by the thread that draws; empty for none.
     virtual void SetAbortFlag(std::shared_ptr<const std::atomic<bool>> pAbort) = 0;
 };
 

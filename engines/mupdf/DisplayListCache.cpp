@@ -55,6 +55,17 @@ void DisplayListCache::DropDocument(std::uint64_t nDocument) {
     }
 }
 
+void DisplayListCache::DropCutShort(std::uint64_t nDocument, std::int32_t nPage) {
+    Dropped dropped;
+    const Lock lock(m_lock);
+    for (const Kind eKind : {Kind::Content, Kind::Annots}) {
+        const auto it = m_index.find({nDocument, nPage, eKind});
+        if (it != m_index.end() && it->second->pDrawing->bCutShort) {
+            Remove(it->second, dropped);
+        }
+    }
+}
+
 void DisplayListCache::SetLimits(const Limits& limits) {
     Dropped dropped;
     const Lock lock(m_lock);

@@ -35,6 +35,7 @@ struct Drawing {
     std::shared_ptr<OpenedFile> pFile; // the lists may point into its fonts
     std::vector<Part> parts;
     std::size_t nBytes = 1; // what it took to make, resources included; above 0
+    bool bCutShort = false; // its time ran out: the rest is missing
 };
 
 class DisplayListCache {
@@ -62,6 +63,7 @@ public:
     std::shared_ptr<const Drawing> Find(const Key& key);
     void Put(const Key& key, std::shared_ptr<const Drawing> pDrawing);
     void DropDocument(std::uint64_t nDocument);
+    void DropCutShort(std::uint64_t nDocument, std::int32_t nPage);
 
     void SetLimits(const Limits& limits);
     std::size_t Bytes() const;

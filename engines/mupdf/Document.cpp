@@ -8,6 +8,8 @@
 #include "engines/mupdf/Destinations.h"
 #include "engines/mupdf/Drawings.h"
 #include "engines/mupdf/Page.h"
+#include "platform/concurrency/Scheduler.h"
+#include "platform/foundation/Exception.h"
 
 namespace velko::engines::mupdf {
 
@@ -23,6 +25,10 @@ constexpr std::uint32_t kAllPermissions = 0xFFFFFFFFU;
 
 // Pages whose facts are read at one go.
 constexpr std::int32_t kSlice = 64;
+
+// Finding a page takes as long as its tree is wide, at worst as there are pages:
+// beyond so many pages it is not done for all of them ahead of need.
+constexpr std::int32_t kPagesAhead = 20'000;
 
 // Reads the facts of the slice that starts at `nFirst` into the table.
 void ReadSlice(OpenedFile& file, PageTable& table, std::int32_t nFirst) {
@@ -68,6 +74,14 @@ Document::~Document() {
 }
 
 ErrorCode Document::Load(const std::string& strPassword) {
+    const ErrorCode eCode = LoadOrTell(strPassword);
+    if (eCode == ErrorCode::e_ErrSuccess) {
+        ReadSizesAhead();
+    }
+    return eCode;
+}
+
+ErrorCode Document::LoadOrTell(const std::string& strPassword) {
     const Lock lock(m_lock);
     try {
         return LoadUnderLock(strPassword);
@@ -189,11 +203,49 @@ void Document::ReadFactsAround(Loaded& loaded, std::int32_t nPage) {
     ReadSlice(*m_pSizesFile, loaded.table, nPage / kSlice * kSlice);
 }
 
+// On the task pool, so that whoever jumps to a far page, which a UI thread
+// does, finds its size. A failure is met again by whoever asks for the page.
+void Document::ReadSizesAhead() {
+    const auto pState = LoadedState();
+    if (pState->table.IsFull()) {
+        return;
+    }
+    try {
+        concurrency::task_pool()->schedule([wkSelf = weak_from_this(), pState] {
+            try {
+                ReadSizesInTurn(wkSelf, *pState);
+            } catch (const std::exception&) {
+            }
+        });
+    } catch (const Platform::Exception&) {
+        // A process without a pool reads when it is asked.
+    }
+}
+
+// Each slice for itself, so that nobody waits for more than one.
+void Document::ReadSizesInTurn(const std::weak_ptr<Document>& wkSelf, Loaded& loaded) {
+    const std::int32_t nPages = loaded.table.Count();
+    for (std::int32_t i = nPages > kPagesAhead ? nPages - 1 : 0; i < nPages; i += kSlice) {
+        const auto pSelf = wkSelf.lock();
+        if (!pSelf) {
+            return;
+        }
+        if (!loaded.table.Find(i)) {
+            pSelf->ReadFactsAround(loaded, i);
+        }
+    }
+    const auto pSelf = wkSelf.lock();
+    if (pSelf && loaded.table.IsFull()) {
+        const Lock lock(pSelf->m_sizesLock);
+        pSelf->m_pSizesFile.reset(); // nobody asks it any more
+    }
+}
+
 std::shared_ptr<OpenedFile> Document::OpenAgain(const Loaded& loaded) const {
     auto pFile = std::make_shared<OpenedFile>(m_pReader);
     if (pFile->Authenticate(loaded.strPassword) == OpenedFile::Access::kRefused ||
         pFile->ListPages() != loaded.table.Count()) {
-        throw EngineException(ErrorCode::e_ErrFile, "the file has changed");
+        throw EngineException(ErrorCode::e_ErrConflict, "the file has changed");
     }
     return pFile;
 }
@@ -240,6 +292,10 @@ std::shared_ptr<const Drawing> Document::AnnotsOf(std::int32_t nPage, std::int32
         [nPage, nAnnots](const std::shared_ptr<OpenedFile>& pFile, Operation& operation) {
             return DrawAnnots(pFile, nPage, nAnnots, operation);
         });
+}
+
+void Document::ForgetCutShort(std::int32_t nPage) {
+    DisplayListCache::Instance().DropCutShort(m_nKey, nPage);
 }
 
 std::vector<std::int32_t> Document::AnnotKindsOf(std::int32_t nPage, std::int32_t nAnnots) {

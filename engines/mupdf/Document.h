@@ -5,7 +5,8 @@
 //   interpreting a page into a list, annotations, links. Running a list needs
 //   no lock, and no call that a UI thread makes takes this one after `Load`.
 // - the sizes' lock spans reads of page sizes that `Load` did not get to;
-//   these have a file of their own, so they wait for each other only.
+//   these have a file of their own, so they wait for each other only. The task
+//   pool reads them ahead after `Load`.
 // The state's lock, the page table's and the one of the cache of drawings are
 // leaves, held for a look-up, and may be taken under the first two.
 #pragma once
@@ -50,6 +51,8 @@ public:
     std::shared_ptr<const Drawing> ContentOf(std::int32_t nPage, Operation::AbortFlag pAbort);
     std::shared_ptr<const Drawing> AnnotsOf(std::int32_t nPage, std::int32_t nAnnots,
                                             Operation::AbortFlag pAbort);
+    // Lets go of what was kept of the page although its time ran out.
+    void ForgetCutShort(std::int32_t nPage);
     std::vector<std::int32_t> AnnotKindsOf(std::int32_t nPage, std::int32_t nAnnots);
 
 private:
@@ -68,6 +71,7 @@ private:
     std::shared_ptr<Loaded> State() const;       // empty until loaded
     std::shared_ptr<Loaded> LoadedState() const; // raises until loaded
 
+    common::ErrorCode LoadOrTell(const std::string& strPassword);
     common::ErrorCode LoadUnderLock(const std::string& strPassword) VLK_REQUIRES(m_lock);
     void KeepRefusedEncryption(std::int32_t nType);
     void Publish(std::shared_ptr<OpenedFile> pFile, std::shared_ptr<Loaded> pLoaded)
@@ -79,6 +83,8 @@ private:
 
     PageFacts FactsOf(std::int32_t nPage);
     void ReadFactsAround(Loaded& loaded, std::int32_t nPage);
+    void ReadSizesAhead();
+    static void ReadSizesInTurn(const std::weak_ptr<Document>& wkSelf, Loaded& loaded);
     float PageTop(OpenedFile& file, Loaded& loaded, std::int32_t nPage);
 
     template <class Draw>

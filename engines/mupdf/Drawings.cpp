@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <string>
 #include <utility>
 
 #include "engines/mupdf/PictureProbe.h"
@@ -46,11 +47,17 @@ void UseLeniently(OpenedFile& file, Body&& body) {
     }
 }
 
-// A page of the library; empty where the file has none that can be loaded.
+// A page of the library. Raises `EngineException` where the file has none that
+// can be loaded: an empty page in its place would be a wrong one.
 PageHandle LoadPage(OpenedFile& file, std::int32_t nPage) {
     fz_context* const ctx = ThreadContext();
     PageHandle page;
-    UseLeniently(file, [&] { page.Out() = pdf_load_page(ctx, file.Document(), nPage); });
+    try {
+        file.Use([&] { page.Out() = pdf_load_page(ctx, file.Document(), nPage); });
+    } catch (const LibraryError& error) {
+        throw common::EngineException(common::ErrorCode::e_ErrNotFound,
+                                      std::string("the file has no such page: ") + error.what());
+    }
     return page;
 }
 
@@ -73,6 +80,7 @@ Drawing::Part Record(OpenedFile& file, Run&& fnRun) {
 std::shared_ptr<const Drawing> Finish(std::shared_ptr<Drawing> pDrawing,
                                       const AllocationWatch& watch, const Operation& operation) {
     operation.ThrowIfAborted();
+    pDrawing->bCutShort = operation.IsTimedOut();
     pDrawing->nBytes += watch.NetBytes();
     return pDrawing;
 }
@@ -152,12 +160,10 @@ std::shared_ptr<const Drawing> DrawContent(std::shared_ptr<OpenedFile> pFile, st
     const AllocationWatch watch;
     auto pDrawing = std::make_shared<Drawing>();
     pDrawing->pFile = pFile;
-    pDrawing->parts.emplace_back();
-    if (const PageHandle page = LoadPage(*pFile, nPage)) {
-        pDrawing->parts.front() = Record(*pFile, [&](fz_context* ctx, fz_device* pDevice) {
-            pdf_run_page_contents(ctx, page.Get(), pDevice, fz_identity, operation.Cookie());
-        });
-    }
+    const PageHandle page = LoadPage(*pFile, nPage);
+    pDrawing->parts.push_back(Record(*pFile, [&](fz_context* ctx, fz_device* pDevice) {
+        pdf_run_page_contents(ctx, page.Get(), pDevice, fz_identity, operation.Cookie());
+    }));
     return Finish(std::move(pDrawing), watch, operation);
 }
 
@@ -167,18 +173,17 @@ std::shared_ptr<const Drawing> DrawAnnots(std::shared_ptr<OpenedFile> pFile, std
     auto pDrawing = std::make_shared<Drawing>();
     pDrawing->pFile = pFile;
     pDrawing->parts.resize(static_cast<std::size_t>(nAnnots));
-    if (const PageHandle page = LoadPage(*pFile, nPage)) {
-        const std::vector<pdf_annot*> annots = MatchAnnots(*pFile, page.Get(), nAnnots);
-        for (std::size_t i = 0; i < annots.size(); ++i) {
-            if (annots[i] == nullptr) {
-                continue;
-            }
-            Drawing::Part& part = pDrawing->parts[i];
-            part = Record(*pFile, [&](fz_context* ctx, fz_device* pDevice) {
-                pdf_run_annot(ctx, annots[i], pDevice, fz_identity, operation.Cookie());
-            });
-            Measure(*pFile, part);
+    const PageHandle page = LoadPage(*pFile, nPage);
+    const std::vector<pdf_annot*> annots = MatchAnnots(*pFile, page.Get(), nAnnots);
+    for (std::size_t i = 0; i < annots.size(); ++i) {
+        if (annots[i] == nullptr) {
+            continue;
         }
+        Drawing::Part& part = pDrawing->parts[i];
+        part = Record(*pFile, [&](fz_context* ctx, fz_device* pDevice) {
+            pdf_run_annot(ctx, annots[i], pDevice, fz_identity, operation.Cookie());
+        });
+        Measure(*pFile, part);
     }
     return Finish(std::move(pDrawing), watch, operation);
 }

@@ -15,9 +15,9 @@
 namespace velko::engines::mupdf {
 
 // Content that is broken, or that exceeds the operation's time, is drawn as
-// far as it goes; a page without usable content gives an empty part. Raises
-// `EngineException` for a failed read and for want of memory, `task_canceled`
-// when the operation is aborted.
+// far as it goes; in the second case the drawing says that it was cut short.
+// Raises `EngineException` for a failed read, for want of memory and for a page
+// that the file does not have, `task_canceled` when the operation is aborted.
 std::shared_ptr<const Drawing> DrawContent(std::shared_ptr<OpenedFile> pFile, std::int32_t nPage,
                                            Operation& operation);
 

@@ -7,7 +7,11 @@ namespace velko::engines::mupdf {
 
 class FinishedProgress final : public common::Progressive {
 public:
-    std::int32_t Continue() override { return kFinished; }
+    explicit FinishedProgress(std::int32_t nState = kFinished) : m_nState(nState) {}
+    std::int32_t Continue() override { return m_nState; }
+
+private:
+    std::int32_t m_nState;
 };
 
 }

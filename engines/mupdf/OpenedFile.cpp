@@ -144,12 +144,30 @@ std::int32_t OpenedFile::ListPages() {
     } catch (const LibraryError&) {
         return bCredible ? nCount : 0; // pages are searched one by one
     }
+    if (leaves.nCount != nCount) {
+        CorrectPageCount(leaves.nCount);
+    }
     if (leaves.bAllNumbered) {
         objects.resize(static_cast<std::size_t>(leaves.nCount));
         objects.shrink_to_fit();
         m_pageObjects = std::move(objects);
     }
     return leaves.nCount;
+}
+
+// The library loads no page beyond the count that the file gives, which may be
+// too small. In memory only.
+void OpenedFile::CorrectPageCount(std::int32_t nPages) {
+    fz_context* const ctx = ThreadContext();
+    try {
+        Use([&] {
+            pdf_obj* const pRoot = pdf_dict_get(ctx, pdf_trailer(ctx, m_pDocument), PDF_NAME(Root));
+            pdf_dict_put_int(ctx, pdf_dict_get(ctx, pRoot, PDF_NAME(Pages)), PDF_NAME(Count),
+                             nPages);
+        });
+    } catch (const LibraryError&) {
+        // The pages beyond are then told as missing.
+    }
 }
 
 pdf_obj* OpenedFile::LoadPageObject(fz_context* ctx, std::int32_t nPage) const {

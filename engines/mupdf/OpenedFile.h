@@ -62,6 +62,8 @@ public:
 private:
     class UseScope;
 
+    void CorrectPageCount(std::int32_t nPages);
+
     ReaderStream m_stream;
     pdf_document* m_pDocument = nullptr;
     std::vector<std::int32_t> m_pageObjects; // by page; empty when not listed

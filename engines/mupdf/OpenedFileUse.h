@@ -15,12 +15,16 @@ public:
 
     // Notes what went wrong meanwhile; raises when something did.
     void RaiseDamage() {
-        const bool bReadFailed = m_file.m_stream.TakeFailure();
+        const ReaderStream::Failure eFailure = m_file.m_stream.TakeFailure();
         const bool bRefused = m_watch.WasRefused();
-        if (bReadFailed || bRefused) {
+        if (eFailure != ReaderStream::Failure::kNone || bRefused) {
             m_file.m_bDamaged = true;
         }
-        if (bReadFailed) {
+        if (eFailure == ReaderStream::Failure::kChanged) {
+            throw common::EngineException(common::ErrorCode::e_ErrConflict,
+                                          "the file was changed since it was opened");
+        }
+        if (eFailure == ReaderStream::Failure::kUnreadable) {
             throw common::EngineException(common::ErrorCode::e_ErrFile,
                                           "a read of the file failed");
         }

@@ -46,6 +46,14 @@ void Operation::ThrowIfAborted() const {
     }
 }
 
+Operation::Waiting::~Waiting() {
+    const Clock::duration waited = Clock::now() - m_start;
+    for (Operation* pOperation = t_pOperation; pOperation != nullptr;
+         pOperation = pOperation->m_pOuter) {
+        pOperation->m_deadline += waited;
+    }
+}
+
 void Operation::Poll() noexcept {
     Operation* const pOperation = t_pOperation;
     if (pOperation == nullptr || pOperation->m_cookie.abort != 0) {

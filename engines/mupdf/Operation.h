@@ -6,6 +6,9 @@
 // calls `Poll`. So a stop is seen within a few drawing steps, and no other
 // thread touches the cookie.
 //
+// Time in which the thread waits for bytes counts against no budget: a slow
+// disk makes a page late, never incomplete.
+//
 // Threads: an operation belongs to the thread that made it; operations of a
 // thread nest, the inner one is polled.
 #pragma once
@@ -22,7 +25,9 @@ namespace velko::engines::mupdf {
 struct Budgets {
     std::chrono::milliseconds parse{10'000};  // a page's content, or its annotations
     std::chrono::milliseconds render{20'000}; // a drawing of one list
-    std::chrono::milliseconds table{150};     // page sizes read ahead while a file opens
+    // Page sizes read ahead while a file opens, waits included: what is not
+    // read by then is read when it is asked for.
+    std::chrono::milliseconds table{150};
 };
 
 // Those of the process. Threads: any; work under way keeps its own.
@@ -46,6 +51,18 @@ public:
 
     // Raises `task_canceled` when the flag is set.
     void ThrowIfAborted() const;
+
+    // For its length the thread waits for bytes.
+    class Waiting {
+    public:
+        Waiting() : m_start(Clock::now()) {}
+        ~Waiting();
+        Waiting(const Waiting&) = delete;
+        Waiting& operator=(const Waiting&) = delete;
+
+    private:
+        Clock::time_point m_start;
+    };
 
     // Looks at the flag and, now and then, at the clock. Cheap; never raises.
     static void Poll() noexcept;

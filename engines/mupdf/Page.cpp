@@ -16,14 +16,18 @@ Page::Page(std::shared_ptr<Document> pDocument, std::int32_t nIndex, const PageF
     : m_pDocument(std::move(pDocument)), m_nIndex(nIndex), m_facts(facts) {}
 
 std::shared_ptr<common::Progressive> Page::StartParse(std::int32_t, common::IPauseCallback*,
-                                                      std::int32_t) {
+                                                      std::int32_t nReparse) {
+    if (nReparse != 0) {
+        m_pDocument->ForgetCutShort(m_nIndex);
+    }
     Content(nullptr);
-    return std::make_shared<FinishedProgress>();
+    return std::make_shared<FinishedProgress>(m_bParsed ? FinishedProgress::kFinished
+                                                        : FinishedProgress::kCutShort);
 }
 
 std::shared_ptr<const Drawing> Page::Content(Operation::AbortFlag pAbort) {
     auto pDrawing = m_pDocument->ContentOf(m_nIndex, std::move(pAbort));
-    m_bParsed = true;
+    m_bParsed = !pDrawing->bCutShort;
     return pDrawing;
 }
 

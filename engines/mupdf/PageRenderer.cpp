@@ -7,7 +7,6 @@
 
 #include "document/engine/ErrorCode.h"
 #include "engines/mupdf/Allocator.h"
-#include "engines/mupdf/ColorMapping.h"
 #include "engines/mupdf/FinishedProgress.h"
 #include "engines/mupdf/Page.h"
 #include "engines/mupdf/PictureProbe.h"
@@ -69,15 +68,10 @@ fz_pixmap* PixmapOver(fz_context* ctx, fz_colorspace* pColors, const fz_irect& a
     return pPixmap;
 }
 
-std::size_t PixelCount(const fz_irect& area) {
-    return static_cast<std::size_t>(area.x1 - area.x0) *
-           static_cast<std::size_t>(area.y1 - area.y0);
-}
-
 template <class T>
-std::vector<T> MakePixels(const fz_irect& area, T value) {
+std::vector<T> MakePixels(std::size_t nCount, T value) {
     try {
-        return std::vector<T>(PixelCount(area), value);
+        return std::vector<T>(nCount, value);
     } catch (const std::bad_alloc&) {
         throw EngineException(ErrorCode::e_ErrOutOfMemory, "no memory to map colours in");
     }
@@ -97,8 +91,7 @@ PageRenderer::PageRenderer(std::shared_ptr<common::Bitmap> pBitmap)
 }
 
 void PageRenderer::SetMappingModeColors(std::uint32_t nBackColor, std::uint32_t nForeColor) {
-    m_nBackColor = nBackColor;
-    m_nForeColor = nForeColor;
+    m_mapping = ColorMapping(nBackColor, nForeColor);
 }
 
 std::shared_ptr<common::Progressive> PageRenderer::StartRender(std::shared_ptr<pdf::PDFPage> pPage,
@@ -109,7 +102,8 @@ std::shared_ptr<common::Progressive> PageRenderer::StartRender(std::shared_ptr<p
         throw EngineException(ErrorCode::e_ErrParam, "not a page of this engine");
     }
     if ((m_nContentFlags & kRenderContent) != 0) {
-        Draw({pOwn->Content(m_pAbort), 0, Place(pOwn->Facts(), matrix)});
+        const Layer layer{pOwn->Content(m_pAbort), 0, Place(pOwn->Facts(), matrix)};
+        Draw(layer, pOwn->Facts().nAnnots == 0);
     }
     return std::make_shared<FinishedProgress>();
 }
@@ -123,13 +117,14 @@ bool PageRenderer::RenderAnnot(std::shared_ptr<pdf::IAnnot> pAnnot, const Matrix
     layer.pDrawing = pOwn->Owner()->Annots(m_pAbort);
     layer.nPart = static_cast<std::size_t>(pOwn->Index());
     if (!layer.Part().list) {
+        m_bIncomplete = m_bIncomplete || layer.pDrawing->bCutShort;
         return false;
     }
     layer.placement = Place(pOwn->Owner()->Facts(), matrix);
     const fz_rect rcBounds = fz_transform_rect(layer.Part().rcBounds, layer.placement.toBitmap);
     layer.placement.area = fz_intersect_irect(
         layer.placement.area, fz_expand_irect(fz_round_rect(rcBounds), kBoundsMargin));
-    Draw(layer);
+    Draw(layer, false);
     return true;
 }
 
@@ -150,54 +145,67 @@ PageRenderer::Placement PageRenderer::Place(const PageFacts& facts, const Matrix
     return placement;
 }
 
-PageRenderer::Canvas PageRenderer::CanvasOver(const fz_irect& area) {
-    auto* const pPixels = reinterpret_cast<std::uint32_t*>(m_pBitmap->GetBuffer().data());
-    return {pPixels + std::ptrdiff_t{area.y0} * m_nWidth + area.x0, m_nWidth, area};
+std::uint32_t* PageRenderer::BitmapPixels() {
+    return reinterpret_cast<std::uint32_t*>(m_pBitmap->GetBuffer().data());
 }
 
-void PageRenderer::Draw(const Layer& layer) {
+std::size_t PageRenderer::IndexOf(const fz_irect& area) const {
+    return static_cast<std::size_t>(area.y0) * static_cast<std::size_t>(m_nWidth) +
+           static_cast<std::size_t>(area.x0);
+}
+
+std::size_t PageRenderer::PixelCount() const {
+    return static_cast<std::size_t>(m_nWidth) * static_cast<std::size_t>(m_nHeight);
+}
+
+void PageRenderer::Draw(const Layer& layer, bool bAlone) {
+    m_bIncomplete = m_bIncomplete || layer.pDrawing->bCutShort;
     if (fz_is_empty_irect(layer.placement.area)) {
         return;
     }
     if (m_nColorMode == kColorModeMapped) {
-        DrawMapped(layer);
+        DrawMapped(layer, bAlone);
     } else if (layer.Part().list) {
-        Run(layer, CanvasOver(layer.placement.area));
+        Run(layer, BitmapPixels());
     }
 }
 
-void PageRenderer::DrawMapped(const Layer& layer) {
+void PageRenderer::DrawMapped(const Layer& layer, bool bAlone) {
     const fz_irect& area = layer.placement.area;
-    Canvas canvas = CanvasOver(area);
-    std::vector<std::uint32_t> beside;
-    if (m_layers.empty()) {
+    std::uint32_t* pTrueColors = nullptr;
+    if (bAlone && m_trueColors.empty()) {
         m_pBitmap->FillRect(kWhite, {area.x0, area.y0, area.x1, area.y1});
+        m_mappedInPlace.push_back(layer);
+        pTrueColors = BitmapPixels();
     } else {
-        beside = MakePixels(area, kWhite);
-        canvas.pPixels = beside.data();
-        canvas.nStride = area.x1 - area.x0;
+        KeepTrueColors();
+        pTrueColors = m_trueColors.data();
     }
-    std::vector<std::uint8_t> pictures;
-    for (const Layer& below : m_layers) {
-        DrawTrueColors(canvas, below, pictures);
-    }
-    DrawTrueColors(canvas, layer, pictures);
-    Map(canvas, pictures);
-    m_layers.push_back(layer);
+    DrawTrueColors(layer, pTrueColors);
+    Map(area, pTrueColors);
 }
 
-void PageRenderer::DrawTrueColors(const Canvas& canvas, const Layer& layer,
-                                  std::vector<std::uint8_t>& pictures) {
-    const fz_irect common = fz_intersect_irect(layer.placement.area, canvas.area);
-    if (!layer.Part().list || fz_is_empty_irect(common)) {
+// What was mapped in place has lost its own colours and is drawn once more.
+void PageRenderer::KeepTrueColors() {
+    if (!m_trueColors.empty()) {
         return;
     }
-    Run(layer, canvas);
+    m_trueColors = MakePixels(PixelCount(), kWhite);
+    for (const Layer& below : std::exchange(m_mappedInPlace, {})) {
+        DrawTrueColors(below, m_trueColors.data());
+    }
+}
+
+void PageRenderer::DrawTrueColors(const Layer& layer, std::uint32_t* pPixels) {
+    if (!layer.Part().list) {
+        return;
+    }
+    Run(layer, pPixels);
     if (layer.Part().bHasPictures) {
-        if (pictures.empty()) {
-            pictures = MakePixels(canvas.area, std::uint8_t{0});
+        if (m_pictures.empty()) {
+            m_pictures = MakePixels(PixelCount(), std::uint8_t{0});
         }
-        RunPictures(layer, canvas.area, pictures.data());
+        RunPictures(layer);
     }
 }
 
@@ -222,39 +230,41 @@ void PageRenderer::RunList(const Layer& layer, const fz_irect& area, MakeDevice&
         // a fault of the file leaves out the rest; want of memory shows below.
     }
     operation.ThrowIfAborted();
+    m_bIncomplete = m_bIncomplete || operation.IsTimedOut();
     if (watch.WasRefused() && !operation.IsTimedOut()) {
         throw EngineException(ErrorCode::e_ErrOutOfMemory, "no memory to draw the page");
     }
 }
 
-void PageRenderer::Run(const Layer& layer, const Canvas& canvas) {
-    RunList(layer, canvas.area, [&](fz_context* ctx, fz_pixmap*& pPixmap) {
-        pPixmap = PixmapOver(ctx, fz_device_bgr(ctx), canvas.area, canvas.nStride * 4,
-                             reinterpret_cast<std::uint8_t*>(canvas.pPixels));
+void PageRenderer::Run(const Layer& layer, std::uint32_t* pPixels) {
+    const fz_irect& area = layer.placement.area;
+    RunList(layer, area, [&](fz_context* ctx, fz_pixmap*& pPixmap) {
+        pPixmap = PixmapOver(ctx, fz_device_bgr(ctx), area, std::ptrdiff_t{m_nWidth} * 4,
+                             reinterpret_cast<std::uint8_t*>(pPixels + IndexOf(area)));
         fz_device* const pDevice = fz_new_draw_device(ctx, fz_identity, pPixmap);
         LimitTiles(pDevice);
         return pDevice;
     });
 }
 
-void PageRenderer::RunPictures(const Layer& layer, const fz_irect& area, std::uint8_t* pMask) {
+void PageRenderer::RunPictures(const Layer& layer) {
+    const fz_irect& area = layer.placement.area;
     RunList(layer, area, [&](fz_context* ctx, fz_pixmap*& pPixmap) {
-        pPixmap = PixmapOver(ctx, nullptr, area, area.x1 - area.x0, pMask);
+        pPixmap = PixmapOver(ctx, nullptr, area, m_nWidth, m_pictures.data() + IndexOf(area));
         return NewPictureDevice(ctx, pPixmap);
     });
 }
 
-void PageRenderer::Map(const Canvas& source, const std::vector<std::uint8_t>& pictures) {
-    const ColorMapping mapping(m_nBackColor, m_nForeColor);
-    const Canvas target = CanvasOver(source.area);
-    const auto nWidth = static_cast<std::size_t>(source.area.x1 - source.area.x0);
-    for (std::ptrdiff_t y = 0; y < source.area.y1 - source.area.y0; ++y) {
-        std::span<const std::uint8_t> mask;
-        if (!pictures.empty()) {
-            mask = std::span(pictures).subspan(static_cast<std::size_t>(y) * nWidth, nWidth);
+void PageRenderer::Map(const fz_irect& area, const std::uint32_t* pTrueColors) {
+    const auto nWidth = static_cast<std::size_t>(area.x1 - area.x0);
+    for (int y = area.y0; y < area.y1; ++y) {
+        const std::size_t nFirst = IndexOf({area.x0, y, area.x1, y + 1});
+        std::span<const std::uint8_t> pictures;
+        if (!m_pictures.empty()) {
+            pictures = std::span(m_pictures).subspan(nFirst, nWidth);
         }
-        mapping.MapRow({source.pPixels + y * source.nStride, nWidth}, mask,
-                       {target.pPixels + y * target.nStride, nWidth});
+        m_mapping.MapRow({pTrueColors + nFirst, nWidth}, pictures,
+                         {BitmapPixels() + nFirst, nWidth});
     }
 }
 

@@ -2,18 +2,20 @@
 //
 // In the mapped colour mode an area is drawn in the page's own colours onto
 // white and then mapped as a whole, so that blending happens between true
-// colours. What is drawn later into the same area (an annotation over the
-// page) is drawn on top of everything drawn before it, beside, and mapped
-// again. The paper of the caller's bitmap becomes the background colour there.
+// colours. A page with annotations keeps its true colours beside the bitmap:
+// each annotation is drawn over them, and only its own area is mapped again.
+// The paper of the caller's bitmap becomes the background colour there.
 //
 // Threads: one at a time; several renderers may run at once.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>
 
 #include "document/engine/Renderer.h"
+#include "engines/mupdf/ColorMapping.h"
 #include "engines/mupdf/DisplayListCache.h"
 #include "engines/mupdf/Operation.h"
 #include "engines/mupdf/PageTable.h"
@@ -36,6 +38,7 @@ public:
     std::shared_ptr<common::Progressive> StartRenderReflowPage(
         std::shared_ptr<pdf::ReflowPage> pPage, const common::vxbase::Matrix2D& matrix,
         common::IPauseCallback* pPause) override;
+    bool IsIncomplete() const override { return m_bIncomplete; }
     void SetAbortFlag(Operation::AbortFlag pAbort) override { m_pAbort = std::move(pAbort); }
 
 private:
@@ -54,24 +57,21 @@ private:
         const Drawing::Part& Part() const { return pDrawing->parts[nPart]; }
     };
 
-    // Pixels of an area of the bitmap, in the bitmap itself or beside it.
-    struct Canvas {
-        std::uint32_t* pPixels = nullptr; // of the area's first pixel
-        std::ptrdiff_t nStride = 0;       // in pixels
-        fz_irect area = fz_empty_irect;
-    };
-
     Placement Place(const PageFacts& facts, const common::vxbase::Matrix2D& matrix) const;
-    Canvas CanvasOver(const fz_irect& area);
-    void Draw(const Layer& layer);
-    void DrawMapped(const Layer& layer);
-    void DrawTrueColors(const Canvas& canvas, const Layer& layer,
-                        std::vector<std::uint8_t>& pictures);
-    void Map(const Canvas& source, const std::vector<std::uint8_t>& pictures);
+    std::uint32_t* BitmapPixels();
+    std::size_t IndexOf(const fz_irect& area) const; // of the area's first pixel
+    std::size_t PixelCount() const;
 
-    // Run the list into a canvas, or its pictures into a mask of the area's size.
-    void Run(const Layer& layer, const Canvas& canvas);
-    void RunPictures(const Layer& layer, const fz_irect& area, std::uint8_t* pMask);
+    // `bAlone`: nothing is expected over it.
+    void Draw(const Layer& layer, bool bAlone);
+    void DrawMapped(const Layer& layer, bool bAlone);
+    void KeepTrueColors();
+    void DrawTrueColors(const Layer& layer, std::uint32_t* pPixels);
+    void Map(const fz_irect& area, const std::uint32_t* pTrueColors);
+
+    // Run the list into pixels of the bitmap's size, or its pictures into the mask.
+    void Run(const Layer& layer, std::uint32_t* pPixels);
+    void RunPictures(const Layer& layer);
     template <class MakeDevice>
     void RunList(const Layer& layer, const fz_irect& area, MakeDevice&& fnMakeDevice);
 
@@ -79,12 +79,15 @@ private:
     std::int32_t m_nWidth;
     std::int32_t m_nHeight;
     std::int32_t m_nColorMode = kColorModeNormal;
-    std::uint32_t m_nBackColor = 0xFFFFFFFFU;
-    std::uint32_t m_nForeColor = 0xFF000000U;
+    ColorMapping m_mapping{0xFFFFFFFFU, 0xFF000000U};
     std::uint32_t m_nContentFlags = kRenderContent;
     Operation::AbortFlag m_pAbort;
+    bool m_bIncomplete = false;
 
-    std::vector<Layer> m_layers; // drawn so far in the mapped mode
+    // The mapped mode: of the bitmap's size, or empty until needed.
+    std::vector<Layer> m_mappedInPlace;      // layers whose true colours are gone
+    std::vector<std::uint32_t> m_trueColors; // before the mapping
+    std::vector<std::uint8_t> m_pictures;    // how much of a picture each pixel is
 };
 
 class PageRendererFactory final : public common::IRendererFactory {

@@ -110,6 +110,11 @@ PageFacts ReadPageFacts(fz_context* ctx, const OpenedFile& file, std::int32_t nP
 PageTable::PageTable(std::int32_t nPages)
     : m_nPages(nPages), m_chunks(static_cast<std::size_t>((nPages + kChunk - 1) / kChunk)) {}
 
+bool PageTable::IsFull() const {
+    const Lock lock(m_lock);
+    return m_nKnown == m_nPages;
+}
+
 std::optional<PageFacts> PageTable::Find(std::int32_t nPage) const {
     const Lock lock(m_lock);
     const auto& pChunk = m_chunks[static_cast<std::size_t>(nPage / kChunk)];
@@ -125,6 +130,7 @@ void PageTable::Put(std::int32_t nPage, const PageFacts& facts) {
     auto& entry = (*pChunk)[static_cast<std::size_t>(nPage % kChunk)];
     if (!entry) {
         entry = facts;
+        ++m_nKnown;
     }
 }
 

@@ -1,7 +1,7 @@
 // What is known of a document's pages without interpreting them.
 //
 // An entry is written once and never changes; the table fills from the front
-// at `Load` and elsewhere where somebody asks. Reading it never waits for
+// at `Load` and after it, and where somebody asks. Reading it never waits for
 // engine work.
 //
 // Threads: any. One leaf lock.
@@ -37,6 +37,7 @@ public:
     explicit PageTable(std::int32_t nPages);
 
     std::int32_t Count() const { return m_nPages; }
+    bool IsFull() const;
     std::optional<PageFacts> Find(std::int32_t nPage) const; // index in range
     void Put(std::int32_t nPage, const PageFacts& facts);
 
@@ -46,6 +47,7 @@ private:
 
     std::int32_t m_nPages;
     mutable concurrency::critical_section m_lock;
+    std::int32_t m_nKnown VLK_GUARDED_BY(m_lock) = 0;
     std::vector<std::unique_ptr<Chunk>> m_chunks VLK_GUARDED_BY(m_lock);
 };
 

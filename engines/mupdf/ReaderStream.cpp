@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "engines/mupdf/Operation.h"
+#include "platform/storage/FileChangedException.h"
 
 namespace velko::engines::mupdf {
 
@@ -19,17 +20,23 @@ fz_stream* ReaderStream::NewStream(fz_context* ctx) {
     return pStream;
 }
 
-bool ReaderStream::TakeFailure() {
-    return std::exchange(m_bFailed, false);
+ReaderStream::Failure ReaderStream::TakeFailure() {
+    return std::exchange(m_eFailure, Failure::kNone);
 }
 
-bool ReaderStream::Fill() noexcept {
+// No exception may cross the library's frames.
+ReaderStream::Failure ReaderStream::Fill() noexcept {
+    const Operation::Waiting waiting;
     m_nFilled =
         static_cast<std::uint32_t>(std::min<std::uint64_t>(kBufferBytes, m_nSize - m_nPosition));
     try {
-        return m_pReader->ReadBlock(std::span(m_buffer).first(m_nFilled), m_nPosition, m_nFilled);
+        const bool bRead =
+            m_pReader->ReadBlock(std::span(m_buffer).first(m_nFilled), m_nPosition, m_nFilled);
+        return bRead ? Failure::kNone : Failure::kUnreadable;
+    } catch (const Platform::FileChangedException&) {
+        return Failure::kChanged;
     } catch (...) {
-        return false; // no exception may cross the library's frames
+        return Failure::kUnreadable;
     }
 }
 
@@ -39,8 +46,8 @@ int ReaderStream::Next(fz_context* ctx, fz_stream* pStream, std::size_t) {
     if (pThis->m_nPosition >= pThis->m_nSize) {
         return EOF;
     }
-    if (!pThis->Fill()) {
-        pThis->m_bFailed = true;
+    if (const Failure eFailure = pThis->Fill(); eFailure != Failure::kNone) {
+        pThis->m_eFailure = eFailure;
         pThis->m_nFilled = 0;
         pStream->rp = pStream->wp = pThis->m_buffer.data();
         // Any other kind would count as the end of the file.

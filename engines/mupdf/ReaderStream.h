@@ -28,8 +28,9 @@ public:
     // as the library does.
     fz_stream* NewStream(fz_context* ctx);
 
-    // Whether a read has failed since the last call.
-    bool TakeFailure();
+    // Why a read has failed since the last call, if one has.
+    enum class Failure { kNone, kUnreadable, kChanged };
+    Failure TakeFailure();
 
 private:
     static constexpr std::size_t kBufferBytes = std::size_t{32} << 10;
@@ -39,14 +40,14 @@ private:
 
     void MoveTo(fz_stream* pStream, std::uint64_t nOffset);
 
-    // Fills the buffer from the position on; false when the reader failed.
-    bool Fill() noexcept;
+    // Fills the buffer from the position on.
+    Failure Fill() noexcept;
 
     std::shared_ptr<common::vxbase::IFileReaderCallback> m_pReader;
     std::uint32_t m_nSize;
     std::uint64_t m_nPosition = 0; // of the byte after the buffer
     std::uint32_t m_nFilled = 0;   // bytes in the buffer
-    bool m_bFailed = false;
+    Failure m_eFailure = Failure::kNone;
     std::array<std::uint8_t, kBufferBytes> m_buffer{};
 };
 

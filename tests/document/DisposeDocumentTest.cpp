@@ -1,7 +1,5 @@
 // Closing a document: what goes, what is told, what every call says afterwards,
 // and what happens to work in flight.
-#include <functional>
-
 #include "platform/foundation/Exception.h"
 #include "tests/document/DocumentFixture.h"
 
@@ -16,8 +14,7 @@ using vkit::VLK_Document;
 class DisposeDocumentTest : public SteppedDocumentTest {
 protected:
     DocumentPtr OpenDocument() {
-        const auto pFile = MemoryFile::Create("/docs/a.pdf", MemoryFile::Data(2000, 7));
-        const auto pDocument = Await(VLK_Document::OpenAsync(pFile, 2000, ""))->m_pDocument;
+        const auto pDocument = Await(VLK_Document::OpenAsync(MakeFile(), 2000, ""))->m_pDocument;
         pDocument->SetOwner(m_pOwner);
         return pDocument;
     }
@@ -51,42 +48,28 @@ TEST_F(DisposeDocumentTest, EveryCallAfterwardsSaysSo) {
     BitmapBox box;
     pDocument->Dispose();
     VLK_Document& document = *pDocument;
-    const std::function<void()> kCalls[] = {
-        [&] { document.ReloadWithPassword(""); },
-        [&] { document.LoadPageAsync(0); },
-        [&] { document.InsertPageEntry(pEntry, 0); },
-        [&] { document.ReLoadPageIndex(0); },
-        [&] { document.EnsurePageEntry(0); },
-        [&] { document.GetPageSize(0); },
-        [&] { document.PeekPageSize(0); },
-        [&] { document.ClearPageInfoVector(); },
-        [&] { document.FillRenderState(request); },
-        [&] { document.RenderPageBlock(request, box); },
-        [&] { document.DevicePointToPagePoint(0, 0, 0, 8, 8, 0, {}); },
-        [&] { document.PagePointToDevicePoint(0, 0, 0, 8, 8, 0, {}); },
-        [&] { document.DeviceRectToPageRect(0, 0, 0, 8, 8, 0, {}); },
-        [&] { document.PageRectToDeviceRect(0, 0, 0, 8, 8, 0, {}); },
-        [&] { document.GetDisplayMatrix(0, 0, 0, 8, 8, 0); },
-        [&] { document.PageCount(); },
-        [&] { document.Permissions(); },
-        [&] { document.PasswordType(); },
-        [&] { document.PasswordApplied(); },
-        [&] { document.FileSize(); },
-        [&] { document.GetEncryptKind(); },
-        [&] { document.File(); },
-        [&] { document.SetOwner(m_pOwner); },
-        [&] { document.DeleteFileOnClose(); },
-        [&] { document.DeleteFileOnClose(true); },
-        [&] { document.RenderFlags(); },
-        [&] { document.RenderFlags(1); },
-        [&] { document.HiddenAnnotTypes(); },
-        [&] { document.AddHiddenAnnotType(1); },
-    };
     int nCall = 0;
-    for (const auto& fnCall : kCalls) {
-        EXPECT_THROW(fnCall(), ObjectDisposedException) << "call " << nCall;
-        ++nCall;
-    }
+    const auto fnRaises = [&](const auto&... fnCalls) {
+        (..., [&] { EXPECT_THROW(fnCalls(), ObjectDisposedException) << "call " << nCall++; }());
+    };
+    fnRaises([&] { document.ReloadWithPassword(""); }, [&] { document.LoadPageAsync(0); },
+             [&] { document.InsertPageEntry(pEntry, 0); }, [&] { document.ReLoadPageIndex(0); },
+             [&] { document.EnsurePageEntry(0); }, [&] { document.GetPageSize(0); },
+             [&] { document.PeekPageSize(0); }, [&] { document.ClearPageInfoVector(); },
+             [&] { document.FillRenderState(request); },
+             [&] { document.RenderPageBlock(request, box); },
+             [&] { document.DevicePointToPagePoint(0, 0, 0, 8, 8, 0, {}); },
+             [&] { document.PagePointToDevicePoint(0, 0, 0, 8, 8, 0, {}); },
+             [&] { document.DeviceRectToPageRect(0, 0, 0, 8, 8, 0, {}); },
+             [&] { document.PageRectToDeviceRect(0, 0, 0, 8, 8, 0, {}); },
+             [&] { document.GetDisplayMatrix(0, 0, 0, 8, 8, 0); }, [&] { document.PageCount(); },
+             [&] { document.Permissions(); }, [&] { document.PasswordType(); },
+             [&] { document.PasswordApplied(); }, [&] { document.FileSize(); },
+             [&] { document.GetEncryptKind(); }, [&] { document.File(); },
+             [&] { document.SetOwner(m_pOwner); }, [&] { document.DeleteFileOnClose(); },
+             [&] { document.DeleteFileOnClose(true); }, [&] { document.RenderFlags(); },
+             [&] { document.RenderFlags(1); }, [&] { document.HiddenAnnotTypes(); },
+             [&] { document.AddHiddenAnnotType(1); });
     document.AddPageUse(pEntry, 1); // what is in flight still counts
     EXPECT_EQ(pEntry->m_nUseCount, 1);
     document.ReleasePdfDoc();
@@ -94,12 +77,11 @@ TEST_F(DisposeDocumentTest, EveryCallAfterwardsSaysSo) {
 }
 
 TEST_F(DisposeDocumentTest, SwitchOfTheHostDeletesNoFile) {
-    const auto pFile = MemoryFile::Create("/docs/a.pdf", MemoryFile::Data(2000, 7));
-    const auto pDocument = Await(VLK_Document::OpenAsync(pFile, 2000, ""))->m_pDocument;
+    const DocumentPtr pDocument = OpenDocument();
     pDocument->DeleteFileOnClose(true);
     EXPECT_TRUE(pDocument->DeleteFileOnClose());
     pDocument->Dispose();
-    EXPECT_FALSE(pFile->IsDeleted());
+    EXPECT_TRUE(std::filesystem::exists(m_folder / "a.pdf"));
 }
 
 TEST_F(DisposeDocumentTest, FailingHandlerIsHeardAndStillAllIsClosed) {
@@ -184,6 +166,21 @@ TEST_F(DisposeInFlightTest, CloseEndsALongParse) {
     EXPECT_THROW(Await(pending), concurrency::task_canceled);
     EXPECT_EQ(pEntry->m_pPageHandle, nullptr);
     EXPECT_EQ(m_host.CountDebug("ReLoadPageIndex Completed:0\n"), 0U);
+}
+
+// A disk that hangs holds the load, not the close, and not for ever the load.
+TEST_F(DisposeInFlightTest, CloseEndsAWaitForTheFile) {
+    constexpr std::uint64_t kBeyondTheHead = 31457280 + 1000;
+    m_pEngine->SetLoadReads(true);
+    const auto opening = VLK_Document::OpenAsync(MakeFile(kBeyondTheHead), kBeyondTheHead, "");
+    const DocumentPtr pDocument = Await(opening)->m_pDocument;
+    StorageCalls calls;
+    calls.Hold("pread");
+    const auto pending =
+        concurrency::create_task([&] { return pDocument->ReloadWithPassword(""); });
+    ASSERT_TRUE(calls.WaitForHeld());
+    pDocument->Dispose();
+    EXPECT_FALSE(Await(pending)) << "although the disk still hangs";
 }
 
 }

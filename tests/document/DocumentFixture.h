@@ -10,6 +10,7 @@
 #include "document/VLK_Document.h"
 #include "platform/fake/TestHost.h"
 #include "tests/document/RecordingOwner.h"
+#include "tests/support/FileOnDisk.h"
 #include "tests/support/scripted_engine/ScriptedEngine.h"
 
 namespace velko::testing {
@@ -20,7 +21,10 @@ using DocumentPtr = std::shared_ptr<vkit::VLK_Document>;
 template <class Host>
 class DocumentFixture : public ::testing::Test {
 protected:
-    using MemoryFile = Platform::Fake::MemoryStorageFile;
+    // A file of that many bytes, zeros all of them.
+    std::shared_ptr<Windows::Storage::StorageFile> MakeFile(std::uint64_t nSize = 2000) {
+        return TemporaryFolder::File(m_folder.WriteSparse("a.pdf", nSize));
+    }
 
     template <class T>
     T Await(const concurrency::task<T>& pending) {
@@ -51,6 +55,7 @@ protected:
         return request;
     }
 
+    const TemporaryFolder m_folder;
     Host m_host;
     std::shared_ptr<ScriptedEngine> m_pEngine = std::make_shared<ScriptedEngine>(MakePages(3));
     ScriptedEngine::Registration m_registration{m_pEngine};

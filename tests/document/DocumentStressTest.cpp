@@ -23,12 +23,12 @@ protected:
     };
 
     DocumentPtr Open() {
-        const auto pFile = MemoryFile::Create("/docs/a.pdf", MemoryFile::Data(500, 7));
-        pFile->SetCompletion(Platform::Fake::FileCompletion::OwnThread);
-        const auto pDocument = Await(VLK_Document::OpenAsync(pFile, 500, ""))->m_pDocument;
+        const auto pDocument = Await(VLK_Document::OpenAsync(m_pFile, 500, ""))->m_pDocument;
         pDocument->SetOwner(m_pOwner);
         return pDocument;
     }
+
+    const std::shared_ptr<Windows::Storage::StorageFile> m_pFile = MakeFile(500);
 
     // As a viewer does: entry and page on the UI thread, the rest on the pool.
     static void StartRender(Round& round, std::int32_t nPageIndex) {

@@ -9,20 +9,18 @@ namespace velko::testing {
 namespace {
 
 using common::ErrorCode;
-using Platform::Fake::FileCompletion;
-using Platform::Fake::FileFailure;
 using vkit::VLK_Document;
 using ResultPtr = std::shared_ptr<vkit::VLK_DocOpenResult>;
 
 class OpenDocumentTest : public SteppedDocumentTest {
 protected:
-    std::shared_ptr<MemoryFile> MakeFile(std::size_t nSize = 2000) {
-        return MemoryFile::Create("/docs/a.pdf", MemoryFile::Data(nSize, 7));
-    }
-    ResultPtr Open(const std::shared_ptr<MemoryFile>& pFile, const std::string& strPassword = {}) {
-        const auto nSize = static_cast<std::uint32_t>(pFile->Bytes().size());
+    ResultPtr Open(const std::shared_ptr<Windows::Storage::StorageFile>& pFile,
+                   const std::string& strPassword = {}) {
+        const auto nSize = static_cast<std::uint32_t>(std::filesystem::file_size(pFile->Path()));
         return Await(VLK_Document::OpenAsync(pFile, nSize, strPassword));
     }
+
+    StorageCalls m_calls;
 };
 
 TEST_F(OpenDocumentTest, WithoutAFileItEndsAtOnce) {
@@ -39,7 +37,7 @@ TEST_F(OpenDocumentTest, GoodFileOpensOnThePoolAndTellsItsFacts) {
     m_pEngine->SetPermissions(0xFFFFF0C0U);
     const auto pFile = MakeFile();
     const auto pending = VLK_Document::OpenAsync(pFile, 2000, "user");
-    EXPECT_TRUE(m_pEngine->Calls().empty() && pFile->Opens() == 0)
+    EXPECT_TRUE(m_pEngine->Calls().empty() && m_calls.Count("pread") == 0)
         << "the caller's thread does nothing";
     const ResultPtr pResult = Await(pending);
     ASSERT_EQ(pResult->m_nErrorCode, ErrorCode::e_ErrSuccess);
@@ -52,7 +50,7 @@ TEST_F(OpenDocumentTest, GoodFileOpensOnThePoolAndTellsItsFacts) {
     EXPECT_EQ(document.RenderFlags(), 3U);
     EXPECT_FALSE(document.PasswordApplied());
     EXPECT_FALSE(document.DeleteFileOnClose());
-    EXPECT_EQ(pFile->Reads().size(), 1U) << "the engine reads from the head in memory";
+    EXPECT_EQ(m_calls.Count("pread"), 1) << "the engine reads from the head in memory";
     EXPECT_EQ(m_pEngine->Count(EngineOp::GetPage), 0) << "no page is touched";
 }
 
@@ -115,8 +113,7 @@ TEST_F(OpenDocumentTest, FileTooLargeIsRefusedBeforeTheEngineSeesIt) {
     EXPECT_THROW(Await(VLK_Document::OpenAsync(MakeFile(), 0x80000000U, "")),
                  Platform::InvalidArgumentException);
     // The size handed over is the low half of the real one.
-    const auto pCut = MakeFile();
-    pCut->PretendSize((std::uint64_t{1} << 32U) + 2000);
+    const auto pCut = MakeFile((std::uint64_t{1} << 32U) + 2000);
     EXPECT_THROW(Await(VLK_Document::OpenAsync(pCut, 2000, "")),
                  Platform::InvalidArgumentException);
     EXPECT_EQ(m_pEngine->Count(EngineOp::CreateDoc), 0);
@@ -126,23 +123,27 @@ TEST_F(OpenDocumentTest, FileTooLargeIsRefusedBeforeTheEngineSeesIt) {
 // ends, and the document stays good for another try.
 TEST_F(OpenDocumentTest, EveryFailingReadLeavesAUsableDocument) {
     m_pEngine->SetLoadReads(true);
-    constexpr std::size_t kBeyondTheHead = 31457280 + 1000;
-    int nFailed = 0;
+    const auto pFile = MakeFile(31457280 + 1000);
+    int nUnreadable = 0;
     bool bMet = true;
-    for (std::size_t nRead = 1; bMet; ++nRead) {
-        ASSERT_LT(nRead, 10U);
-        const auto pFile = MakeFile(kBeyondTheHead);
-        pFile->FailRead(nRead, FileFailure::ReadFault);
-        m_host.ClearDebug();
+    for (int nRead = 1; bMet; ++nRead) {
+        ASSERT_LT(nRead, 10);
+        m_calls.Fail("pread", EIO, nRead);
         const ResultPtr pResult = Open(pFile);
-        bMet = m_host.CountDebug("LoadAsync status ERROR!!!!!\n") == 1;
-        nFailed += pResult->m_nErrorCode == ErrorCode::e_ErrFile ? 1 : 0;
+        bMet = m_calls.Struck() > 0;
+        m_calls.Pass();
+        nUnreadable += pResult->m_nErrorCode == ErrorCode::e_ErrFile ? 1 : 0;
+        EXPECT_TRUE(nRead > 1 || pResult->m_nErrorCode == ErrorCode::e_ErrSuccess)
+            << "a lost head is read anew";
         ASSERT_NE(pResult->m_pDocument, nullptr);
-        pFile->FailRead(0, FileFailure::None);
         EXPECT_TRUE(pResult->m_pDocument->ReloadWithPassword("")) << "after read " << nRead;
         EXPECT_EQ(pResult->m_pDocument->PageCount(), 3);
     }
-    EXPECT_EQ(nFailed, 1) << "a lost head is no failed read of the engine";
+    EXPECT_EQ(nUnreadable, 1);
+    m_calls.Fail("pread", EIO, 1, true);
+    for (const std::uint64_t nSize : {2000, 31457280 + 1000}) {
+        EXPECT_EQ(Open(MakeFile(nSize))->m_nErrorCode, ErrorCode::e_ErrFile) << nSize;
+    }
 }
 
 TEST_F(OpenDocumentTest, WrapsALoadedEngineDocument) {

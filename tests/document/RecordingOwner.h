@@ -1,5 +1,5 @@
 // An owner that notes what its document tells it, as "loaded 3", "unloaded 3",
-// "rendered 3", with " off ui" behind it when that came on a pool thread.
+// "rendered 3", "failure of 3", with " off ui" behind it when that came on a pool thread.
 //
 // Threads: events from any thread; set the handlers before.
 #pragma once
@@ -31,6 +31,9 @@ public:
                            std::int32_t nPageIndex) override {
         Note("unloaded ", nPageIndex, pPdfDoc != nullptr);
         Call(fnOnUnloaded, nPageIndex);
+    }
+    void RaisePageFailure(std::int32_t nPageIndex) override {
+        Note("failure of ", nPageIndex, true);
     }
     void RaiseRenderPage(const std::shared_ptr<vkit::RenderPageEventArgs>& pArgs) override {
         Note("rendered ", pArgs->PageIndex, pArgs->Renderer != nullptr);

@@ -50,28 +50,6 @@ protected:
     DocumentPtr m_pDocument;
 };
 
-TEST_F(RenderBlockTest, BlocksJoinedEqualThePageRenderedWhole) {
-    for (std::int32_t nRotate = 0; nRotate < 4; ++nRotate) {
-        RenderBlockRequest whole = Block(Page(1), 0, 0, 96, 96);
-        whole.nRotate = nRotate;
-        const auto pWhole = Render(whole);
-        for (const auto& [nX, nY] : {std::pair(0, 0), std::pair(32, 0), std::pair(56, 24)}) {
-            RenderBlockRequest block = whole;
-            block.nLeft = -nX;
-            block.nTop = -nY;
-            block.nBitmapWidth = 40;
-            block.nBitmapHeight = 40;
-            const auto pBlock = Render(block);
-            for (std::int32_t nPixel = 0; nPixel < 40 * 40; ++nPixel) {
-                const std::int32_t x = nPixel % 40;
-                const std::int32_t y = nPixel / 40;
-                ASSERT_EQ(PixelAt(*pBlock, x, y), PixelAt(*pWhole, nX + x, nY + y))
-                    << "rotation " << nRotate << ", pixel " << x << ", " << y;
-            }
-        }
-    }
-}
-
 TEST_F(RenderBlockTest, ScaleAppliesToBitmapAndMatrixAndSizesAreTruncated) {
     RenderBlockRequest request = Block(Page(1), -8, -16, 25, 15);
     request.fDisplayWidth = 96.9F;
@@ -248,19 +226,6 @@ TEST_F(RenderBlockTest, SizesThatNoBitmapHasAreRefused) {
     }
     EXPECT_THROW(m_pDocument->RenderPageBlock({}, box), Platform::NullReferenceException);
     ExpectLockIsFree();
-}
-
-TEST_F(RenderBlockTest, PixelsAreCopiedIntoABufferOfTheirOwn) {
-    RenderBlockRequest request = Block(Page(), 200, 0, 1, 1);
-    request.nBackColor = 0x80FF0000U;
-    auto pBitmap = Render(request);
-    const auto pSource = VLK_Document::BitmapToPixelSource(*pBitmap);
-    pBitmap.reset();
-    const auto pixels = pSource->Pixels->Bytes();
-    EXPECT_EQ(std::vector<std::uint8_t>(pixels.begin(), pixels.end()),
-              (std::vector<std::uint8_t>{0, 0, 0x80, 0x80}));
-    EXPECT_EQ(pSource->Width, 1U);
-    EXPECT_EQ(pSource->Height, 1U);
 }
 
 class RenderThreadsTest : public ThreadedDocumentTest {

@@ -1,5 +1,6 @@
 // The mapped colour mode: numbers, pictures and blending.
 
+#include <chrono>
 #include <string>
 
 #include "engines/mupdf/ColorMapping.h"
@@ -80,6 +81,38 @@ TEST_F(ColorsTest, PicturesStayAndStencilsAreInk) {
     EXPECT_EQ(PixelAt(*pBitmap, 10, 30), kNightInk) << "a stencil";
     EXPECT_EQ(PixelAt(*pBitmap, 50, 30), kNightInk) << "one bit a pixel";
     EXPECT_EQ(PixelAt(*pBitmap, 80, 30), kNightPaper);
+}
+
+// At night each annotation used to draw the page and all before it once more.
+TEST_F(ColorsTest, ManyAnnotationsCostByNightAboutWhatTheyCostByDay) {
+    constexpr int kAnnots = 400;
+    constexpr int kTries = 3;
+    PdfOptions options;
+    options.extraObjects = {FormObject(4, 4, "1 0 0")};
+    PdfPage page;
+    for (int i = 0; i < kAnnots; ++i) {
+        const double dbX = i % 20 * 30.0;
+        const double dbY = i / 20 * 30.0;
+        page.annots.push_back(
+            AnnotDictionary("Square", {dbX, dbY, dbX + 20, dbY + 20}, kFirstExtraObject));
+        page.strContent += "0 0 m 612 " + std::to_string(2 * i) + " l S\n";
+    }
+    const auto pDoc = OpenDoc(MakePdf({page}, options));
+    ASSERT_TRUE(pDoc);
+    const auto pPage = pDoc->GetPage(0);
+    const auto fnFastest = [&](View view) {
+        view.bAnnots = true;
+        auto fastest = std::chrono::steady_clock::duration::max();
+        for (int nTry = 0; nTry < kTries; ++nTry) {
+            const auto start = std::chrono::steady_clock::now();
+            Render(pPage, view);
+            fastest = std::min(fastest, std::chrono::steady_clock::now() - start);
+        }
+        return fastest;
+    };
+    const auto day = fnFastest(WholePage(*pPage));
+    const auto night = fnFastest(NightView(*pPage));
+    EXPECT_LT(night, 6 * day) << "over fifty times, when the page is drawn anew for each";
 }
 
 // A marker over text leaves the text to be read, on dark paper too.

@@ -102,6 +102,18 @@ TEST_F(FaultsTest, ALoadedDocumentComesBackAfterReadsFailed) {
     }
 }
 
+TEST_F(FaultsTest, AFileThatWasWrittenToIsNotCalledUnreadable) {
+    const auto pReader = std::make_shared<MemoryReader>(m_strBytes);
+    const auto pDoc = CreateDoc(pReader);
+    pReader->FailRead(1, true, MemoryReader::Fault::Changed);
+    EXPECT_EQ(pDoc->Load({}), ErrorCode::e_ErrConflict);
+    pReader->StopFailing();
+    ASSERT_EQ(pDoc->Load({}), ErrorCode::e_ErrSuccess);
+    pReader->FailRead(1, true, MemoryReader::Fault::Changed);
+    EXPECT_EQ(EngineCodeOf([&] { pDoc->GetPage(2)->StartParse(0, nullptr, 0); }),
+              ErrorCode::e_ErrConflict);
+}
+
 TEST_F(FaultsTest, EveryRefusedAllocationIsSurvived) {
     bool bStruck = true;
     for (std::uint64_t nCall = 1; bStruck; nCall += 1 + nCall / 40) {
@@ -190,7 +202,8 @@ TEST_F(FaultsTest, PageTreesWithoutAnEndAreLeft) {
     ASSERT_EQ(pLoop->GetPageCount(), 3) << "as the file says";
     for (std::int32_t i = 0; i < 3; ++i) {
         EXPECT_EQ(EngineCodeOf([&] { pLoop->GetPage(i)->StartParse(0, nullptr, 0); }),
-                  ErrorCode::e_ErrSuccess);
+                  ErrorCode::e_ErrNotFound)
+            << "no white paper for a page that is not there";
     }
 
     // Branches that fan out: four to the sixtieth leaves, which are one page.

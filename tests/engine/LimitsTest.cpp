@@ -6,6 +6,7 @@
 #include "engines/mupdf/Allocator.h"
 #include "engines/mupdf/DisplayListCache.h"
 #include "platform/concurrency/Cancellation.h"
+#include "platform/concurrency/Scheduler.h"
 #include "tests/engine/MuPdfFixture.h"
 #include "tests/support/pdf_writer/PdfWriter.h"
 
@@ -88,17 +89,100 @@ void AbortWhenAtWork(const std::shared_ptr<std::atomic<bool>>& pAbort) {
 
 class LimitsTest : public MuPdfTest {};
 
+// Whole or not, as the renderer tells it.
+std::shared_ptr<common::Bitmap> RenderTelling(const std::shared_ptr<pdf::PDFPage>& pPage,
+                                              bool* pbIncomplete) {
+    const View view = WholePage(*pPage);
+    auto pBitmap = CreateBitmap(view.nWidth, view.nHeight);
+    pBitmap->FillRect(kWhite, {0, 0, view.nWidth, view.nHeight});
+    const auto pRenderer = CreateRenderer(pBitmap);
+    const auto matrix = pPage->GetDisplayMatrix(0, 0, view.nPageWidth, view.nPageHeight, 0);
+    pRenderer->StartRender(pPage, matrix, nullptr);
+    *pbIncomplete = pRenderer->IsIncomplete();
+    return pBitmap;
+}
+
 TEST_F(LimitsTest, AParseBeyondItsBudgetKeepsWhatItHas) {
     const auto pDoc = OpenDoc(NestedFormsDocument(12));
     ASSERT_TRUE(pDoc);
     SetBudgets({.parse = milliseconds(100), .render = milliseconds(200)});
     const auto pPage = pDoc->GetPage(0);
     const auto start = Clock::now();
-    EXPECT_EQ(pPage->StartParse(0, nullptr, 0)->Continue(), common::Progressive::kFinished);
-    EXPECT_TRUE(pPage->IsParsed());
-    const auto pBitmap = Render(pPage, WholePage(*pPage));
+    EXPECT_EQ(pPage->StartParse(0, nullptr, 0)->Continue(), common::Progressive::kCutShort);
+    EXPECT_FALSE(pPage->IsParsed());
+    bool bIncomplete = false;
+    const auto pBitmap = RenderTelling(pPage, &bIncomplete);
+    EXPECT_TRUE(bIncomplete);
     EXPECT_LT(Since(start), kPatience);
     EXPECT_EQ(PixelAt(*pBitmap, 50, 50), 0xFFFF0000U) << "what came before the bomb";
+}
+
+// A machine that was busy for a while must not leave half a page for ever.
+TEST_F(LimitsTest, WhatWasCutShortComesOutWholeWhenItIsAskedForAnew) {
+    const auto pDoc = OpenDoc(StrokesDocument(1000));
+    ASSERT_TRUE(pDoc);
+    const auto pPage = pDoc->GetPage(0);
+    bool bIncomplete = false;
+    const auto pWanted = RenderTelling(pPage, &bIncomplete);
+    EXPECT_FALSE(bIncomplete);
+    SetBudgets({.render = milliseconds(0)});
+    RenderTelling(pPage, &bIncomplete);
+    EXPECT_TRUE(bIncomplete);
+
+    DisplayListCache::Instance().SetLimits({1, 1});
+    OpenDoc(MixedDocument())->GetPage(0)->StartParse(0, nullptr, 0); // takes the page's place
+    DisplayListCache::Instance().SetLimits({});
+    SetBudgets({.parse = milliseconds(0)});
+    RenderTelling(pPage, &bIncomplete);
+    EXPECT_TRUE(bIncomplete);
+    SetBudgets({});
+    RenderTelling(pPage, &bIncomplete);
+    EXPECT_TRUE(bIncomplete) << "each block of the page would take the whole time again";
+    EXPECT_EQ(pPage->StartParse(0, nullptr, 1)->Continue(), common::Progressive::kFinished);
+    EXPECT_EQ(Compare(*RenderTelling(pPage, &bIncomplete), *pWanted).nPixels, 0);
+    EXPECT_FALSE(bIncomplete);
+}
+
+TEST_F(LimitsTest, WaitingForBytesCountsAgainstNoBudget) {
+    PdfPage page;
+    page.strContent =
+        "0 0 1 rg 600 780 12 12 re f\n" + std::string(40'000, ' '); // reads of its own
+    const std::string strBytes = MakePdf({page});
+    const auto pWhole = OpenDoc(strBytes);
+    const auto pReader = std::make_shared<MemoryReader>(strBytes);
+    const auto pDoc = CreateDoc(pReader);
+    ASSERT_EQ(pDoc->Load({}), common::ErrorCode::e_ErrSuccess);
+    SetBudgets({.parse = milliseconds(200)});
+    const int nReads = pReader->Reads();
+    pReader->BeSlowUntil(Clock::now() + milliseconds(400));
+    bool bIncomplete = true;
+    const auto pPage = pDoc->GetPage(0);
+    const auto pBitmap = RenderTelling(pPage, &bIncomplete);
+    ASSERT_GT(pReader->Reads(), nReads);
+    EXPECT_FALSE(bIncomplete);
+    EXPECT_TRUE(pPage->IsParsed());
+    EXPECT_EQ(Compare(*pBitmap, *RenderTelling(pWhole->GetPage(0), &bIncomplete)).nPixels, 0);
+}
+
+// The pool reads what `Load` did not get to, so that a jump reads nothing.
+TEST_F(LimitsTest, SizesAreReadAheadOnThePool) {
+    class HandRunPool final : public concurrency::scheduler {
+    public:
+        void schedule(concurrency::work fnWork) override { works.push_back(std::move(fnWork)); }
+        std::vector<concurrency::work> works;
+    };
+    const auto pPool = std::make_shared<HandRunPool>();
+    concurrency::set_task_pool(pPool);
+    SetBudgets({.table = milliseconds(0)});
+    const auto pReader = std::make_shared<MemoryReader>(NestedFormsDocument(1, 300));
+    auto pDoc = CreateDoc(pReader);
+    EXPECT_EQ(pDoc->Load({}), common::ErrorCode::e_ErrSuccess);
+    concurrency::set_task_pool(nullptr);
+    ASSERT_EQ(pPool->works.size(), 1U);
+    pPool->works.front()();
+    const int nReads = pReader->Reads();
+    EXPECT_FLOAT_EQ(pDoc->GetPage(250)->GetWidth(), 350.0F);
+    EXPECT_EQ(pReader->Reads(), nReads);
 }
 
 TEST_F(LimitsTest, HostilePagesEndInTimeAndKeepWhatCameBefore) {

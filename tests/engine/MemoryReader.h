@@ -4,21 +4,25 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <limits>
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include "document/engine/IFileReaderCallback.h"
+#include "platform/storage/FileChangedException.h"
 
 namespace velko::testing {
 
 class MemoryReader final : public common::vxbase::IFileReaderCallback {
 public:
-    enum class Fault { Refuse, Raise };
+    enum class Fault { Refuse, Raise, Changed };
+    using Clock = std::chrono::steady_clock;
     static constexpr int kNever = std::numeric_limits<int>::max();
 
     explicit MemoryReader(std::string strBytes) : m_strBytes(std::move(strBytes)) {}
@@ -37,7 +41,13 @@ public:
             if (m_eFault == Fault::Raise) {
                 throw std::runtime_error("scripted read fault");
             }
+            if (m_eFault == Fault::Changed) {
+                throw Platform::FileChangedException();
+            }
             return false;
+        }
+        while (Clock::now() < m_slowUntil.load()) {
+            std::this_thread::yield();
         }
         std::memcpy(destination.data(), m_strBytes.data() + nOffset, nSize);
         return true;
@@ -57,6 +67,9 @@ public:
     }
     void StopFailing() { m_nFirstFault = kNever; }
 
+    // Until then no read ends.
+    void BeSlowUntil(Clock::time_point time) { m_slowUntil = time; }
+
     int Reads() const { return m_nReads; }
     int Faults() const { return m_nFaults; }
     int BadReads() const { return m_nBadReads; } // beyond the end, or of a wrong length
@@ -71,6 +84,7 @@ private:
     std::atomic<int> m_nFirstFault = kNever;
     std::atomic<int> m_nLastFault = kNever;
     std::atomic<Fault> m_eFault = Fault::Refuse;
+    std::atomic<Clock::time_point> m_slowUntil{};
 };
 
 }

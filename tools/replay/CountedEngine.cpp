@@ -55,6 +55,7 @@ public:
     void SetAbortFlag(std::shared_ptr<const std::atomic<bool>> pAbort) override {
         m_pInner->SetAbortFlag(std::move(pAbort));
     }
+    bool IsIncomplete() const override { return m_pInner->IsIncomplete(); }
 
 private:
     void CountRender() {

@@ -46,6 +46,18 @@ void PrintChanges(PDFViewCtrl& control, Output& output) {
         });
 }
 
+// Code 0: nothing of the page fails any more.
+void PrintFailures(PDFViewCtrl& control, Output& output) {
+    control.PageFailureEvent.add(
+        [&output](const Sender&, const std::shared_ptr<PageFailureEventArgs>& pArgs) {
+            const auto eCode =
+                pArgs->Failure ? pArgs->Failure->eCode : velko::common::ErrorCode::e_ErrSuccess;
+            output.Print(EventLine("PageFailure")
+                             .Add("page", pArgs->PageIndex)
+                             .Add("error", static_cast<std::int32_t>(eCode)));
+        });
+}
+
 void PrintDrawing(PDFViewCtrl& control, Output& output) {
     control.RenderCanvasEvent.add(
         [&output](const Sender&, const std::shared_ptr<RenderCanvasEventArgs>& pArgs) {
@@ -68,6 +80,7 @@ void PrintEventsOf(PDFViewCtrl& control, Output& output) {
     PrintPageEvent(control.PageInvisibleEvent, "PageInvisible", output);
     PrintChanges(control, output);
     PrintDrawing(control, output);
+    PrintFailures(control, output);
 }
 
 }

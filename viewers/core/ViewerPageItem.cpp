@@ -210,7 +210,7 @@ task<void> ViewerPageItem::LoadThenRender(std::shared_ptr<IPageItemHost> pHost, 
         if (!pDocument) {
             co_return;
         }
-        const auto load = pDocument->LoadPageAsync(nPageIndex, token);
+        const auto load = pDocument->LoadPageAsync(nPageIndex, token, eWalk == Walk::Displayed);
         co_await load.settled_in_turn(); // pages start their blocks from the top down
         co_await load;
         token.throw_if_canceled();

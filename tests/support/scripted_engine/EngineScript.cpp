@@ -13,6 +13,11 @@ EngineScript::Settings EngineScript::GetSettings() const {
     return m_settings;
 }
 
+bool EngineScript::IsCutShort(std::int32_t nPage) const {
+    const std::scoped_lock lock(m_mutex);
+    return m_settings.cutShort.contains(nPage);
+}
+
 void EngineScript::ChangeSettings(const std::function<void(Settings&)>& fnChange) {
     const std::scoped_lock lock(m_mutex);
     fnChange(m_settings);

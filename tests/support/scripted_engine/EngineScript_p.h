@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,10 +26,12 @@ public:
         std::uint32_t nPermissions = 0xFFFFFFFFU;
         std::int32_t nEncryptionType = 0;
         bool bLoadReads = false;
+        std::set<std::int32_t> cutShort;
         std::vector<std::uint8_t> savedBytes;
     };
 
     Settings GetSettings() const;
+    bool IsCutShort(std::int32_t nPage) const;
     void ChangeSettings(const std::function<void(Settings&)>& fnChange);
 
     void QueueLoadResult(common::ErrorCode eCode);

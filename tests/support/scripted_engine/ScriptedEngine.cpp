@@ -103,6 +103,15 @@ void ScriptedEngine::SetLoadReads(bool bReads) {
     m_pScript->ChangeSettings([&](auto& settings) { settings.bLoadReads = bReads; });
 }
 
+void ScriptedEngine::CutShort(std::int32_t nPage, bool bCut) {
+    m_pScript->ChangeSettings([&](auto& settings) {
+        settings.cutShort.erase(nPage);
+        if (bCut) {
+            settings.cutShort.insert(nPage);
+        }
+    });
+}
+
 void ScriptedEngine::SetSavedBytes(std::vector<std::uint8_t> bytes) {
     m_pScript->ChangeSettings([&](auto& settings) { settings.savedBytes = std::move(bytes); });
 }

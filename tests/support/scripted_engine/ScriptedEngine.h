@@ -60,6 +60,7 @@ public:
     void SetEncryptionType(std::int32_t nType);          // 0 by default
     void SetLoadReads(bool bReads);                      // `Load` reads the file's head and end
     void QueueLoadResult(common::ErrorCode eCode);       // the next `Load` answers this
+    void CutShort(std::int32_t nPage, bool bCut);        // its renders run out of their time
     void SetSavedBytes(std::vector<std::uint8_t> bytes); // what a save writes to the file's path
 
     // Makes calls wait; one gate per operation and page, the last one counts.

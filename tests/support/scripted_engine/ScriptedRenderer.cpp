@@ -114,6 +114,7 @@ std::shared_ptr<common::Progressive> ScriptedRenderer::StartRender(
     if (!pScripted->IsParsed()) {
         pScripted->StartParse(0, nullptr, 0);
     }
+    m_bIncomplete = m_bIncomplete || m_pScript->IsCutShort(pScripted->Index());
     const ScriptedPage& page = pScripted->Script();
     if (m_nContentFlags & kRenderContent) {
         Paint(matrix, [&](PointF pt) { return PageColorAt(page, pScripted->Index(), pt); });

@@ -29,6 +29,7 @@ public:
         std::shared_ptr<pdf::ReflowPage> pPage, const common::vxbase::Matrix2D& matrix,
         common::IPauseCallback* pPause) override;
     void SetAbortFlag(std::shared_ptr<const std::atomic<bool>> pAbort) override;
+    bool IsIncomplete() const override { return m_bIncomplete; }
 
 private:
     // The colour at a point of the drawn space; 0 leaves the pixel alone.
@@ -44,6 +45,7 @@ private:
     std::uint32_t m_nForeColor = 0xFF000000U;
     std::uint32_t m_nContentFlags = kRenderContent;
     std::shared_ptr<const std::atomic<bool>> m_pAbort;
+    bool m_bIncomplete = false;
 };
 
 class ScriptedRendererFactory final : public common::IRendererFactory {
