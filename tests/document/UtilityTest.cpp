@@ -3,9 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <regex>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "document/PageRange.h"
 #include "document/VelkoPointerWrapObj.h"
@@ -18,39 +19,30 @@ namespace {
 using vkit::Utility;
 using Windows::UI::Color;
 
-// In a shape H is an upper and h a lower case digit of base 16, V the digit
-// that tells the variant; all else stands for itself.
-bool HasShape(const std::string& strText, const std::string& strShape) {
-    const auto fnFits = [](char cText, char cShape) {
-        const std::string strDigits = cShape == 'H'   ? "0123456789ABCDEF"
-                                      : cShape == 'h' ? "0123456789abcdef"
-                                      : cShape == 'V' ? "89AB"
-                                                      : std::string(1, cShape);
-        return strDigits.find(cText) != std::string::npos;
-    };
-    return std::equal(strText.begin(), strText.end(), strShape.begin(), strShape.end(), fnFits);
-}
-
 TEST(IdentifierTest, TextsHaveTheirShapeVersionAndVariant) {
-    const std::string strPlainShape = "HHHHHHHHHHHH4HHHVHHHHHHHHHHHHHHH";
-    const std::string strLongShape =
-        strPlainShape + "HHHHHHHHHHHH4HHH-VHHHHHHHHHHHHHHH-" + strPlainShape.substr(0, 20);
+    // Each has the version and the variant; the braced one its third group in lower case.
+    const std::regex braced(
+        "\\{[0-9A-F]{8}-[0-9A-F]{4}-4[0-9a-f]{3}-[89AB][0-9A-F]{3}-"
+        "[0-9A-F]{12}\\}");
+    const std::regex plain("[0-9A-F]{12}4[0-9A-F]{3}[89AB][0-9A-F]{15}");
+    const std::regex longer(
+        "[0-9A-F]{12}4[0-9A-F]{3}[89AB][0-9A-F]{15}"
+        "[0-9A-F]{12}4[0-9A-F]{3}-[89AB][0-9A-F]{15}-"
+        "[0-9A-F]{12}4[0-9A-F]{3}[89AB][0-9A-F]{3}");
+    const std::regex lowerLetter(".{15}.*[a-f].*");
     std::set<std::string> seen;
     bool bLowerLetter = false;
     for (int nText = 0; nText < 100; ++nText) {
         const std::string strBraced = Utility::NewGuidString();
-        EXPECT_TRUE(HasShape(strBraced, "{HHHHHHHH-HHHH-4hhh-VHHH-HHHHHHHHHHHH}")) << strBraced;
-        const std::string strGroup = strBraced.substr(15, 4);
-        bLowerLetter = bLowerLetter || strGroup.find_first_of("abcdef") != std::string::npos;
-        const std::string strPlain = Utility::NewGuidStringPlain();
-        EXPECT_TRUE(HasShape(strPlain, strPlainShape)) << strPlain;
-        const std::string strLong = Utility::NewLongIdString();
-        EXPECT_TRUE(HasShape(strLong, strLongShape)) << strLong;
-        for (const std::string& strText : {strBraced, strPlain, strLong}) {
+        bLowerLetter = bLowerLetter || std::regex_match(strBraced, lowerLetter);
+        for (const auto& [strText, shape] :
+             {std::pair(strBraced, braced), std::pair(Utility::NewGuidStringPlain(), plain),
+              std::pair(Utility::NewLongIdString(), longer)}) {
+            EXPECT_TRUE(std::regex_match(strText, shape)) << strText;
             EXPECT_TRUE(seen.insert(strText).second) << strText;
         }
     }
-    EXPECT_TRUE(bLowerLetter) << "the third group is in lower case";
+    EXPECT_TRUE(bLowerLetter);
 }
 
 TEST(ColorTextTest, ReadsSixAndEightDigits) {

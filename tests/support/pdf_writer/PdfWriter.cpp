@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdio>
 
-#include "tests/support/pdf_writer/Md5_p.h"
+#include "tests/support/pdf_writer/Ciphers_p.h"
 
 namespace velko::testing {
 
