@@ -67,6 +67,10 @@ void AppConfig::Close() {
     g_pValues.reset();
 }
 
+void AppConfig::SetTogether(const std::function<void()>& fnSet) {
+    ApplicationData::Current()->InTransaction(fnSet);
+}
+
 std::string AppConfig::GetAppToken() {
     return "5d0e83c91fa6427be4189c3f";
 }

@@ -4,13 +4,15 @@
 // Call `Init` once before the first use; without it every getter gives its
 // default and every setter raises `NullReferenceException`. A getter gives its
 // default for a key that was never set, and a value of its own for one that is
-// stored with another type; the two differ for some keys. A setter stores before
-// it returns and raises what the store raises.
+// stored with another type; the two differ for some keys. A setter is in force
+// when it returns and is stored behind; see `ApplicationData` for when, and for
+// the failures of that, none of which is raised here.
 //
 // Threads: the UI thread.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "platform/foundation/Color.h"
@@ -21,10 +23,14 @@ class AppConfig {
 public:
     AppConfig() = delete;
 
-    // Opens the container; nothing when it is open. Raises what the store raises.
+    // Opens the container; nothing when it is open. Raises when the process has no
+    // application data.
     static void Init();
     // Lets go of the store, so that the next `Init` opens the one in force then.
     static void Close();
+
+    // Runs `fnSet`; what it sets is stored together.
+    static void SetTogether(const std::function<void()>& fnSet);
 
     // The application's token: 24 lower-case hexadecimal digits.
     static std::string GetAppToken();

@@ -1,17 +1,15 @@
-// Stores the reader's place while a document is read: soon after it is shown,
+// Keeps the reader's place while a document is read: soon after it is shown,
 // every half minute when something has changed, and when it is left.
 //
-// The store waits for the disk, so it is written to on the task pool; what is
-// not stored yet when this object goes is stored before the destructor returns.
-// Threads: UI thread only. Errors: a place that cannot be stored is told by
-// `OnFailure`, once until one can be stored again.
+// Keeping waits for no disk; see `ApplicationData` for when it is stored, and for
+// the failures of that. Threads: UI thread only. Errors: a place that cannot be
+// taken is told by `OnFailure`, once until one can be taken again.
 #pragma once
 
 #include <QObject>
 #include <QTimer>
 #include <exception>
 #include <functional>
-#include <memory>
 #include <optional>
 
 #include "component/KeptView.h"
@@ -25,27 +23,19 @@ public:
     using Take = std::function<std::optional<KeptView>(bool bLeft)>;
 
     explicit PlaceKeeper(Take fnTake, QObject* pParent = nullptr);
-    ~PlaceKeeper() override;
 
     void Begin(); // a document is shown
     void End();   // it is about to be left
 
-    // Stores the place that was taken last before it returns.
-    void Flush();
-
     std::function<void(const std::exception_ptr&)> OnFailure;
 
 private:
-    struct Writing; // what the pool's threads see
-
-    bool Save(bool bLeft); // whether there was a place
-    void Store();
+    bool Keep(bool bLeft); // whether there was a place
     void Tell(const std::exception_ptr& pError);
 
     const Take m_fnTake;
-    const std::shared_ptr<Writing> m_pWriting;
     QTimer m_timer;
-    std::optional<KeptView> m_last; // taken last, stored or about to be
+    std::optional<KeptView> m_last; // kept last
     bool m_bFailing = false;
 };
 

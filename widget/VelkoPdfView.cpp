@@ -8,6 +8,7 @@
 #include "widget/LinkFollower.h"
 #include "widget/OpenFailure.h"
 #include "widget/PlaceKeeper.h"
+#include "widget/StoreNotice.h"
 #include "widget/VelkoRuntime.h"
 
 namespace velko::vkit {
@@ -45,7 +46,9 @@ VelkoPdfView::VelkoPdfView(std::shared_ptr<PDFViewCtrl> pControl, QWidget* pPare
       m_pControl(std::move(pControl)),
       m_pWindow(new Platform::Qt::QtElementWindow(VelkoRuntime::Environment(), m_pControl, this)),
       m_pLinks(std::make_unique<LinkFollower>(*m_pControl, *m_pWindow)),
-      m_pFlingLimit(std::make_unique<FlingLimit>(*m_pControl, *m_pWindow)) {
+      m_pFlingLimit(std::make_unique<FlingLimit>(*m_pControl, *m_pWindow)),
+      m_pStoreNotice(std::make_unique<StoreNotice>(
+          [this](const auto& failure) { emit Failed(StoreNotice::TextOf(failure)); })) {
     m_pWindow->ShowBusyMark(false);
     setFocusProxy(m_pWindow);
     ConnectWindow();
@@ -57,7 +60,7 @@ VelkoPdfView::VelkoPdfView(std::shared_ptr<PDFViewCtrl> pControl, QWidget* pPare
 VelkoPdfView::~VelkoPdfView() {
     if (m_pPlace) {
         m_pPlace->End();
-        m_pPlace.reset(); // what is not stored yet is stored here
+        m_pPlace.reset();
     }
     m_pLinks.reset();
     m_pFlingLimit.reset();

@@ -48,6 +48,7 @@ namespace velko::vkit {
 class FlingLimit;
 class LinkFollower;
 class PlaceKeeper;
+class StoreNotice;
 struct KeptView;
 
 class VelkoPdfView : public QWidget {
@@ -255,6 +256,7 @@ private:
     std::unique_ptr<LinkFollower> m_pLinks;
     std::unique_ptr<FlingLimit> m_pFlingLimit;
     std::unique_ptr<PlaceKeeper> m_pPlace; // empty: places are not kept
+    std::unique_ptr<StoreNotice> m_pStoreNotice;
     State m_eState = State::Empty;
     FilePath m_path;      // asked for last
     FilePath m_shownPath; // of the document that the control shows; may be empty

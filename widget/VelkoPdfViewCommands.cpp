@@ -240,8 +240,10 @@ void VelkoPdfView::SetLayoutMode(Layout eLayout) {
 void VelkoPdfView::SetColors(const PageColors& colors) {
     if (!HasDocument()) {
         Guard([&] {
-            AppConfig::PageBackgroundColor(ToColor(colors.background));
-            AppConfig::PageForegroundColor(ToColor(colors.foreground));
+            AppConfig::SetTogether([&] {
+                AppConfig::PageBackgroundColor(ToColor(colors.background));
+                AppConfig::PageForegroundColor(ToColor(colors.foreground));
+            });
         });
         ShowAround();
         QueueRefresh();

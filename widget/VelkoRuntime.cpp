@@ -30,22 +30,13 @@ VelkoRuntime::VelkoRuntime(Options options) : m_platform(std::move(options.envir
     if (options.bDebugOutput) {
         Platform::Debug::SetSink(WriteToStandardError);
     }
-    UseData(options.strDataFolder.isEmpty() ? DefaultDataFolder() : options.strDataFolder);
+    const QString strFolder =
+        options.strDataFolder.isEmpty() ? DefaultDataFolder() : options.strDataFolder;
+    m_platform.UseData(QFile::encodeName(strFolder).toStdString());
     if (options.fnRegisterEngine) {
         options.fnRegisterEngine();
     }
     RegisterComponent();
-}
-
-// A reader whose settings cannot be read wants to read the document all the more.
-void VelkoRuntime::UseData(const QString& strFolder) {
-    try {
-        m_platform.UseData(QFile::encodeName(strFolder).toStdString());
-    } catch (const Platform::Exception& error) {
-        Platform::Debug::OutputDebugString(std::string("settings are not kept: ") + error.what() +
-                                           "\n");
-        m_platform.UseTemporaryData("velko-vkit-XXXXXX");
-    }
 }
 
 VelkoRuntime::~VelkoRuntime() {

@@ -22,8 +22,8 @@ public:
         // `velko::engines::mupdf::RegisterEngine`. Empty: the program has done so.
         std::function<void()> fnRegisterEngine;
         // Settings and the recently used list; empty: a folder of this
-        // component in the user's data folder. Where it cannot be used, a folder
-        // for the runtime's length stands in, and the debug output tells.
+        // component in the user's data folder. Where it cannot be used, settings
+        // last as long as the runtime (see `ApplicationData::StoreFailed`).
         QString strDataFolder;
         Platform::Qt::QtEnvironment::Options environment;
         bool bDebugOutput = false; // the debug output goes to standard error
@@ -38,8 +38,6 @@ public:
     static std::shared_ptr<Platform::Qt::QtEnvironment> Environment();
 
 private:
-    void UseData(const QString& strFolder);
-
     Platform::Qt::QtRuntime m_platform;
 };
 

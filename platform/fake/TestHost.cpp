@@ -1,6 +1,10 @@
 #include "platform/fake/TestHost.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <atomic>
+#include <filesystem>
 #include <mutex>
 #include <stdexcept>
 
@@ -9,6 +13,20 @@
 #include "platform/system/Debug.h"
 
 namespace Platform::Fake {
+
+using Windows::Storage::ApplicationData;
+
+namespace {
+
+std::shared_ptr<ApplicationData> MakeData() {
+    static std::atomic<int> s_nHosts = 0;
+    const auto folder =
+        std::filesystem::temp_directory_path() /
+        ("velko-host-" + std::to_string(::getpid()) + "-" + std::to_string(++s_nHosts));
+    return Windows::Storage::OpenApplicationData(folder);
+}
+
+}
 
 struct TestHost::Log {
     std::mutex lock;
@@ -19,7 +37,7 @@ TestHost::TestHost(ManualPool /*eKind*/)
     : m_pDispatcher(std::make_shared<ManualDispatcher>()),
       m_pClock(std::make_shared<ManualClock>(m_pDispatcher)),
       m_pEnvironment(std::make_shared<FakeEnvironment>(m_pDispatcher, m_pClock)),
-      m_pData(std::make_shared<MemoryApplicationData>()),
+      m_pData(MakeData()),
       m_pLog(std::make_shared<Log>()),
       m_pManualPool(std::make_shared<ManualScheduler>()) {
     concurrency::set_task_pool(m_pManualPool);
@@ -30,7 +48,7 @@ TestHost::TestHost(RealPool pool)
     : m_pDispatcher(std::make_shared<ManualDispatcher>()),
       m_pClock(std::make_shared<ManualClock>(m_pDispatcher)),
       m_pEnvironment(std::make_shared<FakeEnvironment>(m_pDispatcher, m_pClock)),
-      m_pData(std::make_shared<MemoryApplicationData>()),
+      m_pData(MakeData()),
       m_pLog(std::make_shared<Log>()),
       m_pRealPool(std::make_shared<concurrency::ThreadPool>(pool.nThreads)) {
     concurrency::set_task_pool(m_pRealPool);
@@ -43,7 +61,7 @@ void TestHost::Install() {
         pLog->texts.emplace_back(strText);
     });
     SetEnvironment(m_pEnvironment);
-    Windows::Storage::ApplicationData::SetCurrent(m_pData);
+    ApplicationData::SetCurrent(m_pData);
     m_context.emplace(m_pDispatcher);
 }
 
@@ -57,7 +75,10 @@ TestHost::~TestHost() {
     concurrency::set_task_pool(nullptr);
     m_pDispatcher->ShutDown();
     m_context.reset();
-    Windows::Storage::ApplicationData::SetCurrent(nullptr);
+    ApplicationData::SetCurrent(nullptr);
+    m_pData->Flush();        // so that no file thread makes the folder again
+    std::error_code ignored; // a folder that stays is no fault of the test
+    std::filesystem::remove_all(m_pData->LocalFolder(), ignored);
     SetEnvironment(nullptr);
     Debug::SetSink(std::move(m_fnSinkBefore));
 }

@@ -20,8 +20,8 @@
 #include "platform/fake/ManualClock.h"
 #include "platform/fake/ManualDispatcher.h"
 #include "platform/fake/ManualScheduler.h"
-#include "platform/fake/MemoryApplicationData.h"
 #include "platform/fake/MemoryStorageFile.h"
+#include "platform/storage/ApplicationData.h"
 
 namespace Platform::Fake {
 
@@ -42,7 +42,8 @@ public:
     ManualDispatcher& Dispatcher() const { return *m_pDispatcher; }
     ManualClock& Clock() const { return *m_pClock; }
     FakeEnvironment& Environment() const { return *m_pEnvironment; }
-    MemoryApplicationData& Data() const { return *m_pData; }
+    // The real one, in a folder that goes with the host.
+    Windows::Storage::ApplicationData& Data() const { return *m_pData; }
     // The stepped pool; raises `std::logic_error` when a real one is installed.
     ManualScheduler& Pool() const;
 
@@ -79,7 +80,7 @@ private:
     const std::shared_ptr<ManualDispatcher> m_pDispatcher;
     const std::shared_ptr<ManualClock> m_pClock;
     const std::shared_ptr<FakeEnvironment> m_pEnvironment;
-    const std::shared_ptr<MemoryApplicationData> m_pData;
+    const std::shared_ptr<Windows::Storage::ApplicationData> m_pData;
     const std::shared_ptr<Log> m_pLog;
     std::shared_ptr<ManualScheduler> m_pManualPool;
     std::shared_ptr<concurrency::ThreadPool> m_pRealPool;

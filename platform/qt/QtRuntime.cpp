@@ -30,14 +30,22 @@ QtRuntime::~QtRuntime() {
     m_pPool->stop();
     concurrency::set_task_pool(nullptr);
     m_pDispatcher->ShutDown();
+    StoreData();
     Windows::Storage::ApplicationData::SetCurrent(nullptr);
     SetEnvironment(nullptr);
 }
 
 void QtRuntime::UseData(const std::string& strFolder) {
-    const auto pData = Windows::Storage::OpenApplicationData(strFolder);
-    pData->MostRecentlyUsedList()->Entries(); // opens the store that is there
-    Windows::Storage::ApplicationData::SetCurrent(pData);
+    StoreData();
+    Windows::Storage::ApplicationData::SetCurrent(Windows::Storage::OpenApplicationData(strFolder));
+    m_bHasData = true;
+}
+
+// What others still hold of the data does not keep it from being stored in time.
+void QtRuntime::StoreData() {
+    if (m_bHasData) {
+        Windows::Storage::ApplicationData::Current()->Flush();
+    }
 }
 
 void QtRuntime::UseTemporaryData(const std::string& strNameTemplate) {

@@ -1,10 +1,7 @@
 #include "platform/storage/ApplicationData.h"
 
-#include <array>
-#include <filesystem>
 #include <mutex>
-#include <random>
-#include <system_error>
+#include <utility>
 
 #include "platform/storage/PosixCalls_p.h"
 #include "platform/storage/SettingsCodec_p.h"
@@ -23,67 +20,30 @@ std::mutex g_currentLock;
 std::shared_ptr<ApplicationData> g_pCurrent; // guarded by g_currentLock
 
 using StorePtr = std::shared_ptr<SettingsStore>;
-using Statement = SqliteConnection::Statement;
-
-StoredValue ValueIn(const Statement& row, int nType, int nValue) {
-    StoredValue stored;
-    stored.nType = row.Number(nType);
-    if (row.IsNumber(nValue)) {
-        stored.payload = row.Number(nValue);
-    } else {
-        stored.payload = row.Text(nValue);
-    }
-    return stored;
-}
 
 class Values final : public ISettingsValues {
 public:
     Values(StorePtr pStore, std::string strContainer)
         : m_pStore(std::move(pStore)), m_strContainer(std::move(strContainer)) {}
 
-    bool HasKey(const std::string& strKey) const override {
-        bool bThere = false;
-        m_pStore->Read([&](SqliteConnection& connection) {
-            auto select = connection.Prepare("SELECT 1 FROM setting WHERE container=?1 AND key=?2");
-            bThere = select.Bind(1, m_strContainer).Bind(2, strKey).Step();
-        });
-        return bThere;
-    }
+    bool HasKey(const std::string& strKey) const override { return TryLookup(strKey).has_value(); }
 
     std::optional<PropertyValue> TryLookup(const std::string& strKey) const override {
         std::optional<PropertyValue> value;
-        m_pStore->Read([&](SqliteConnection& connection) {
-            auto select =
-                connection.Prepare("SELECT type, value FROM setting WHERE container=?1 AND key=?2");
-            if (select.Bind(1, m_strContainer).Bind(2, strKey).Step()) {
-                value = Decode(ValueIn(select, 0, 1));
-            }
+        m_pStore->Look([&](const SettingsImage& image) {
+            value = image.Find({m_strContainer, strKey});
         });
         return value;
     }
 
     void Insert(const std::string& strKey, const PropertyValue& value) override {
-        const StoredValue stored = Encode(value);
-        m_pStore->Use([&](SqliteConnection& connection) {
-            auto insert = connection.Prepare(
-                "INSERT INTO setting(container, key, type, value) VALUES(?1, ?2, ?3, ?4) "
-                "ON CONFLICT(container, key) DO UPDATE SET type=excluded.type, "
-                "value=excluded.value");
-            insert.Bind(1, m_strContainer).Bind(2, strKey).Bind(3, stored.nType);
-            if (const auto* pNumber = std::get_if<std::int64_t>(&stored.payload)) {
-                insert.Bind(4, *pNumber);
-            } else {
-                insert.BindBlob(4, std::get<std::string>(stored.payload));
-            }
-            insert.Run();
+        m_pStore->Change([&, copy = Copied(value)](SettingsImage& image) {
+            image.Insert({m_strContainer, strKey}, copy);
         });
     }
 
     void Remove(const std::string& strKey) override {
-        m_pStore->Read([&](SqliteConnection& connection) {
-            auto remove = connection.Prepare("DELETE FROM setting WHERE container=?1 AND key=?2");
-            remove.Bind(1, m_strContainer).Bind(2, strKey).Run();
-        });
+        m_pStore->Change([&](SettingsImage& image) { image.Remove({m_strContainer, strKey}); });
     }
 
 private:
@@ -102,40 +62,22 @@ public:
 
     std::shared_ptr<ApplicationDataContainer> CreateContainer(
         const std::string& strName, ApplicationDataCreateDisposition eDisposition) override {
-        const std::string strPath = m_strPath + "/" + Escaped(strName);
-        if (eDisposition == ApplicationDataCreateDisposition::Always) {
-            m_pStore->AddContainer(strPath);
-        } else if (!m_pStore->HasContainer(strPath)) {
+        const std::string strPath = ContainerPath(m_strPath, strName);
+        bool bThere = eDisposition == ApplicationDataCreateDisposition::Always;
+        if (!bThere) {
+            m_pStore->Look(
+                [&](const SettingsImage& image) { bThere = image.HasContainer(strPath); });
+        }
+        if (!bThere) {
             throw Platform::FileNotFoundException("no container " + strName);
         }
         return std::make_shared<Container>(m_pStore, strPath);
     }
 
 private:
-    // A name may hold the character that stands between names.
-    static std::string Escaped(const std::string& strName) {
-        std::string strEscaped;
-        for (const char c : strName) {
-            strEscaped += c == '/' ? "%2F" : c == '%' ? "%25" : std::string(1, c);
-        }
-        return strEscaped;
-    }
-
     const StorePtr m_pStore;
     const std::string m_strPath;
 };
-
-std::string NewToken() {
-    constexpr const char* kDigits = "0123456789abcdef";
-    constexpr int kLength = 32;
-    std::random_device random;
-    std::uniform_int_distribution<int> digit(0, 15);
-    std::string strToken;
-    for (int n = 0; n < kLength; ++n) {
-        strToken += kDigits[digit(random)];
-    }
-    return strToken;
-}
 
 class RecentList final : public StorageItemMostRecentlyUsedList {
 public:
@@ -143,12 +85,9 @@ public:
 
     std::vector<AccessListEntry> Entries() const override {
         std::vector<AccessListEntry> entries;
-        m_pStore->Read([&](SqliteConnection& connection) {
-            entries.clear();
-            auto select =
-                connection.Prepare("SELECT token, metadata FROM recent ORDER BY rank DESC");
-            while (select.Step()) {
-                entries.push_back({select.Text(0), select.Text(1)});
+        m_pStore->Look([&](const SettingsImage& image) {
+            for (const RecentFile& file : image.Contents().recent) {
+                entries.push_back({file.strToken, file.strMetadata});
             }
         });
         return entries;
@@ -156,54 +95,29 @@ public:
 
     std::string Add(const std::string& strPath, const std::string& strMetadata) override {
         std::string strToken;
-        m_pStore->InTransaction([&] {
-            m_pStore->Use([&](SqliteConnection& connection) {
-                strToken = AddWith(connection, strPath, strMetadata);
-            });
-        });
+        m_pStore->Change(
+            [&](SettingsImage& image) { strToken = image.AddRecent(strPath, strMetadata); });
         return strToken;
     }
 
     void Remove(const std::string& strToken) override {
-        m_pStore->Read([&](SqliteConnection& connection) {
-            connection.Prepare("DELETE FROM recent WHERE token=?1").Bind(1, strToken).Run();
-        });
+        m_pStore->Change([&](SettingsImage& image) { image.RemoveRecent(strToken); });
     }
 
 private:
-    static std::string AddWith(SqliteConnection& connection, const std::string& strPath,
-                               const std::string& strMetadata) {
-        std::string strToken = NewToken();
-        {
-            auto select = connection.Prepare("SELECT token FROM recent WHERE path=?1");
-            if (select.Bind(1, strPath).Step()) {
-                strToken = select.Text(0);
-            }
-        }
-        connection
-            .Prepare(
-                "INSERT INTO recent(token, path, metadata, rank) VALUES(?1, ?2, ?3, "
-                "(SELECT coalesce(max(rank), 0) + 1 FROM recent)) ON CONFLICT(token) DO UPDATE "
-                "SET metadata=excluded.metadata, rank=excluded.rank")
-            .Bind(1, strToken)
-            .Bind(2, strPath)
-            .Bind(3, strMetadata)
-            .Run();
-        connection
-            .Prepare(
-                "DELETE FROM recent WHERE token NOT IN "
-                "(SELECT token FROM recent ORDER BY rank DESC LIMIT 25)")
-            .Run();
-        return strToken;
-    }
-
     const StorePtr m_pStore;
 };
 
+// A store for users of it: when the last of them goes, what they set is stored.
+StorePtr OpenStore(const std::string& strFolder) {
+    auto pStore = std::make_shared<SettingsStore>(strFolder);
+    SettingsStore* const p = pStore.get();
+    return StorePtr(p, [pStore = std::move(pStore)](SettingsStore*) { pStore->Flush(); });
+}
+
 class StoredApplicationData final : public ApplicationData {
 public:
-    explicit StoredApplicationData(const std::string& strFolder)
-        : m_pStore(std::make_shared<SettingsStore>(strFolder)) {}
+    explicit StoredApplicationData(const std::string& strFolder) : m_pStore(OpenStore(strFolder)) {}
 
     std::string LocalFolder() const override { return m_pStore->Folder(); }
     std::shared_ptr<ApplicationDataContainer> LocalSettings() override {
@@ -215,30 +129,18 @@ public:
     void InTransaction(const std::function<void()>& fnBody) override {
         m_pStore->InTransaction(fnBody);
     }
+    void Flush() override { m_pStore->Flush(); }
+    Foundation::Event<const StoreFailure&>& StoreFailed() override { return m_pStore->Failed(); }
+    std::optional<StoreFailure> Failure() const override { return m_pStore->Failure(); }
 
 private:
     const StorePtr m_pStore;
 };
 
-// Makes what is missing of the path, for the user's eyes alone.
-void MakeFolder(const std::string& strFolder) {
-    namespace fs = std::filesystem;
-    if (fs::is_directory(strFolder)) {
-        return;
-    }
-    std::error_code error;
-    fs::create_directories(strFolder, error);
-    if (!error) {
-        fs::permissions(strFolder, fs::perms::owner_all, error);
-    }
-    if (error) {
-        Posix::RaiseError(error.value(), Posix::Direction::Write, strFolder);
-    }
-}
-
 }
 
 std::shared_ptr<StorageFolder> ApplicationData::LocalStorageFolder() {
+    Posix::MakeFolders(LocalFolder());
     return StorageFolder::FromPath(LocalFolder());
 }
 
@@ -256,9 +158,7 @@ void ApplicationData::SetCurrent(std::shared_ptr<ApplicationData> pCurrent) {
 }
 
 std::shared_ptr<ApplicationData> OpenApplicationData(const std::string& strFolder) {
-    const std::string strAbsolute = Posix::MakeAbsolute(strFolder);
-    MakeFolder(strAbsolute);
-    return std::make_shared<StoredApplicationData>(strAbsolute);
+    return std::make_shared<StoredApplicationData>(Posix::MakeAbsolute(strFolder));
 }
 
 }

@@ -15,6 +15,7 @@
 
 #include "platform/concurrency/Scheduler.h"
 #include "platform/foundation/Exception.h"
+#include "platform/storage/SqliteConnection_p.h"
 #include "platform/storage/StorageFaults.h"
 
 namespace Windows::Storage {
@@ -47,6 +48,10 @@ auto Call(const char* pszCall, F fnCall) -> decltype(fnCall()) {
 }
 
 void SetStorageFaultHook(FaultHook fnHook) {
+    static std::once_flag s_sqliteAsks;
+    if (fnHook) {
+        std::call_once(s_sqliteAsks, PutSqliteBeforeTheHook);
+    }
     auto pHook = fnHook ? std::make_shared<const FaultHook>(std::move(fnHook)) : nullptr;
     const std::lock_guard<std::mutex> lock(g_hookLock);
     g_pHook.swap(pHook);
@@ -196,6 +201,20 @@ std::string FolderOf(const std::string& strPath) {
 
 std::string NameOf(const std::string& strPath) {
     return strPath.substr(strPath.rfind('/') + 1);
+}
+
+void MakeFolders(const std::string& strFolder) {
+    struct stat status {};
+    if (::stat(strFolder.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
+        return;
+    }
+    if (const std::string strParent = FolderOf(strFolder); strParent != strFolder) {
+        MakeFolders(strParent);
+    }
+    if (Call("mkdir", [&] { return ::mkdir(strFolder.c_str(), S_IRWXU); }) != 0 &&
+        errno != EEXIST) {
+        RaiseError(errno, Direction::Write, strFolder);
+    }
 }
 
 std::string MakeAbsolute(const std::string& strPath) {

@@ -54,6 +54,9 @@ int OrderedFault(const char* pszCall);
 std::string FolderOf(const std::string& strPath);
 std::string NameOf(const std::string& strPath);
 
+// Makes what is missing of the folder's path, for the user's eyes alone.
+void MakeFolders(const std::string& strFolder);
+
 // Absolute from the working folder; nothing is resolved.
 std::string MakeAbsolute(const std::string& strPath);
 

@@ -25,41 +25,24 @@ enum Code : std::int64_t {
     kComposite = 8
 };
 
-void PutNumber(std::string& strOut, std::uint64_t nValue, int nBytes) {
-    for (int n = 0; n < nBytes; ++n) {
-        strOut.push_back(static_cast<char>(nValue >> (8U * static_cast<unsigned>(n))));
-    }
-}
+constexpr std::string_view kMembers = "/%:"; // no name begins so: see Escaped
 
-void PutText(std::string& strOut, const std::string& strText) {
-    if (strText.size() > std::numeric_limits<std::uint32_t>::max()) {
-        throw Platform::InvalidArgumentException("a text too long for a setting");
+PropertyValue CopiedAt(const PropertyValue& value, int nDepth) {
+    if (!value.Is<PropertyValue::Composite>()) {
+        return value;
     }
-    PutNumber(strOut, strText.size(), 4);
-    strOut += strText;
-}
-
-StoredValue EncodeAt(const PropertyValue& value, int nDepth);
-
-void PutComposite(std::string& strOut, const PropertySet& values, int nDepth) {
-    PutNumber(strOut, values.Size(), 4);
-    for (const auto& [strKey, value] : values) {
-        PutText(strOut, strKey);
-        const StoredValue stored = EncodeAt(value, nDepth);
-        PutNumber(strOut, static_cast<std::uint64_t>(stored.nType), 1);
-        if (const auto* pNumber = std::get_if<std::int64_t>(&stored.payload)) {
-            PutNumber(strOut, static_cast<std::uint64_t>(*pNumber), 8);
-        } else if (stored.nType == kText) {
-            PutText(strOut, std::get<std::string>(stored.payload));
-        } else {
-            strOut += std::get<std::string>(stored.payload);
-        }
+    const auto& pValues = value.Get<PropertyValue::Composite>();
+    if (!pValues || nDepth == kDeepest) {
+        throw Platform::InvalidArgumentException("a composite value that cannot be stored");
     }
+    auto pCopy = std::make_shared<PropertySet>();
+    for (const auto& [strKey, member] : *pValues) {
+        pCopy->Insert(strKey, CopiedAt(member, nDepth + 1));
+    }
+    return PropertyValue::Create<PropertyValue::Composite>(std::move(pCopy));
 }
 
 struct Encoder {
-    int nDepth;
-
     StoredValue operator()(bool bValue) const { return {kBoolean, std::int64_t{bValue}}; }
     StoredValue operator()(std::int32_t nValue) const { return {kInt32, std::int64_t{nValue}}; }
     StoredValue operator()(std::int64_t nValue) const { return {kInt64, nValue}; }
@@ -72,17 +55,17 @@ struct Encoder {
     }
     StoredValue operator()(const std::string& strValue) const { return {kText, strValue}; }
     StoredValue operator()(const PropertyValue::Composite& pValue) const {
-        if (!pValue || nDepth == kDeepest) {
-            throw Platform::InvalidArgumentException("a composite value that cannot be stored");
-        }
-        std::string strBytes;
-        PutComposite(strBytes, *pValue, nDepth + 1);
-        return {kComposite, std::move(strBytes)};
+        return {kComposite, static_cast<std::int64_t>(pValue->Size())};
     }
 };
 
-StoredValue EncodeAt(const PropertyValue& value, int nDepth) {
-    return std::visit(Encoder{nDepth}, value.Value());
+// A name may hold the character that stands between names.
+std::string Escaped(const std::string& strName) {
+    std::string strEscaped;
+    for (const char c : strName) {
+        strEscaped += c == '/' ? "%2F" : c == '%' ? "%25" : std::string(1, c);
+    }
+    return strEscaped;
 }
 
 [[noreturn]] void RaiseUnreadable() {
@@ -118,7 +101,8 @@ PropertyValue DecodeNumber(std::int64_t nType, std::int64_t nValue) {
     }
 }
 
-// Reads a composite's bytes from the front; raises where they end too early.
+// Reads a composite of the first version from the front; raises where its bytes
+// end too early.
 class Parser {
 public:
     explicit Parser(std::string_view bytes) : m_bytes(bytes) {}
@@ -174,8 +158,16 @@ private:
 
 }
 
+PropertyValue Copied(const PropertyValue& value) {
+    return CopiedAt(value, 0);
+}
+
 StoredValue Encode(const PropertyValue& value) {
-    return EncodeAt(value, 0);
+    return std::visit(Encoder(), value.Value());
+}
+
+bool HasMemberRows(const StoredValue& stored) {
+    return stored.nType == kComposite && std::holds_alternative<std::int64_t>(stored.payload);
 }
 
 PropertyValue Decode(const StoredValue& stored) {
@@ -195,6 +187,18 @@ PropertyValue Decode(const StoredValue& stored) {
         RaiseUnreadable();
     }
     return PropertyValue::Create<PropertyValue::Composite>(std::move(pValues));
+}
+
+std::string ContainerPath(const std::string& strWithin, const std::string& strName) {
+    return strWithin + "/" + Escaped(strName);
+}
+
+std::string MembersPath(const std::string& strContainer, const std::string& strKey) {
+    return strContainer + std::string(kMembers) + Escaped(strKey);
+}
+
+bool IsMembersPath(const std::string& strContainer) {
+    return strContainer.find(kMembers) != std::string::npos;
 }
 
 }

@@ -1,14 +1,11 @@
 #include "platform/storage/SettingsStore_p.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <filesystem>
+#include <exception>
 #include <utility>
 
-#include "platform/storage/PosixCalls_p.h"
+#include "platform/storage/IoThreads_p.h"
+#include "platform/storage/SettingsFile_p.h"
+#include "platform/storage/SqliteConnection_p.h"
 #include "platform/system/Debug.h"
 
 namespace Windows::Storage {
@@ -16,260 +13,230 @@ namespace Windows::Storage {
 namespace {
 
 using concurrency::critical_section;
+using Cause = StoreFailure::Cause;
 
-constexpr std::int64_t kVersion = 1;
+// How long another process is waited for: by whoever asks for the first setting,
+// perhaps the UI thread, less than a reader notices; longer behind the scenes.
+constexpr std::chrono::milliseconds kPatienceInFront{100};
+constexpr std::chrono::milliseconds kPatienceBehind{1000};
 
-// A journal that stays costs half of the synchronisations of one that is removed
-// each time. A write-ahead log would cost less still, but needs memory shared
-// between the processes, which a home folder on a network does not give, and is
-// lost to whoever copies the store without it.
-constexpr const char* kConfiguration =
-    "PRAGMA journal_mode=PERSIST; PRAGMA journal_size_limit=65536; PRAGMA synchronous=FULL;"
-    "PRAGMA cell_size_check=ON; PRAGMA temp_store=MEMORY;";
-
-constexpr const char* kSchema =
-    "CREATE TABLE IF NOT EXISTS container(path TEXT PRIMARY KEY NOT NULL) WITHOUT ROWID;"
-    "CREATE TABLE IF NOT EXISTS setting(container TEXT NOT NULL, key TEXT NOT NULL,"
-    " type INTEGER NOT NULL, value, PRIMARY KEY(container, key)) WITHOUT ROWID;"
-    "CREATE TABLE IF NOT EXISTS recent(token TEXT PRIMARY KEY NOT NULL,"
-    " path TEXT UNIQUE NOT NULL, metadata TEXT NOT NULL, rank INTEGER NOT NULL) WITHOUT ROWID;"
-    "PRAGMA user_version=1;";
-
-// Held by one process at a time while it opens the store.
-class OpeningTurn {
-public:
-    explicit OpeningTurn(const std::string& strPath)
-        : m_fd(::open(strPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR)) {
-        if (m_fd.Get() < 0) {
-            Posix::RaiseError(errno, Posix::Direction::Write, strPath);
-        }
-        while (::flock(m_fd.Get(), LOCK_EX) != 0) {
-            if (errno == ENOLCK || errno == ENOTSUP || errno == EOPNOTSUPP) {
-                return; // a file system without such locks: no turns, as before this file
-            }
-            if (errno != EINTR) {
-                Posix::RaiseError(errno, Posix::Direction::Write, strPath);
-            }
-        }
-    }
-
-private:
-    Posix::FileDescriptor m_fd; // the lock goes with it
-};
-
-void CheckContent(SqliteConnection& connection) {
-    auto check = connection.Prepare("PRAGMA quick_check(1)");
-    if (!check.Step() || check.Text(0) != "ok") {
-        throw CorruptStoreException("the settings are damaged");
-    }
+template <class E>
+bool Is(const std::exception& error) {
+    return dynamic_cast<const E*>(&error) != nullptr;
 }
 
-std::int64_t VersionOf(SqliteConnection& connection) {
-    auto version = connection.Prepare("PRAGMA user_version");
-    return version.Step() ? version.Number(0) : 0;
-}
-
-// Tables of our names with other columns are as unreadable as noise.
-void CheckTables(SqliteConnection& connection) {
-    try {
-        connection.Execute(
-            "SELECT path FROM container LIMIT 0; SELECT container, key, type, value FROM setting "
-            "LIMIT 0; SELECT token, path, metadata, rank FROM recent LIMIT 0;");
-    } catch (const Platform::Exception& error) {
-        if (error.HResult() != Platform::E_FAIL) {
-            throw;
-        }
-        throw CorruptStoreException(error.what());
+Cause CauseOf(const std::exception& error) {
+    if (Is<Platform::DiskFullException>(error)) {
+        return Cause::DiskFull;
     }
-}
-
-std::unique_ptr<SqliteConnection> OpenChecked(const std::string& strPath) {
-    auto pConnection = std::make_unique<SqliteConnection>(strPath);
-    pConnection->Execute(kConfiguration);
-    CheckContent(*pConnection);
-    const std::int64_t nVersion = VersionOf(*pConnection);
-    if (nVersion > kVersion) {
-        throw CorruptStoreException("the settings are of a later version");
+    if (Is<Platform::AccessDeniedException>(error) || Is<Platform::FileNotFoundException>(error)) {
+        return Cause::NotWritable;
     }
-    if (nVersion < kVersion) {
-        pConnection->Execute("BEGIN IMMEDIATE");
-        pConnection->Execute(kSchema);
-        pConnection->Execute("COMMIT");
+    if (Is<LockedStoreException>(error)) {
+        return Cause::Locked;
     }
-    CheckTables(*pConnection);
-    return pConnection;
-}
-
-void InsertContainer(SqliteConnection& connection, const std::string& strPath) {
-    connection.Prepare("INSERT OR IGNORE INTO container(path) VALUES(?1)").Bind(1, strPath).Run();
+    if (Is<LaterStoreException>(error)) {
+        return Cause::LaterVersion;
+    }
+    return Is<CorruptStoreException>(error) ? Cause::Damaged : Cause::Failed;
 }
 
 }
 
 SettingsStore::SettingsStore(std::string strFolder)
-    : m_strFolder(std::move(strFolder)), m_strPath(m_strFolder + "/settings.db") {}
+    : m_strFolder(std::move(strFolder)),
+      m_strPath(m_strFolder + "/settings.db"),
+      m_writing(concurrency::task_from_result<void>()) {}
 
-void SettingsStore::SetAside(const std::string& strReason) {
-    std::string strAside;
-    int nNumber = 0;
-    do {
-        strAside = m_strPath + ".corrupt" + std::to_string(++nNumber);
-    } while (std::filesystem::exists(strAside));
-    // The journal goes first: a new store must never meet the old one's.
-    for (const char* pszSuffix : {"-journal", "-wal", "-shm"}) {
-        ::rename((m_strPath + pszSuffix).c_str(), (strAside + pszSuffix).c_str());
-    }
-    if (::rename(m_strPath.c_str(), strAside.c_str()) != 0) {
-        Posix::RaiseError(errno, Posix::Direction::Write, strAside);
-    }
-    Platform::Debug::OutputDebugString("unreadable settings set aside as " + strAside + ": " +
-                                       strReason + "\n");
-}
+// --- what is shown ---------------------------------------------------------
 
-void SettingsStore::Open() {
-    const OpeningTurn turn(m_strPath + ".lock");
-    std::string strReason;
-    try {
-        m_pConnection = OpenChecked(m_strPath);
-        return;
-    } catch (const CorruptStoreException& error) {
-        strReason = error.what();
-    }
-    SetAside(strReason);
-    m_pConnection = OpenChecked(m_strPath);
-}
-
-// Another process may have set the file aside, or somebody removed it.
-void SettingsStore::DropStaleConnection() {
-    if (m_nDepth == 0 && m_pConnection && (m_bSuspect || m_pConnection->HasMoved())) {
-        m_pConnection.reset();
-        m_bSuspect = false;
-    }
-}
-
-bool SettingsStore::IsThere() {
-    DropStaleConnection();
-    return m_pConnection || ::access(m_strPath.c_str(), F_OK) == 0 || errno != ENOENT;
-}
-
-SqliteConnection& SettingsStore::Connection() {
-    DropStaleConnection();
-    if (!m_pConnection) {
-        Open();
-        MakeAwaitedContainers();
-    }
-    return *m_pConnection;
-}
-
-bool SettingsStore::Read(const std::function<void(SqliteConnection&)>& fnBody) {
+void SettingsStore::Look(const std::function<void(const SettingsImage&)>& fnBody) {
+    EnsureRead();
     const critical_section::scoped_lock lock(m_lock);
-    if (!IsThere()) {
-        return false;
-    }
-    Run(fnBody);
-    return true;
+    fnBody(m_image);
 }
 
-void SettingsStore::Use(const std::function<void(SqliteConnection&)>& fnBody) {
+void SettingsStore::Change(const Body& fnBody) {
+    EnsureRead();
     const critical_section::scoped_lock lock(m_lock);
-    Run(fnBody);
-}
-
-void SettingsStore::Run(const std::function<void(SqliteConnection&)>& fnBody) {
-    SqliteConnection& connection = Connection();
-    if (m_nDepth > 0 && !connection.IsInTransaction()) {
-        throw Platform::WriteFaultException("settings: the transaction was rolled back");
-    }
-    try {
-        fnBody(connection);
-    } catch (const CorruptStoreException&) {
-        m_bSuspect = true;
-        if (m_nDepth > 0) {
-            throw;
-        }
-        fnBody(Connection());
-    }
-}
-
-void SettingsStore::AddContainer(const std::string& strPath) {
-    const critical_section::scoped_lock lock(m_lock);
-    if (HasContainer(strPath)) {
-        return;
-    }
-    if (IsThere()) {
-        Run([&](SqliteConnection& connection) { InsertContainer(connection, strPath); });
-    } else {
-        m_awaitedContainers.insert(strPath);
-    }
-}
-
-bool SettingsStore::HasContainer(const std::string& strPath) {
-    const critical_section::scoped_lock lock(m_lock);
-    bool bThere = m_awaitedContainers.contains(strPath);
-    if (!bThere && IsThere()) {
-        Run([&](SqliteConnection& connection) {
-            auto select = connection.Prepare("SELECT 1 FROM container WHERE path=?1");
-            bThere = select.Bind(1, strPath).Step();
-        });
-    }
-    return bThere;
-}
-
-// One by one, so that a failure leaves the rest for the next opening.
-void SettingsStore::MakeAwaitedContainers() {
-    while (!m_awaitedContainers.empty()) {
-        InsertContainer(*m_pConnection, *m_awaitedContainers.begin());
-        m_awaitedContainers.erase(m_awaitedContainers.begin());
-    }
+    fnBody(m_image);
+    StartWriting();
 }
 
 void SettingsStore::InTransaction(const std::function<void()>& fnBody) {
+    EnsureRead();
     const critical_section::scoped_lock lock(m_lock);
-    if (m_nDepth > 0) {
-        RunNested(fnBody);
-    } else {
-        RunOutermost(fnBody);
-    }
-}
-
-void SettingsStore::RollBack(const char* pszSql) {
-    try {
-        m_pConnection->Execute(pszSql);
-    } catch (const Platform::Exception&) {
-        // SQLite has rolled back by itself, or the connection is done for.
-        m_bSuspect = m_bSuspect || m_nDepth == 0;
-    }
-}
-
-void SettingsStore::RunOutermost(const std::function<void()>& fnBody) {
-    Use([](SqliteConnection& connection) { connection.Execute("BEGIN IMMEDIATE"); });
-    m_nDepth = 1;
-    try {
-        fnBody();
-        Use([](SqliteConnection& connection) { connection.Execute("COMMIT"); });
-        m_nDepth = 0;
-    } catch (...) {
-        m_nDepth = 0;
-        if (m_pConnection->IsInTransaction()) {
-            RollBack("ROLLBACK");
-        }
-        throw;
-    }
-}
-
-void SettingsStore::RunNested(const std::function<void()>& fnBody) {
-    Use([](SqliteConnection& connection) { connection.Execute("SAVEPOINT inner_part"); });
+    SettingsImage before = m_image;
     ++m_nDepth;
     try {
         fnBody();
-        Use([](SqliteConnection& connection) { connection.Execute("RELEASE inner_part"); });
-        --m_nDepth;
     } catch (...) {
         --m_nDepth;
-        if (m_pConnection->IsInTransaction()) {
-            RollBack("ROLLBACK TO inner_part; RELEASE inner_part");
-        }
+        m_image = std::move(before);
         throw;
+    }
+    --m_nDepth;
+    StartWriting();
+}
+
+// --- reading ---------------------------------------------------------------
+
+// Once for all threads. A store that cannot be read now is tried again behind the
+// scenes: what differs by then is kept on top of it.
+void SettingsStore::EnsureRead() {
+    std::optional<std::pair<Cause, std::string>> failure;
+    std::call_once(m_firstRead, [&] {
+        try {
+            Read(kPatienceInFront);
+        } catch (const std::exception& error) {
+            failure.emplace(CauseOf(error), error.what());
+        }
+    });
+    if (!failure) {
+        return;
+    }
+    if (failure->first != Cause::Locked) {
+        Tell(failure->first, failure->second);
+        return;
+    }
+    const critical_section::scoped_lock lock(m_lock);
+    StartWriting();
+}
+
+void SettingsStore::Read(std::chrono::milliseconds patience) {
+    SettingsContents contents = ReadSettings(m_strPath, patience);
+    const critical_section::scoped_lock lock(m_lock);
+    m_image.ShowUnderChanges(std::move(contents));
+    m_bRead = true;
+    m_failure.reset();
+}
+
+bool SettingsStore::IsRead() const {
+    const critical_section::scoped_lock lock(m_lock);
+    return m_bRead;
+}
+
+// --- writing ---------------------------------------------------------------
+
+bool SettingsStore::MayWrite() const {
+    const bool bNothing = m_bRead && m_image.IsStored();
+    return m_nDepth == 0 && !m_bWriting && !bNothing;
+}
+
+void SettingsStore::StartWriting() {
+    if (MayWrite()) {
+        m_bWriting = true;
+        m_writing = RunOnIoThread([pSelf = shared_from_this()] { pSelf->Write(); });
+    }
+}
+
+// Where nobody stores, the caller does: also at the process's end, when no file
+// thread is left.
+void SettingsStore::Flush() {
+    const concurrency::task_completion_event<void> done;
+    auto writing = done.get_task();
+    bool bMine = false;
+    {
+        const critical_section::scoped_lock lock(m_lock);
+        if (m_nDepth > 0) {
+            return;
+        }
+        bMine = MayWrite();
+        if (bMine) {
+            m_bWriting = true;
+            m_writing = done.get_task();
+        }
+        writing = m_writing;
+    }
+    if (bMine) {
+        Write();
+        done.set();
+    } else {
+        writing.wait();
+    }
+}
+
+void SettingsStore::Write() {
+    try {
+        while (WriteOnce()) {
+        }
+    } catch (const std::exception& error) {
+        {
+            const critical_section::scoped_lock lock(m_lock);
+            m_bWriting = false;
+        }
+        Tell(CauseOf(error), error.what());
+    }
+}
+
+// A store that is damaged is not read but replaced, the others not written unread.
+bool SettingsStore::WriteOnce() {
+    if (!IsRead()) {
+        try {
+            Read(kPatienceBehind);
+        } catch (const CorruptStoreException&) {
+        }
+    }
+    std::optional<SettingsChanges> changes = TakeChanges();
+    if (!changes) {
+        return false;
+    }
+    const auto fnWhole = [this] {
+        const critical_section::scoped_lock lock(m_lock);
+        return m_image.Contents();
+    };
+    const auto fnOnSetAside = [this](const std::string& strReason) {
+        Tell(Cause::Damaged, strReason);
+    };
+    try {
+        WriteSettings(m_strPath, *changes, fnWhole, fnOnSetAside, kPatienceBehind);
+    } catch (...) {
+        PutBack(std::move(*changes));
+        throw;
+    }
+    const critical_section::scoped_lock lock(m_lock);
+    m_bRead = true;
+    m_failure.reset();
+    return true;
+}
+
+std::optional<SettingsChanges> SettingsStore::TakeChanges() {
+    const critical_section::scoped_lock lock(m_lock);
+    if (m_image.IsStored()) {
+        m_bWriting = false;
+        return std::nullopt;
+    }
+    return m_image.TakeChanges();
+}
+
+void SettingsStore::PutBack(SettingsChanges changes) {
+    const critical_section::scoped_lock lock(m_lock);
+    m_image.PutBack(std::move(changes));
+}
+
+// --- telling ---------------------------------------------------------------
+
+std::optional<StoreFailure> SettingsStore::Failure() const {
+    const critical_section::scoped_lock lock(m_lock);
+    return m_failure;
+}
+
+void SettingsStore::Tell(Cause eCause, const std::string& strDetail) {
+    const StoreFailure failure{eCause, m_strPath, strDetail};
+    {
+        const critical_section::scoped_lock lock(m_lock);
+        const std::optional<StoreFailure> before = std::exchange(m_failure, failure);
+        if (before && (before->eCause != Cause::Damaged || eCause == Cause::Damaged)) {
+            return; // one trouble looks different from call to call
+        }
+    }
+    Platform::Debug::OutputDebugString("settings are not kept in " + m_strPath + ": " + strDetail +
+                                       "\n");
+    try {
+        m_evtFailed.raise(failure);
+    } catch (const std::exception& error) {
+        Platform::Debug::OutputDebugString(std::string("a handler of a failing store failed: ") +
+                                           error.what() + "\n");
     }
 }
 

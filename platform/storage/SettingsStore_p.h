@@ -1,65 +1,77 @@
-// The file that settings and the recently used list live in.
+// The settings of one folder: shown from memory, stored behind.
 //
-// Opened at the first use and made at the first write: making it waits for the
-// disk several times, and a program that only asks for its settings at its start
-// has nothing to wait for. A file that cannot be read is set aside and begun
-// anew, at opening and also when the damage shows only later. Processes that
-// open the store at the same moment take turns, so that none of them sets aside
-// what another has just begun.
+// The first use reads the store, and waits a moment at most for a process that
+// is just writing it. From then on nobody who reads or changes a setting waits
+// for a disk: changes are shown at once, and a file thread stores what differs,
+// all of it in one transaction, so that changes made meanwhile go together with
+// the next. What cannot be stored stays, and is tried again with the next
+// change and by `Flush`.
 //
-// Threads: any. One lock, held while a body runs; bodies may nest.
+// Threads: any. The lock is not held while the disk is waited for.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
-#include <set>
+#include <mutex>
+#include <optional>
 #include <string>
 
 #include "platform/concurrency/CriticalSection.h"
-#include "platform/storage/SqliteConnection_p.h"
+#include "platform/concurrency/Task.h"
+#include "platform/storage/ApplicationData.h"
+#include "platform/storage/SettingsImage_p.h"
 
 namespace Windows::Storage {
 
-class SettingsStore {
+class SettingsStore : public std::enable_shared_from_this<SettingsStore> {
 public:
     explicit SettingsStore(std::string strFolder);
+    SettingsStore(const SettingsStore&) = delete;
+    SettingsStore& operator=(const SettingsStore&) = delete;
 
     const std::string& Folder() const { return m_strFolder; }
 
-    // Runs `fnBody` on the open connection. Outside of a transaction it runs a
-    // second time, on a fresh store, when the first run met a broken one.
-    // False when there is no store, which is as good as an empty one.
-    bool Read(const std::function<void(SqliteConnection&)>& fnBody);
-
-    // The same, making the store when there is none.
-    void Use(const std::function<void(SqliteConnection&)>& fnBody);
-
-    // All that `fnBody` does through `Use` is stored together, or nothing.
+    // Runs `fnBody` on what is shown.
+    void Look(const std::function<void(const SettingsImage&)>& fnBody);
+    // The same, and has the changes stored.
+    void Change(const std::function<void(SettingsImage&)>& fnBody);
+    // What `fnBody` changes is stored together; nothing of it is shown or stored
+    // when it raises. May nest.
     void InTransaction(const std::function<void()>& fnBody);
 
-    // A container that is added while there is no store is made with the store.
-    void AddContainer(const std::string& strPath);
-    bool HasContainer(const std::string& strPath);
+    // Returns when all is stored, or cannot be. Within a transaction: nothing.
+    void Flush();
+
+    Foundation::Event<const StoreFailure&>& Failed() { return m_evtFailed; }
+    std::optional<StoreFailure> Failure() const;
 
 private:
-    bool IsThere() VLK_REQUIRES(m_lock);
-    void DropStaleConnection() VLK_REQUIRES(m_lock);
-    void Run(const std::function<void(SqliteConnection&)>& fnBody) VLK_REQUIRES(m_lock);
-    void MakeAwaitedContainers() VLK_REQUIRES(m_lock);
-    SqliteConnection& Connection() VLK_REQUIRES(m_lock);
-    void Open() VLK_REQUIRES(m_lock);
-    void SetAside(const std::string& strReason);
-    void RunOutermost(const std::function<void()>& fnBody) VLK_REQUIRES(m_lock);
-    void RunNested(const std::function<void()>& fnBody) VLK_REQUIRES(m_lock);
-    void RollBack(const char* pszSql) VLK_REQUIRES(m_lock);
+    using Body = std::function<void(SettingsImage&)>;
+
+    void EnsureRead();
+    void Read(std::chrono::milliseconds patience); // raises
+    bool IsRead() const;
+    bool MayWrite() const VLK_REQUIRES(m_lock);
+    void StartWriting() VLK_REQUIRES(m_lock);
+    void Write();
+    bool WriteOnce(); // raises; false when nothing is left
+    std::optional<SettingsChanges> TakeChanges();
+    void PutBack(SettingsChanges changes);
+    void Tell(StoreFailure::Cause eCause, const std::string& strDetail);
 
     const std::string m_strFolder;
     const std::string m_strPath;
-    concurrency::critical_section m_lock;
-    std::unique_ptr<SqliteConnection> m_pConnection VLK_GUARDED_BY(m_lock);
-    std::set<std::string> m_awaitedContainers VLK_GUARDED_BY(m_lock);
-    int m_nDepth VLK_GUARDED_BY(m_lock) = 0; // of transactions
-    bool m_bSuspect VLK_GUARDED_BY(m_lock) = false;
+    Foundation::Event<const StoreFailure&> m_evtFailed;
+    std::once_flag m_firstRead;
+
+    mutable concurrency::critical_section m_lock;
+    SettingsImage m_image VLK_GUARDED_BY(m_lock);
+    bool m_bRead VLK_GUARDED_BY(m_lock) = false;
+    int m_nDepth VLK_GUARDED_BY(m_lock) = 0;        // of transactions
+    bool m_bWriting VLK_GUARDED_BY(m_lock) = false; // somebody stores, or is about to
+    concurrency::task<void> m_writing VLK_GUARDED_BY(m_lock);
+    std::optional<StoreFailure> m_failure VLK_GUARDED_BY(m_lock);
 };
 
 }

@@ -1,5 +1,8 @@
 #include <sqlite3.h>
 
+#include <cerrno>
+#include <utility>
+
 #include "platform/concurrency/Scheduler.h"
 #include "platform/storage/SqliteConnection_p.h"
 
@@ -7,7 +10,17 @@ namespace Windows::Storage {
 
 namespace {
 
-constexpr int kBusyMilliseconds = 5000; // how long another process may keep the store
+int FlagsOf(SqliteConnection::Access eAccess) {
+    switch (eAccess) {
+        case SqliteConnection::Access::Read:
+            return SQLITE_OPEN_READONLY;
+        case SqliteConnection::Access::Recover:
+            return SQLITE_OPEN_READWRITE;
+        case SqliteConnection::Access::Write:
+            break;
+    }
+    return SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+}
 
 }
 
@@ -19,17 +32,18 @@ void SqliteConnection::Finalizer::operator()(sqlite3_stmt* pStatement) const {
     sqlite3_finalize(pStatement);
 }
 
-SqliteConnection::SqliteConnection(const std::string& strPath) {
+SqliteConnection::SqliteConnection(const std::string& strPath, Access eAccess,
+                                   std::chrono::milliseconds patience) {
+    const concurrency::blocking_scope blocking;
     sqlite3* pDatabase = nullptr;
-    const int nResult = sqlite3_open_v2(
-        strPath.c_str(), &pDatabase,
-        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE,
-        nullptr);
+    const int nResult =
+        sqlite3_open_v2(strPath.c_str(), &pDatabase,
+                        FlagsOf(eAccess) | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
     m_pDatabase.reset(pDatabase);
     if (nResult != SQLITE_OK) {
         RaiseError(nResult);
     }
-    sqlite3_busy_timeout(pDatabase, kBusyMilliseconds);
+    sqlite3_busy_timeout(pDatabase, static_cast<int>(patience.count()));
     sqlite3_db_config(pDatabase, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(pDatabase, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
 }
@@ -40,7 +54,19 @@ void SqliteConnection::RaiseError(int nResult) const {
     const std::string strMessage =
         "settings: " +
         std::string(m_pDatabase ? sqlite3_errmsg(m_pDatabase.get()) : sqlite3_errstr(nResult));
+    if (nResult == SQLITE_READONLY_ROLLBACK || nResult == SQLITE_READONLY_RECOVERY) {
+        throw HalfWrittenStoreException(strMessage);
+    }
+    const int nSystem = m_pDatabase ? sqlite3_system_errno(m_pDatabase.get()) : 0;
+    const bool bFromSystem =
+        (nResult & 0xFF) == SQLITE_IOERR || (nResult & 0xFF) == SQLITE_CANTOPEN;
+    if (bFromSystem && (nSystem == ENOSPC || nSystem == EDQUOT)) {
+        throw Platform::DiskFullException(strMessage);
+    }
     switch (nResult & 0xFF) {
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            throw LockedStoreException(strMessage);
         case SQLITE_CORRUPT:
         case SQLITE_NOTADB:
             throw CorruptStoreException(strMessage);
@@ -85,10 +111,6 @@ void SqliteConnection::Execute(const char* pszSql) {
     }
 }
 
-bool SqliteConnection::IsInTransaction() const {
-    return sqlite3_get_autocommit(m_pDatabase.get()) == 0;
-}
-
 bool SqliteConnection::HasMoved() const {
     int nMoved = 0;
     sqlite3_file_control(m_pDatabase.get(), "main", SQLITE_FCNTL_HAS_MOVED, &nMoved);
@@ -98,9 +120,14 @@ bool SqliteConnection::HasMoved() const {
 SqliteConnection::Statement::Statement(SqliteConnection& connection, sqlite3_stmt* pStatement)
     : m_connection(connection), m_pStatement(pStatement) {}
 
+SqliteConnection::Statement::Statement(Statement&& other) noexcept
+    : m_connection(other.m_connection), m_pStatement(std::exchange(other.m_pStatement, nullptr)) {}
+
 SqliteConnection::Statement::~Statement() {
     sqlite3_reset(m_pStatement);
-    sqlite3_clear_bindings(m_pStatement);
+    if (m_pStatement != nullptr) {
+        sqlite3_clear_bindings(m_pStatement);
+    }
 }
 
 SqliteConnection::Statement& SqliteConnection::Statement::Bind(int nParameter,

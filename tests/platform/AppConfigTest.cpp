@@ -8,6 +8,7 @@
 #include "platform/foundation/Exception.h"
 #include "platform/storage/ApplicationData.h"
 #include "settings/AppConfig.h"
+#include "tests/support/FileOnDisk.h"
 
 namespace {
 
@@ -55,23 +56,15 @@ struct Row {
 
 std::vector<Row> Rows() {
     const std::string strWhite = std::to_string(0xFFFFFFFFU);
-    const std::string strBlack = std::to_string(0xFF000000U);
     return {
-        ROW(IsAnalyticsEnable, "Boolean", "false", "false", true),
-        ROW(PageBackgroundColor, "UInt32", strWhite, strWhite, (Color{128, 16, 32, 48})),
-        ROW(PageForegroundColor, "UInt32", strBlack, strBlack, (Color{1, 2, 3, 4})),
         ROW(IsAutoSave, "Boolean", "true", "true", false),
-        ROW(IsHighlightFormField, "Boolean", "true", "true", false),
+        ROW(PageBackgroundColor, "UInt32", strWhite, strWhite, (Color{128, 16, 32, 48})),
         ROW(VwsServerUrl, "Platform.String", "''", "''", std::string("https://vws.example")),
-        ROW(AppStoreUrl, "Platform.String", "''", "''", std::string("https://store.example")),
-        ROW(IsAllowPopupAlertDialog, "Boolean", "true", "true", false),
+        ROW(DefaultPageWidth, "Single", Text(459.0F), Text(459.0F), 100.5F),
+        ROW(InsertPageMaxCount, "Int32", "1000", "1000", std::int32_t{-7}),
+        // Off when they were never stored, on when they are stored as something else.
         ROW(IsAllowLanchUrlForForm, "Boolean", "false", "true", true),
         ROW(IsAutoReflowMode, "Boolean", "false", "true", true),
-        ROW(IsAutoReflowModeDlgFirstOpen, "Boolean", "true", "true", false),
-        ROW(DefaultPageWidth, "Single", Text(459.0F), Text(459.0F), 100.5F),
-        ROW(DefaultPageHeight, "Single", Text(594.0F), Text(594.0F), 200.25F),
-        ROW(DefaultPageMargin, "Single", Text(5.0F), Text(5.0F), 0.125F),
-        ROW(InsertPageMaxCount, "Int32", "1000", "1000", std::int32_t{-7}),
     };
 }
 
@@ -84,7 +77,7 @@ protected:
     std::shared_ptr<ISettingsValues> Stored() const {
         return host.Data()
             .LocalSettings()
-            ->CreateContainer("AppSetting", ApplicationDataCreateDisposition::Existing)
+            ->CreateContainer("AppSetting", ApplicationDataCreateDisposition::Always)
             ->Values();
     }
 
@@ -116,21 +109,23 @@ TEST_F(AppConfigTest, AColourIsStoredAsOneNumber) {
     EXPECT_EQ(AppConfig::PageBackgroundColor(), (Color{128, 16, 32, 48}));
 }
 
-TEST_F(AppConfigTest, FailuresOfTheStoreAreRaisedBySettersAndInitAlone) {
+TEST_F(AppConfigTest, ASetterIsInForceWhateverTheStore) {
     EXPECT_THROW(AppConfig::IsAutoSave(false), Platform::NullReferenceException);
-    host.Data().FailWrite(1);
-    EXPECT_THROW(AppConfig::Init(), Platform::WriteFaultException);
+    StorageCalls calls;
+    calls.Fail("", ENOSPC, 1, true);
     AppConfig::Init();
-    host.Data().FailWrite(1);
-    EXPECT_THROW(AppConfig::IsAutoSave(false), Platform::WriteFaultException);
-    EXPECT_TRUE(AppConfig::IsAutoSave());
+    AppConfig::IsAutoSave(false);
+    host.Data().Flush();
+    EXPECT_FALSE(AppConfig::IsAutoSave());
+    EXPECT_TRUE(host.Data().Failure());
 }
 
 TEST_F(AppConfigTest, TheFirstInitHolds) {
     AppConfig::Init();
     AppConfig::IsAutoSave(false);
+    const TemporaryFolder folder;
     Windows::Storage::ApplicationData::SetCurrent(
-        std::make_shared<Platform::Fake::MemoryApplicationData>());
+        Windows::Storage::OpenApplicationData(folder.Path()));
     AppConfig::Init();
     EXPECT_FALSE(AppConfig::IsAutoSave());
     AppConfig::Close();

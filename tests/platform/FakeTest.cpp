@@ -6,7 +6,6 @@
 #include <thread>
 
 #include "platform/concurrency/Task.h"
-#include "platform/fake/MemoryStorageFolder.h"
 #include "platform/fake/TestHost.h"
 #include "platform/foundation/Exception.h"
 #include "platform/storage/DataReaderWriter.h"
@@ -133,39 +132,6 @@ TEST(MemoryStorageFileTest, FailuresAreThoseOfTheScriptAlsoThroughAPin) {
     pFile->FailOpen(FileFailure::AccessDenied);
     EXPECT_THROW(pPin->OpenAsync(FileAccessMode::Read).GetResults(),
                  Platform::AccessDeniedException);
-}
-
-TEST(MemoryStorageFolderTest, SavesThroughATemporaryFile) {
-    const TestHost host;
-    using Windows::Storage::CreationCollisionOption;
-    auto& folder = *host.Data().MemoryFolder();
-    const auto pDocument = MemoryStorageFile::Create("/docs/a.pdf", {1, 2});
-    EXPECT_EQ(folder.TryGetItemAsync("t.pdf").GetResults(), nullptr);
-    EXPECT_THROW(folder.GetFileAsync("t.pdf").GetResults(), Platform::FileNotFoundException);
-    const auto pTemporary =
-        folder.CreateFileAsync("t.pdf", CreationCollisionOption::ReplaceExisting).GetResults();
-    pDocument->CopyAndReplaceAsync(pTemporary).GetResults();
-    folder.File("t.pdf")->SetBytes({3, 4, 5});
-    pTemporary->CopyAndReplaceAsync(pDocument).GetResults();
-    EXPECT_EQ(pDocument->Bytes(), (MemoryStorageFile::Data{3, 4, 5}));
-    pTemporary->DeleteAsync().GetResults();
-    EXPECT_EQ(folder.TryGetItemAsync("t.pdf").GetResults(), nullptr);
-}
-
-TEST(MemoryApplicationDataTest, AFailedTransactionLeavesNothing) {
-    const TestHost host;
-    const auto pValues = host.Data().LocalSettings()->Values();
-    using Windows::Foundation::PropertyValue;
-    host.Data().FailWrite(2);
-    EXPECT_THROW(host.Data().InTransaction([&] {
-        pValues->Insert("a", PropertyValue::Create<bool>(true));
-        pValues->Insert("b", PropertyValue::Create<bool>(true));
-    }),
-                 Platform::WriteFaultException);
-    EXPECT_FALSE(pValues->HasKey("a"));
-    pValues->Insert("b", PropertyValue::Create<bool>(true));
-    EXPECT_TRUE(pValues->HasKey("b"));
-    EXPECT_EQ(host.Data().Writes(), 3U);
 }
 
 }

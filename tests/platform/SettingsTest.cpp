@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <sys/stat.h>
 
 #include <bit>
@@ -80,6 +81,12 @@ void SetNumber(ApplicationData& data, const std::string& strKey, std::int32_t nV
     data.LocalSettings()->Values()->Insert(strKey, PropertyValue::Create<std::int32_t>(nValue));
 }
 
+// The same, on the disk when it returns.
+void StoreNumber(ApplicationData& data, const std::string& strKey, std::int32_t nValue) {
+    SetNumber(data, strKey, nValue);
+    data.Flush();
+}
+
 std::int32_t NumberAt(ApplicationData& data, const std::string& strKey) {
     const auto value = data.LocalSettings()->Values()->TryLookup(strKey);
     return value ? value->Get<std::int32_t>() : -1;
@@ -118,14 +125,27 @@ TEST(SettingsTest, ContainersAreApart) {
     const auto eAlways = ApplicationDataCreateDisposition::Always;
     const auto eExisting = ApplicationDataCreateDisposition::Existing;
     EXPECT_THROW(pRoot->CreateContainer("a", eExisting), Platform::FileNotFoundException);
-    const auto pFlat = pRoot->CreateContainer("a/b", eAlways);
+    const auto pFlat = pRoot->CreateContainer("a/b", eAlways)->Values();
     const auto pNested = pRoot->CreateContainer("a", eAlways)->CreateContainer("b", eAlways);
-    pFlat->Values()->Insert("key", PropertyValue::Create<std::int32_t>(1));
+    // A composite and a container of one name are apart too.
+    auto pSet = std::make_shared<PropertySet>();
+    pSet->Insert("key", PropertyValue::Create<std::int32_t>(3));
     pNested->Values()->Insert("key", PropertyValue::Create<std::int32_t>(2));
+    pRoot->Values()->Insert("a", PropertyValue::Create<PropertyValue::Composite>(pSet));
+    pFlat->Insert("key", PropertyValue::Create<std::int32_t>(1));
     EXPECT_FALSE(pRoot->Values()->HasKey("key"));
-    const auto pAgain = OpenApplicationData(folder.Path())->LocalSettings();
+    pData->Flush();
+    const auto pAgainData = OpenApplicationData(folder.Path());
+    const auto pAgain = pAgainData->LocalSettings();
+    const auto pAgainNested =
+        pAgain->CreateContainer("a", eExisting)->CreateContainer("b", eExisting)->Values();
     EXPECT_EQ(pAgain->CreateContainer("a/b", eExisting)->Values()->TryLookup("key")->Get<int>(), 1);
-    EXPECT_EQ(pAgain->CreateContainer("a", eExisting)
+    EXPECT_EQ(pAgainNested->TryLookup("key")->Get<int>(), 2);
+    pAgain->Values()->Remove("a");
+    pAgainData->Flush();
+    EXPECT_EQ(OpenApplicationData(folder.Path())
+                  ->LocalSettings()
+                  ->CreateContainer("a", eExisting)
                   ->CreateContainer("b", eExisting)
                   ->Values()
                   ->TryLookup("key")
@@ -133,39 +153,36 @@ TEST(SettingsTest, ContainersAreApart) {
               2);
 }
 
-TEST(SettingsTest, TheFolderIsMadeAtOnceAndTheStoreAtTheFirstWrite) {
+TEST(SettingsTest, NothingIsMadeBeforeTheFirstChange) {
     const TemporaryFolder folder;
     const auto pData = OpenApplicationData(folder / "new/deep");
     EXPECT_EQ(pData->LocalFolder(), folder / "new/deep");
-    struct stat status {};
-    ASSERT_EQ(::stat(pData->LocalFolder().c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777U, 0700U);
-    const auto pRoot = pData->LocalSettings();
-    const auto pValues = pRoot->CreateContainer("empty", ApplicationDataCreateDisposition::Always)
-                             ->CreateContainer("full", ApplicationDataCreateDisposition::Always)
+    const auto pValues = pData->LocalSettings()
+                             ->CreateContainer("c", ApplicationDataCreateDisposition::Always)
                              ->Values();
-    pRoot->CreateContainer("empty", ApplicationDataCreateDisposition::Existing);
     EXPECT_FALSE(pValues->HasKey("x"));
-    EXPECT_FALSE(pValues->TryLookup("x"));
     EXPECT_TRUE(pData->MostRecentlyUsedList()->Entries().empty());
     pValues->Remove("x");
     pData->MostRecentlyUsedList()->Remove("token");
-    EXPECT_TRUE(std::filesystem::is_empty(pData->LocalFolder()));
+    pData->InTransaction([] {});
+    pData->Flush();
+    EXPECT_EQ(folder.Entries(), 0U);
     pValues->Insert("x", PropertyValue::Create<bool>(true));
+    pData->Flush();
     EXPECT_TRUE(std::filesystem::exists(pData->LocalFolder() + "/settings.db"));
-    const auto pOther = OpenApplicationData(folder / "new/deep")->LocalSettings();
-    EXPECT_TRUE(pOther->CreateContainer("empty", ApplicationDataCreateDisposition::Existing)
-                    ->CreateContainer("full", ApplicationDataCreateDisposition::Existing)
-                    ->Values()
-                    ->HasKey("x"));
+    struct stat status {};
+    ASSERT_EQ(::stat(pData->LocalFolder().c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777U, 0700U);
     EXPECT_EQ(pData->LocalStorageFolder()->Path(), pData->LocalFolder());
+    const auto pNoStore = OpenApplicationData(folder / "other");
+    pNoStore->LocalStorageFolder();
+    EXPECT_TRUE(std::filesystem::exists(folder / "other"));
 }
 
-TEST(SettingsTest, ATransactionIsStoredWholeOrNotAtAll) {
+TEST(SettingsTest, ATransactionIsShownAndStoredWholeOrNotAtAll) {
     const TemporaryFolder folder;
     const auto pData = OpenApplicationData(folder.Path());
-    const auto pOther = OpenApplicationData(folder.Path());
-    SetNumber(*pData, "a", 1);
+    StoreNumber(*pData, "a", 1);
     EXPECT_THROW(pData->InTransaction([&] {
         SetNumber(*pData, "a", 2);
         pData->MostRecentlyUsedList()->Add("/x", "/x");
@@ -183,14 +200,17 @@ TEST(SettingsTest, ATransactionIsStoredWholeOrNotAtAll) {
         }),
                      Platform::ReadFaultException);
         pData->InTransaction([&] { SetNumber(*pData, "c", 5); });
-        EXPECT_EQ(NumberAt(*pOther, "a"), 1); // not out yet
+        pData->Flush(); // waits for nothing here
+        EXPECT_EQ(NumberAt(*OpenApplicationData(folder.Path()), "a"), 1) << "not out yet";
     });
+    pData->Flush();
+    const auto pOther = OpenApplicationData(folder.Path());
     EXPECT_EQ(NumberAt(*pOther, "a"), 3);
     EXPECT_EQ(NumberAt(*pOther, "b"), -1);
     EXPECT_EQ(NumberAt(*pOther, "c"), 5);
 }
 
-TEST(SettingsTest, TwoConnectionsAndTheirThreadsLoseNoWrite) {
+TEST(SettingsTest, TwoProcessesAndTheirThreadsLoseNoChange) {
     const TemporaryFolder folder;
     const std::vector<std::shared_ptr<ApplicationData>> stores = {
         OpenApplicationData(folder.Path()), OpenApplicationData(folder.Path())};
@@ -199,106 +219,137 @@ TEST(SettingsTest, TwoConnectionsAndTheirThreadsLoseNoWrite) {
     for (int n = 0; n < 4; ++n) {
         threads.emplace_back([&, n] {
             ApplicationData& data = *stores[static_cast<std::size_t>(n) % 2];
+            const std::string strKey = std::to_string(n);
             for (int nRound = 0; nRound < kRounds; ++nRound) {
-                data.InTransaction([&] { SetNumber(data, "count", NumberAt(data, "count") + 1); });
+                data.InTransaction([&] { SetNumber(data, strKey, NumberAt(data, strKey) + 1); });
+                data.MostRecentlyUsedList()->Add(nRound % 2 == 0 ? "/both" : "/" + strKey, strKey);
             }
         });
     }
     for (std::thread& thread : threads) {
         thread.join();
     }
-    EXPECT_EQ(NumberAt(*stores[0], "count"), 4 * kRounds - 1);
-    EXPECT_EQ(NumberAt(*stores[1], "count"), 4 * kRounds - 1);
+    stores[0]->Flush();
+    stores[1]->Flush();
+    const auto pData = OpenApplicationData(folder.Path());
+    for (int n = 0; n < 4; ++n) {
+        EXPECT_EQ(NumberAt(*pData, std::to_string(n)), kRounds - 1);
+    }
+    EXPECT_EQ(pData->MostRecentlyUsedList()->Entries().size(), 5U) << "each path once";
 }
 
-TEST(SettingsTest, WhatCannotBeReadIsSetAsideAndBegunAnew) {
+// The payload of a composite as the first version wrote it: {"d": {"": "x"}, "n": 7}.
+TEST(SettingsTest, AStoreOfTheFirstVersionIsReadAndTakenOver) {
+    const TemporaryFolder folder;
+    sqlite3* pDatabase = nullptr;
+    ASSERT_EQ(sqlite3_open((folder / "settings.db").c_str(), &pDatabase), SQLITE_OK);
+    EXPECT_EQ(
+        sqlite3_exec(
+            pDatabase,
+            "CREATE TABLE container(path TEXT PRIMARY KEY NOT NULL) WITHOUT ROWID;"
+            "CREATE TABLE setting(container TEXT NOT NULL, key TEXT NOT NULL, type INTEGER NOT "
+            "NULL, value, PRIMARY KEY(container, key)) WITHOUT ROWID;"
+            "CREATE TABLE recent(token TEXT PRIMARY KEY NOT NULL, path TEXT UNIQUE NOT NULL,"
+            " metadata TEXT NOT NULL, rank INTEGER NOT NULL) WITHOUT ROWID;"
+            "INSERT INTO container VALUES('/c'); INSERT INTO recent VALUES('t', '/p', '/p', 1);"
+            "INSERT INTO setting VALUES('/c', 'a', 2, 5), ('', 'torn', 8, x'05000000'),"
+            " ('', 't', 8, x'02000000' || x'01000000' || 'd' || x'08' || x'01000000' ||"
+            "  x'00000000' || x'07' || x'01000000' || 'x' ||"
+            "  x'01000000' || 'n' || x'02' || x'0700000000000000');"
+            "PRAGMA user_version=1;",
+            nullptr, nullptr, nullptr),
+        SQLITE_OK)
+        << sqlite3_errmsg(pDatabase);
+    sqlite3_close(pDatabase);
+    for (const bool bTakenOver : {false, true}) {
+        const auto pData = OpenApplicationData(folder.Path());
+        const auto pRoot = pData->LocalSettings();
+        const auto value = pRoot->Values()->TryLookup("t");
+        ASSERT_TRUE(value && value->Is<PropertyValue::Composite>()) << bTakenOver;
+        const auto& set = *value->Get<PropertyValue::Composite>();
+        EXPECT_EQ(set.Lookup("n").Get<std::int32_t>(), 7);
+        EXPECT_EQ(set.Lookup("d").Get<PropertyValue::Composite>()->Lookup("").Get<std::string>(),
+                  "x");
+        EXPECT_FALSE(pRoot->Values()->HasKey("torn")) << "one that nobody can read is none";
+        EXPECT_EQ(pRoot->CreateContainer("c", ApplicationDataCreateDisposition::Existing)
+                      ->Values()
+                      ->TryLookup("a")
+                      ->Get<std::int32_t>(),
+                  5);
+        EXPECT_EQ(pData->MostRecentlyUsedList()->Add("/p", "/p"), "t");
+        pRoot->Values()->Insert("t", *value);
+    }
+}
+
+// Breaks every page but the first.
+void Damage(const TemporaryFolder& folder) {
+    std::string strBytes = folder.Read("settings.db");
+    ASSERT_GT(strBytes.size(), 8192U);
+    strBytes.replace(4096, std::string::npos, std::string(strBytes.size() - 4096, 'Z'));
+    folder.Write("settings.db", strBytes);
+}
+
+TEST(SettingsTest, WhatCannotBeReadIsSetAsideByTheFirstChange) {
     TestHost host;
     for (const bool bNoise : {true, false}) {
         const TemporaryFolder folder;
-        SetNumber(*OpenApplicationData(folder.Path()), "a", 1);
-        std::string strBytes = folder.Read("settings.db");
-        ASSERT_GT(strBytes.size(), 8192U);
-        // Noise from the start, or a good header over broken pages.
-        strBytes.replace(bNoise ? 0 : 4096, 4096, std::string(4096, '\x5A'));
-        folder.Write("settings.db", strBytes);
+        StoreNumber(*OpenApplicationData(folder.Path()), "a", 1);
+        if (bNoise) {
+            folder.Write("settings.db", "not a store at all, but long enough to look like none");
+        } else {
+            Damage(folder);
+        }
+        const std::string strBytes = folder.Read("settings.db");
         host.ClearDebug();
         const auto pData = OpenApplicationData(folder.Path());
         EXPECT_EQ(NumberAt(*pData, "a"), -1);
+        EXPECT_EQ(folder.Read("settings.db"), strBytes);
+        StoreNumber(*pData, "b", 2);
         EXPECT_TRUE(host.DebugContains("unreadable settings set aside as " +
                                        (folder / "settings.db.corrupt1")));
         EXPECT_EQ(folder.Read("settings.db.corrupt1"), strBytes);
-        SetNumber(*pData, "a", 2);
-        EXPECT_EQ(NumberAt(*OpenApplicationData(folder.Path()), "a"), 2);
-        folder.Write("settings.db", "not a store at all, but long enough to look like none");
-        EXPECT_EQ(NumberAt(*OpenApplicationData(folder.Path()), "a"), -1);
+        EXPECT_EQ(NumberAt(*OpenApplicationData(folder.Path()), "b"), 2);
+        Damage(folder);
+        StoreNumber(*OpenApplicationData(folder.Path()), "a", 3);
         EXPECT_TRUE(std::filesystem::exists(folder / "settings.db.corrupt2"));
     }
 }
 
-// Breaks every page but the first, on which it changes the counter that tells
-// open connections to forget what they have read.
-void Damage(const TemporaryFolder& folder) {
-    std::string strBytes = folder.Read("settings.db");
-    strBytes.replace(4096, std::string::npos, std::string(strBytes.size() - 4096, 'Z'));
-    strBytes[27] = static_cast<char>(strBytes[27] + 1);
-    folder.Write("settings.db", strBytes);
-}
-
-TEST(SettingsTest, AConnectionThatMeetsDamageGoesOnWithAFreshStore) {
+// What is shown outlives the file: whoever begins it anew stores all of it.
+TEST(SettingsTest, AStoreThatBreaksOrGoesWhileItIsInUseIsMadeAgainWhole) {
     const TestHost host;
     const TemporaryFolder folder;
     const auto pData = OpenApplicationData(folder.Path());
-    SetNumber(*pData, "n", 1);
+    StoreNumber(*pData, "a", 1);
+    pData->MostRecentlyUsedList()->Add("/x", "/x");
+    pData->MostRecentlyUsedList()->Add("/y", "/y");
+    StoreNumber(*pData, "b", 2);
     Damage(folder);
-    EXPECT_EQ(NumberAt(*pData, "n"), -1);
-    SetNumber(*pData, "n", 2);
-    Damage(folder);
-    EXPECT_THROW(pData->InTransaction([&] {
-        EXPECT_THROW(NumberAt(*pData, "n"), Platform::ReadFaultException);
-        SetNumber(*pData, "n", 3);
-    }),
-                 Platform::Exception);
-    EXPECT_EQ(NumberAt(*pData, "n"), -1); // begun anew after the transaction, not within
-    EXPECT_TRUE(std::filesystem::exists(folder / "settings.db.corrupt2"));
-}
-
-TEST(SettingsTest, AConnectionFollowsWhenAnotherSetsTheStoreAside) {
-    const TestHost host;
-    const TemporaryFolder folder;
-    const auto pData = OpenApplicationData(folder.Path());
-    const auto pValues = pData->LocalSettings()
-                             ->CreateContainer("c", ApplicationDataCreateDisposition::Always)
-                             ->Values();
-    SetNumber(*pData, "n", 1);
-    Damage(folder);
-    const auto pFresh = OpenApplicationData(folder.Path());
-    SetNumber(*pFresh, "n", 2);
-    EXPECT_EQ(NumberAt(*pData, "n"), 2);
-    pValues->Insert("kept", PropertyValue::Create<bool>(true));
-    EXPECT_TRUE(pFresh->LocalSettings()
-                    ->CreateContainer("c", ApplicationDataCreateDisposition::Always)
-                    ->Values()
-                    ->HasKey("kept"));
+    StoreNumber(*pData, "c", 3);
+    const auto fnExpectAll = [&] {
+        const auto pOther = OpenApplicationData(folder.Path());
+        EXPECT_EQ(NumberAt(*pOther, "a"), 1);
+        EXPECT_EQ(NumberAt(*pOther, "b"), 2);
+        EXPECT_EQ(NumberAt(*pOther, "c"), 3);
+        ASSERT_EQ(pOther->MostRecentlyUsedList()->Entries().size(), 2U);
+        EXPECT_EQ(pOther->MostRecentlyUsedList()->Entries()[0].Metadata, "/y");
+    };
+    fnExpectAll();
+    EXPECT_TRUE(std::filesystem::exists(folder / "settings.db.corrupt1"));
     std::filesystem::remove(folder / "settings.db");
-    SetNumber(*pData, "n", 3);
-    EXPECT_EQ(NumberAt(*pFresh, "n"), 3);
-}
-
-TEST(SettingsTest, AStoreThatMustNotBeWrittenIsAFailureAndStaysWhereItIs) {
-    const TemporaryFolder folder;
-    std::filesystem::create_directory(folder / "settings.db");
-    const auto pData = OpenApplicationData(folder.Path());
-    EXPECT_THROW(SetNumber(*pData, "a", 1), Platform::AccessDeniedException);
-    EXPECT_TRUE(std::filesystem::is_directory(folder / "settings.db"));
-    folder.Write("plain", "");
-    EXPECT_THROW(OpenApplicationData(folder / "plain/below"), Platform::Exception);
+    StoreNumber(*pData, "d", 4);
+    fnExpectAll();
 }
 
 TEST(RecentListTest, LatestFirstWithATokenThatStaysAtMostTwentyFive) {
     const TemporaryFolder folder;
-    const auto pList = OpenApplicationData(folder.Path())->MostRecentlyUsedList();
+    const auto pData = OpenApplicationData(folder.Path());
+    const auto pList = pData->MostRecentlyUsedList();
     const std::string strFirst = pList->Add("/0", "/0");
-    for (int n = 1; n < 25; ++n) {
+    const std::string strOldest = pList->Add("/1", "m");
+    SetNumber(*pData, strOldest, 1);
+    SetNumber(*pData, strFirst, 2);
+    for (int n = 2; n < 25; ++n) {
         EXPECT_NE(pList->Add("/" + std::to_string(n), "m"), strFirst);
     }
     EXPECT_EQ(pList->Add("/0", "renewed"), strFirst);
@@ -307,7 +358,12 @@ TEST(RecentListTest, LatestFirstWithATokenThatStaysAtMostTwentyFive) {
     EXPECT_EQ(entries[0].Token, strFirst);
     EXPECT_EQ(entries[0].Metadata, "renewed");
     pList->Add("/25", "newest"); // pushes out "/1", the oldest
-    entries = OpenApplicationData(folder.Path())->MostRecentlyUsedList()->Entries();
+    pData->Flush();
+    const auto pAgain = OpenApplicationData(folder.Path());
+    entries = pAgain->MostRecentlyUsedList()->Entries();
+    EXPECT_EQ(NumberAt(*pData, strOldest), -1) << "a place that nobody can find";
+    EXPECT_EQ(NumberAt(*pAgain, strOldest), -1);
+    EXPECT_EQ(NumberAt(*pAgain, strFirst), 2);
     ASSERT_EQ(entries.size(), 25U);
     EXPECT_EQ(entries[0].Metadata, "newest");
     EXPECT_EQ(entries[1].Token, strFirst);

@@ -45,7 +45,10 @@ protected:
         program.setProcessEnvironment(environment);
         program.start(VELKO_VIEWER, arguments);
     }
-    static std::int32_t KeptPage(const QString& strFile) {
+    // As a process sees it that starts now.
+    static std::int32_t KeptPage(const std::string& strStore, const QString& strFile) {
+        using Windows::Storage::ApplicationData;
+        ApplicationData::SetCurrent(Windows::Storage::OpenApplicationData(strStore));
         const auto kept = vkit::FindView(strFile.toStdString());
         return kept ? kept->pValues->Lookup("CurrentPageIndex").Get<std::int32_t>() : -1;
     }
@@ -132,20 +135,18 @@ TEST_F(KeptPlaceTest, AViewerWithoutUsableSettingsStillShowsTheDocument) {
     EXPECT_TRUE(program.readAllStandardOutput().startsWith("time to ink"));
 }
 
-// The program's data folder is the one that this process looks into.
 TEST_F(KeptPlaceTest, AKilledViewerLosesNeitherTheStoreNorTheStoredPlace) {
     const QString strFile = WritePages("pages.pdf", 9);
     const std::string strStore = m_folder.filePath("home/velko-vkit").toStdString();
-    Windows::Storage::ApplicationData::SetCurrent(Windows::Storage::OpenApplicationData(strStore));
     for (const int nPage : {3, 6}) {
         QProcess program;
         Start(program, {"--page", QString::number(nPage), strFile});
         ASSERT_TRUE(program.waitForStarted());
-        EXPECT_TRUE(RunUntil([&] { return KeptPage(strFile) == nPage - 1; }));
+        EXPECT_TRUE(RunUntil([&] { return KeptPage(strStore, strFile) == nPage - 1; }));
         program.kill(); // SIGKILL
         ASSERT_TRUE(program.waitForFinished());
         EXPECT_EQ(program.exitStatus(), QProcess::CrashExit);
-        EXPECT_EQ(KeptPage(strFile), nPage - 1);
+        EXPECT_EQ(KeptPage(strStore, strFile), nPage - 1);
         EXPECT_EQ(vkit::RecentFiles(), std::vector{strFile.toStdString()});
     }
     EXPECT_TRUE(QDir(m_folder.filePath("home/velko-vkit")).entryList({"*.corrupt*"}).isEmpty());

@@ -46,21 +46,27 @@ TEST(QtRuntimeTest, WhatIsPostedUntilTheEndGoesUnrunWhileTheEnvironmentStands) {
     EXPECT_THROW(ApplicationData::Current(), Platform::Exception);
 }
 
-TEST(QtRuntimeTest, ItsOwnFolderGoesAndAnUnusableOneLeavesTheDataAsTheyAre) {
+TEST(QtRuntimeTest, ItsOwnFolderGoesAndWhatIsSetStaysWhereItCan) {
     const QTemporaryDir folder;
     QDir folderOfOwn;
+    std::shared_ptr<ApplicationData> pHeld;
     {
         QtRuntime runtime({});
         runtime.UseTemporaryData("velko-test-XXXXXX");
         folderOfOwn.setPath(QString::fromStdString(ApplicationData::Current()->LocalFolder()));
         EXPECT_TRUE(folderOfOwn.exists());
-        EXPECT_THROW(runtime.UseData("/proc/nowhere"), Platform::Exception);
-        EXPECT_EQ(ApplicationData::Current()->LocalFolder(), folderOfOwn.path().toStdString());
+        runtime.UseData("/proc/nowhere");
+        ApplicationData::Current()->MostRecentlyUsedList()->Add("/x", "/x");
+        EXPECT_EQ(ApplicationData::Current()->MostRecentlyUsedList()->Entries().size(), 1U);
         runtime.UseData(folder.filePath("data").toStdString());
-        EXPECT_EQ(ApplicationData::Current()->LocalFolder(), folder.filePath("data").toStdString());
+        EXPECT_TRUE(ApplicationData::Current()->MostRecentlyUsedList()->Entries().empty());
+        pHeld = ApplicationData::Current();
+        pHeld->MostRecentlyUsedList()->Add("/y", "/y");
     }
     EXPECT_FALSE(folderOfOwn.exists());
-    EXPECT_TRUE(QDir(folder.filePath("data")).exists());
+    const auto pAgain =
+        Windows::Storage::OpenApplicationData(folder.filePath("data").toStdString());
+    EXPECT_EQ(pAgain->MostRecentlyUsedList()->Entries().size(), 1U) << "stored by the end";
 }
 
 }

@@ -256,8 +256,10 @@ void ViewerCore::SetPageForegroundColor(Color color) {
 }
 
 void ViewerCore::SetPageColors(Color background, Color foreground) {
-    SetPageBackgroundColor(background);
-    SetPageForegroundColor(foreground);
+    AppConfig::SetTogether([&] {
+        SetPageBackgroundColor(background);
+        SetPageForegroundColor(foreground);
+    });
     RedrawScreen();
 }
 
