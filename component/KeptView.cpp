@@ -4,6 +4,7 @@
 
 #include "control/PDFViewCtrl.h"
 #include "platform/storage/ApplicationData.h"
+#include "settings/SavedView.h"
 
 namespace velko::vkit {
 
@@ -17,7 +18,7 @@ namespace {
 bool IsSameSet(const PropertySet& one, const PropertySet& other) {
     return one.Size() == other.Size() && std::all_of(one.begin(), one.end(), [&](const auto& item) {
                const auto& [strKey, value] = item;
-               return strKey == "FileTime" ||
+               return strKey == SavedViewKey::kFileTime ||
                       (other.HasKey(strKey) && other.Lookup(strKey).Value() == value.Value());
            });
 }
@@ -43,18 +44,24 @@ void StoreView(const KeptView& view) {
 }
 
 std::optional<KeptView> FindView(const std::string& strPath) {
-    const auto pData = ApplicationData::Current();
-    for (const AccessListEntry& entry : pData->MostRecentlyUsedList()->Entries()) {
-        if (entry.Metadata != strPath) {
-            continue;
-        }
-        const auto value = pData->LocalSettings()->Values()->TryLookup(entry.Token);
-        if (value && value->Is<PropertyValue::Composite>()) {
-            return KeptView{strPath, value->Get<PropertyValue::Composite>()};
-        }
-        break;
+    const auto pValues = FindSavedView(strPath);
+    return pValues ? std::optional(KeptView{strPath, pValues}) : std::nullopt;
+}
+
+bool ForgetUnreadableView(const std::string& strPath) {
+    const auto pValues = FindSavedView(strPath);
+    if (!pValues) {
+        return false;
     }
-    return std::nullopt;
+    try {
+        for (const bool bIsWide : {false, true}) {
+            PDFViewerState::ReadFrom(*pValues, bIsWide);
+        }
+        return false;
+    } catch (const Platform::InvalidCastException&) {
+        ApplicationData::Current()->LocalSettings()->Values()->Remove(FindSavedViewToken(strPath));
+        return true;
+    }
 }
 
 std::vector<std::string> RecentFiles() {
@@ -68,12 +75,8 @@ std::vector<std::string> RecentFiles() {
 
 void ForgetAllViews() {
     const auto pData = ApplicationData::Current();
-    if (RecentFiles().empty()) {
-        return;
-    }
     pData->InTransaction([&] {
         for (const AccessListEntry& entry : pData->MostRecentlyUsedList()->Entries()) {
-            pData->LocalSettings()->Values()->Remove(entry.Token);
             pData->MostRecentlyUsedList()->Remove(entry.Token);
         }
     });

@@ -3,7 +3,7 @@
 // local settings under that entry's token. The control looks there when it opens
 // the file again.
 //
-// Errors: failures of the store and of the control are raised.
+// Errors: failures of the control are raised; the store raises none.
 #pragma once
 
 #include <memory>
@@ -27,12 +27,17 @@ struct KeptView {
 std::optional<KeptView> TakeView(
     PDFViewCtrl& control, const Windows::Foundation::Collections::PropertySet& hostValues = {});
 
-// Stores the entry and the set together; the file becomes the latest one of the
-// list. Threads: any.
+// Keeps the entry and the set together, in the order of the calls, whatever the
+// clock says; the file becomes the latest one of the list. Threads: any.
 void StoreView(const KeptView& view);
 
 // What is stored for the file; empty when nothing is. Threads: any.
 std::optional<KeptView> FindView(const std::string& strPath);
+
+// For an open that failed although the document is good: when the file's view cannot
+// be read, for a value of another type, forgets it and gives true; the document
+// can be opened without it then. The file stays in the list. Threads: any.
+bool ForgetUnreadableView(const std::string& strPath);
 
 // The files of the recently used list, latest first. Threads: any.
 std::vector<std::string> RecentFiles();

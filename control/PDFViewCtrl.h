@@ -29,7 +29,6 @@
 
 #include "control/IUIExtensionsEvents.h"
 #include "control/LiveObject.h"
-#include "control/PDFViewerState.h"
 #include "control/events/DocEventArgs.h"
 #include "control/events/PageEventArgs.h"
 #include "document/IDocumentOwner.h"
@@ -42,6 +41,7 @@
 #include "platform/foundation/PropertyValue.h"
 #include "platform/storage/StorageFile.h"
 #include "platform/ui/Element.h"
+#include "settings/SavedView.h"
 #include "viewers/core/IViewerOwner.h"
 #include "viewers/core/Records.h"
 

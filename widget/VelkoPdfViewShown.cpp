@@ -8,6 +8,7 @@
 #include "component/KeptView.h"
 #include "control/PDFViewerManager.h"
 #include "platform/qt/QtElementWindow.h"
+#include "settings/SavedView.h"
 #include "widget/LinkFollower.h"
 #include "widget/PageInk.h"
 #include "widget/VelkoPdfView.h"
@@ -222,14 +223,14 @@ void VelkoPdfView::EnsureLayout() {
 // Zoom and offsets mean something only on a screen that lies the same way.
 void VelkoPdfView::ShowPlace(const KeptView& kept) {
     const PropertySet& values = *kept.pValues;
-    const int nPage = ValueOr<std::int32_t>(values, "CurrentPageIndex", 0);
-    const int nRotate = ValueOr<std::int32_t>(values, "Rotate", 0);
-    const double dbScale = ValueOr<double>(values, "Scale", 1.0);
     const auto size = m_pControl->GetCanvasSize();
     const bool bWide = size.Width > size.Height;
-    const bool bSameWay = ValueOr<bool>(values, "RotatedScreen", false) == bWide;
-    if (m_pControl->GetRotate() != nRotate) {
-        m_pControl->RotateViewer(nRotate);
+    const bool bSameWay = WasSavedWide(values) == bWide;
+    const PDFViewerState state = PDFViewerState::ReadFrom(values, bWide);
+    const int nPage = state.CurrentPageIndex;
+    const double dbScale = state.Scale;
+    if (m_pControl->GetRotate() != state.Rotate) {
+        m_pControl->RotateViewer(state.Rotate);
     }
     if (nPage < 0 || nPage >= m_pControl->GetPageCount()) {
         return; // the document has become shorter
@@ -241,8 +242,7 @@ void VelkoPdfView::ShowPlace(const KeptView& kept) {
     m_eFit = static_cast<Fit>(std::clamp(ValueOr<std::int32_t>(values, kFitKey, 0), 0, 3));
     ApplyZoom(m_eFit == Fit::None ? dbScale : FitZoom(m_eFit));
     const double dbGrown = m_pControl->GetScale() / dbScale;
-    PutPage(nPage, ValueOr<double>(values, "OffsetX", 0.0) * dbGrown,
-            ValueOr<double>(values, "OffsetY", 0.0) * dbGrown);
+    PutPage(nPage, state.OffsetX * dbGrown, state.OffsetY * dbGrown);
 }
 
 // Brings a page's top left to a place of the screen, as far as the document

@@ -18,7 +18,7 @@ using Cause = StoreFailure::Cause;
 // How long another process is waited for: by whoever asks for the first setting,
 // perhaps the UI thread, less than a reader notices; longer behind the scenes.
 constexpr std::chrono::milliseconds kPatienceInFront{100};
-constexpr std::chrono::milliseconds kPatienceBehind{1000};
+constexpr std::chrono::milliseconds kPatienceBehind{500};
 
 template <class E>
 bool Is(const std::exception& error) {

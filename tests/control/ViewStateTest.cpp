@@ -1,5 +1,6 @@
 // The view of a document, saved by a host and found again at the next open.
 
+#include "component/KeptView.h"
 #include "tests/control/ControlFixture.h"
 
 namespace velko::testing {
@@ -151,6 +152,50 @@ TEST_F(ViewStateTest, MismatchedTypesFailTheOpenSaveForTwoKeys) {
         EXPECT_THROW(Open(), Platform::InvalidCastException) << szKey;
     }
     EXPECT_EQ(Open("fine.pdf"), ErrorCode::e_ErrSuccess);
+}
+
+TEST_F(ViewStateTest, AViewThatCannotBeReadIsForgottenAndTheFileStaysInTheList) {
+    Show(1000, 800);
+    EXPECT_FALSE(vkit::ForgetUnreadableView(folder / "a.pdf"));
+    for (const bool bSameWay : {true, false}) { // the other way the scale is not even looked at
+        auto wrong = Saved(bSameWay);
+        wrong.Insert("Scale", PropertyValue::Create<std::int32_t>(2));
+        Keep(wrong);
+        if (bSameWay) {
+            EXPECT_THROW(Open(), Platform::InvalidCastException);
+        }
+        EXPECT_TRUE(vkit::ForgetUnreadableView(folder / "a.pdf"));
+        EXPECT_EQ(Open(), ErrorCode::e_ErrSuccess);
+        EXPECT_EQ(pControl->ViewerState()->CurrentPageIndex, 0);
+        EXPECT_EQ(vkit::RecentFiles(), Strings{folder / "a.pdf"});
+    }
+    Keep(Saved(true));
+    EXPECT_FALSE(vkit::ForgetUnreadableView(folder / "a.pdf"));
+    EXPECT_TRUE(vkit::FindView(folder / "a.pdf"));
+}
+
+// Names are bytes, and the clock of a machine may be put back.
+TEST_F(ViewStateTest, AKeptViewIsFoundByTheBytesOfItsNameAndTheLastOneCounts) {
+    Show(1000, 800);
+    const std::string strName = "no text \xFF\xFE\xE9 '\n%2F.pdf";
+    Open(strName);
+    auto view = vkit::TakeView(*pControl);
+    ASSERT_TRUE(view);
+    vkit::StoreView(*view);
+    auto pLater = std::make_shared<PropertySet>(*view->pValues);
+    pLater->Insert("FileTime", PropertyValue::Create<std::int64_t>(1));
+    pLater->Insert("CurrentPageIndex", PropertyValue::Create<std::int32_t>(4));
+    vkit::StoreView({view->strPath, pLater});
+    host.Data().Flush();
+    Windows::Storage::ApplicationData::SetCurrent(
+        Windows::Storage::OpenApplicationData(host.Data().LocalFolder()));
+    EXPECT_EQ(vkit::RecentFiles(), Strings{folder / strName});
+    const auto found = vkit::FindView(folder / strName);
+    ASSERT_TRUE(found);
+    EXPECT_TRUE(vkit::IsSamePlace(*found, {view->strPath, pLater}));
+    EXPECT_FALSE(vkit::FindView(folder / "no text"));
+    Open(strName);
+    EXPECT_EQ(pControl->GetCurrentPageIndex(), 4);
 }
 
 TEST_F(ViewStateTest, Mode0IsSinglePageAndAPageThatIsGoneTheLast) {

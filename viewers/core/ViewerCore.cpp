@@ -11,11 +11,10 @@
 #include "platform/system/Environment.h"
 #include "platform/ui/CoreDispatcher.h"
 #include "settings/AppConfig.h"
+#include "settings/SavedView.h"
 #include "viewers/core/Modes.h"
 
 namespace velko::vkit {
-
-using Windows::Foundation::PropertyValue;
 
 namespace {
 
@@ -153,9 +152,7 @@ std::shared_ptr<PagePosition> ViewerCore::GetPagePosition() {
 
 void ViewerCore::SaveViewerState(PropertySet& values) {
     if (const auto pPosition = GetPagePosition()) {
-        values.Insert("CurrentPageIndex", PropertyValue::Create(pPosition->nPageIndex));
-        values.Insert("OffsetX", PropertyValue::Create(pPosition->dbOffsetX));
-        values.Insert("OffsetY", PropertyValue::Create(pPosition->dbOffsetY));
+        WriteSavedPlace(values, pPosition->nPageIndex, pPosition->dbOffsetX, pPosition->dbOffsetY);
     }
 }
 
