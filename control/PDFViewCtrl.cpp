@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "control/ControlParts.h"
 #include "control/InsertDocumentPasswdwordDlgUIOprateion.h"
 #include "control/Markup.h"
 #include "control/PDFViewerManager.h"
@@ -79,6 +80,18 @@ std::shared_ptr<PDFViewCtrl> PDFViewCtrl::Enter() {
     return Self();
 }
 
+std::shared_ptr<IViewerOwner> PDFViewCtrl::AsViewerOwner() {
+    return {Self(), this};
+}
+
+template <class F>
+void PDFViewCtrl::ForEachEvent(F fnVisit) {
+    const auto fnAll = [&](auto&... events) { (fnVisit(events), ...); };
+    fnAll(RenderCanvasEvent, RenderPageEvent, OpenDocEvent, CloseDocEvent, PageLoadedEvent,
+          PageUnloadedEvent, PageVisibleEvent, PageInvisibleEvent, PageChangedEvent,
+          PageLayoutModeChangedEvent);
+}
+
 void PDFViewCtrl::Dispose() {
     if (m_bDisposed) {
         return;
@@ -97,7 +110,16 @@ void PDFViewCtrl::Dispose() {
     m_pAppBar.reset();
     m_pProgressRing.reset();
     m_pExtensionsManager.reset();
+    ForEachEvent([](auto& event) { event.Close(); });
+    LetHandlersGo();
     failure.Rethrow();
+}
+
+// Not before the host has heard that the last document is closed.
+void PDFViewCtrl::LetHandlersGo() {
+    if (m_bDisposed && !m_pClosingDocument) {
+        ForEachEvent([](auto& event) { event.Clear(); });
+    }
 }
 
 void PDFViewCtrl::OnApplyTemplate() {
@@ -145,15 +167,59 @@ void PDFViewCtrl::HideProgressRing() {
     }
 }
 
+// --- looks inside ---
+
 bool PDFViewCtrl::IsProgressRingVisible() {
-    const auto pSelf = Enter();
-    return m_pProgressRing ? m_pProgressRing->Visibility() == Xaml::Visibility::Visible
-                           : m_bProgressRingShown;
+    return ControlParts(*this).IsProgressRingVisible();
 }
 
+std::shared_ptr<PDFViewerManager> PDFViewCtrl::PageViewMgr() {
+    return ControlParts(*this).PageViewMgr();
+}
+
+std::shared_ptr<VelkoViewControl> PDFViewCtrl::ViewControl() {
+    return ControlParts(*this).ViewControl();
+}
+
+std::shared_ptr<VLK_Document> PDFViewCtrl::Document() {
+    return ControlParts(*this).Document();
+}
+
+std::shared_ptr<PDFViewerState> PDFViewCtrl::ViewerState() {
+    return ControlParts(*this).ViewerState();
+}
+
+std::shared_ptr<PDFViewerManager> ControlParts::PageViewMgr() const {
+    return m_control.Enter()->m_pPageViewMgr;
+}
+
+std::shared_ptr<IPDFViewer> ControlParts::Viewer() const {
+    return m_control.Enter()->Viewer();
+}
+
+std::shared_ptr<VelkoViewControl> ControlParts::ViewControl() const {
+    return m_control.Enter()->m_pViewControl;
+}
+
+std::shared_ptr<VLK_Document> ControlParts::Document() const {
+    return m_control.Enter()->m_pDocument;
+}
+
+std::shared_ptr<PDFViewerState> ControlParts::ViewerState() const {
+    return m_control.Enter()->m_pViewerState;
+}
+
+bool ControlParts::IsProgressRingVisible() const {
+    const auto pSelf = m_control.Enter();
+    return pSelf->m_pProgressRing
+               ? pSelf->m_pProgressRing->Visibility() == Xaml::Visibility::Visible
+               : pSelf->m_bProgressRingShown;
+}
+
+// --- the host's input sink, the template, input ---
+
 std::shared_ptr<IUIExtensionsEvents> PDFViewCtrl::ExtensionsManager() {
-    const auto pSelf = Enter();
-    return m_pExtensionsManager;
+    return Enter()->m_pExtensionsManager;
 }
 
 void PDFViewCtrl::ExtensionsManager(std::shared_ptr<IUIExtensionsEvents> pManager) {
@@ -162,57 +228,44 @@ void PDFViewCtrl::ExtensionsManager(std::shared_ptr<IUIExtensionsEvents> pManage
 }
 
 std::shared_ptr<PDFViewCtrl::Grid> PDFViewCtrl::Layout() {
-    const auto pSelf = Enter();
-    return m_pLayout;
-}
-
-std::shared_ptr<PDFViewerManager> PDFViewCtrl::PageViewMgr() {
-    const auto pSelf = Enter();
-    return m_pPageViewMgr;
-}
-
-std::shared_ptr<VelkoViewControl> PDFViewCtrl::ViewControl() {
-    const auto pSelf = Enter();
-    return m_pViewControl;
-}
-
-std::shared_ptr<VLK_Document> PDFViewCtrl::Document() {
-    const auto pSelf = Enter();
-    return m_pDocument;
-}
-
-std::shared_ptr<PDFViewerState> PDFViewCtrl::ViewerState() {
-    const auto pSelf = Enter();
-    return m_pViewerState;
+    return Enter()->m_pLayout;
 }
 
 std::shared_ptr<IJudgePasswordHelper> PDFViewCtrl::PasswordJudge() {
-    const auto pSelf = Enter();
-    return m_pPasswordOperation;
+    return Enter()->m_pPasswordOperation;
 }
 
 void PDFViewCtrl::SetIsCanScrollPageViewEnabled(bool bEnabled) {
     const auto pSelf = Enter();
     m_bIsCanScrollPageViewEnabled = bEnabled;
-    if (m_pViewControl) {
-        ApplyManipulationMode();
-    }
-}
-
-void PDFViewCtrl::ApplyManipulationMode() {
-    m_pViewControl->CanvasPanel()->ManipulationMode = m_bIsCanScrollPageViewEnabled
-                                                          ? Xaml::Input::ManipulationMode::All
-                                                          : Xaml::Input::ManipulationMode::System;
+    ApplyManipulationMode();
+    CompleteGestureWhenOff();
 }
 
 bool PDFViewCtrl::IsCanScrollPageViewEnabled() {
-    const auto pSelf = Enter();
-    return m_bIsCanScrollPageViewEnabled;
+    return Enter()->m_bIsCanScrollPageViewEnabled;
 }
 
 void PDFViewCtrl::IsCanScrollPageViewEnabled(bool bEnabled) {
     const auto pSelf = Enter();
     m_bIsCanScrollPageViewEnabled = bEnabled;
+    CompleteGestureWhenOff();
+}
+
+// What still comes of a gesture that is open is not answered then.
+void PDFViewCtrl::CompleteGestureWhenOff() {
+    const auto pViewControl = m_pViewControl;
+    if (!m_bIsCanScrollPageViewEnabled && pViewControl) {
+        pViewControl->CompleteGesture();
+    }
+}
+
+void PDFViewCtrl::ApplyManipulationMode() {
+    if (const auto pPanel = CanvasPanel()) {
+        pPanel->ManipulationMode = m_bIsCanScrollPageViewEnabled
+                                       ? Xaml::Input::ManipulationMode::All
+                                       : Xaml::Input::ManipulationMode::System;
+    }
 }
 
 }

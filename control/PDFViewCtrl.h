@@ -5,9 +5,9 @@
 // window, a size or its template. Every operation keeps the control alive for
 // its own length, so a host may let go of it anywhere, also in an event.
 // `Dispose` closes it for good; every operation raises `ObjectDisposedException`
-// afterwards.
-// Threads: UI thread only. `RenderPageEvent` alone is raised on render workers,
-// and page events that the document raises may come on its workers too.
+// afterwards, a disposal that comes inside an event of its own included.
+// Threads: UI thread only, but for adding and removing handlers. Events come on
+// the UI thread, `RenderPageEvent` alone on render workers.
 // Units: points, rectangles and the canvas's size are logical, `MoveScreen` and
 // the centre of `ZoomAtPoint` device pixels, page space the file's user space.
 // Fallbacks: a command without a document or viewer does nothing and answers a
@@ -15,13 +15,15 @@
 // rest, also for indexes that are out of range.
 // Errors: failures of the platform, the engine and the host's own handlers are
 // raised to the caller, or end the asynchronous operation; the control stays
-// usable. Handlers may call any command, close the document, open another or
-// let go of the control.
+// usable. Handlers may call any command, close the document, open another, or
+// dispose or let go of the control. What a handler asks for while the engine
+// measures a page is carried out after the step that asked.
 #pragma once
 
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -29,6 +31,7 @@
 
 #include "control/IUIExtensionsEvents.h"
 #include "control/LiveObject.h"
+#include "control/events/ControlEvent.h"
 #include "control/events/DocEventArgs.h"
 #include "control/events/PageEventArgs.h"
 #include "document/IDocumentOwner.h"
@@ -36,7 +39,6 @@
 #include "document/engine/ErrorCode.h"
 #include "platform/concurrency/Task.h"
 #include "platform/foundation/Color.h"
-#include "platform/foundation/Event.h"
 #include "platform/foundation/Geometry.h"
 #include "platform/foundation/PropertyValue.h"
 #include "platform/storage/StorageFile.h"
@@ -44,6 +46,10 @@
 #include "settings/SavedView.h"
 #include "viewers/core/IViewerOwner.h"
 #include "viewers/core/Records.h"
+
+namespace Windows::UI::Xaml::Controls {
+class SwapChainPanel;
+}
 
 namespace velko::vkit {
 
@@ -59,8 +65,8 @@ struct VLK_DocOpenResult;
 class VelkoViewControl;
 
 class PDFViewCtrl final : public Windows::UI::Xaml::Controls::ContentControl,
-                          public IDocumentOwner,
-                          public IViewerOwner,
+                          private IDocumentOwner,
+                          private IViewerOwner,
                           private LiveObject {
 public:
     using Color = Windows::UI::Color;
@@ -72,11 +78,6 @@ public:
     using Rect = Windows::Foundation::Rect;
     using Size = Windows::Foundation::Size;
     using StorageFile = Windows::Storage::StorageFile;
-
-    // An event of the control: handlers take the sender and the record.
-    template <class Record>
-    using ControlEvent = Windows::Foundation::Event<const std::shared_ptr<PDFViewCtrl>&,
-                                                    const std::shared_ptr<Record>&>;
 
     // On the UI thread. Opens the settings, unless in design mode.
     static std::shared_ptr<PDFViewCtrl> Create();
@@ -98,17 +99,26 @@ public:
     // is asked for: success then shows in `OpenDocEvent` alone. A file of 2 GiB
     // or more is e_ErrUnsupported, no file e_ErrUnknown. The document that was
     // open stays until the result is there. A platform failure ends the task
-    // as that failure; the ring then stays shown and the old document open.
+    // as that failure; the ring then stays shown and the old document open. A
+    // control that is disposed meanwhile ends it with `ObjectDisposedException`.
     concurrency::task<ErrorCode> OpenPdfDocument(std::shared_ptr<StorageFile> pFile,
                                                  std::string strPassword);
     concurrency::task<ErrorCode> OpenPdfDocument(std::string strPath, std::string strPassword);
 
     std::shared_ptr<StorageFile> GetDocumentFile(); // none: empty
 
+    // Who judges the password of the document that waits for one; empty when none does.
+    std::shared_ptr<IJudgePasswordHelper> PasswordJudge();
+
     // --- pages ---
     void GotoPage(std::int32_t nPageIndex);
-    // Brings a point of page space into the middle of the visible canvas, unless it is visible.
+    // Brings a point of page space into the middle of the part of the canvas that
+    // the window shows, unless it lies there: the canvas as it stands in the
+    // window, cut off at the window's left and top edge (not at the others). An
+    // index out of range does nothing; a canvas left of or above the window
+    // altogether is an invalid argument.
     void GotoExactlyPage(std::int32_t nPageIndex, Point ptPage);
+    // Follows the destination of an action; nothing without one.
     void GotoDestination(const std::shared_ptr<velko::pdf::IAction>& pAction);
     bool GotoFirstPage();               // true: moved; none: false
     bool GotoLastPage();                // true: moved; none: false
@@ -119,48 +129,60 @@ public:
     std::vector<std::int32_t> GetVisiblePages(); // none: an empty list
 
     // --- zoom and layout ---
-    // Zoom modes: 0 none (scale 1), 1 fit page, 2 fit width, 3 fit height.
+    // Modes of zoom and layout: viewers/core/Modes.h.
     std::int32_t GetZoomMode();
     void SetZoomMode(std::int32_t nMode);
-    // Layout modes: 1 continuous, 2 single page, 3 reflow; 0 before the first.
+    double GetFitScale(std::int32_t nZoomMode) override; // none, or a page without a size: 1
     std::int32_t GetPageLayoutMode();
-    // Keeps the page; scale and offsets start anew.
+    // Keeps the page; scale and offsets start anew. A mode without a viewer leaves
+    // all as it is; a document whose saved mode is such a one opens in the mode in
+    // force, the first in the continuous one.
     void SetPageLayoutMode(std::int32_t nMode);
 
     // --- the document ---
     std::shared_ptr<PDFDoc> GetPDFDoc(); // none: empty
     // Shows a document of the engine that the host holds; nothing for the one shown.
+    // `OpenDocEvent` comes before its viewer is made.
     void SetPDFDoc(const std::shared_ptr<PDFDoc>& pPdfDoc);
     void CloseDocument();
+    // Remembered with the document, for the host; no file is deleted.
     bool GetDeleteFileOnClose(); // none: false
     void SetDeleteFileOnClose(bool bDelete);
+    // What renders draw from the next one on. Bit 1: the page's contents, bit 2:
+    // its annotations; both at first. `RedrawScreen` brings it to the screen.
     std::uint32_t GetRenderFlags(); // none: 0
     void SetRenderFlags(std::uint32_t nFlags);
+    // Annotations of the kind, as `IAnnot::GetType` tells it, are left out from the
+    // next render on.
     void AddHiddenAnnotType(std::int32_t nType);
     std::int32_t GetPageCount(); // none: 0
 
-    float GetScale(); // no document: 0, no viewer: 1
-    void SetScale(float fScale);
-    float GetMinScale(); // no document: 0, no viewer: 1
-    float GetMaxScale(); // no document: 0, no viewer: 3
+    float GetScale();            // no document: 0, no viewer: 1
+    void SetScale(float fScale); // limited; what is no number is an invalid argument
+    float GetMinScale();         // no document: 0, no viewer: 1
+    float GetMaxScale();         // no document: 0, no viewer: 3
     void MoveScreen(double dbOffsetY, double dbOffsetX);
     void ZoomAtPoint(Point ptCentre, double dbScale, bool bIsInertial, bool isScrollComplete);
     // The end of a drag that came this far, start minus end: a single page comes
     // to rest, or turns. Other layouts are at rest already.
     void AlignPageAfterScroll(double dbOffsetY, double dbOffsetX);
-    void RotateViewer(std::int32_t nRotate);
-    std::int32_t GetRotate(); // none: 0
+    // Turns the pages to so many quarter turns clockwise from their own way up,
+    // modulo 4 and without its sign.
+    void RotateViewer(std::int32_t nQuarterTurns);
+    std::int32_t GetRotate(); // quarter turns, 0 to 3; none: 0
     Size GetCanvasSize();     // none: 0 x 0
 
     // --- what lies on the screen ---
-    bool HasViewer(); // whether there is a layout that could show pages
+    // Whether the open document has its viewer; not yet inside `OpenDocEvent` for
+    // one that was given by `SetPDFDoc` or waited for its password.
+    bool HasViewer();
     // Where a page lies on the canvas, in device pixels; empty also for a page
     // that is not laid out.
     std::optional<Render_PageScreenOffsetInfo> GetPageScreenRect(std::int32_t nPageIndex);
     bool HasInk();  // something of a page's contents shows, be it blurred; none: false
     bool IsSharp(); // all in sight is rendered for its place; none: false
 
-    // --- events ---
+    // --- events; each record's header says when and on which thread ---
     ControlEvent<RenderCanvasEventArgs> RenderCanvasEvent;
     ControlEvent<RenderPageEventArgs> RenderPageEvent;
     ControlEvent<DocEventArgs> OpenDocEvent;
@@ -184,7 +206,7 @@ public:
     // (`UpdateViewer`) to show what it says there.
     ControlEvent<PageFailureEventArgs> PageFailureEvent;
 
-    // Only remembered; the next open takes the document's saved mode.
+    // Only remembered, and told as the old mode; an open takes the document's saved mode.
     void SetDefaultLayoutMode(std::int32_t nMode);
 
     // --- colours ---
@@ -200,10 +222,12 @@ public:
     void UpdateViewer();
     void CancelRender();
 
-    // Off: no gesture handling, and manipulation is left to the system.
+    // Off: the control answers no gesture and no wheel, and the panel leaves
+    // manipulation to the system. A gesture that is open is completed first. The
+    // property alone does not tell the panel.
     void SetIsCanScrollPageViewEnabled(bool bEnabled);
     bool IsCanScrollPageViewEnabled();
-    void IsCanScrollPageViewEnabled(bool bEnabled); // the property alone
+    void IsCanScrollPageViewEnabled(bool bEnabled);
 
     // --- conversions ---
     // Six numbers a, b, c, d, e, f; none: the identity. `nExtra` has no meaning.
@@ -220,21 +244,22 @@ public:
     // Raises `NullReferenceException` without a document.
     void SaveViewState(PropertySet& values);
 
-    // --- for tools and for the parts of the control ---
-    std::shared_ptr<PDFViewerManager>
-    PageViewMgr(); // empty before the template and after unloading
-    std::shared_ptr<VelkoViewControl> ViewControl(); // empty before the template
-    std::shared_ptr<VLK_Document> Document();        // empty when none is attached
-    std::shared_ptr<PDFViewerState> ViewerState();   // the last that was read; may be empty
+    // Looks inside: see `ControlParts`.
+    std::shared_ptr<PDFViewerManager> PageViewMgr();
+    std::shared_ptr<VelkoViewControl> ViewControl();
+    std::shared_ptr<VLK_Document> Document();
+    std::shared_ptr<PDFViewerState> ViewerState();
     bool IsProgressRingVisible();
 
-    // Who judges the password of the document that waits for one; empty when none does.
-    std::shared_ptr<IJudgePasswordHelper> PasswordJudge();
+private:
+    friend class ControlParts;
+    friend class InsertDocumentPasswdwordDlgUIOprateion;
+    friend class PDFViewerManager;
 
     // --- IViewerOwner ---
     void RaiseRenderCanvas(const std::shared_ptr<RenderCanvasEventArgs>& pArgs) override;
-    double GetFitScale(std::int32_t nZoomMode) override;
     void RaisePageLoaded(std::int32_t nPageIndex) override;
+    void RunOperation(const std::function<void()>& fnOperation) override;
 
     // --- IDocumentOwner ---
     void RaisePageLoaded(const std::shared_ptr<PDFDoc>& pPdfDoc, std::int32_t nPageIndex) override;
@@ -242,9 +267,6 @@ public:
                            std::int32_t nPageIndex) override;
     void RaisePageFailure(std::int32_t nPageIndex) override;
     void RaiseRenderPage(const std::shared_ptr<RenderPageEventArgs>& pArgs) override;
-
-private:
-    friend class InsertDocumentPasswdwordDlgUIOprateion;
 
     PDFViewCtrl();
     void OnApplyTemplate() override;
@@ -254,6 +276,28 @@ private:
     // What every operation holds for its length; raises when disposed.
     std::shared_ptr<PDFViewCtrl> Enter();
     std::shared_ptr<PDFViewCtrl> Self();
+    std::shared_ptr<IViewerOwner> AsViewerOwner();
+    template <class F>
+    void ForEachEvent(F fnVisit);
+    void LetHandlersGo();
+    template <class Record>
+    void RaiseToConnected(ControlEvent<Record>& event, const std::shared_ptr<Record>& pRecord);
+
+    // A command's guard and its body: `fnAnswer` gets the open document, the
+    // viewer, the viewer of the open document, or the manager; without it the
+    // answer is `none`.
+    template <class R, class F>
+    R WithDocument(R none, F fnAnswer);
+    template <class F>
+    void WithDocument(F fnAct);
+    template <class R, class F>
+    R WithViewer(R none, F fnAnswer);
+    template <class F>
+    void WithViewer(F fnAct);
+    template <class F>
+    void WithShown(F fnAct);
+    template <class F>
+    void WithManager(F fnAct);
 
     // Opening and closing.
     using FileTask = concurrency::task<std::shared_ptr<StorageFile>>;
@@ -261,6 +305,8 @@ private:
     concurrency::task<ErrorCode> FinishOpenFromPath(FileTask file, OpenTask opening);
     concurrency::task<ErrorCode> FinishOpen(OpenTask opening);
     ErrorCode OnOpenDocResult(const VLK_DocOpenResult& result);
+    // A document that comes to a control which is disposed by then goes with it.
+    void RefuseWhenDisposed(const std::shared_ptr<VLK_Document>& pDocument);
     void AttachDocument(const std::shared_ptr<VLK_Document>& pDocument);
     // False when the document was replaced while its first layout was made.
     bool ShowOpenedDocument();
@@ -277,23 +323,17 @@ private:
     void HideProgressRing();
 
     // Commands.
-    std::shared_ptr<IPDFViewer> Viewer() const; // empty without manager or viewer
-    std::int32_t CurrentPageOr0() const;
-    std::int32_t ManagerMode() const;
-    std::shared_ptr<PDFViewCanvas> Canvas() const;
-    Rect GetVisibleCanvasRect() const;
-    bool IsJumpNeeded(std::int32_t nPageIndex) const;
-    Size CanvasSize() const;
-    float LimitScale(float fScale);
-    static void CheckFinite(double dbFirst, double dbSecond); // raises invalid argument
-    void ManagerGotoPage(std::int32_t nPageIndex);
-    void ManagerInitLayOut(std::int32_t nPageIndex, double dbScale);
-    std::shared_ptr<PDFDoc> EngineDocument() const;
+    std::shared_ptr<IPDFViewer> Viewer() const;         // empty without manager or viewer
     std::shared_ptr<VLK_Document> OpenDocument() const; // empty also while it is being closed
-    float ScaleX() const;
-    float ScaleY() const;
+    std::shared_ptr<Windows::UI::Xaml::Controls::SwapChainPanel> CanvasPanel() const;
+    Rect GetVisibleCanvasRect();
+    bool IsJumpNeeded(std::int32_t nPageIndex);
+    void LayOutAt(double dbScale);                            // the current page anew
+    static void CheckFinite(double dbFirst, double dbSecond); // raises invalid argument
+    std::shared_ptr<PDFViewCanvas> Canvas() const;
 
     // Forwarding of input to the host's sink.
+    void CompleteGestureWhenOff();
     void ApplyManipulationMode();
     void ConnectPanel();
     void ConnectManipulation();

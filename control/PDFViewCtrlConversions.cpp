@@ -2,10 +2,10 @@
 // converts; here stand the answers without one.
 
 #include <memory>
+#include <optional>
+#include <utility>
 
-#include "control/PDFViewCtrl.h"
-#include "control/PDFViewerManager.h"
-#include "viewers/core/IPDFViewer.h"
+#include "control/PDFViewCtrl_p.h"
 
 namespace velko::vkit {
 
@@ -21,56 +21,53 @@ Rect RectOf(const std::shared_ptr<WrapperDeviceRect>& pResult) {
 
 bool PDFViewCtrl::HasViewer() {
     const auto pSelf = Enter();
-    return Viewer() != nullptr;
+    return m_pPageViewMgr && m_pPageViewMgr->Shows(OpenDocument());
 }
 
 std::optional<Render_PageScreenOffsetInfo> PDFViewCtrl::GetPageScreenRect(std::int32_t nPageIndex) {
-    const auto pSelf = Enter();
-    const auto pViewer = Viewer();
-    const auto pPlace = pViewer ? pViewer->GetPageScreenOffset(nPageIndex) : nullptr;
-    return pPlace ? std::optional(*pPlace) : std::nullopt;
+    std::optional<Render_PageScreenOffsetInfo> place;
+    WithViewer([&](IPDFViewer& viewer) {
+        if (const auto pPlace = viewer.GetPageScreenOffset(nPageIndex)) {
+            place = *pPlace;
+        }
+    });
+    return place;
 }
 
 std::array<double, 6> PDFViewCtrl::GetDisplayMatrix(std::int32_t nPageIndex, std::int32_t) {
-    const auto pSelf = Enter();
-    const auto pViewer = Viewer();
-    return pViewer ? pViewer->GetDisplayMatrix(nPageIndex)
-                   : std::array<double, 6>{1.0, 0.0, 0.0, 1.0, 0.0, 0.0};
+    return WithViewer(std::array<double, 6>{1.0, 0.0, 0.0, 1.0, 0.0, 0.0},
+                      [&](IPDFViewer& viewer) { return viewer.GetDisplayMatrix(nPageIndex); });
 }
 
 std::shared_ptr<PDFPagePoint> PDFViewCtrl::DevicePointToPagePoint(Point pt) {
-    const auto pSelf = Enter();
-    if (const auto pManager = m_pPageViewMgr) {
-        return pManager->DevicePointToPagePoint(pt);
-    }
-    auto pResult = std::make_shared<PDFPagePoint>();
-    pResult->pt = pt;
-    return pResult;
+    auto pNone = std::make_shared<PDFPagePoint>();
+    pNone->pt = pt;
+    return WithViewer(std::move(pNone),
+                      [&](IPDFViewer& viewer) { return viewer.DevicePointToPagePoint(pt); });
 }
 
 PDFViewCtrl::Point PDFViewCtrl::PagePointToDevicePoint(std::int32_t nPageIndex, Point pt) {
-    const auto pSelf = Enter();
-    const auto pViewer = Viewer();
-    const auto pResult = pViewer ? pViewer->PagePointToDevicePoint(nPageIndex, pt) : nullptr;
-    return pResult ? pResult->pt : Point();
+    return WithViewer(Point(), [&](IPDFViewer& viewer) {
+        const auto pResult = viewer.PagePointToDevicePoint(nPageIndex, pt);
+        return pResult ? pResult->pt : Point();
+    });
 }
 
 Rect PDFViewCtrl::DeviceRectToPageRect(std::int32_t nPageIndex, const Rect& rc) {
-    const auto pSelf = Enter();
-    const auto pViewer = Viewer();
-    return pViewer ? RectOf(pViewer->DeviceRectToPageRect(nPageIndex, rc)) : Rect();
+    return WithViewer(Rect(), [&](IPDFViewer& viewer) {
+        return RectOf(viewer.DeviceRectToPageRect(nPageIndex, rc));
+    });
 }
 
 Rect PDFViewCtrl::PageRectToDeviceRect(std::int32_t nPageIndex, const Rect& rc) {
-    const auto pSelf = Enter();
-    const auto pViewer = Viewer();
-    return pViewer ? RectOf(pViewer->PageRectToDeviceRect(nPageIndex, rc)) : Rect();
+    return WithViewer(Rect(), [&](IPDFViewer& viewer) {
+        return RectOf(viewer.PageRectToDeviceRect(nPageIndex, rc));
+    });
 }
 
 Rect PDFViewCtrl::GetPageRectAtPoint(Point pt, std::int32_t nPageIndex) {
-    const auto pSelf = Enter();
-    const auto pViewer = Viewer();
-    return pViewer ? pViewer->GetPageRectAtPoint(pt, nPageIndex) : Rect();
+    return WithViewer(
+        Rect(), [&](IPDFViewer& viewer) { return viewer.GetPageRectAtPoint(pt, nPageIndex); });
 }
 
 }

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "control/PDFViewCtrl.h"
+#include "control/PDFViewerManager.h"
 #include "document/RenderPageEventArgs.h"
 #include "document/VLK_Document.h"
 #include "platform/foundation/Exception.h"
@@ -16,13 +17,16 @@ bool IsDisconnected(const Platform::Exception& failure) {
            failure.HResult() == Platform::JSCRIPT_E_CANTEXECUTE;
 }
 
+}
+
 // A subscriber in another process may be gone without having removed itself.
-template <class Event, class Sender, class Record>
-void RaiseToConnected(Event& event, const Sender& pSender, const Record& pRecord) {
-    const auto pSubscribers = event.Snapshot();
-    for (const auto& [nToken, fnHandler] : *pSubscribers) {
+template <class Record>
+void PDFViewCtrl::RaiseToConnected(ControlEvent<Record>& event,
+                                   const std::shared_ptr<Record>& pRecord) {
+    const auto pSelf = Self();
+    for (const auto& [nToken, fnHandler] : *event.m_source.Snapshot()) {
         try {
-            fnHandler(pSender, pRecord);
+            fnHandler(pSelf, pRecord);
         } catch (const Platform::Exception& failure) {
             if (!IsDisconnected(failure)) {
                 throw;
@@ -30,8 +34,6 @@ void RaiseToConnected(Event& event, const Sender& pSender, const Record& pRecord
             event.remove({nToken});
         }
     }
-}
-
 }
 
 void PDFViewCtrl::RaiseRenderCanvas(const std::shared_ptr<RenderCanvasEventArgs>& pArgs) {
@@ -62,12 +64,14 @@ void PDFViewCtrl::RaisePageFailure(std::int32_t nPageIndex) {
 }
 
 void PDFViewCtrl::RaisePageLoaded(std::int32_t nPageIndex) {
-    RaisePageLoaded(EngineDocument(), nPageIndex);
+    if (!m_bDisposed) {
+        RaisePageLoaded(GetPDFDoc(), nPageIndex);
+    }
 }
 
 void PDFViewCtrl::RaisePageLoaded(const std::shared_ptr<PDFDoc>& pPdfDoc, std::int32_t nPageIndex) {
     if (!m_bDisposed && !PageLoadedEvent.empty()) {
-        RaiseToConnected(PageLoadedEvent, Self(),
+        RaiseToConnected(PageLoadedEvent,
                          std::make_shared<PageLoadedEventArgs>(pPdfDoc, nPageIndex));
     }
 }
@@ -75,8 +79,15 @@ void PDFViewCtrl::RaisePageLoaded(const std::shared_ptr<PDFDoc>& pPdfDoc, std::i
 void PDFViewCtrl::RaisePageUnloaded(const std::shared_ptr<PDFDoc>& pPdfDoc,
                                     std::int32_t nPageIndex) {
     if (!m_bDisposed && !PageUnloadedEvent.empty()) {
-        RaiseToConnected(PageUnloadedEvent, Self(),
+        RaiseToConnected(PageUnloadedEvent,
                          std::make_shared<PageUnloadedEventArgs>(pPdfDoc, nPageIndex));
+    }
+}
+
+void PDFViewCtrl::RunOperation(const std::function<void()>& fnOperation) {
+    const auto pSelf = Self();
+    if (const auto pManager = m_pPageViewMgr) { // gone with the control when that is disposed
+        pManager->RunOperation(fnOperation);
     }
 }
 

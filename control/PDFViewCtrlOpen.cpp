@@ -6,16 +6,13 @@
 #include <utility>
 
 #include "control/InsertDocumentPasswdwordDlgUIOprateion.h"
-#include "control/PDFViewCtrl.h"
-#include "control/PDFViewerManager.h"
+#include "control/PDFViewCtrl_p.h"
 #include "control/VLK_DocOpenRecord.h"
 #include "control/VelkoViewControl.h"
-#include "document/VLK_Document.h"
 #include "platform/foundation/FirstFailure.h"
 #include "platform/system/Debug.h"
 #include "settings/AppConfig.h"
 #include "surface/PDFViewCanvas.h"
-#include "viewers/core/IPDFViewer.h"
 #include "viewers/core/Modes.h"
 
 namespace velko::vkit {
@@ -106,19 +103,25 @@ concurrency::task<ErrorCode> PDFViewCtrl::FinishOpenFromPath(FileTask file, Open
 concurrency::task<ErrorCode> PDFViewCtrl::FinishOpen(OpenTask opening) {
     const auto pSelf = Self();
     const OpenResult pResult = co_await opening;
-    if (m_bDisposed) {
-        if (pResult->m_pDocument) {
-            pResult->m_pDocument->Dispose();
-        }
-        throw Platform::ObjectDisposedException("the viewer control was disposed meanwhile");
-    }
+    RefuseWhenDisposed(pResult->m_pDocument);
     co_return OnOpenDocResult(*pResult);
+}
+
+void PDFViewCtrl::RefuseWhenDisposed(const std::shared_ptr<VLK_Document>& pDocument) {
+    if (!m_bDisposed) {
+        return;
+    }
+    if (pDocument) {
+        pDocument->Dispose();
+    }
+    throw Platform::ObjectDisposedException("the viewer control was disposed meanwhile");
 }
 
 ErrorCode PDFViewCtrl::OnOpenDocResult(const VLK_DocOpenResult& result) {
     const auto pDocument = result.m_pDocument;
     const ErrorCode nErrorCode = result.m_nErrorCode;
     CloseDocument(false); // the old document goes whatever the outcome
+    RefuseWhenDisposed(pDocument);
     if (!pDocument) {
         HideProgressRing();
         return nErrorCode;
@@ -148,8 +151,9 @@ void PDFViewCtrl::AttachDocument(const std::shared_ptr<VLK_Document>& pDocument)
     for (int nRound = 0; nRound < kRounds && m_pDocument && m_pDocument != pDocument; ++nRound) {
         CloseDocument(false);
     }
+    RefuseWhenDisposed(pDocument);
     m_pDocument = pDocument;
-    m_pDocument->SetOwner(std::weak_ptr<IDocumentOwner>(Self()));
+    m_pDocument->SetOwner(std::shared_ptr<IDocumentOwner>(Self(), this));
 }
 
 bool PDFViewCtrl::ShowOpenedDocument() {
@@ -165,10 +169,10 @@ bool PDFViewCtrl::ShowOpenedDocument() {
     }
     const PDFViewerState state = FitTo(*pDocument, *m_pViewerState);
     const std::int32_t nOldMode = m_nLayoutMode;
-    const std::int32_t nNewMode =
-        state.ViewState == LayoutMode::kNone ? LayoutMode::kSinglePage : state.ViewState;
+    const std::int32_t nNewMode = pManager->ModeToShow(
+        state.ViewState == LayoutMode::kNone ? LayoutMode::kSinglePage : state.ViewState);
     m_nLayoutMode = nNewMode;
-    pManager->ChangeViewer(nNewMode, pDocument, m_pViewControl->ViewCtrl());
+    pManager->ChangeViewer(nNewMode, pDocument, Canvas());
     pManager->InitLayOut(state.CurrentPageIndex, state.Scale, state.OffsetX, state.OffsetY);
     if (m_pDocument != pDocument) {
         return false;
@@ -190,14 +194,12 @@ void PDFViewCtrl::ShowPasswordDialog(const std::shared_ptr<VLK_DocOpenRecord>& p
 }
 
 std::shared_ptr<Windows::Storage::StorageFile> PDFViewCtrl::GetDocumentFile() {
-    const auto pSelf = Enter();
-    const auto pDocument = OpenDocument();
-    return pDocument ? pDocument->File() : nullptr;
+    return WithDocument(std::shared_ptr<StorageFile>(), &VLK_Document::File);
 }
 
 std::shared_ptr<velko::pdf::PDFDoc> PDFViewCtrl::GetPDFDoc() {
     const auto pSelf = Enter();
-    return EngineDocument();
+    return m_pDocument ? m_pDocument->PdfDoc() : nullptr;
 }
 
 void PDFViewCtrl::SetPDFDoc(const std::shared_ptr<PDFDoc>& pPdfDoc) {
@@ -249,6 +251,7 @@ void PDFViewCtrl::CloseOpenDocument() {
         m_pClosingDocument.reset();
     }
     failure.Run([&] { ForgetPasswordOf(pDocument); });
+    LetHandlersGo();
     failure.Rethrow();
 }
 

@@ -5,14 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "control/PDFViewCtrl.h"
-#include "control/PDFViewerManager.h"
-#include "control/VelkoViewControl.h"
-#include "document/VLK_Document.h"
+#include "control/PDFViewCtrl_p.h"
 #include "platform/system/Debug.h"
 #include "platform/ui/SwapChainPanel.h"
-#include "surface/PDFViewCanvas.h"
-#include "viewers/core/IPDFViewer.h"
 #include "viewers/core/Modes.h"
 
 namespace velko::vkit {
@@ -31,134 +26,85 @@ std::shared_ptr<VLK_Document> PDFViewCtrl::OpenDocument() const {
     return m_pDocument && !m_pDocument->IsDisposed() ? m_pDocument : nullptr;
 }
 
-std::shared_ptr<velko::pdf::PDFDoc> PDFViewCtrl::EngineDocument() const {
-    return m_pDocument ? m_pDocument->PdfDoc() : nullptr;
-}
-
 std::shared_ptr<IPDFViewer> PDFViewCtrl::Viewer() const {
     return m_pPageViewMgr ? m_pPageViewMgr->GetViewer() : nullptr;
 }
 
-std::int32_t PDFViewCtrl::CurrentPageOr0() const {
-    const auto pViewer = Viewer();
-    return pViewer ? pViewer->GetCurrentPageIndex() : 0;
-}
-
-std::int32_t PDFViewCtrl::ManagerMode() const {
-    return m_pPageViewMgr ? m_pPageViewMgr->LayoutMode() : 0;
-}
-
-std::shared_ptr<PDFViewCanvas> PDFViewCtrl::Canvas() const {
-    return m_pViewControl ? m_pViewControl->ViewCtrl() : nullptr;
-}
-
-void PDFViewCtrl::ManagerGotoPage(std::int32_t nPageIndex) {
-    if (const auto pManager = m_pPageViewMgr) {
-        pManager->GotoPage(nPageIndex);
-    }
-}
-
-void PDFViewCtrl::ManagerInitLayOut(std::int32_t nPageIndex, double dbScale) {
-    if (const auto pManager = m_pPageViewMgr) {
-        pManager->InitLayOut(nPageIndex, dbScale, 0.0, 0.0);
-    }
-}
-
 void PDFViewCtrl::GotoPage(std::int32_t nPageIndex) {
-    const auto pSelf = Enter();
-    if (OpenDocument()) {
-        ManagerGotoPage(nPageIndex);
-    }
+    WithDocument([&](VLK_Document&) {
+        WithManager([&](PDFViewerManager& manager) { manager.GotoPage(nPageIndex); });
+    });
 }
 
 bool PDFViewCtrl::GotoFirstPage() {
-    const auto pSelf = Enter();
-    if (!OpenDocument()) {
-        return false;
-    }
-    ManagerGotoPage(0);
-    return true;
+    return WithDocument(false, [this](VLK_Document&) {
+        GotoPage(0);
+        return true;
+    });
 }
 
 bool PDFViewCtrl::GotoLastPage() {
-    const auto pSelf = Enter();
-    const auto pDocument = OpenDocument();
-    if (!pDocument) {
-        return false;
-    }
-    ManagerGotoPage(pDocument->PageCount() - 1);
-    return true;
+    return WithDocument(false, [this](VLK_Document& document) {
+        GotoPage(document.PageCount() - 1);
+        return true;
+    });
 }
 
 // Unlike the first and last page these answer true when they stayed.
 bool PDFViewCtrl::GotoPrevPage() {
-    const auto pSelf = Enter();
-    if (!OpenDocument()) {
-        return false;
-    }
-    const std::int32_t nCurrent = CurrentPageOr0();
-    if (nCurrent == 0) {
-        return true;
-    }
-    ManagerGotoPage(nCurrent - 1);
-    return false;
+    return WithDocument(false, [this](VLK_Document&) {
+        const std::int32_t nCurrent = GetCurrentPageIndex();
+        if (nCurrent != 0) {
+            GotoPage(nCurrent - 1);
+        }
+        return nCurrent == 0;
+    });
 }
 
 bool PDFViewCtrl::GotoNextPage() {
-    const auto pSelf = Enter();
-    const auto pDocument = OpenDocument();
-    if (!pDocument) {
-        return false;
-    }
-    const std::int32_t nCurrent = CurrentPageOr0();
-    if (nCurrent == pDocument->PageCount() - 1) {
-        return true;
-    }
-    ManagerGotoPage(nCurrent + 1);
-    return false;
+    return WithDocument(false, [this](VLK_Document& document) {
+        const std::int32_t nCurrent = GetCurrentPageIndex();
+        const bool bAtEnd = nCurrent == document.PageCount() - 1;
+        if (!bAtEnd) {
+            GotoPage(nCurrent + 1);
+        }
+        return bAtEnd;
+    });
 }
 
 std::int32_t PDFViewCtrl::GetCurrentPageIndex() {
-    const auto pSelf = Enter();
-    return OpenDocument() ? CurrentPageOr0() : 0;
+    return WithDocument(
+        0, [this](VLK_Document&) { return WithViewer(0, &IPDFViewer::GetCurrentPageIndex); });
 }
 
 std::int32_t PDFViewCtrl::GetPageIndexAtPoint(Point pt) {
     const auto pSelf = Enter();
-    if (!m_pPageViewMgr) {
-        return -1;
-    }
-    const auto pViewer = Viewer();
-    return pViewer ? pViewer->GetPageIndexAtPoint(pt) : 0;
+    const std::int32_t nNone = m_pPageViewMgr ? 0 : -1;
+    return WithViewer(nNone, [&](IPDFViewer& viewer) { return viewer.GetPageIndexAtPoint(pt); });
 }
 
 std::vector<std::int32_t> PDFViewCtrl::GetVisiblePages() {
-    const auto pSelf = Enter();
-    return m_pPageViewMgr ? m_pPageViewMgr->GetVisiblePages() : std::vector<std::int32_t>();
+    return WithViewer(std::vector<std::int32_t>(), &IPDFViewer::GetVisiblePages);
 }
 
 std::int32_t PDFViewCtrl::GetPageCount() {
-    const auto pSelf = Enter();
-    const auto pDocument = OpenDocument();
-    return pDocument ? pDocument->PageCount() : 0;
+    return WithDocument(0, &VLK_Document::PageCount);
 }
 
 void PDFViewCtrl::MoveScreen(double dbOffsetY, double dbOffsetX) {
-    const auto pSelf = Enter();
-    CheckFinite(dbOffsetY, dbOffsetX);
-    if (const auto pManager = m_pPageViewMgr) {
-        pManager->MoveScreen(dbOffsetY, dbOffsetX);
-    }
+    WithManager([&](PDFViewerManager& manager) {
+        CheckFinite(dbOffsetY, dbOffsetX);
+        manager.MoveScreen(dbOffsetY, dbOffsetX);
+    });
 }
 
 // A page of a continuous layout that is laid out need not be jumped to; the
 // other layouts show one page at a time.
-bool PDFViewCtrl::IsJumpNeeded(std::int32_t nPageIndex) const {
-    const auto pViewer = Viewer();
-    const Rect rcPage = pViewer ? pViewer->GetPageRectAtPoint(Point(), nPageIndex) : Rect();
+bool PDFViewCtrl::IsJumpNeeded(std::int32_t nPageIndex) {
+    const Rect rcPage = GetPageRectAtPoint(Point(), nPageIndex);
     const bool bLaidOut = rcPage.Width > 0.0F && rcPage.Height != 0.0F;
-    return CurrentPageOr0() != nPageIndex &&
-           !(ManagerMode() == LayoutMode::kContinuous && bLaidOut);
+    return GetCurrentPageIndex() != nPageIndex &&
+           !(GetPageLayoutMode() == LayoutMode::kContinuous && bLaidOut);
 }
 
 void PDFViewCtrl::GotoExactlyPage(std::int32_t nPageIndex, Point ptPage) {
@@ -168,38 +114,35 @@ void PDFViewCtrl::GotoExactlyPage(std::int32_t nPageIndex, Point ptPage) {
         return;
     }
     if (IsJumpNeeded(nPageIndex)) {
-        ManagerGotoPage(nPageIndex);
+        GotoPage(nPageIndex);
     }
-    const auto pViewer = Viewer(); // a page event may have brought another
-    const auto pDevicePoint =
-        pViewer ? pViewer->PagePointToDevicePoint(nPageIndex, ptPage) : nullptr;
-    const Point pt = pDevicePoint ? pDevicePoint->pt : Point();
+    // A page event may have brought another viewer, or none.
+    const Point pt = PagePointToDevicePoint(nPageIndex, ptPage);
     const Rect rcVisible = GetVisibleCanvasRect();
     std::string strLine = "GotoExactlyPage: " + std::to_string(nPageIndex) + ", Pt: " + Text(pt.X) +
                           ", " + Text(pt.Y);
     if (rcVisible.Contains(pt)) {
-        if (pViewer) {
-            pViewer->UpdateViewer();
-        }
+        WithViewer(&IPDFViewer::UpdateViewer);
         strLine += ", Not Moveto";
     } else {
         const double dbX = pt.X - rcVisible.Width * 0.5;
         const double dbY = pt.Y - rcVisible.Height * 0.5;
-        if (pViewer) {
-            pViewer->PageSizeChanged(ScaleX() * dbX, ScaleY() * dbY);
-        }
+        WithManager([&](PDFViewerManager& manager) {
+            manager.PageSizeChanged(CompositionScaleX() * dbX, CompositionScaleY() * dbY);
+        });
         strLine += ", MoveTo: " + Text(dbX) + ", " + Text(dbY);
     }
     Platform::Debug::OutputDebugString(strLine + "\n");
 }
 
 // Clipped against the window's top left only.
-PDFViewCtrl::Rect PDFViewCtrl::GetVisibleCanvasRect() const {
-    if (!m_pViewControl) {
+PDFViewCtrl::Rect PDFViewCtrl::GetVisibleCanvasRect() {
+    const auto pPanel = CanvasPanel();
+    if (!pPanel) {
         return Rect();
     }
-    const Point ptCanvas = m_pViewControl->CanvasPanel()->PositionInWindow();
-    const Size size = CanvasSize();
+    const Point ptCanvas = pPanel->PositionInWindow();
+    const Size size = GetCanvasSize();
     const float fLeft = std::max(ptCanvas.X, 0.0F);
     const float fTop = std::max(ptCanvas.Y, 0.0F);
     return {fLeft, fTop, ptCanvas.X + size.Width - fLeft, ptCanvas.Y + size.Height - fTop};
@@ -207,20 +150,19 @@ PDFViewCtrl::Rect PDFViewCtrl::GetVisibleCanvasRect() const {
 
 void PDFViewCtrl::GotoDestination(const std::shared_ptr<velko::pdf::IAction>& pAction) {
     const auto pSelf = Enter();
-    const auto pPdfDoc = OpenDocument() ? EngineDocument() : nullptr;
+    const auto pPdfDoc = OpenDocument() ? GetPDFDoc() : nullptr;
     const auto pDestination = pPdfDoc && pAction ? pAction->GetDestination() : nullptr;
     if (!pDestination) {
         return;
     }
     const std::int32_t nPageIndex = pDestination->GetPageIndex(*pPdfDoc);
-    const std::int32_t nZoomMode = pDestination->GetZoomMode();
     const std::vector<float> values = {
         pDestination->IsLeftAbsent() ? 0.0F : pDestination->GetLeft(),
         pDestination->IsTopAbsent() ? 0.0F : pDestination->GetTop(), pDestination->GetRight(),
         pDestination->GetBottom()};
-    if (const auto pViewer = Viewer()) {
-        pViewer->GotoDestination(nPageIndex, nZoomMode, values);
-    }
+    WithManager([&](PDFViewerManager& manager) {
+        manager.GotoDestination(nPageIndex, pDestination->GetZoomMode(), values);
+    });
 }
 
 }

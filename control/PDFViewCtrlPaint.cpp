@@ -1,11 +1,6 @@
 // Colours, painting, and what is drawn of a document.
 
-#include <memory>
-
-#include "control/PDFViewCtrl.h"
-#include "control/PDFViewerManager.h"
-#include "document/VLK_Document.h"
-#include "viewers/core/IPDFViewer.h"
+#include "control/PDFViewCtrl_p.h"
 #include "viewers/core/Modes.h"
 #include "viewers/core/ViewerInspection.h"
 
@@ -28,9 +23,9 @@ bool IsFinal(const BlockState& block) {
            block.nBitmapHeight == block.screenRect.nHeight;
 }
 
-Ink InkOf(const std::shared_ptr<IPDFViewer>& pViewer) {
-    const auto pInspection = std::dynamic_pointer_cast<IViewerInspection>(pViewer);
-    if (!pInspection) {
+Ink InkOf(const IPDFViewer& viewer) {
+    const auto* const pInspection = dynamic_cast<const IViewerInspection*>(&viewer);
+    if (pInspection == nullptr) {
         return {};
     }
     const ViewerState state = pInspection->Inspect();
@@ -48,15 +43,11 @@ Ink InkOf(const std::shared_ptr<IPDFViewer>& pViewer) {
 }
 
 Color PDFViewCtrl::PageBgColor() {
-    const auto pSelf = Enter();
-    const auto pViewer = Viewer();
-    return pViewer ? pViewer->GetPageBackgroundColor() : Windows::UI::Colors::Black;
+    return WithViewer(Windows::UI::Colors::Black, &IPDFViewer::GetPageBackgroundColor);
 }
 
 Color PDFViewCtrl::PageFgColor() {
-    const auto pSelf = Enter();
-    const auto pViewer = Viewer();
-    return pViewer ? pViewer->GetPageForegroundColor() : Windows::UI::Colors::Black;
+    return WithViewer(Windows::UI::Colors::Black, &IPDFViewer::GetPageForegroundColor);
 }
 
 bool PDFViewCtrl::NightMode() {
@@ -66,7 +57,7 @@ bool PDFViewCtrl::NightMode() {
 
 void PDFViewCtrl::NightMode(bool bOn) {
     const auto pSelf = Enter();
-    if (ManagerMode() == LayoutMode::kReflow) {
+    if (GetPageLayoutMode() == LayoutMode::kReflow) {
         return;
     }
     if (bOn) {
@@ -77,83 +68,51 @@ void PDFViewCtrl::NightMode(bool bOn) {
 }
 
 void PDFViewCtrl::SetPageColors(Color background, Color foreground) {
-    const auto pSelf = Enter();
-    const auto pViewer = Viewer();
-    if (OpenDocument() && pViewer) {
-        pViewer->SetPageColors(background, foreground);
-    }
+    WithShown([&](IPDFViewer& viewer) { viewer.SetPageColors(background, foreground); });
 }
 
 void PDFViewCtrl::RedrawScreen() {
-    const auto pSelf = Enter();
-    if (const auto pViewer = Viewer()) {
-        pViewer->RedrawScreen();
-    }
+    WithViewer(&IPDFViewer::RedrawScreen);
 }
 
 void PDFViewCtrl::UpdatePageAfterAnnotEdit(std::int32_t nPageIndex) {
-    const auto pSelf = Enter();
-    if (const auto pViewer = Viewer()) {
-        pViewer->UpdatePageAfterAnnotEdit(nPageIndex);
-    }
+    WithViewer([&](IPDFViewer& viewer) { viewer.UpdatePageAfterAnnotEdit(nPageIndex); });
 }
 
 void PDFViewCtrl::UpdateViewer() {
-    const auto pSelf = Enter();
-    const auto pViewer = Viewer();
-    if (OpenDocument() && pViewer) {
-        pViewer->UpdateViewer();
-    }
+    WithShown(&IPDFViewer::UpdateViewer);
 }
 
 void PDFViewCtrl::CancelRender() {
-    const auto pSelf = Enter();
-    if (const auto pViewer = Viewer()) {
-        pViewer->CancelRender();
-    }
+    WithViewer(&IPDFViewer::CancelRender);
 }
 
 bool PDFViewCtrl::HasInk() {
-    const auto pSelf = Enter();
-    return InkOf(Viewer()).bSome;
+    return WithViewer(false, [](IPDFViewer& viewer) { return InkOf(viewer).bSome; });
 }
 
 bool PDFViewCtrl::IsSharp() {
-    const auto pSelf = Enter();
-    return InkOf(Viewer()).bAll;
+    return WithViewer(false, [](IPDFViewer& viewer) { return InkOf(viewer).bAll; });
 }
 
 bool PDFViewCtrl::GetDeleteFileOnClose() {
-    const auto pSelf = Enter();
-    const auto pDocument = OpenDocument();
-    return pDocument && pDocument->DeleteFileOnClose();
+    return WithDocument(false, [](VLK_Document& document) { return document.DeleteFileOnClose(); });
 }
 
 void PDFViewCtrl::SetDeleteFileOnClose(bool bDelete) {
-    const auto pSelf = Enter();
-    if (const auto pDocument = OpenDocument()) {
-        pDocument->DeleteFileOnClose(bDelete);
-    }
+    WithDocument([&](VLK_Document& document) { document.DeleteFileOnClose(bDelete); });
 }
 
 std::uint32_t PDFViewCtrl::GetRenderFlags() {
-    const auto pSelf = Enter();
-    const auto pDocument = OpenDocument();
-    return pDocument ? pDocument->RenderFlags() : 0;
+    return WithDocument(0U, [](VLK_Document& document) { return document.RenderFlags(); });
 }
 
 void PDFViewCtrl::SetRenderFlags(std::uint32_t nFlags) {
-    const auto pSelf = Enter();
-    if (const auto pDocument = OpenDocument()) {
-        pDocument->RenderFlags(nFlags);
-    }
+    WithDocument([&](VLK_Document& document) { document.RenderFlags(nFlags); });
 }
 
 void PDFViewCtrl::AddHiddenAnnotType(std::int32_t nType) {
-    const auto pSelf = Enter();
-    if (const auto pDocument = OpenDocument()) {
-        pDocument->AddHiddenAnnotType(nType);
-    }
+    WithDocument([&](VLK_Document& document) { document.AddHiddenAnnotType(nType); });
 }
 
 }

@@ -52,8 +52,8 @@ void PDFViewCtrl::SaveViewState(PropertySet& values) {
     }
     const auto pViewer = Viewer();
     SaveFileFacts(values, *pDocument);
-    Put<std::int32_t>(values, SavedViewKey::kViewState, ManagerMode());
-    if (ManagerMode() != LayoutMode::kReflow) {
+    Put<std::int32_t>(values, SavedViewKey::kViewState, GetPageLayoutMode());
+    if (GetPageLayoutMode() != LayoutMode::kReflow) {
         Put<std::int32_t>(values, SavedViewKey::kRotate, pViewer ? pViewer->GetRotate() : 0);
         Put<double>(values, SavedViewKey::kScale, pViewer ? pViewer->GetScale() : 1.0);
     }
@@ -61,7 +61,7 @@ void PDFViewCtrl::SaveViewState(PropertySet& values) {
     if (pPosition) {
         WriteSavedPlace(values, pPosition->nPageIndex, pPosition->dbOffsetX, pPosition->dbOffsetY);
     }
-    const Size size = CanvasSize();
+    const Size size = GetCanvasSize();
     Put<bool>(values, SavedViewKey::kRotatedScreen, size.Width > size.Height);
     if (pViewer) {
         pViewer->SaveViewerState(values);
@@ -75,7 +75,7 @@ std::shared_ptr<PDFViewerState> PDFViewCtrl::LoadViewState() {
     if (!pSaved) {
         return std::make_shared<PDFViewerState>();
     }
-    const Size size = CanvasSize();
+    const Size size = GetCanvasSize();
     return std::make_shared<PDFViewerState>(
         PDFViewerState::ReadFrom(*pSaved, size.Width > size.Height));
 }

@@ -4,15 +4,11 @@
 #include <cmath>
 #include <memory>
 
-#include "control/PDFViewCtrl.h"
-#include "control/PDFViewerManager.h"
+#include "control/PDFViewCtrl_p.h"
 #include "control/VelkoViewControl.h"
-#include "document/VLK_Document.h"
 #include "document/engine/ErrorCode.h"
 #include "platform/system/Environment.h"
 #include "platform/ui/SwapChainPanel.h"
-#include "surface/PDFViewCanvas.h"
-#include "viewers/core/IPDFViewer.h"
 #include "viewers/core/Modes.h"
 
 namespace velko::vkit {
@@ -33,11 +29,20 @@ std::shared_ptr<VLK_PageSize> ReadablePageSize(VLK_Document& document, std::int3
 
 }
 
-PDFViewCtrl::Size PDFViewCtrl::CanvasSize() const {
-    if (!m_pViewControl) {
+std::shared_ptr<Windows::UI::Xaml::Controls::SwapChainPanel> PDFViewCtrl::CanvasPanel() const {
+    return m_pViewControl ? m_pViewControl->CanvasPanel() : nullptr;
+}
+
+std::shared_ptr<PDFViewCanvas> PDFViewCtrl::Canvas() const {
+    return m_pViewControl ? m_pViewControl->ViewCtrl() : nullptr;
+}
+
+PDFViewCtrl::Size PDFViewCtrl::GetCanvasSize() {
+    const auto pSelf = Enter();
+    const auto pPanel = CanvasPanel();
+    if (!pPanel) {
         return {};
     }
-    const auto& pPanel = m_pViewControl->CanvasPanel();
     const Size size{static_cast<float>(pPanel->ActualWidth()),
                     static_cast<float>(pPanel->ActualHeight())};
     if (size.Width < 0.0F || size.Height < 0.0F) {
@@ -46,32 +51,20 @@ PDFViewCtrl::Size PDFViewCtrl::CanvasSize() const {
     return size;
 }
 
-float PDFViewCtrl::ScaleX() const {
-    return m_pViewControl ? m_pViewControl->CanvasPanel()->CompositionScaleX() : 1.0F;
-}
-
-float PDFViewCtrl::ScaleY() const {
-    return m_pViewControl ? m_pViewControl->CanvasPanel()->CompositionScaleY() : 1.0F;
-}
-
-PDFViewCtrl::Size PDFViewCtrl::GetCanvasSize() {
-    const auto pSelf = Enter();
-    return CanvasSize();
-}
-
 float PDFViewCtrl::CompositionScaleX() {
     const auto pSelf = Enter();
-    return ScaleX();
+    const auto pPanel = CanvasPanel();
+    return pPanel ? pPanel->CompositionScaleX() : 1.0F;
 }
 
 float PDFViewCtrl::CompositionScaleY() {
     const auto pSelf = Enter();
-    return ScaleY();
+    const auto pPanel = CanvasPanel();
+    return pPanel ? pPanel->CompositionScaleY() : 1.0F;
 }
 
 std::int32_t PDFViewCtrl::GetZoomMode() {
-    const auto pSelf = Enter();
-    return m_nZoomMode;
+    return Enter()->m_nZoomMode;
 }
 
 void PDFViewCtrl::SetZoomMode(std::int32_t nMode) {
@@ -81,13 +74,19 @@ void PDFViewCtrl::SetZoomMode(std::int32_t nMode) {
     m_nZoomMode = nMode;
     if (fCurrent != static_cast<float>(dbFit)) {
         SetScale(static_cast<float>(dbFit));
-        ManagerInitLayOut(CurrentPageOr0(), GetScale());
+        LayOutAt(GetScale());
     }
+}
+
+void PDFViewCtrl::LayOutAt(double dbScale) {
+    WithManager([&](PDFViewerManager& manager) {
+        manager.InitLayOut(GetCurrentPageIndex(), dbScale, 0.0, 0.0);
+    });
 }
 
 std::int32_t PDFViewCtrl::GetPageLayoutMode() {
     const auto pSelf = Enter();
-    return ManagerMode();
+    return m_pPageViewMgr ? m_pPageViewMgr->LayoutMode() : LayoutMode::kNone;
 }
 
 void PDFViewCtrl::SetDefaultLayoutMode(std::int32_t nMode) {
@@ -98,34 +97,35 @@ void PDFViewCtrl::SetDefaultLayoutMode(std::int32_t nMode) {
 void PDFViewCtrl::SetPageLayoutMode(std::int32_t nMode) {
     const auto pSelf = Enter();
     const auto pManager = m_pPageViewMgr;
-    const std::int32_t nPageIndex = CurrentPageOr0();
-    const std::int32_t nOldMode = ManagerMode();
+    const std::int32_t nOldMode = GetPageLayoutMode();
     if (nMode == nOldMode || nMode == LayoutMode::kNone || !pManager) {
         return;
     }
+    const std::int32_t nPageIndex = GetCurrentPageIndex();
     const auto pDocument = OpenDocument();
-    pManager->ChangeViewer(nMode, pDocument, Canvas());
+    if (!pManager->ChangeViewer(nMode, pDocument, Canvas())) {
+        return;
+    }
     pManager->InitLayOut(nPageIndex, 1.0, 0.0, 0.0);
-    if (pManager->LayoutMode() != nMode || OpenDocument() != pDocument) {
+    if (m_bDisposed || pManager->LayoutMode() != nMode || OpenDocument() != pDocument) {
         return; // a page event brought another mode or document, which has told of itself
     }
     PageLayoutModeChangedEvent.raise(
-        pSelf, std::make_shared<PageLayoutModeChangedEventArgs>(EngineDocument(), nOldMode, nMode));
+        pSelf, std::make_shared<PageLayoutModeChangedEventArgs>(GetPDFDoc(), nOldMode, nMode));
 }
 
 double PDFViewCtrl::GetFitScale(std::int32_t nZoomMode) {
     const auto pSelf = Enter();
     const auto pDocument = OpenDocument();
-    const auto pPage = pDocument ? ReadablePageSize(*pDocument, CurrentPageOr0()) : nullptr;
+    const auto pPage = pDocument ? ReadablePageSize(*pDocument, GetCurrentPageIndex()) : nullptr;
     if (!pPage) {
         return 1.0;
     }
-    const Size size = CanvasSize();
+    const Size size = GetCanvasSize();
     const double dbDpi = Windows::Graphics::Display::DisplayInformation::LogicalDpi();
     const double dbWidth = pPage->fWidth / kPointsPerInch * dbDpi;
     const double dbHeight = pPage->fHeight / kPointsPerInch * dbDpi;
-    const auto pViewer = Viewer();
-    const std::int32_t nRotate = pViewer ? pViewer->GetRotate() : 0;
+    const std::int32_t nRotate = GetRotate();
     const bool bTurned = nRotate == 1 || nRotate == 3;
     switch (nZoomMode) {
         case ZoomMode::kFitPage: // a turned page is fitted by its width alone
@@ -141,34 +141,20 @@ double PDFViewCtrl::GetFitScale(std::int32_t nZoomMode) {
 }
 
 float PDFViewCtrl::GetScale() {
-    const auto pSelf = Enter();
-    if (!OpenDocument()) {
-        return 0.0F;
-    }
-    const auto pViewer = Viewer();
-    return pViewer ? pViewer->GetScale() : 1.0F;
+    return WithDocument(0.0F,
+                        [this](VLK_Document&) { return WithViewer(1.0F, &IPDFViewer::GetScale); });
 }
 
 float PDFViewCtrl::GetMinScale() {
-    const auto pSelf = Enter();
-    if (!OpenDocument()) {
-        return 0.0F;
-    }
-    const auto pViewer = Viewer();
-    return pViewer ? pViewer->GetMinScale() : kNoViewerLimits.fLeast;
+    return WithDocument(0.0F, [this](VLK_Document&) {
+        return WithViewer(kNoViewerLimits.fLeast, &IPDFViewer::GetMinScale);
+    });
 }
 
 float PDFViewCtrl::GetMaxScale() {
-    const auto pSelf = Enter();
-    if (!OpenDocument()) {
-        return 0.0F;
-    }
-    const auto pViewer = Viewer();
-    return pViewer ? pViewer->GetMaxScale() : kNoViewerLimits.fMost;
-}
-
-float PDFViewCtrl::LimitScale(float fScale) {
-    return std::min(std::max(fScale, GetMinScale()), GetMaxScale());
+    return WithDocument(0.0F, [this](VLK_Document&) {
+        return WithViewer(kNoViewerLimits.fMost, &IPDFViewer::GetMaxScale);
+    });
 }
 
 void PDFViewCtrl::CheckFinite(double dbFirst, double dbSecond) {
@@ -178,20 +164,16 @@ void PDFViewCtrl::CheckFinite(double dbFirst, double dbSecond) {
 }
 
 void PDFViewCtrl::SetScale(float fScale) {
-    const auto pSelf = Enter();
-    const auto pViewer = Viewer();
-    if (!OpenDocument() || !pViewer) {
-        return;
-    }
-    if (std::isnan(fScale)) {
-        throw Platform::InvalidArgumentException("a scale that is no number");
-    }
-    const float fBefore = pViewer->GetScale();
-    pViewer->SetScale(LimitScale(fScale));
-    const float fAfter = pViewer->GetScale();
-    if (fBefore != fAfter) {
-        ManagerInitLayOut(pViewer->GetCurrentPageIndex(), fAfter);
-    }
+    WithShown([&](IPDFViewer& viewer) {
+        if (std::isnan(fScale)) {
+            throw Platform::InvalidArgumentException("a scale that is no number");
+        }
+        const float fBefore = viewer.GetScale();
+        viewer.SetScale(std::min(std::max(fScale, viewer.GetMinScale()), viewer.GetMaxScale()));
+        if (const float fAfter = viewer.GetScale(); fAfter != fBefore) {
+            LayOutAt(fAfter);
+        }
+    });
 }
 
 void PDFViewCtrl::ZoomAtPoint(Point ptCentre, double dbScale, bool bIsInertial,
@@ -210,25 +192,20 @@ void PDFViewCtrl::ZoomAtPoint(Point ptCentre, double dbScale, bool bIsInertial,
 }
 
 void PDFViewCtrl::AlignPageAfterScroll(double dbOffsetY, double dbOffsetX) {
-    const auto pSelf = Enter();
-    CheckFinite(dbOffsetY, dbOffsetX);
-    if (const auto pViewer = Viewer()) {
-        pViewer->AlignPageAfterScroll(dbOffsetY, dbOffsetX);
-    }
+    WithViewer([&](IPDFViewer& viewer) {
+        CheckFinite(dbOffsetY, dbOffsetX);
+        viewer.AlignPageAfterScroll(dbOffsetY, dbOffsetX);
+    });
 }
 
-void PDFViewCtrl::RotateViewer(std::int32_t nRotate) {
-    const auto pSelf = Enter();
-    const auto pViewer = Viewer();
-    if (OpenDocument() && pViewer) {
-        pViewer->RotateViewer(nRotate);
-    }
+void PDFViewCtrl::RotateViewer(std::int32_t nQuarterTurns) {
+    WithDocument([&](VLK_Document&) {
+        WithManager([&](PDFViewerManager& manager) { manager.RotateViewer(nQuarterTurns); });
+    });
 }
 
 std::int32_t PDFViewCtrl::GetRotate() {
-    const auto pSelf = Enter();
-    const auto pViewer = Viewer();
-    return OpenDocument() && pViewer ? pViewer->GetRotate() : 0;
+    return WithDocument(0, [this](VLK_Document&) { return WithViewer(0, &IPDFViewer::GetRotate); });
 }
 
 }

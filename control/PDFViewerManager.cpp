@@ -6,6 +6,7 @@
 #include "control/PDFViewCtrl.h"
 #include "control/VelkoViewControl.h"
 #include "document/VLK_Document.h"
+#include "platform/foundation/FirstFailure.h"
 #include "platform/system/Debug.h"
 #include "platform/system/Environment.h"
 #include "platform/ui/CoreDispatcher.h"
@@ -68,6 +69,9 @@ void PDFViewerManager::SetViewer(std::shared_ptr<IPDFViewer> pViewer) {
     StopWheelZoom();
     m_pViewer = std::move(pViewer);
     m_wkViewerDocument.reset();
+    m_told.clear();
+    m_untold.clear();
+    m_bTelling = false;
 }
 
 void PDFViewerManager::StopWheelZoom() {
@@ -76,73 +80,112 @@ void PDFViewerManager::StopWheelZoom() {
     }
 }
 
-void PDFViewerManager::ChangeViewer(std::int32_t nMode,
+std::int32_t PDFViewerManager::ModeToShow(std::int32_t nMode) const {
+    const auto fnHasViewer = [](std::int32_t n) {
+        return n == LayoutMode::kContinuous || n == LayoutMode::kSinglePage;
+    };
+    const std::int32_t nOther =
+        fnHasViewer(m_nLayoutMode) ? m_nLayoutMode : LayoutMode::kContinuous;
+    return fnHasViewer(nMode) ? nMode : nOther;
+}
+
+bool PDFViewerManager::Shows(const std::shared_ptr<VLK_Document>& pDocument) const {
+    return m_pViewer && pDocument && m_wkViewerDocument.lock() == pDocument;
+}
+
+bool PDFViewerManager::ChangeViewer(std::int32_t nMode,
                                     const std::shared_ptr<VLK_Document>& pDocument,
                                     const std::shared_ptr<PDFViewCanvas>& pCanvas) {
+    if (ModeToShow(nMode) != nMode) {
+        return false;
+    }
     const auto pSelf = shared_from_this();
     m_nLayoutMode = nMode;
     if (const auto pOld = m_pViewer) {
         SetViewer(nullptr);
         pOld->CloseViewer();
     }
-    if (auto pNew = MakeViewer(nMode, pDocument, pCanvas)) {
-        SetViewer(std::move(pNew));
-        m_wkViewerDocument = pDocument;
-    }
+    SetViewer(MakeViewer(nMode, pDocument, pCanvas));
+    m_wkViewerDocument = pDocument;
+    return true;
 }
 
-// Empty for a mode that there is not.
 std::shared_ptr<IPDFViewer> PDFViewerManager::MakeViewer(
     std::int32_t nMode, const std::shared_ptr<VLK_Document>& pDocument,
     const std::shared_ptr<PDFViewCanvas>& pCanvas) const {
-    const std::weak_ptr<IViewerOwner> wkOwner = Control();
-    switch (nMode) {
-        case LayoutMode::kContinuous:
-            return std::make_shared<PDFConuiunePagesViewer>(wkOwner, pDocument, pCanvas);
-        case LayoutMode::kSinglePage:
-            return std::make_shared<PDFSinglePagesViewer>(wkOwner, pDocument, pCanvas);
-        default:
-            return nullptr;
+    const auto pControl = Control();
+    const auto pOwner = pControl ? pControl->AsViewerOwner() : nullptr;
+    if (nMode == LayoutMode::kSinglePage) {
+        return std::make_shared<PDFSinglePagesViewer>(pOwner, pDocument, pCanvas);
     }
+    return std::make_shared<PDFConuiunePagesViewer>(pOwner, pDocument, pCanvas);
 }
+
+// --- operations with page events ---
 
 void PDFViewerManager::InitLayOut(std::int32_t nPageIndex, double dbScale, double dbOffsetX,
                                   double dbOffsetY) {
-    TrackPages(
+    ChangePages(
         [&](IPDFViewer& viewer) { viewer.InitLayOut(nPageIndex, dbScale, dbOffsetX, dbOffsetY); });
 }
 
 void PDFViewerManager::GotoPage(std::int32_t nPageIndex) {
-    TrackPages([&](IPDFViewer& viewer) { viewer.GotoPage(nPageIndex); });
+    ChangePages([&](IPDFViewer& viewer) { viewer.GotoPage(nPageIndex); });
 }
 
 void PDFViewerManager::MoveScreen(double dbOffsetY, double dbOffsetX) {
-    TrackPages([&](IPDFViewer& viewer) { viewer.MoveScreen(dbOffsetY, dbOffsetX); });
-}
-
-void PDFViewerManager::InvaildateLayout() {
-    const auto pViewer = m_pViewer;
-    if (!pViewer) {
-        return;
-    }
-    try {
-        pViewer->InvaildateLayout();
-    } catch (const Platform::ObjectDisposedException&) {
-        if (IsAtWork(pViewer)) {
-            throw;
-        }
-    }
+    ChangePages([&](IPDFViewer& viewer) { viewer.MoveScreen(dbOffsetY, dbOffsetX); });
 }
 
 void PDFViewerManager::PageScaled(Windows::Foundation::Point point, double dbScale,
                                   bool bIsInertial, bool isScrollComplete) {
-    TrackPages([&](IPDFViewer& viewer) {
+    ChangePages([&](IPDFViewer& viewer) {
         viewer.PageScaled(point, dbScale, bIsInertial, isScrollComplete);
     });
 }
 
+void PDFViewerManager::RunOperation(const std::function<void()>& fnOperation) {
+    TrackPages([&](IPDFViewer&) { fnOperation(); });
+}
+
+// --- operations without ---
+
+void PDFViewerManager::InvaildateLayout() {
+    ChangePlace(&IPDFViewer::InvaildateLayout);
+}
+
+void PDFViewerManager::RotateViewer(std::int32_t nRotate) {
+    ChangePlace([&](IPDFViewer& viewer) { viewer.RotateViewer(nRotate); });
+}
+
+void PDFViewerManager::PageSizeChanged(double dbOffsetX, double dbOffsetY) {
+    ChangePlace([&](IPDFViewer& viewer) { viewer.PageSizeChanged(dbOffsetX, dbOffsetY); });
+}
+
+void PDFViewerManager::GotoDestination(std::int32_t nPageIndex, std::int32_t nKind,
+                                       const std::vector<float>& values) {
+    ChangePlace([&](IPDFViewer& viewer) { viewer.GotoDestination(nPageIndex, nKind, values); });
+}
+
 std::vector<std::int32_t> PDFViewerManager::GetVisiblePages() const {
     return m_pViewer ? m_pViewer->GetVisiblePages() : Pages();
+}
+
+// --- around them ---
+
+template <class F>
+void PDFViewerManager::ChangePages(F fnOperation) {
+    StopWheelZoom();
+    TrackPages(fnOperation);
+}
+
+template <class F>
+void PDFViewerManager::ChangePlace(F fnOperation) {
+    const auto pSelf = shared_from_this();
+    StopWheelZoom();
+    if (const auto pViewer = m_pViewer) {
+        RunAtWork(pViewer, fnOperation);
+    }
 }
 
 template <class F>
@@ -154,16 +197,32 @@ void PDFViewerManager::TrackPages(F fnOperation) {
         return;
     }
     const Pages before = pViewer->GetVisiblePages();
+    if (m_nStepsRunning == 0) {
+        m_told = before;
+    }
+    Platform::FirstFailure step;
+    ++m_nStepsRunning;
+    step.Run([&] {
+        if (RunAtWork(pViewer, fnOperation) && m_pViewer == pViewer) {
+            RaisePageEvents(pViewer, before, pViewer->GetVisiblePages());
+        }
+    });
+    --m_nStepsRunning;
+    step.Rethrow();
+}
+
+// False when the viewer's document was closed, by a failed open or by a host's
+// handler meanwhile: what the viewer makes of that nobody needs to hear.
+template <class F>
+bool PDFViewerManager::RunAtWork(const std::shared_ptr<IPDFViewer>& pViewer, F fnOperation) {
     try {
-        fnOperation(*pViewer);
+        std::invoke(fnOperation, *pViewer);
+        return true;
     } catch (const Platform::ObjectDisposedException&) {
         if (IsAtWork(pViewer)) {
             throw;
         }
-        return; // its document is closed, by a failed open or a host's handler meanwhile
-    }
-    if (m_pViewer == pViewer) {
-        RaisePageEvents(pViewer, before, pViewer->GetVisiblePages());
+        return false;
     }
 }
 
@@ -172,32 +231,54 @@ bool PDFViewerManager::IsAtWork(const std::shared_ptr<IPDFViewer>& pViewer) cons
     return m_pViewer == pViewer && !(pDocument && pDocument->IsDisposed());
 }
 
+// What a handler of these events asks for is told when they are over, so that
+// each of several hosts hears of all steps in their order.
 void PDFViewerManager::RaisePageEvents(const std::shared_ptr<IPDFViewer>& pViewer,
                                        const Pages& before, const Pages& after) {
+    m_untold.push_back({before, after});
+    if (m_bTelling) {
+        return;
+    }
+    m_bTelling = true;
+    Platform::FirstFailure telling;
+    telling.Run([&] {
+        while (m_pViewer == pViewer && !m_untold.empty()) {
+            const Step step = m_untold.front();
+            m_untold.erase(m_untold.begin());
+            RaiseEventsOf(step, pViewer);
+        }
+    });
+    if (m_pViewer == pViewer) {
+        m_untold.clear();
+        m_bTelling = false;
+    }
+    telling.Rethrow();
+}
+
+void PDFViewerManager::RaiseEventsOf(const Step& step, const std::shared_ptr<IPDFViewer>& pViewer) {
     const auto pControl = Control();
     if (!pControl) {
         return;
     }
     const auto pPdfDoc = pControl->GetPDFDoc();
-    const auto fnRaise = [&](auto& event, auto fnMakeRecord) {
-        if (m_pViewer == pViewer && !event.empty()) {
-            event.raise(pControl, fnMakeRecord());
-        }
-    };
-    for (const std::int32_t nPage : before) {
-        if (!Holds(after, nPage)) {
-            fnRaise(pControl->PageInvisibleEvent,
-                    [&] { return std::make_shared<PageInvisibleEventArgs>(pPdfDoc, nPage); });
+    for (const std::int32_t nPage : Pages(m_told)) {
+        if (m_pViewer == pViewer && !Holds(step.after, nPage)) {
+            std::erase(m_told, nPage);
+            pControl->PageInvisibleEvent.raise(
+                pControl, std::make_shared<PageInvisibleEventArgs>(pPdfDoc, nPage));
         }
     }
-    for (const std::int32_t nPage : after) {
-        if (!Holds(before, nPage)) {
-            fnRaise(pControl->PageVisibleEvent,
-                    [&] { return std::make_shared<PageVisibleEventArgs>(pPdfDoc, nPage); });
+    for (const std::int32_t nPage : step.after) {
+        if (m_pViewer == pViewer && !Holds(m_told, nPage)) {
+            m_told.push_back(nPage);
+            pControl->PageVisibleEvent.raise(
+                pControl, std::make_shared<PageVisibleEventArgs>(pPdfDoc, nPage));
         }
     }
-    fnRaise(pControl->PageChangedEvent,
-            [&] { return std::make_shared<PageChangedEventArgs>(pPdfDoc, before, after); });
+    if (m_pViewer == pViewer && !pControl->PageChangedEvent.empty()) {
+        pControl->PageChangedEvent.raise(
+            pControl, std::make_shared<PageChangedEventArgs>(pPdfDoc, step.before, step.after));
+    }
 }
 
 }

@@ -9,6 +9,7 @@
 #include "control/PDFViewCtrl.h"
 #include "control/PDFViewerManager.h"
 #include "platform/foundation/Exception.h"
+#include "platform/foundation/FirstFailure.h"
 #include "platform/system/Debug.h"
 #include "platform/system/Environment.h"
 #include "platform/ui/CoreDispatcher.h"
@@ -26,16 +27,6 @@ namespace Input = Windows::UI::Xaml::Input;
 
 constexpr std::chrono::milliseconds kWheelZoomSettles{500};
 constexpr double kWheelZoomStep = 0.5;
-
-float ScaleOf(const std::shared_ptr<IPDFViewer>& pViewer) {
-    return pViewer ? pViewer->GetScale() : 1.0F;
-}
-float MinScaleOf(const std::shared_ptr<IPDFViewer>& pViewer) {
-    return pViewer ? pViewer->GetMinScale() : kNoViewerLimits.fLeast;
-}
-float MaxScaleOf(const std::shared_ptr<IPDFViewer>& pViewer) {
-    return pViewer ? pViewer->GetMaxScale() : kNoViewerLimits.fMost;
-}
 
 void LogSwipe(float fX, float fY) {
     char szLine[96];
@@ -70,7 +61,7 @@ void VelkoViewControl::Initialize() {
     m_pPageViewMgr = std::make_shared<PDFViewerManager>(wkSelf);
     m_pWheelZoomTimer = Platform::Environment()->CreateTimer();
     m_pWheelZoomTimer->Interval(kWheelZoomSettles);
-    m_pWheelZoomTimer->Tick.add(fnCall(&VelkoViewControl::OnWheelZoomSettled));
+    m_pWheelZoomTimer->Tick.add(fnCall(&VelkoViewControl::OnWheelZoomTick));
     Loaded.add(fnCall(&VelkoViewControl::FindBaseViewContorl));
     Unloaded.add(fnCall(&VelkoViewControl::OnUnloaded));
     LoadParts();
@@ -118,13 +109,8 @@ void VelkoViewControl::FindBaseViewContorl() {
 
 void VelkoViewControl::OnUnloaded() {
     m_pPageViewMgr.reset();
+    m_gesture.reset();
     StopWheelZoom();
-}
-
-void VelkoViewControl::StopWheelZoom() {
-    if (m_pWheelZoomTimer && m_pWheelZoomTimer->IsEnabled()) {
-        m_pWheelZoomTimer->Stop();
-    }
 }
 
 bool VelkoViewControl::IsInputOff() const {
@@ -139,12 +125,43 @@ Point VelkoViewControl::ToDevice(Point pt) const {
     return {pt.X * m_pPanel->CompositionScaleX(), pt.Y * m_pPanel->CompositionScaleY()};
 }
 
+std::shared_ptr<IPDFViewer> VelkoViewControl::Viewer() const {
+    return m_pPageViewMgr ? m_pPageViewMgr->GetViewer() : nullptr;
+}
+
+float VelkoViewControl::Scale() const {
+    const auto pViewer = Viewer();
+    return pViewer ? pViewer->GetScale() : 1.0F;
+}
+
+// A large sheet that fits stands below the limit; from there it zooms in and out
+// evenly.
+float VelkoViewControl::LeastScale() const {
+    const auto pViewer = Viewer();
+    return std::min(pViewer ? pViewer->GetMinScale() : kNoViewerLimits.fLeast, Scale());
+}
+
+float VelkoViewControl::MostScale() const {
+    const auto pViewer = Viewer();
+    return pViewer ? pViewer->GetMaxScale() : kNoViewerLimits.fMost;
+}
+
+// --- gestures ---
+
+VelkoViewControl::Gesture& VelkoViewControl::OpenGesture(Point ptPosition) {
+    if (!m_gesture) {
+        m_gesture = Gesture{ptPosition, ptPosition, std::nullopt, LeastScale()};
+    }
+    return *m_gesture;
+}
+
 void VelkoViewControl::OnManipulationStarted(Input::ManipulationStartedRoutedEventArgs& args) {
     if (IsInputOff()) {
         return;
     }
-    m_ptLastManipulation = args.Position;
-    m_ptStartManipulation = args.Position;
+    m_gesture.reset();
+    OpenGesture(args.Position);
+    SettleWheelZoom(); // not later, when a page may be half turned
 }
 
 void VelkoViewControl::OnManipulationDelta(Input::ManipulationDeltaRoutedEventArgs& args) {
@@ -166,46 +183,58 @@ void VelkoViewControl::OnManipulationDelta(Input::ManipulationDeltaRoutedEventAr
 }
 
 void VelkoViewControl::PanBy(Point ptPosition, bool bHasPinched) {
-    const float fX = m_ptLastManipulation.X - ptPosition.X;
-    const float fY = m_ptLastManipulation.Y - ptPosition.Y;
-    m_ptLastManipulation = ptPosition;
+    Gesture& gesture = OpenGesture(ptPosition);
+    const Point ptLast = std::exchange(gesture.ptLast, ptPosition);
     if (!bHasPinched) {
         const auto pManager = m_pPageViewMgr;
-        pManager->MoveScreen(fY * m_pPanel->CompositionScaleY(),
-                             fX * m_pPanel->CompositionScaleX());
+        pManager->MoveScreen((ptLast.Y - ptPosition.Y) * m_pPanel->CompositionScaleY(),
+                             (ptLast.X - ptPosition.X) * m_pPanel->CompositionScaleX());
     }
 }
 
 void VelkoViewControl::PinchAt(Point ptPosition, float fScale) {
+    Gesture& gesture = OpenGesture(ptPosition);
+    gesture.ptPinched = ptPosition;
     const auto pManager = m_pPageViewMgr;
-    const auto pViewer = pManager->GetViewer();
-    const float fCurrent = ScaleOf(pViewer);
-    const float fTarget =
-        std::min(std::max(fCurrent * fScale, MinScaleOf(pViewer)), MaxScaleOf(pViewer));
+    const float fCurrent = Scale();
+    const float fTarget = std::min(std::max(fCurrent * fScale, gesture.fLeastScale), MostScale());
     if (fTarget != fCurrent) {
         pManager->PageScaled(ToDevice(ptPosition), fTarget, true, false);
     }
 }
 
 void VelkoViewControl::OnManipulationCompleted(Input::ManipulationCompletedRoutedEventArgs& args) {
-    if (IsInputOff()) {
-        return;
+    if (!IsInputOff()) {
+        OpenGesture(args.Position);
+        EndGesture(args.Position, args.Cumulative.Scale != 1.0F);
     }
+}
+
+void VelkoViewControl::CompleteGesture() {
+    if (m_gesture && m_pPageViewMgr) {
+        const bool bHasPinched = m_gesture->ptPinched.has_value();
+        EndGesture(m_gesture->ptPinched.value_or(m_gesture->ptLast), bHasPinched);
+    }
+}
+
+void VelkoViewControl::EndGesture(Point ptPosition, bool bHasPinched) {
+    const Gesture gesture = *std::exchange(m_gesture, std::nullopt);
     const auto pManager = m_pPageViewMgr;
-    const auto pViewer = pManager->GetViewer();
-    if (args.Cumulative.Scale != 1.0F) {
+    if (bHasPinched) {
         if (pManager->LayoutMode() != LayoutMode::kReflow) {
-            pManager->PageScaled(ToDevice(args.Position), ScaleOf(pViewer), false, true);
+            pManager->PageScaled(ToDevice(ptPosition), Scale(), false, true);
         }
         return;
     }
-    const float fX = (m_ptStartManipulation.X - args.Position.X) * m_pPanel->CompositionScaleX();
-    const float fY = (m_ptStartManipulation.Y - args.Position.Y) * m_pPanel->CompositionScaleY();
+    const float fX = (gesture.ptStart.X - ptPosition.X) * m_pPanel->CompositionScaleX();
+    const float fY = (gesture.ptStart.Y - ptPosition.Y) * m_pPanel->CompositionScaleY();
     LogSwipe(fX, fY);
-    if (pViewer) {
+    if (const auto pViewer = pManager->GetViewer()) {
         pViewer->AlignPageAfterScroll(fY, fX);
     }
 }
+
+// --- the wheel ---
 
 void VelkoViewControl::OnPointerWheelChanged(Input::PointerRoutedEventArgs& args) {
     if (IsInputOff()) {
@@ -236,40 +265,51 @@ void VelkoViewControl::TurnPageByWheel(int nDelta) {
 
 void VelkoViewControl::ZoomByWheel(Point ptDevice, int nDelta) {
     const auto pManager = m_pPageViewMgr;
-    const auto pViewer = pManager->GetViewer();
     const bool bOut = nDelta < 1;
-    const double dbCurrent = ScaleOf(pViewer);
-    const double dbLimit = bOut ? MinScaleOf(pViewer) : MaxScaleOf(pViewer);
-    if (dbCurrent == dbLimit) {
+    const double dbCurrent = Scale();
+    const double dbLimit = bOut ? LeastScale() : MostScale();
+    if (dbCurrent == dbLimit || !pManager->GetViewer()) {
         return;
     }
-    const double dbTarget = bOut ? std::max(dbLimit, dbCurrent - kWheelZoomStep)
-                                 : std::min(dbLimit, dbCurrent + kWheelZoomStep);
     m_ptWheelZoom = ptDevice;
-    pManager->PageScaled(ptDevice, dbTarget, true, false);
-    if (!pViewer || pManager->GetViewer() != pViewer) {
-        return; // nothing was zoomed, or what was is gone
+    m_dbWheelZoomScale = bOut ? std::max(dbLimit, dbCurrent - kWheelZoomStep)
+                              : std::min(dbLimit, dbCurrent + kWheelZoomStep);
+    const std::uint64_t nOwnStop = m_nWheelStops + 1; // the zoom's own
+    Platform::FirstFailure step;
+    step.Run([&] { pManager->PageScaled(ptDevice, m_dbWheelZoomScale, true, false); });
+    if (m_nWheelStops == nOwnStop) { // no handler has gone elsewhere since
+        m_pWheelZoomTimer->Start();
     }
-    m_dbWheelZoomScale = dbTarget;
-    StopWheelZoom();
-    m_pWheelZoomTimer->Start();
+    step.Rethrow();
 }
 
-void VelkoViewControl::OnWheelZoomSettled() {
-    m_pWheelZoomTimer->Stop();
+void VelkoViewControl::StopWheelZoom() {
+    ++m_nWheelStops;
+    if (m_pWheelZoomTimer && m_pWheelZoomTimer->IsEnabled()) {
+        m_pWheelZoomTimer->Stop();
+    }
+}
+
+void VelkoViewControl::OnWheelZoomTick() {
+    if (!m_gesture) { // a page may be half turned: a later tick comes after its end
+        SettleWheelZoom();
+    }
+}
+
+void VelkoViewControl::SettleWheelZoom() {
     const auto pManager = m_pPageViewMgr;
-    // Whatever has zoomed since has settled by itself, elsewhere.
-    if (pManager && ScaleOf(pManager->GetViewer()) == static_cast<float>(m_dbWheelZoomScale)) {
+    if (pManager && m_pWheelZoomTimer->IsEnabled()) {
         pManager->PageScaled(m_ptWheelZoom, m_dbWheelZoomScale, false, true);
     }
 }
 
+// --- sizes ---
+
+// Also with the input off: the page is laid out for the window that there is.
 void VelkoViewControl::OnViewControlSizeChanged(const Windows::UI::Xaml::SizeChangedEventArgs&) {
-    if (IsInputOff()) {
-        return;
+    if (const auto pManager = m_pPageViewMgr) {
+        pManager->InvaildateLayout();
     }
-    const auto pManager = m_pPageViewMgr;
-    pManager->InvaildateLayout();
 }
 
 }

@@ -9,7 +9,9 @@
 // Errors: a failure in a handler goes to whoever raised the event.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "control/LiveObject.h"
 #include "platform/foundation/Geometry.h"
@@ -22,6 +24,7 @@ class DispatcherTimer;
 
 namespace velko::vkit {
 
+class IPDFViewer;
 class PDFViewCanvas;
 class PDFViewCtrl;
 class PDFViewerManager;
@@ -44,8 +47,13 @@ public:
     // Looks for the control above this element; without one what was found stays.
     void FindBaseViewContorl();
 
-    // The settled step of a wheel zoom is for the viewer that was zoomed.
+    // A zoom by the wheel that waits to settle is left as it is: what comes now
+    // ends it in its own way.
     void StopWheelZoom();
+
+    // Ends the gesture that is open, if one is, as if the fingers were lifted; what
+    // still comes of it begins another where it stands.
+    void CompleteGesture();
 
     // Handlers of the panel's events.
     void OnManipulationStarted(Windows::UI::Xaml::Input::ManipulationStartedRoutedEventArgs& args);
@@ -63,26 +71,41 @@ private:
     void LoadParts();
     void ConnectEvents();
     void OnUnloaded();
-    void OnWheelZoomSettled();
+    void OnWheelZoomTick();
+
+    // From its start to its completion; logical positions.
+    struct Gesture {
+        Point ptStart;
+        Point ptLast;                   // of the pan
+        std::optional<Point> ptPinched; // where fingers last spread or closed
+        float fLeastScale = 0.0F;       // to which it may zoom out
+    };
 
     bool IsInputOff() const;
     Point ToDevice(Point pt) const;
+    std::shared_ptr<IPDFViewer> Viewer() const;
+    float Scale() const;
+    float LeastScale() const;
+    float MostScale() const;
 
+    Gesture& OpenGesture(Point ptPosition);
+    void EndGesture(Point ptPosition, bool bHasPinched);
     void PanBy(Point ptPosition, bool bHasPinched);
     void PinchAt(Point ptPosition, float fScale);
     void TurnPageByWheel(int nDelta);
     void ZoomByWheel(Point ptDevice, int nDelta);
+    void SettleWheelZoom();
 
     std::shared_ptr<Panel> m_pPanel;
     std::shared_ptr<PDFViewCanvas> m_pViewCtrl;
     std::shared_ptr<PDFViewerManager> m_pPageViewMgr;
     std::weak_ptr<PDFViewCtrl> m_wkBaseViewContorl;
 
-    Point m_ptLastManipulation;  // logical
-    Point m_ptStartManipulation; // logical
+    std::optional<Gesture> m_gesture; // the one that is open
     std::shared_ptr<Windows::UI::Xaml::DispatcherTimer> m_pWheelZoomTimer;
     Point m_ptWheelZoom; // device pixels
     double m_dbWheelZoomScale = 0.0;
+    std::uint64_t m_nWheelStops = 0; // counts what came between or after wheel zooms
 };
 
 }

@@ -1,6 +1,10 @@
 // What the events about a whole document carry.
 //
-// Threads: values, read-only once built.
+// `OpenDocEvent` ends every way to a document: opened, failed with a document that
+// stays attached, given up at its password. `CloseDocEvent` comes when a document
+// goes, also for another one, after `PageUnloadedEvent` for each of its pages; its
+// engine document can still be asked, the control finds none any more.
+// Threads: both come on the UI thread. Values, read-only once built.
 #pragma once
 
 #include <cstdint>

@@ -1,7 +1,8 @@
 // What the events about pages carry: the document, and in the derived records
 // what happened to which page.
 //
-// Threads: values, read-only once built. Page indexes start at 0.
+// Threads: all of them come on the UI thread. Values, read-only once built. Page
+// indexes start at 0.
 #pragma once
 
 #include <cstdint>
@@ -36,6 +37,11 @@ public:
     const std::int32_t PageIndex;
 };
 
+// `PageVisibleEvent` and `PageInvisibleEvent`: a command brought the page into
+// sight or took it out of sight. All that went out of sight are told before those
+// that came, and `PageChangedEvent` ends the row. What is not a step of the manager
+// (a resize, a turn, a drag's release) is told by none of them: hosts that show a
+// page number ask in `RenderCanvasEvent`.
 class PageVisibleEventArgs final : public SinglePageEventArgs {
     using SinglePageEventArgs::SinglePageEventArgs;
 };
@@ -44,10 +50,14 @@ class PageInvisibleEventArgs final : public SinglePageEventArgs {
     using SinglePageEventArgs::SinglePageEventArgs;
 };
 
+// `PageLoadedEvent`: the engine's page became available, often in the middle of a
+// layout: commands from its handlers run after the step that asked.
 class PageLoadedEventArgs final : public SinglePageEventArgs {
     using SinglePageEventArgs::SinglePageEventArgs;
 };
 
+// `PageUnloadedEvent`: the document is being closed, and gives its pages up. Raised
+// with its page table locked: the handler must not wait for another thread.
 class PageUnloadedEventArgs final : public SinglePageEventArgs {
     using SinglePageEventArgs::SinglePageEventArgs;
 };
@@ -62,7 +72,8 @@ public:
     const std::optional<PageFailure> Failure;
 };
 
-// Keeps copies of both lists, so it stays true when the viewer moves on.
+// `PageChangedEvent`: after every step, also one that left the same pages. Keeps
+// copies of both lists, so it stays true when the viewer moves on.
 class PageChangedEventArgs final : public PageEventArgs {
 public:
     PageChangedEventArgs(std::shared_ptr<velko::pdf::PDFDoc> pDocument,
@@ -76,7 +87,9 @@ public:
     const std::vector<std::int32_t> NewVisiblePages;
 };
 
-// Layout modes: 1 continuous, 2 single page, 3 reflow; 0 before the first.
+// `PageLayoutModeChangedEvent`: after the first layout of a document that opens,
+// whether or not the mode differs, and after another mode has laid out. Modes:
+// viewers/core/Modes.h; the old one of an open is the one of the open before.
 class PageLayoutModeChangedEventArgs final : public PageEventArgs {
 public:
     PageLayoutModeChangedEventArgs(std::shared_ptr<velko::pdf::PDFDoc> pDocument,

@@ -15,18 +15,9 @@ using Windows::Foundation::Size;
 
 class CommandsTest : public ControlFixture {
 protected:
-    // What every command answers as one line, and what it asks of a viewer.
-    Strings AnswersOfAll() {
+    // Each command without an answer, once.
+    void AskForAll() {
         auto& c = *pControl;
-        const auto fnNumber = [](double db) {
-            char sz[32];
-            std::snprintf(sz, sizeof sz, "%g", db);
-            return std::string(sz);
-        };
-        const auto fnRect = [&](const Rect& rc) {
-            return rc.IsEmpty() ? "empty" : fnNumber(rc.X) + ";" + fnNumber(rc.Width);
-        };
-        const auto fnPoint = [&](Point pt) { return fnNumber(pt.X) + ";" + fnNumber(pt.Y); };
         c.GotoPage(2);
         c.GotoDestination(nullptr);
         c.SetRenderFlags(1);
@@ -36,138 +27,103 @@ protected:
         c.SetScale(2.0F);
         c.ZoomAtPoint({1, 2}, 2.0, true, false);
         c.MoveScreen(10, 20);
+        c.AlignPageAfterScroll(30, 40);
         c.SetPageColors({255, 9, 9, 9}, {255, 8, 8, 8});
         c.RedrawScreen();
         c.UpdatePageAfterAnnotEdit(1);
         c.UpdateViewer();
         c.CancelRender();
-        const auto pagePoint = c.DevicePointToPagePoint({3, 4});
-        return {
-            "first " + std::to_string(c.GotoFirstPage()),
-            "last " + std::to_string(c.GotoLastPage()),
-            "prev " + std::to_string(c.GotoPrevPage()),
-            "next " + std::to_string(c.GotoNextPage()),
-            "page " + std::to_string(c.GetCurrentPageIndex()),
-            "at " + std::to_string(c.GetPageIndexAtPoint({1, 1})),
-            "visible " + std::to_string(c.GetVisiblePages().size()),
-            "count " + std::to_string(c.GetPageCount()),
-            "delete " + std::to_string(c.GetDeleteFileOnClose()),
-            "flags " + std::to_string(c.GetRenderFlags()),
-            "scale " + fnNumber(c.GetScale()),
-            "limits " + fnNumber(c.GetMinScale()) + " " + fnNumber(c.GetMaxScale()),
-            "rotate " + std::to_string(c.GetRotate()),
-            "bg " + std::to_string(c.PageBgColor().R) + " fg " + std::to_string(c.PageFgColor().R),
-            "night " + std::to_string(c.NightMode()),
-            "matrix " + fnNumber(c.GetDisplayMatrix(3, 5)[0]) + " " +
-                fnNumber(c.GetDisplayMatrix(3)[4]),
-            "topage " + std::to_string(pagePoint->nPageIndex) + " " + fnPoint(pagePoint->pt),
-            "todevice " + fnPoint(c.PagePointToDevicePoint(1, {5, 5})),
-            "rects " + fnRect(c.DeviceRectToPageRect(1, Rect(1, 1, 2, 2))) + " " +
-                fnRect(c.PageRectToDeviceRect(1, Rect(1, 1, 2, 2))),
-            "pagerect " + fnRect(c.GetPageRectAtPoint({1, 1}, -1)),
-            "pdf " + std::to_string(c.GetPDFDoc() != nullptr) + " file " +
-                std::to_string(c.GetDocumentFile() != nullptr)};
     }
 };
 
-TEST_F(CommandsTest, WithoutTemplateAndDocument) {
-    const Strings expected = {"first 0",      "last 0",       "prev 0",        "next 0",
-                              "page 0",       "at -1",        "visible 0",     "count 0",
-                              "delete 0",     "flags 0",      "scale 0",       "limits 0 0",
-                              "rotate 0",     "bg 0 fg 0",    "night 0",       "matrix 1 0",
-                              "topage 0 3;4", "todevice 0;0", "rects 0;0 0;0", "pagerect 0;0",
-                              "pdf 0 file 0"};
-    EXPECT_EQ(AnswersOfAll(), expected);
+using Control = vkit::PDFViewCtrl;
+
+// A question, and its answers without template and document, with a document
+// alone, with a viewer alone, with both.
+struct Question {
+    const char* szName;
+    double (*fnAsk)(Control&);
+    double answers[4];
+};
+
+constexpr Question kQuestions[] = {
+    {"first", [](Control& c) { return double(c.GotoFirstPage()); }, {0, 1, 0, 1}},
+    {"last", [](Control& c) { return double(c.GotoLastPage()); }, {0, 1, 0, 1}},
+    {"prev", [](Control& c) { return double(c.GotoPrevPage()); }, {0, 1, 0, 0}},
+    {"next", [](Control& c) { return double(c.GotoNextPage()); }, {0, 0, 0, 0}},
+    {"page", [](Control& c) { return double(c.GetCurrentPageIndex()); }, {0, 0, 0, 3}},
+    {"page at",
+     [](Control& c) {
+         return double(c.GetPageIndexAtPoint({1, 1}));
+     },
+     {-1, 0, 7, 7}},
+    {"visible", [](Control& c) { return double(c.GetVisiblePages().size()); }, {0, 0, 2, 2}},
+    {"count", [](Control& c) { return double(c.GetPageCount()); }, {0, 5, 0, 5}},
+    {"delete", [](Control& c) { return double(c.GetDeleteFileOnClose()); }, {0, 1, 0, 1}},
+    {"flags", [](Control& c) { return double(c.GetRenderFlags()); }, {0, 1, 0, 1}},
+    {"scale", [](Control& c) { return double(c.GetScale()); }, {0, 1, 0, 2}},
+    {"least", [](Control& c) { return double(c.GetMinScale()); }, {0, 1, 0, 0.5}},
+    {"most", [](Control& c) { return double(c.GetMaxScale()); }, {0, 3, 0, 4}},
+    {"rotate", [](Control& c) { return double(c.GetRotate()); }, {0, 0, 0, 2}},
+    {"paper", [](Control& c) { return double(c.PageBgColor().R); }, {0, 0, 1, 9}},
+    {"ink", [](Control& c) { return double(c.PageFgColor().R); }, {0, 0, 4, 8}},
+    {"matrix", [](Control& c) { return c.GetDisplayMatrix(3, 5)[4]; }, {0, 0, 3, 3}},
+    {"to page",
+     [](Control& c) {
+         return double(c.DevicePointToPagePoint({3, 4})->pt.X);
+     },
+     {3, 3, 4, 4}},
+    {"rect",
+     [](Control& c) { return double(c.PageRectToDeviceRect(1, Rect()).IsEmpty()); },
+     {0, 0, 1, 1}},
+    {"on screen",
+     [](Control& c) { return double(c.GetPageScreenRect(6).has_value()); },
+     {0, 0, 1, 1}},
+    {"file", [](Control& c) { return double(c.GetDocumentFile() != nullptr); }, {0, 1, 0, 1}},
+    {"engine", [](Control& c) { return double(c.GetPDFDoc() != nullptr); }, {0, 1, 0, 1}},
+};
+
+TEST_F(CommandsTest, EachAnswersItsFallbackWithoutWhatItWorksOn) {
+    const auto fnExpect = [&](int nState) {
+        AskForAll();
+        for (const Question& question : kQuestions) {
+            EXPECT_EQ(question.fnAsk(*pControl), question.answers[nState])
+                << question.szName << " " << nState;
+        }
+    };
+    fnExpect(0);
     EXPECT_EQ(pControl->GetPageLayoutMode(), 0);
     EXPECT_EQ(pControl->CompositionScaleX(), 1.0F);
     EXPECT_EQ(pControl->GetCanvasSize(), (Size{0, 0}));
-    EXPECT_EQ(pControl->Layout(), nullptr);
     pControl->SetPageLayoutMode(2);
     pControl->SetZoomMode(2);
     pControl->GotoExactlyPage(0, {1, 1});
     EXPECT_EQ(pControl->GetZoomMode(), 2);
     EXPECT_TRUE(events.empty());
-    Windows::Foundation::Collections::PropertySet values;
-    EXPECT_THROW(pControl->SaveViewState(values), Platform::NullReferenceException);
-}
 
-TEST_F(CommandsTest, WithADocumentButNoViewer) {
     Show();
+    const auto fnUseViewer = [&] {
+        const auto pViewer = UseScriptedViewer();
+        pViewer->visiblePages = {0, 1};
+        pViewer->nCurrentPage = 3;
+        pViewer->nRotate = 2;
+        pViewer->pRectResult.reset(); // an empty result
+        return pViewer;
+    };
+    const auto pAlone = fnUseViewer();
+    fnExpect(2);
+    EXPECT_EQ(pAlone->calls, (Strings{"MoveScreen 10 20", "Align 30 40", "RedrawScreen",
+                                      "AnnotEdit 1", "CancelRender"}));
     Open();
     pControl->PageViewMgr()->SetViewer(nullptr);
-    const Strings expected = {"first 1",      "last 1",       "prev 1",        "next 0",
-                              "page 0",       "at 0",         "visible 0",     "count 5",
-                              "delete 1",     "flags 1",      "scale 1",       "limits 1 3",
-                              "rotate 0",     "bg 0 fg 0",    "night 0",       "matrix 1 0",
-                              "topage 0 3;4", "todevice 0;0", "rects 0;0 0;0", "pagerect 0;0",
-                              "pdf 1 file 1"};
-    EXPECT_EQ(AnswersOfAll(), expected);
-}
-
-TEST_F(CommandsTest, WithAViewerButNoDocument) {
-    Show();
-    const auto pViewer = UseScriptedViewer();
-    pViewer->visiblePages = {0, 1};
-    const Strings expected = {"first 0",
-                              "last 0",
-                              "prev 0",
-                              "next 0",
-                              "page 0",
-                              "at 7",
-                              "visible 2",
-                              "count 0",
-                              "delete 0",
-                              "flags 0",
-                              "scale 0",
-                              "limits 0 0",
-                              "rotate 0",
-                              "bg 1 fg 4",
-                              "night 0",
-                              "matrix 2 3",
-                              "topage 7 4;5",
-                              "todevice 0;0",
-                              "rects empty empty",
-                              "pagerect 0;0",
-                              "pdf 0 file 0"};
-    EXPECT_EQ(AnswersOfAll(), expected);
-    EXPECT_EQ(pViewer->calls,
-              (Strings{"MoveScreen 10 20", "RedrawScreen", "AnnotEdit 1", "CancelRender"}));
-}
-
-TEST_F(CommandsTest, WithBoth) {
-    Show();
-    Open();
-    const auto pViewer = UseScriptedViewer();
-    pViewer->nCurrentPage = 3;
-    pViewer->nRotate = 2;
-    pViewer->pRectResult.reset(); // an empty result
-    const Strings expected = {"first 1",
-                              "last 1",
-                              "prev 0",
-                              "next 0",
-                              "page 3",
-                              "at 7",
-                              "visible 0",
-                              "count 5",
-                              "delete 1",
-                              "flags 1",
-                              "scale 2",
-                              "limits 0.5 4",
-                              "rotate 2",
-                              "bg 9 fg 8",
-                              "night 0",
-                              "matrix 2 3",
-                              "topage 7 4;5",
-                              "todevice 0;0",
-                              "rects empty empty",
-                              "pagerect 0;0",
-                              "pdf 1 file 1"};
-    EXPECT_EQ(AnswersOfAll(), expected);
+    fnExpect(1);
+    const auto pViewer = fnUseViewer();
+    fnExpect(3);
     EXPECT_EQ(pViewer->calls,
               (Strings{"GotoPage 2", "RotateViewer 1", "InitLayOut 3 2 0 0", "PageScaled 1 2 2 1 0",
-                       "RedrawScreen", "MoveScreen 10 20", "SetPageColors", "RedrawScreen",
-                       "AnnotEdit 1", "UpdateViewer", "CancelRender", "GotoPage 0", "GotoPage 4",
-                       "GotoPage 2", "GotoPage 4"}));
+                       "RedrawScreen", "MoveScreen 10 20", "Align 30 40", "SetPageColors",
+                       "RedrawScreen", "AnnotEdit 1", "UpdateViewer", "CancelRender", "GotoPage 0",
+                       "GotoPage 4", "GotoPage 2", "GotoPage 4"}));
     EXPECT_EQ(pControl->Document()->HiddenAnnotTypes(), (std::vector<std::int32_t>{9}));
 }
 
@@ -287,7 +243,7 @@ TEST_F(CommandsTest, TheVisibleCanvasIsClippedAtTheWindowsTopLeft) {
     EXPECT_THROW(pControl->GotoExactlyPage(0, {1, 1}), Platform::InvalidArgumentException);
 }
 
-TEST_F(CommandsTest, NightIsTwoColoursExactlyAndNothingInReflow) {
+TEST_F(CommandsTest, NightIsTwoColoursExactly) {
     Show();
     Open();
     const auto pViewer = UseScriptedViewer();
@@ -300,10 +256,6 @@ TEST_F(CommandsTest, NightIsTwoColoursExactlyAndNothingInReflow) {
     pControl->NightMode(false);
     EXPECT_EQ(pViewer->background, Windows::UI::Colors::White);
     EXPECT_EQ(pViewer->foreground, Windows::UI::Colors::Black);
-    pControl->SetPageLayoutMode(3);
-    const auto pReflow = UseScriptedViewer();
-    pControl->NightMode(true);
-    EXPECT_TRUE(pReflow->calls.empty());
 }
 
 TEST_F(CommandsTest, AModeChangeKeepsThePageAndTells) {
@@ -313,16 +265,17 @@ TEST_F(CommandsTest, AModeChangeKeepsThePageAndTells) {
     const auto pOld = UseScriptedViewer();
     pOld->nCurrentPage = 2;
     events.clear();
-    pControl->SetPageLayoutMode(1);
-    pControl->SetPageLayoutMode(0);
+    for (const int nNoChange : {1, 0, 3, 9, -1}) { // the same, none, those without a viewer
+        pControl->SetPageLayoutMode(nNoChange);
+    }
     EXPECT_TRUE(events.empty());
-    pControl->SetPageLayoutMode(3);
-    EXPECT_EQ(pOld->calls, (Strings{"CloseViewer"}));
-    EXPECT_EQ(pControl->GetPageLayoutMode(), 3);
-    pControl->SetPageLayoutMode(1);
-    EXPECT_EQ(DocEvents(), (Strings{"Mode 1->3", "Mode 3->1"}));
+    EXPECT_TRUE(pOld->calls.empty());
     EXPECT_EQ(pControl->GetPageLayoutMode(), 1);
-    EXPECT_EQ(pControl->GetCurrentPageIndex(), 0); // mode 3 has no viewer to tell a page
+    pControl->SetPageLayoutMode(2);
+    EXPECT_EQ(pOld->calls, (Strings{"CloseViewer"}));
+    EXPECT_EQ(DocEvents(), (Strings{"Mode 1->2"}));
+    EXPECT_EQ(pControl->GetPageLayoutMode(), 2);
+    EXPECT_EQ(pControl->GetCurrentPageIndex(), 2);
 }
 
 TEST_F(CommandsTest, AViewerWithoutADocumentIsBorne) {

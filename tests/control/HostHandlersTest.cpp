@@ -138,6 +138,44 @@ TEST_F(HostHandlersTest, LettingGoInAnyEventEndsTheControlAfterIt) {
     EXPECT_EQ(pEngine->LiveDocs(), 0);
 }
 
+TEST_F(HostHandlersTest, DisposingWhileADocumentIsReplacedAttachesNone) {
+    for (const char* szEvent : {"PageUnloaded", "CloseDoc"}) {
+        for (const bool bGiven : {false, true}) {
+            SCOPED_TRACE(std::string(szEvent) + (bGiven ? " given" : " opened"));
+            auto pShort = vkit::PDFViewCtrl::Create();
+            Listen(*pShort);
+            pShort->ApplyTemplate();
+            pShort->Arrange({500.0F, 500.0F});
+            Run(pShort->OpenPdfDocument(File(), ""));
+            events.clear();
+            InEvent(szEvent, [&] { pShort->Dispose(); });
+            if (bGiven) {
+                EXPECT_THROW(pShort->SetPDFDoc(pEngine->MakeLoadedDoc()),
+                             Platform::ObjectDisposedException);
+            } else {
+                EXPECT_THROW(Run(pShort->OpenPdfDocument(File("b.pdf"), "")).get(),
+                             Platform::ObjectDisposedException);
+            }
+            EXPECT_EQ(DocEvents(), (Strings{"CloseDoc 0 0"}));
+            pShort.reset();
+            host.Drain();
+            EXPECT_EQ(pEngine->LiveDocs(), 0);
+        }
+    }
+}
+
+TEST_F(HostHandlersTest, AnEventTakesNoHandlerOnceTheControlIsDisposed) {
+    auto pOwned = std::make_shared<int>(1);
+    const auto token = pControl->OpenDocEvent.add([pOwned](auto&, auto&) {});
+    pControl->Dispose();
+    EXPECT_EQ(pOwned.use_count(), 1); // what handlers hold goes with the control
+    EXPECT_NO_THROW(pControl->OpenDocEvent.remove(token));
+    EXPECT_THROW(pControl->OpenDocEvent.add([](auto&, auto&) {}),
+                 Platform::ObjectDisposedException);
+    EXPECT_THROW(pControl->RenderPageEvent.add([](auto&, auto&) {}),
+                 Platform::ObjectDisposedException);
+}
+
 TEST_F(HostHandlersTest, DisposingInAnyEventOfAnOpenEndsQuietly) {
     for (const char* szEvent : kOpenEvents) {
         SCOPED_TRACE(szEvent);

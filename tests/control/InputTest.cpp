@@ -1,9 +1,11 @@
 // Gestures, wheel and size changes over the canvas, and the host's sink beside.
 
-#include <map>
+#include <functional>
+#include <stdexcept>
 
 #include "platform/ui/SwapChainPanel.h"
 #include "tests/control/ControlFixture.h"
+#include "tests/support/scripted_engine/ScriptedDestination.h"
 
 namespace velko::testing {
 namespace {
@@ -78,14 +80,20 @@ TEST_F(InputTest, APinchZoomsNeverPansAndEndsSharp) {
                                        "PageScaled 200 300 4 0 1"}));
 }
 
-TEST_F(InputTest, APinchInReflowIsNotHandled) {
-    pControl->SetPageLayoutMode(3);
-    pViewer = UseScriptedViewer();
-    EXPECT_FALSE(Delta(1, 1, 2, 2));
-    Complete(1, 1, 2);
-    Wheel(120, true);
+TEST_F(InputTest, ASheetThatFitsBelowTheLimitZoomsOutToWhereItStood) {
+    pViewer->fScale = 0.125F; // the least that is offered is 0.5
+    Wheel(-120, true);
     EXPECT_TRUE(pViewer->calls.empty());
-    EXPECT_EQ(host.Clock().RunningTimers(), 0U);
+    Start(10, 10);
+    Delta(10, 10, 1.5F, 1.5F);
+    Delta(10, 10, 0.5F, 0.75F);
+    EXPECT_EQ(pViewer->fScale, 0.125F);
+    Complete(10, 10, 0.75F);
+    Wheel(120, true);
+    EXPECT_EQ(pViewer->fScale, 0.625F);
+    Start(10, 10); // a gesture from above the limit ends there
+    Delta(10, 10, 0.01F, 0.01F);
+    EXPECT_EQ(pViewer->fScale, 0.5F);
 }
 
 TEST_F(InputTest, TheWheelScrollsAndTurnsPages) {
@@ -118,12 +126,57 @@ TEST_F(InputTest, WheelZoomsSettleOnceHalfASecondAfterTheLast) {
     EXPECT_EQ(pViewer->calls.size(), 6U);
 }
 
-TEST_F(InputTest, AWaitingWheelZoomDoesNotUndoAnotherZoom) {
+TEST_F(InputTest, WhatGoesElsewhereOrZoomsEndsTheWaitOfAWheelZoom) {
+    const auto pDestination = std::make_shared<ScriptedDestination>();
+    pViewer->ptDevice = {-1000, 0};
+    const std::function<void()> acts[] = {
+        [&] { pControl->GotoPage(3); },
+        [&] {
+            pControl->GotoExactlyPage(0, {1, 1});
+        },
+        [&] { pControl->GotoDestination(std::make_shared<ScriptedAction>(pDestination)); },
+        [&] { pControl->MoveScreen(1, 1); },
+        [&] { pControl->SetScale(3.5F); },
+        [&] {
+            pControl->ZoomAtPoint({1, 1}, 1.5, false, true);
+        },
+        [&] { pControl->RotateViewer(1); },
+        [&] {
+            pControl->Arrange({400.0F, 400.0F});
+        },
+        [&] { Wheel(-120); },
+        [&] { Delta(1, 1, 1.25F, 1.25F); },
+        [&] { InEvent("PageChanged", [&] { pControl->GotoPage(2); }), Wheel(120, true); },
+    };
+    for (const auto& fnAct : acts) {
+        SCOPED_TRACE(&fnAct - acts);
+        pViewer->fScale = 1.0F;
+        Wheel(120, true);
+        EXPECT_EQ(host.Clock().RunningTimers(), 1U);
+        fnAct();
+        EXPECT_EQ(host.Clock().RunningTimers(), 0U);
+    }
+}
+
+TEST_F(InputTest, AWheelZoomSettlesBeforeADragAndNeverWithinOne) {
     Wheel(120, true);
-    pViewer->SetScale(0.75F); // a command, or a pinch
-    pViewer->calls.clear();
+    Start(100, 100);
+    EXPECT_EQ(pViewer->calls.back(), "PageScaled 20 30 1.5 0 1");
+    Delta(90, 100);
+    Wheel(120, true);
+    host.Clock().Advance(3s);
+    EXPECT_EQ(pViewer->calls.back(), "PageScaled 20 30 2 1 0");
+    Complete(90, 100);
     host.Clock().Advance(1s);
-    EXPECT_EQ(pViewer->calls, Strings());
+    EXPECT_EQ(pViewer->calls.back(), "PageScaled 20 30 2 0 1");
+    EXPECT_EQ(host.Clock().RunningTimers(), 0U);
+}
+
+TEST_F(InputTest, AWheelZoomSettlesAlsoWhenAHostFailsInIt) {
+    InEvent("PageChanged", [] { throw std::runtime_error("host"); });
+    EXPECT_THROW(Wheel(120, true), std::runtime_error);
+    host.Clock().Advance(1s);
+    EXPECT_EQ(pViewer->calls.back(), "PageScaled 20 30 1.5 0 1");
 }
 
 TEST_F(InputTest, AWheelZoomAtItsLimitDoesNothing) {
@@ -296,10 +349,45 @@ TEST_F(InputTest, WithScrollingOffOnlyTheSinkHears) {
     Wheel(120, true);
     EXPECT_TRUE(pViewer->calls.empty());
     EXPECT_EQ(pSink->calls.size(), 6U);
+    pControl->Arrange({500, 500}); // the window is as it is
+    EXPECT_EQ(pViewer->calls, (Strings{"InvaildateLayout"}));
     pControl->SetIsCanScrollPageViewEnabled(true);
     EXPECT_EQ(pPanel->ManipulationMode, Input::ManipulationMode::All);
     EXPECT_TRUE(Delta(5, 5));
-    EXPECT_EQ(pViewer->calls.size(), 1U);
+    EXPECT_EQ(pViewer->calls.size(), 2U);
+}
+
+TEST_F(InputTest, SwitchingScrollingOffCompletesTheOpenGesture) {
+    const auto fnSwitch = [&](bool bOn, bool bTellPanel) {
+        bTellPanel ? pControl->SetIsCanScrollPageViewEnabled(bOn)
+                   : pControl->IsCanScrollPageViewEnabled(bOn);
+    };
+    for (const bool bTellPanel : {true, false}) {
+        pViewer->calls.clear();
+        pViewer->fScale = 1.0F;
+        Start(100, 100);
+        Delta(100, 90, 1.5F, 1.5F);
+        fnSwitch(false, bTellPanel);
+        fnSwitch(false, bTellPanel); // once
+        EXPECT_EQ(pViewer->calls,
+                  (Strings{"PageScaled 200 270 1.5 1 0", "PageScaled 200 270 1.5 0 1"}));
+        fnSwitch(true, bTellPanel);
+        pViewer->calls.clear();
+        Start(100, 100);
+        Delta(90, 100);
+        fnSwitch(false, bTellPanel);
+        fnSwitch(true, bTellPanel);
+        Delta(50, 100); // the finger is still down: goes on from here, without a leap
+        Delta(45, 100);
+        Complete(45, 100);
+        EXPECT_EQ(pViewer->calls, (Strings{"MoveScreen 0 20", "Align 0 20", "MoveScreen 0 0",
+                                           "MoveScreen 0 10", "Align 0 10"}));
+    }
+    // By a handler within the gesture's own step.
+    Start(100, 100);
+    InEvent("PageChanged", [&] { fnSwitch(false, true); });
+    Delta(100, 100, 2.0F, 2.0F);
+    EXPECT_EQ(pViewer->calls.back(), "PageScaled 200 300 3 0 1");
 }
 
 }

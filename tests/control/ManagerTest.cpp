@@ -1,5 +1,6 @@
 // The manager's page events and its change of viewers.
 
+#include <set>
 #include <stdexcept>
 
 #include "surface/PDFViewCanvas.h"
@@ -32,6 +33,35 @@ TEST_F(ManagerTest, PagesGoOutOfSightBeforeOthersComeIntoIt) {
     pManager->InitLayOut(0, 1, 0, 0);
     pManager->PageScaled({0, 0}, 1, false, true);
     EXPECT_EQ(events, (Strings(3, "PageChanged [3,5,4]->[3,5,4]")));
+}
+
+// The host's own list, kept by the events alone, is the truth after any of them.
+TEST_F(ManagerTest, AStepFromWithinAStepLeavesTheHostKnowingWhatShows) {
+    std::set<std::int32_t> known;
+    pControl->PageVisibleEvent.add([&](auto&, auto& pArgs) { known.insert(pArgs->PageIndex); });
+    pControl->PageInvisibleEvent.add([&](auto&, auto& pArgs) { known.erase(pArgs->PageIndex); });
+    for (const char* szEvent : {"PageInvisible", "PageVisible", "PageChanged", "in the step"}) {
+        SCOPED_TRACE(szEvent);
+        known = {1, 2};
+        pViewer->visiblePages = {1, 2};
+        const auto fnNested = [&] {
+            pViewer->fnDuringMove = [&] { pViewer->visiblePages = {2, 9}; };
+            pManager->GotoPage(9);
+        };
+        InEvent(szEvent, fnNested);
+        pViewer->fnDuringMove = [&] {
+            pViewer->visiblePages = {5, 6};
+            Hook("in the step");
+        };
+        pManager->MoveScreen(1, 0);
+        EXPECT_EQ(known, (std::set<std::int32_t>{2, 9}));
+    }
+}
+
+TEST_F(ManagerTest, WhatAViewerPutOffHasItsPageEvents) {
+    pViewer->visiblePages = {1};
+    pControl->PageViewMgr()->RunOperation([&] { pViewer->visiblePages = {2}; });
+    EXPECT_EQ(events, (Strings{"PageInvisible 1", "PageVisible 2", "PageChanged [1]->[2]"}));
 }
 
 TEST_F(ManagerTest, AFailingStepRaisesNothing) {
@@ -70,9 +100,11 @@ TEST_F(ManagerTest, ChangingToTheSameModeRemakesTheViewer) {
     ASSERT_NE(pFirst, nullptr);
     pManager->ChangeViewer(1, nullptr, pCanvas);
     EXPECT_NE(pManager->GetViewer(), pFirst);
-    pManager->ChangeViewer(9, nullptr, pCanvas);
-    EXPECT_EQ(pManager->GetViewer(), nullptr);
-    EXPECT_EQ(pManager->LayoutMode(), 9);
+    const auto pSecond = pManager->GetViewer();
+    EXPECT_FALSE(pManager->ChangeViewer(9, nullptr, pCanvas)); // none for it: all stays
+    EXPECT_EQ(pManager->GetViewer(), pSecond);
+    EXPECT_EQ(pManager->LayoutMode(), 1);
+    pManager->SetViewer(nullptr);
     EXPECT_TRUE(pManager->GetVisiblePages().empty());
     EXPECT_EQ(pManager->DevicePointToPagePoint({4, 5})->pt, (Windows::Foundation::Point{4, 5}));
     pManager->GotoPage(1);

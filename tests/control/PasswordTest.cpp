@@ -45,7 +45,11 @@ TEST_F(PasswordTest, AnAcceptedPasswordTellsFirstAndShowsThen) {
     EXPECT_FALSE(pOperation->JudgePassword("wrong"));
     EXPECT_EQ(pControl->GetPageCount(), 0);
     EXPECT_TRUE(pOperation->JudgePassword("reader"));
+    bool bViewerInEvent = true;
+    InEvent("OpenDoc", [&] { bViewerInEvent = pControl->HasViewer(); });
     pOperation->OnPasswordOK();
+    EXPECT_FALSE(bViewerInEvent); // the old document's, if any, is no viewer of this one
+    EXPECT_TRUE(pControl->HasViewer());
     EXPECT_EQ(DocEvents(), (Strings{"OpenDoc 0 0", "Mode 1->1"}));
     EXPECT_EQ(pControl->GetPageCount(), 5);
     EXPECT_EQ(completed.get()->m_nErrorCode, ErrorCode::e_ErrSuccess);

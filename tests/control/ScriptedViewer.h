@@ -65,7 +65,7 @@ public:
         return p;
     }
     std::shared_ptr<vkit::Render_PageScreenOffsetInfo> GetPageScreenOffset(std::int32_t) override {
-        return nullptr;
+        return std::make_shared<vkit::Render_PageScreenOffsetInfo>();
     }
     std::shared_ptr<vkit::WrapperDevicePoint> PagePointToDevicePoint(std::int32_t nPage,
                                                                      Point) override {

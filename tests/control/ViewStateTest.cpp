@@ -60,17 +60,14 @@ TEST_F(ViewStateTest, WhatIsWrittenOfAFile) {
     EXPECT_EQ(values.Size(), 11U);
 }
 
-TEST_F(ViewStateTest, WhatIsLeftOutWithoutFileAndInReflow) {
+TEST_F(ViewStateTest, WhatIsLeftOutWithoutFile) {
     Show(800, 800);
     pControl->SetPDFDoc(pEngine->MakeLoadedDoc());
-    pControl->SetPageLayoutMode(3);
     PropertySet values;
     pControl->SaveViewState(values);
     EXPECT_EQ(values.Lookup("FileName").Get<std::string>(), "");
     EXPECT_FALSE(values.HasKey("FileSize"));
     EXPECT_FALSE(values.HasKey("PasswordProtected"));
-    EXPECT_FALSE(values.HasKey("Scale"));
-    EXPECT_FALSE(values.HasKey("Rotate"));
     EXPECT_FALSE(values.Lookup("RotatedScreen").Get<bool>()); // a square is not rotated
 }
 

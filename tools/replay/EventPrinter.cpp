@@ -15,8 +15,7 @@ JsonObject EventLine(const char* szEvent) {
     return JsonObject().Add("event", szEvent);
 }
 
-void PrintDocumentEvent(PDFViewCtrl::ControlEvent<DocEventArgs>& event, const char* szName,
-                        Output& output) {
+void PrintDocumentEvent(ControlEvent<DocEventArgs>& event, const char* szName, Output& output) {
     event.add([szName, &output](const Sender&, const std::shared_ptr<DocEventArgs>& pArgs) {
         output.Print(EventLine(szName)
                          .Add("error", static_cast<std::int32_t>(pArgs->ErrorCode))
@@ -25,7 +24,7 @@ void PrintDocumentEvent(PDFViewCtrl::ControlEvent<DocEventArgs>& event, const ch
 }
 
 template <class Record>
-void PrintPageEvent(PDFViewCtrl::ControlEvent<Record>& event, const char* szName, Output& output) {
+void PrintPageEvent(ControlEvent<Record>& event, const char* szName, Output& output) {
     event.add([szName, &output](const Sender&, const std::shared_ptr<Record>& pArgs) {
         output.Print(EventLine(szName).Add("page", pArgs->PageIndex));
     });
