@@ -1,10 +1,8 @@
 #include "platform/gestures/PanelEvents.h"
 
-#include <string>
 #include <utility>
 
-#include "platform/foundation/Describe.h"
-#include "platform/system/Debug.h"
+#include "platform/foundation/Exception.h"
 
 namespace Platform::Gestures {
 
@@ -16,21 +14,12 @@ PanelEvents::PanelEvents(std::shared_ptr<Panel> pPanel) : m_pPanel(std::move(pPa
 
 void PanelEvents::Close() {
     m_bClosed = true;
-    OnFailure = nullptr;
+    m_failures.Listen(nullptr);
 }
 
 bool PanelEvents::WantsManipulations() const {
     using Windows::UI::Xaml::Input::ManipulationMode;
     return !m_bClosed && m_pPanel->ManipulationMode == ManipulationMode::All;
-}
-
-void PanelEvents::Report(std::exception_ptr pFailure) {
-    if (const auto fnReport = OnFailure) { // a copy: the call may close this
-        fnReport(std::move(pFailure));
-        return;
-    }
-    Debug::OutputDebugString("unhandled failure in a handler of input: " + Describe(pFailure) +
-                             "\n");
 }
 
 }

@@ -1,14 +1,13 @@
 // The way out: raises input events on a panel until it is closed.
 //
-// A raise never throws: what a subscriber fails with goes to `OnFailure`, or to
-// the log when that is empty, and whoever raised goes on.
+// A raise never throws: what a subscriber fails with goes to `Failures`, and
+// whoever raised goes on.
 // Threads: UI thread only.
 #pragma once
 
-#include <exception>
-#include <functional>
 #include <memory>
 
+#include "platform/foundation/FailureSink.h"
 #include "platform/ui/SwapChainPanel.h"
 
 namespace Platform::Gestures {
@@ -25,14 +24,10 @@ public:
             return;
         }
         const std::shared_ptr<Panel> pKeep = m_pPanel;
-        try {
-            (*pKeep.*pEvent).raise(args);
-        } catch (...) {
-            Report(std::current_exception());
-        }
+        m_failures.Run([&] { (*pKeep.*pEvent).raise(args); });
     }
 
-    // Nothing is raised or reported to `OnFailure` from now on.
+    // Nothing is raised, or told to who listens for failures, from now on.
     void Close();
     bool IsClosed() const { return m_bClosed; }
 
@@ -40,12 +35,11 @@ public:
     bool WantsManipulations() const;
     const Panel& Target() const { return *m_pPanel; }
 
-    std::function<void(std::exception_ptr)> OnFailure;
+    FailureSink& Failures() { return m_failures; }
 
 private:
-    void Report(std::exception_ptr pFailure);
-
     const std::shared_ptr<Panel> m_pPanel;
+    FailureSink m_failures{"a handler of input"};
     bool m_bClosed = false;
 };
 

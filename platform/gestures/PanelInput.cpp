@@ -101,9 +101,9 @@ void PanelInput::Configure(const Settings& settings) {
     m_pFrameTimer->Interval(settings.frame);
 }
 
-void PanelInput::OnFailure(std::function<void(std::exception_ptr)> fnReport) {
+void PanelInput::OnFailure(FailureSink::Listener fnReport) {
     if (!m_events.IsClosed()) {
-        m_events.OnFailure = std::move(fnReport);
+        m_events.Failures().Listen(std::move(fnReport));
     }
 }
 

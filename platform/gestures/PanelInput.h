@@ -65,7 +65,7 @@ public:
     // As `Stop`, and nothing is raised any more.
     void Close();
 
-    void OnFailure(std::function<void(std::exception_ptr)> fnReport);
+    void OnFailure(FailureSink::Listener fnReport);
 
 private:
     using Timer = std::shared_ptr<Windows::UI::Xaml::DispatcherTimer>;

@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <cmath>
 #include <utility>
+#include <vector>
 
+#include "platform/foundation/FirstFailure.h"
 #include "platform/qt/QtBusyMark.h"
 #include "platform/qt/QtSwapChain.h"
 
@@ -35,15 +37,26 @@ std::shared_ptr<Xaml::Controls::SwapChainPanel> FindPanel(
 
 // A size change without another size: what an element computes from its size
 // and from the dots per inch or the composition scale is stale when only these
-// have changed.
-void RaiseSizeChanged(const std::shared_ptr<Xaml::FrameworkElement>& pElement) {
-    const Size size{static_cast<float>(pElement->ActualWidth()),
-                    static_cast<float>(pElement->ActualHeight())};
-    pElement->SizeChanged.raise({size, size});
-    const auto children = pElement->Children(); // a handler may change them
-    for (const auto& pChild : children) {
-        RaiseSizeChanged(pChild);
+// have changed. The panel hears first, as of a size that differs: what stands
+// around it finds its pages laid out.
+void RaiseSizeChanged(const std::shared_ptr<Xaml::FrameworkElement>& pRoot,
+                      const std::shared_ptr<Xaml::FrameworkElement>& pPanel) {
+    std::vector<std::shared_ptr<Xaml::FrameworkElement>> elements{pPanel, pRoot};
+    for (std::size_t n = 1; n < elements.size(); ++n) {
+        for (const auto& pChild : elements[n]->Children()) {
+            if (pChild != pPanel) {
+                elements.push_back(pChild);
+            }
+        }
     }
+    Platform::FirstFailure failure;
+    for (std::size_t n = pRoot == pPanel ? 1 : 0; n < elements.size(); ++n) {
+        const auto& pElement = elements[n];
+        const Size size{static_cast<float>(pElement->ActualWidth()),
+                        static_cast<float>(pElement->ActualHeight())};
+        failure.Run([&] { pElement->SizeChanged.raise({size, size}); });
+    }
+    failure.Rethrow();
 }
 
 std::shared_ptr<Xaml::FrameworkElement> WithTemplate(
@@ -143,7 +156,7 @@ void QtElementWindow::Arrange() {
         ArrangeTree(size, fScaleX, fScaleY);
     }
     if (pThis && bSameSize && dbRatioBefore != 0.0) {
-        Guard([pRoot = m_pRoot] { RaiseSizeChanged(pRoot); });
+        Guard([pRoot = m_pRoot, pPanel = m_pPanel] { RaiseSizeChanged(pRoot, pPanel); });
     }
     if (pThis && OnAfterArrange) {
         Guard(OnAfterArrange);

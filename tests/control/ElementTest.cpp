@@ -179,16 +179,5 @@ TEST_F(ElementTest, ATemplateIsAppliedOnceUntilItIsReapplied) {
                  Platform::FileNotFoundException);
 }
 
-TEST_F(ElementTest, ContentIsReplaced) {
-    const auto pControl = std::make_shared<Controls::UserControl>();
-    pControl->Content(Make("a"));
-    const auto pSecond = Make("b");
-    pControl->Content(pSecond);
-    EXPECT_EQ(pControl->Content(), pSecond);
-    EXPECT_EQ(pControl->Children().size(), 1U);
-    pControl->Content(nullptr);
-    EXPECT_EQ(pControl->Content(), nullptr);
-}
-
 }
 }

@@ -12,7 +12,6 @@ namespace {
 
 using Windows::Foundation::Event;
 using Windows::Foundation::EventRegistrationToken;
-using Windows::Foundation::Collections::CollectionChange;
 using Windows::Foundation::Collections::ObservableMap;
 using Windows::Foundation::Collections::ObservableVector;
 
@@ -70,55 +69,34 @@ TEST(EventTest, ARaiseEndsWellWhenItsEventGoesDuringIt) {
     EXPECT_EQ(nCalls, 1);
 }
 
-TEST(CollectionsTest, AMapIsOrderedAndTellsEveryChange) {
+TEST(CollectionsTest, ChangesAreToldWithTheirPlaceAndForeignPlacesRefused) {
     ObservableMap<int, std::string> map;
-    std::vector<std::pair<CollectionChange, int>> changes;
-    map.MapChanged.add([&](const auto& changed, const auto& args) {
-        EXPECT_EQ(&changed, &map);
-        changes.emplace_back(args.Change, args.Key.value_or(-1));
+    std::string strChanges;
+    map.MapChanged.add([&](const auto&, const auto& args) {
+        strChanges += std::to_string(static_cast<int>(args.Change)) + ":" +
+                      std::to_string(args.Key.value_or(-1)) + " ";
     });
     EXPECT_FALSE(map.Insert(7, "seven"));
     EXPECT_FALSE(map.Insert(2, "two"));
     EXPECT_TRUE(map.Insert(7, "VII"));
-    EXPECT_EQ(map.Lookup(7), "VII");
     EXPECT_EQ(map.Snapshot(), (std::vector<std::pair<int, std::string>>{{2, "two"}, {7, "VII"}}));
-    EXPECT_EQ(map.Find(3), nullptr);
-    EXPECT_THROW(map.Lookup(3), Platform::OutOfBoundsException);
     EXPECT_THROW(map.Remove(3), Platform::OutOfBoundsException);
     map.Remove(2);
     map.Clear();
-    EXPECT_EQ(map.Size(), 0U);
-    EXPECT_EQ(changes,
-              (std::vector<std::pair<CollectionChange, int>>{{CollectionChange::ItemInserted, 7},
-                                                             {CollectionChange::ItemInserted, 2},
-                                                             {CollectionChange::ItemChanged, 7},
-                                                             {CollectionChange::ItemRemoved, 2},
-                                                             {CollectionChange::Reset, -1}}));
-}
-
-TEST(CollectionsTest, AVectorTellsEveryChangeAndRefusesForeignIndexes) {
     ObservableVector<char> vector;
-    std::string strChanges;
     vector.VectorChanged.add([&](const auto&, const auto& args) {
         strChanges +=
             std::to_string(static_cast<int>(args.Change)) + ":" + std::to_string(args.Index) + " ";
     });
     vector.Append('a');
-    vector.Append('c');
-    vector.InsertAt(1, 'b');
-    vector.SetAt(0, 'A');
-    EXPECT_EQ(std::string(vector.begin(), vector.end()), "Abc");
-    EXPECT_EQ(vector.IndexOf('c'), 2U);
-    EXPECT_EQ(vector.IndexOf('x'), std::nullopt);
+    vector.InsertAt(0, 'b');
+    vector.SetAt(1, 'c');
     vector.RemoveAt(0);
+    EXPECT_THROW(vector.GetAt(1), Platform::OutOfBoundsException);
+    EXPECT_THROW(vector.InsertAt(2, 'x'), Platform::OutOfBoundsException);
     vector.RemoveAtEnd();
-    EXPECT_EQ(vector.Snapshot(), std::vector<char>{'b'});
-    vector.Clear();
-    EXPECT_EQ(strChanges, "1:0 1:1 1:1 3:0 2:0 2:1 0:0 ");
-    EXPECT_THROW(vector.GetAt(0), Platform::OutOfBoundsException);
-    EXPECT_THROW(vector.SetAt(0, 'x'), Platform::OutOfBoundsException);
-    EXPECT_THROW(vector.InsertAt(1, 'x'), Platform::OutOfBoundsException);
     EXPECT_THROW(vector.RemoveAtEnd(), Platform::OutOfBoundsException);
+    EXPECT_EQ(strChanges, "1:7 1:2 3:7 2:2 0:-1 1:0 1:0 3:1 2:0 2:0 ");
 }
 
 }

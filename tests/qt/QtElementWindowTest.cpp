@@ -160,6 +160,13 @@ TEST_F(QtElementWindowTest, SizeAndScaleAreInForceBeforeAnyHandlerAndThePanelHea
     m_pWindow->resize(501, 300);
     EXPECT_EQ(m_pRoot->ActualWidth(), 333.0);
     EXPECT_EQ(m_pPanel->ActualHeight(), 217.0);
+    heard.clear();
+    m_pEnvironment->SetCompositionScale(3.0F, 2.0F); // alone: sizes in it are stale
+    m_pWindow->Arrange();
+    ASSERT_GE(heard.size(), 3U);
+    EXPECT_EQ(heard.front(), "scale 333 30");
+    EXPECT_LT(std::find(heard.begin(), heard.end(), "panel 333 30"),
+              std::find(heard.begin(), heard.end(), "root 333 30"));
 }
 
 TEST_F(QtElementWindowTest, ReportsTheDisplayAndWhatAToolFixes) {
