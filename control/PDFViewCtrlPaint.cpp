@@ -13,15 +13,8 @@ namespace {
 // What of the pages in sight is rendered.
 struct Ink {
     bool bSome = false; // stand-ins count
-    bool bAll = false;  // each block at the size that it has now
+    bool bAll = false;  // each block for its scale and the page's present state
 };
-
-// A bitmap of another size stands in for the block until its own is rendered.
-bool IsFinal(const BlockState& block) {
-    return block.bHasBitmap && !block.bIsRendering &&
-           block.nBitmapWidth == block.screenRect.nWidth &&
-           block.nBitmapHeight == block.screenRect.nHeight;
-}
 
 Ink InkOf(const IPDFViewer& viewer) {
     const auto* const pInspection = dynamic_cast<const IViewerInspection*>(&viewer);
@@ -33,7 +26,7 @@ Ink InkOf(const IPDFViewer& viewer) {
     for (const PageItemState& item : state.items) {
         for (const BlockState& block : item.blocks) {
             ink.bSome = ink.bSome || (block.bIsDisplay && block.bHasBitmap);
-            ink.bAll = ink.bAll && (!block.bIsDisplay || IsFinal(block));
+            ink.bAll = ink.bAll && (!block.bIsDisplay || block.bIsSharp);
         }
     }
     ink.bAll = ink.bAll && ink.bSome;

@@ -127,6 +127,30 @@ TEST_F(CommandsTest, EachAnswersItsFallbackWithoutWhatItWorksOn) {
     EXPECT_EQ(pControl->Document()->HiddenAnnotTypes(), (std::vector<std::int32_t>{9}));
 }
 
+TEST_F(CommandsTest, AHostCanAskWhatLiesOnTheScreenAndWhetherItIsSharp) {
+    Show(1000, 800);
+    Open();
+    EXPECT_FALSE(pControl->IsSharp());
+    host.Drain();
+    EXPECT_TRUE(pControl->HasInk());
+    EXPECT_TRUE(pControl->IsSharp());
+    pControl->ZoomAtPoint({0, 0}, 2.0, true, false);
+    EXPECT_TRUE(pControl->HasInk()); // blurred
+    EXPECT_FALSE(pControl->IsSharp());
+    pControl->ZoomAtPoint({0, 0}, 2.0, false, true);
+    host.Drain();
+    EXPECT_TRUE(pControl->IsSharp());
+    const auto place = pControl->GetPageScreenRect(0);
+    ASSERT_TRUE(place.has_value());
+    EXPECT_EQ(place->nWidth, 1600); // 600 points at 96 dpi and 200 %
+    EXPECT_FALSE(pControl->GetPageScreenRect(4).has_value());
+    pControl->MoveScreen(100, 30);
+    EXPECT_EQ(pControl->GetPageScreenRect(0)->dbOffsetY, place->dbOffsetY - 100);
+    pControl->CloseDocument();
+    EXPECT_FALSE(pControl->HasViewer());
+    EXPECT_FALSE(pControl->HasInk() || pControl->IsSharp());
+}
+
 TEST_F(CommandsTest, PrevAndNextAnswerTrueWhenTheyStay) {
     Show();
     Open();

@@ -11,6 +11,8 @@
 namespace velko::testing {
 
 class ScriptedViewer : public vkit::IPDFViewer {
+    using PageRect = std::shared_ptr<vkit::WrapperDeviceRect>;
+
 public:
     // What it answers.
     std::int32_t nCurrentPage = 0;
@@ -21,8 +23,7 @@ public:
     std::vector<std::int32_t> visiblePages;
     Rect rcPage;
     Point ptDevice;
-    std::shared_ptr<vkit::WrapperDeviceRect> pRectResult =
-        std::make_shared<vkit::WrapperDeviceRect>();
+    PageRect pRectResult = std::make_shared<vkit::WrapperDeviceRect>();
     std::shared_ptr<vkit::PagePosition> pPosition;
     Color background{255, 1, 2, 3};
     Color foreground{255, 4, 5, 6};
@@ -75,10 +76,7 @@ public:
         p->pt = ptDevice;
         return p;
     }
-    std::shared_ptr<vkit::WrapperDeviceRect> PageRectToDeviceRect(std::int32_t,
-                                                                  const Rect&) override {
-        return pRectResult;
-    }
+    PageRect PageRectToDeviceRect(std::int32_t, const Rect&) override { return pRectResult; }
     void AlignPageAfterScroll(double dbY, double dbX) override { Note("Align %g %g", dbY, dbX); }
     void ClearPagesBitmap() override {}
     void PageSizeChanged(double dbX, double dbY) override {
@@ -91,24 +89,15 @@ public:
     void SetNightMode(bool) override {}
     void RedrawScreen() override { Note("RedrawScreen"); }
     void UpdatePageAfterAnnotEdit(std::int32_t n) override { Note("AnnotEdit %d", n); }
-    std::shared_ptr<vkit::WrapperDeviceRect> PageRectToScreenRect(std::int32_t,
-                                                                  const Rect&) override {
-        return pRectResult;
-    }
-    std::shared_ptr<vkit::WrapperDeviceRect> ScreenRectToPageRect(std::int32_t,
-                                                                  const Rect&) override {
-        return pRectResult;
-    }
+    PageRect PageRectToScreenRect(std::int32_t, const Rect&) override { return pRectResult; }
+    PageRect ScreenRectToPageRect(std::int32_t, const Rect&) override { return pRectResult; }
     bool IsPointInPage(Point) override { return false; }
     std::int32_t GetPageIndexAtPoint(Point) override { return 7; }
     Point AdjustPointInPage(Point pt, std::int32_t) override { return pt; }
     Rect GetPageRectAtPoint(Point, std::int32_t) override { return rcPage; }
     void ClearCanvas(const std::shared_ptr<vkit::WPRenderDC>&) override {}
     void ClearScreen() override { Note("ClearScreen"); }
-    std::shared_ptr<vkit::WrapperDeviceRect> DeviceRectToPageRect(std::int32_t,
-                                                                  const Rect&) override {
-        return pRectResult;
-    }
+    PageRect DeviceRectToPageRect(std::int32_t, const Rect&) override { return pRectResult; }
     std::array<double, 6> GetDisplayMatrix(std::int32_t nPage) override {
         return {2.0, 0.0, 0.0, 2.0, static_cast<double>(nPage), 0.0};
     }
