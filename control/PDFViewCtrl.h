@@ -215,6 +215,8 @@ public:
     bool NightMode();         // true for the night colours exactly
     void NightMode(bool bOn); // nothing in reflow
     void SetPageColors(Color background, Color foreground);
+    // Around the pages, from the next frame on. Before the template: nothing.
+    void SetSurround(Color color);
 
     // --- painting ---
     void RedrawScreen();

@@ -1,6 +1,7 @@
 // Colours, painting, and what is drawn of a document.
 
 #include "control/PDFViewCtrl_p.h"
+#include "surface/PDFViewCanvas.h"
 #include "viewers/core/Modes.h"
 #include "viewers/core/ViewerInspection.h"
 
@@ -62,6 +63,13 @@ void PDFViewCtrl::NightMode(bool bOn) {
 
 void PDFViewCtrl::SetPageColors(Color background, Color foreground) {
     WithShown([&](IPDFViewer& viewer) { viewer.SetPageColors(background, foreground); });
+}
+
+void PDFViewCtrl::SetSurround(Color color) {
+    const auto pSelf = Enter();
+    if (const auto pCanvas = Canvas()) {
+        pCanvas->SetSurround(color.ToArgb());
+    }
 }
 
 void PDFViewCtrl::RedrawScreen() {

@@ -225,6 +225,16 @@ const PDFViewCanvas::Brush& PDFViewCanvas::WhiteBrush() const {
     return m_pWhiteBrush;
 }
 
+void PDFViewCanvas::SetSurround(std::uint32_t nColor) {
+    ThrowIfDisposed();
+    m_nSurround = nColor;
+}
+
+D2D_COLOR_F PDFViewCanvas::Surround() const {
+    ThrowIfDisposed();
+    return ColorFromArgb(m_nSurround);
+}
+
 // --- frames ---
 
 std::shared_ptr<WPRenderDC> PDFViewCanvas::CreateRenderDC() {

@@ -68,6 +68,11 @@ public:
     const Brush& PageBrush() const;
     const Brush& WhiteBrush() const;
 
+    // What a viewer clears a frame to: the colour around pages. Kept over the
+    // loss of the device; a light grey at first.
+    void SetSurround(std::uint32_t nColor); // 0xAARRGGBB
+    Windows::Graphics::D2D_COLOR_F Surround() const;
+
     // Lets go of the device and the brushes, and empties the panel. More than
     // once does nothing.
     void Dispose();
@@ -114,6 +119,7 @@ private:
     Brush m_pPageBrush;
 
     std::uint32_t m_nPageColor = 0xFFFFFFFFU; // 0xAARRGGBB
+    std::uint32_t m_nSurround = 0xFFE0E0E0U;
     std::optional<FrameRequest> m_pendingFrame;
     std::uint64_t m_nGenerationTold = 0; // the device of which clients know
     Windows::Foundation::EventRegistrationToken m_tokenLoaded;

@@ -125,13 +125,16 @@ TEST_F(DrawingTest, WhatLiesOnTheBitmapFillsTheWholeDestination) {
     EXPECT_EQ(Shown(30, 5), 0xFF808080U);
 }
 
-TEST_F(DrawingTest, ThePageBrushFollowsThePageColour) {
+TEST_F(DrawingTest, TheColoursOfPaperAndSurroundAreKeptForEveryDevice) {
+    EXPECT_FLOAT_EQ(Canvas().Surround().r, 0.8784314F);
+    Canvas().SetSurround(0xFF1E1E27U);
     Canvas().SetPageColor(0xFF336699U); // before there is a device
     EXPECT_EQ(Canvas().PageBrush(), nullptr);
     Start();
     EXPECT_FLOAT_EQ(Canvas().PageBrush()->GetColor().g, 0.4F);
     Canvas().SetPageColor(0x80FFFFFFU);
     EXPECT_FLOAT_EQ(Canvas().PageBrush()->GetColor().a, 128.0F / 255.0F);
+    EXPECT_FLOAT_EQ(Canvas().Surround().b, 39.0F / 255.0F);
 }
 
 TEST_F(DrawingTest, ARenderContextIsEmptyUntilTheCanvasFillsIt) {

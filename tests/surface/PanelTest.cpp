@@ -202,6 +202,8 @@ TEST_F(PanelTest, ADisposedCanvasLetsGoOfAllAndRefusesEveryCall) {
         [&] { Canvas().SetPageColor(0); },
         [&] { Canvas().PageBrush(); },
         [&] { Canvas().WhiteBrush(); },
+        [&] { Canvas().SetSurround(0); },
+        [&] { Canvas().Surround(); },
     };
     for (std::size_t nCall = 0; nCall < calls.size(); ++nCall) {
         EXPECT_EQ(CodeRaisedBy(calls[nCall]), Platform::RO_E_CLOSED) << "call " << nCall;
