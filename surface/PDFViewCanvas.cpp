@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "document/engine/Bitmap.h"
+#include "platform/foundation/Describe.h"
+#include "platform/system/Debug.h"
 #include "platform/ui/CoreDispatcher.h"
 
 namespace velko::vkit {
@@ -15,6 +17,16 @@ namespace {
 
 constexpr float kOutlineWidth = 1.0F;
 constexpr std::uint32_t kBytesPerPixel = 4;
+
+template <class F>
+std::exception_ptr FailureOf(const F& fnBody) {
+    try {
+        fnBody();
+        return nullptr;
+    } catch (...) {
+        return std::current_exception();
+    }
+}
 
 D2D_COLOR_F ColorFromArgb(std::uint32_t nColor) {
     const auto fnChannel = [nColor](std::uint32_t nShift) {
@@ -267,13 +279,8 @@ void PDFViewCanvas::RequestFrame(ICanvasClient* pClient, DrawOperation pDraw) {
         return;
     }
     const auto pSelf = shared_from_this(); // a handler within the frame may let go of this
-    try {
-        RunFrame(pClient, pDraw);
-        RunPendingFrame();
-    } catch (...) {
-        PostPendingFrame(); // what a handler asked for holds, whatever it threw then
-        throw;
-    }
+    RunFrame(pClient, pDraw);
+    RunPendingFrame();
     PostPendingFrame();
 }
 
@@ -281,18 +288,38 @@ void PDFViewCanvas::RequestFrame(ICanvasClient* pClient, DrawOperation pDraw) {
 void PDFViewCanvas::RunFrame(ICanvasClient* pClient, DrawOperation pDraw) {
     const std::shared_ptr<void> pKeptAlive = pClient ? pClient->KeepAlive() : nullptr;
     const auto wkClient = pClient ? pClient->WeakReference() : std::weak_ptr<ICanvasClient>();
-    {
+    std::exception_ptr pFailure = FailureOf([&] {
         const concurrency::critical_section::scoped_lock lock(m_lock);
         DrawAndPresent(pClient, pDraw);
+    });
+    if (!m_bDisposed && !pFailure && wkClient.lock()) {
+        pFailure = FailureOf([&] { TellDeviceRemade(pClient); });
     }
     if (m_bDisposed) {
         return;
     }
+    if (pFailure) {
+        OnFailure(pFailure, {wkClient, pDraw});
+        return;
+    }
+    m_nFailures = 0;
     if (m_bSizeChangePending && !m_pendingFrame) {
         m_pendingFrame = FrameRequest{wkClient, pDraw};
     }
-    if (wkClient.lock()) {
-        TellDeviceRemade(pClient);
+}
+
+// What a handler asked for within the frame comes in the place of a second try.
+void PDFViewCanvas::OnFailure(const std::exception_ptr& pFailure, FrameRequest request) {
+    constexpr std::uint32_t kTries = 3;
+    if (m_nFailures++ < kTries && !m_pendingFrame) {
+        m_pendingFrame = std::move(request);
+    }
+    if (m_nFailures > 1) {
+        return;
+    }
+    Platform::Debug::OutputDebugString("a frame failed: " + Platform::Describe(pFailure) + "\n");
+    if (const auto fnTell = OnFrameFailed) {
+        fnTell(pFailure);
     }
 }
 

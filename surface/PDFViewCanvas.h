@@ -9,10 +9,16 @@
 // does not hold the thread.
 // Units: rectangles of the drawing operations are logical and are multiplied
 // by the panel's composition scale at each call. Threads: the UI thread only.
-// Errors: a disposed canvas raises `ObjectDisposedException`.
+// Errors: a disposed canvas raises `ObjectDisposedException`. A frame that fails,
+// by its device or by what a client or a handler of the host throws within it,
+// is ended and not presented, and fails nobody who asked for it: `OnFrameFailed`
+// is told, and the frame is tried again, up to three times in a row. Later
+// requests are tried once each until one of them succeeds.
 #pragma once
 
 #include <cstdint>
+#include <exception>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -47,11 +53,14 @@ public:
 
     std::shared_ptr<WPRenderDC> CreateRenderDC();
 
-    // One frame under the lock. A failure of the client is raised after the
-    // lock is released; its frame is ended and not presented. When the device
-    // is lost with the frame, the frame is drawn again on the new one.
+    // One frame under the lock. When the device is lost with the frame, the
+    // frame is drawn again on the new one.
     void RenderViewer(ICanvasClient& client);
     void ClearViewer(ICanvasClient& client);
+
+    // Told of the first failure after a good frame, outside of the lock; the
+    // debug output is told of it too. It raises nothing.
+    std::function<void(const std::exception_ptr&)> OnFrameFailed;
 
     // The panel's actual size times its composition scale, in device pixels.
     float GetScaledWidth() const;
@@ -91,6 +100,7 @@ private:
     void RequestFrame(ICanvasClient* pClient, DrawOperation pDraw);
     void RunRequest(const FrameRequest& request);
     void RunFrame(ICanvasClient* pClient, DrawOperation pDraw);
+    void OnFailure(const std::exception_ptr& pFailure, FrameRequest request);
     void DrawAndPresent(ICanvasClient* pClient, DrawOperation pDraw);
     void Draw(ICanvasClient* pClient, DrawOperation pDraw);
     void RunPendingFrame();
@@ -121,6 +131,7 @@ private:
     std::uint32_t m_nPageColor = 0xFFFFFFFFU; // 0xAARRGGBB
     std::uint32_t m_nSurround = 0xFFE0E0E0U;
     std::optional<FrameRequest> m_pendingFrame;
+    std::uint32_t m_nFailures = 0;       // of frames, since the last good one
     std::uint64_t m_nGenerationTold = 0; // the device of which clients know
     Windows::Foundation::EventRegistrationToken m_tokenLoaded;
     Windows::Foundation::EventRegistrationToken m_tokenUnloaded;

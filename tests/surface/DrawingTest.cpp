@@ -57,36 +57,6 @@ TEST_F(DrawingTest, OutlinesHaveTheirWidthAndTheSelectionItsOwnBrush) {
     EXPECT_EQ(selection.rcDestination, (Graphics::D2D_RECT_F{1.0F, 2.0F, 4.0F, 6.0F}));
 }
 
-TEST_F(DrawingTest, TheBrushesAreMadeInTheirOrderWithTheirOpacities) {
-    Start();
-    const std::vector<Graphics::D2D_COLOR_F> expected = {{0, 0, 0, 1},
-                                                         {1, 1, 1, 1},
-                                                         {0, 0, 0, 1},
-                                                         {0, 0, 1, 1},
-                                                         {0.2F, 0.8F, 0, 1},
-                                                         {0.5019608F, 0.5019608F, 1, 1},
-                                                         {0.09019608F, 0.6117647F, 0.8470588F, 1},
-                                                         {0.2F, 0.8F, 0, 1},
-                                                         {1, 1, 1, 1}};
-    const auto brushes = Device().CallsOf(GraphicsCall::CreateSolidColorBrush);
-    ASSERT_EQ(brushes.size(), expected.size());
-    std::vector<std::pair<std::size_t, float>> opacities;
-    for (std::size_t nBrush = 0; nBrush < brushes.size(); ++nBrush) {
-        EXPECT_EQ(brushes[nBrush].color, expected[nBrush]) << "brush " << nBrush;
-        for (const RecordedCall& call : Device().CallsOf(GraphicsCall::SetOpacity)) {
-            if (call.nObject == brushes[nBrush].nObject) {
-                opacities.emplace_back(nBrush, call.fOpacity);
-            }
-        }
-    }
-    EXPECT_THAT(
-        opacities,
-        ElementsAre(std::pair<std::size_t, float>{3, 0.5F}, std::pair<std::size_t, float>{4, 0.5F},
-                    std::pair<std::size_t, float>{5, 0.3F}, std::pair<std::size_t, float>{6, 1.0F},
-                    std::pair<std::size_t, float>{7, 0.3F}));
-    EXPECT_EQ(Canvas().WhiteBrush()->GetColor(), (Graphics::D2D_COLOR_F{1, 1, 1, 1}));
-}
-
 TEST_F(DrawingTest, AnEngineBitmapIsDrawnAndReleasedAtOnce) {
     m_pPanel->CompositionScale(2.0F, 2.0F);
     Start(40.0F, 30.0F);
@@ -135,13 +105,6 @@ TEST_F(DrawingTest, TheColoursOfPaperAndSurroundAreKeptForEveryDevice) {
     Canvas().SetPageColor(0x80FFFFFFU);
     EXPECT_FLOAT_EQ(Canvas().PageBrush()->GetColor().a, 128.0F / 255.0F);
     EXPECT_FLOAT_EQ(Canvas().Surround().b, 39.0F / 255.0F);
-}
-
-TEST_F(DrawingTest, ARenderContextIsEmptyUntilTheCanvasFillsIt) {
-    EXPECT_EQ(vkit::WPRenderDC().m_pContext, nullptr);
-    Start();
-    EXPECT_EQ(Canvas().CreateRenderDC()->m_pContext, Canvas().GetDeviceContext());
-    EXPECT_NE(Canvas().GetWicFactory(), nullptr);
 }
 
 }

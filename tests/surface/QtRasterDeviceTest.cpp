@@ -333,28 +333,6 @@ TEST(QtRasterDeviceTest, DrawingOnlyWhatChangedGivesThePixelsOfAFreshFrame) {
     EXPECT_GT(nPartial, 300);
 }
 
-TEST(QtRasterDeviceTest, AWindowMayGiveGroundAndPaperOtherTones) {
-    QtGraphicsFactory factory;
-    const Screen screen(factory);
-    auto& chain = dynamic_cast<QtSwapChain&>(*screen.pChain);
-    const auto fnDraw = [](Graphics::ID2D1DeviceContext& context) {
-        context.Clear({0.9F, 0.9F, 0.9F, 1.0F});
-        context.FillRectangle({10, 10, 30, 30}, context.CreateSolidColorBrush({1, 1, 1, 1}));
-        context.FillRectangle({20, 20, 30, 30}, context.CreateSolidColorBrush({1, 1, 0, 1}));
-    };
-    const auto fnPixels = [&] {
-        screen.Frame(fnDraw);
-        const QImage image = chain.FrontImage();
-        return std::vector{image.pixel(1, 1), image.pixel(12, 12), image.pixel(25, 25)};
-    };
-    const std::vector<QRgb> plain = {0xFFE6E6E6U, 0xFFFFFFFFU, 0xFFFFFF00U};
-    EXPECT_EQ(fnPixels(), plain);
-    chain.SetTones({QColor(1, 2, 3), QColor(4, 5, 6)});
-    EXPECT_EQ(fnPixels(), (std::vector<QRgb>{0xFF010203U, 0xFF040506U, 0xFFFFFF00U}));
-    chain.SetTones({});
-    EXPECT_EQ(fnPixels(), plain);
-}
-
 TEST(QtRasterDeviceTest, TheLastFrameOutlivesAResize) {
     QtGraphicsFactory factory;
     const Screen screen(factory);
@@ -418,9 +396,8 @@ TEST(QtRasterDeviceTest, ACanvasOnItSurvivesTheFaultsThatAScriptSets) {
     EXPECT_EQ(pFactory->State()->nDevicesLost, 1U);
 
     pFactory->State()->nPresentsUntilFailure = 0;
-    EXPECT_THROW(pCanvas->ClearAndPresent(), Platform::Exception);
-    EXPECT_NO_THROW(pCanvas->ClearAndPresent());
-    EXPECT_EQ(pFactory->State()->nPresents, 3U);
+    pCanvas->ClearAndPresent();
+    EXPECT_EQ(pFactory->State()->nPresents, 3U) << "tried again";
 }
 
 }

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "platform/foundation/Describe.h"
+
 namespace velko::testing {
 
 CountingBitmap::CountingBitmap(std::int32_t nWidth, std::int32_t nHeight)
@@ -42,6 +44,17 @@ std::shared_ptr<Graphics::ID2D1Bitmap> SurfaceTest::MakeBitmap(std::uint32_t nWi
         std::memcpy(&bytes[nAt], &nColor, 4); // 0xAARRGGBB lies as B, G, R, A
     }
     return m_pCanvas->GetDeviceContext()->CreateBitmap({nWidth, nHeight}, bytes, nWidth * 4, {});
+}
+
+void SurfaceTest::ExpectTold(const std::function<void()>& fnBody, const std::string& strWords) {
+    std::vector<std::string> told;
+    Canvas().OnFrameFailed = [&](const std::exception_ptr& pFailure) {
+        told.push_back(Platform::Describe(pFailure));
+    };
+    EXPECT_NO_THROW(fnBody());
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_NE(told[0].find(strWords), std::string::npos) << told[0];
+    Canvas().OnFrameFailed = nullptr;
 }
 
 Platform::HRESULT CodeRaisedBy(const std::function<void()>& fnBody) {

@@ -89,6 +89,10 @@ protected:
         m_host.Dispatcher().RunAll();
     }
 
+    // That the frames asked for in `fnBody` fail nobody, and that the first
+    // failure is told once, in these words.
+    void ExpectTold(const std::function<void()>& fnBody, const std::string& strWords);
+
     // The names of the calls recorded since the last clear, in order.
     std::vector<std::string> CallNames() const;
     RecordedCall LastCall(GraphicsCall eCall) const;
