@@ -1,8 +1,7 @@
 // Who draws on a canvas: the canvas calls it, under its lock, for each frame.
 //
-// Lifetime: the canvas notes a client only while a frame of it waits for the one
-// that is open, by a reference that tells whether the client still exists and
-// keeps it from nothing; `KeepAlive` alone keeps it, for the length of a frame.
+// Lifetime: the canvas holds a client weakly, and only while a frame of it
+// waits for the frame that is open to end.
 // Threads: the UI thread.
 #pragma once
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "control/PDFViewCtrl.h"
-#include "control/PDFViewerManager.h"
 #include "platform/qt/QtElementWindow.h"
 #include "viewers/core/Modes.h"
 
@@ -47,11 +46,9 @@ void FlingLimit::OnMoved(bool bInertial) {
 // further, with which it goes.
 void FlingLimit::PutBack(const std::vector<std::int32_t>& pages) {
     const bool bForward = pages.front() == m_pages.front();
-    const auto pViewer = m_control.PageViewMgr()->GetViewer();
-    const auto pPlace = pViewer->GetPageScreenOffset(bForward ? pages.back() : pages.front());
-    if (pPlace) {
+    if (const auto place = m_control.GetPageScreenRect(bForward ? pages.back() : pages.front())) {
         const double dbIn =
-            bForward ? ScreenWidth() - pPlace->dbOffsetX : pPlace->dbOffsetX + pPlace->nWidth;
+            bForward ? ScreenWidth() - place->dbOffsetX : place->dbOffsetX + place->nWidth;
         m_control.MoveScreen(0.0, bForward ? -dbIn : dbIn);
         m_control.MoveScreen(0.0, bForward ? -kTrifle : kTrifle);
     }
@@ -64,18 +61,19 @@ double FlingLimit::ScreenWidth() const {
 // Of the two pages of a turn the later one comes in from the right, the earlier
 // one from the left.
 bool FlingLimit::HasTurned() const {
-    const auto pViewer = m_control.PageViewMgr()->GetViewer();
-    const auto pEarlier =
-        pViewer && m_pages.size() > 1 ? pViewer->GetPageScreenOffset(m_pages.front()) : nullptr;
-    const auto pLater = pEarlier ? pViewer->GetPageScreenOffset(m_pages.back()) : nullptr;
-    if (!pLater) {
+    if (m_pages.size() < 2) {
+        return false;
+    }
+    const auto earlier = m_control.GetPageScreenRect(m_pages.front());
+    const auto later = m_control.GetPageScreenRect(m_pages.back());
+    if (!earlier || !later) {
         return false;
     }
     const double dbScreen = ScreenWidth();
-    const double dbLaterRest = std::max(0.0, (dbScreen - pLater->nWidth) * 0.5);
-    const double dbSpare = dbScreen - pEarlier->nWidth;
+    const double dbLaterRest = std::max(0.0, (dbScreen - later->nWidth) * 0.5);
+    const double dbSpare = dbScreen - earlier->nWidth;
     const double dbEarlierRest = dbSpare > 0.0 ? dbSpare * 0.5 : dbSpare;
-    return pLater->dbOffsetX <= dbLaterRest || pEarlier->dbOffsetX >= dbEarlierRest;
+    return later->dbOffsetX <= dbLaterRest || earlier->dbOffsetX >= dbEarlierRest;
 }
 
 }

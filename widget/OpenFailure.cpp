@@ -1,9 +1,8 @@
 #include "widget/OpenFailure.h"
 
-#include <array>
-#include <utility>
+#include <new>
 
-#include "platform/foundation/Describe.h"
+#include "platform/foundation/Exception.h"
 
 namespace velko::vkit {
 
@@ -11,46 +10,95 @@ namespace {
 
 using velko::common::ErrorCode;
 
-constexpr std::array<std::pair<ErrorCode, const char*>, 8> kReasons{{
-    {ErrorCode::e_ErrFile, "The file could not be read to its end."},
-    {ErrorCode::e_ErrFormat, "This is not a PDF document, or it is damaged beyond repair."},
-    {ErrorCode::e_ErrPassword, "The document is protected with a password."},
-    {ErrorCode::e_ErrUnsupported,
-     "The file is larger than 2 GiB, which is more than can be shown."},
-    {ErrorCode::e_ErrOutOfMemory, "There is not enough memory to open it."},
-    {ErrorCode::e_ErrSecurityHandler, "The document is protected in a way that is not supported."},
-    {ErrorCode::e_ErrCertificate, "The document is protected with a certificate."},
-    {ErrorCode::e_ErrNoRights, "You do not have the right to open this document."},
-}};
+// Of the many codes several are one and the same to a reader.
+const char* WordsOf(ErrorCode eCode) {
+    switch (eCode) {
+        case ErrorCode::e_ErrFile:
+            return "The file could not be read to its end: see whether its disk is still "
+                   "connected, and open it again.";
+        case ErrorCode::e_ErrFormat:
+        case ErrorCode::e_ErrInvalidData:
+            return "This is not a PDF document, or it is damaged beyond repair: ask for it anew "
+                   "where it came from.";
+        case ErrorCode::e_ErrPassword:
+            return "The document is protected with a password: enter it to read the document.";
+        case ErrorCode::e_ErrUnsupported:
+            return "The file is larger than 2 GiB, which is more than can be shown: split it into "
+                   "smaller ones.";
+        case ErrorCode::e_ErrOutOfMemory:
+            return "There is not enough memory for this document: close other programs and try "
+                   "again.";
+        case ErrorCode::e_ErrSecurityHandler:
+        case ErrorCode::e_ErrNotVDRM:
+            return "The document is protected in a way that is not known here: open it with the "
+                   "program that its sender names.";
+        case ErrorCode::e_ErrCertificate:
+            return "The document is protected with a certificate, which cannot be used here: open "
+                   "it with the program that its sender names.";
+        case ErrorCode::e_ErrNoRights:
+        case ErrorCode::e_ErrInvalidACL:
+            return "You do not have the right to open this document: ask whoever sent it.";
+        case ErrorCode::e_ErrRightsExpired:
+            return "Your right to open this document has ended: ask whoever sent it for a new one.";
+        case ErrorCode::e_ErrDeviceLimitation:
+            return "This document may not be opened on one more machine: open it where you did "
+                   "before, or ask whoever sent it.";
+        case ErrorCode::e_ErrInvalidUserToken:
+        case ErrorCode::e_ErrInvalidClientID:
+            return "The server that protects this document does not know you: sign in there and "
+                   "try again.";
+        case ErrorCode::e_ErrCanNotConnectToServer:
+        case ErrorCode::e_ErrCanNotRemoveSecurityFromServer:
+        case ErrorCode::e_ErrCanNotGetACL:
+        case ErrorCode::e_ErrCanNotSetACL:
+        case ErrorCode::e_ErrCanNotUploadDocInfo:
+        case ErrorCode::e_ErrCanNotUploadVDRMInfo:
+        case ErrorCode::e_ErrCanNotGetClientID:
+        case ErrorCode::e_ErrCanNotGetUserToken:
+            return "The server that protects this document could not be reached: see to the "
+                   "network and try again.";
+        case ErrorCode::e_ErrXFALoadError:
+            return "The form in this document cannot be shown: open it with the program that it "
+                   "was made for.";
+        case ErrorCode::e_ErrNotFound:
+            return "A part of the document is missing: ask for it anew where it came from.";
+        default:
+            return "The document could not be worked with: open it again, and if that fails ask "
+                   "for it anew where it came from.";
+    }
+}
 
 }
 
 QString ReasonOf(ErrorCode eCode) {
-    for (const auto& [eKnown, szReason] : kReasons) {
-        if (eKnown == eCode) {
-            return QString::fromLatin1(szReason);
-        }
-    }
-    return QStringLiteral("The engine reports %1.")
-        .arg(QString::fromLatin1(velko::common::ErrorCodeName(eCode)));
+    return QString::fromLatin1(WordsOf(eCode));
 }
 
 QString ReasonOf(const std::exception_ptr& pError) {
     try {
         std::rethrow_exception(pError);
-    } catch (const Platform::FileNotFoundException&) {
-        return QStringLiteral("There is no such file.");
-    } catch (const Platform::AccessDeniedException&) {
-        return QStringLiteral("It may not be read, or it is a folder.");
-    } catch (const Platform::ReadFaultException&) {
-        return QStringLiteral("Reading the file failed.");
-    } catch (const Platform::OutOfMemoryException&) {
-        return ReasonOf(ErrorCode::e_ErrOutOfMemory);
     } catch (const velko::common::EngineException& failure) {
         return ReasonOf(failure.Code());
+    } catch (const Platform::FileNotFoundException&) {
+        return QStringLiteral("There is no such file: perhaps it was moved or has another name.");
+    } catch (const Platform::AccessDeniedException&) {
+        return QStringLiteral(
+            "It is a folder, or you may not read it: ask its owner for the right to do so.");
+    } catch (const Platform::ReadFaultException&) {
+        return ReasonOf(ErrorCode::e_ErrFile);
+    } catch (const Platform::WriteFaultException&) {
+        return QStringLiteral(
+            "Writing failed: see whether the disk is connected and may be "
+            "written to.");
+    } catch (const Platform::DiskFullException&) {
+        return QStringLiteral("The disk is full: delete what you do not need.");
+    } catch (const Platform::OutOfMemoryException&) {
+        return ReasonOf(ErrorCode::e_ErrOutOfMemory);
+    } catch (const std::bad_alloc&) {
+        return ReasonOf(ErrorCode::e_ErrOutOfMemory);
     } catch (...) {
-        return QString::fromStdString(Platform::Describe(std::current_exception())) +
-               QStringLiteral(".");
+        return QStringLiteral(
+            "Something failed that should not: try again, and if it lasts open the document anew.");
     }
 }
 

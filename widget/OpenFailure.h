@@ -1,4 +1,5 @@
-// Why a document did not open, in words for the reader.
+// What failed, in words for the reader: one sentence that says what is wrong and
+// what to do about it, without a name out of the program.
 //
 // Threads: any.
 #pragma once
@@ -10,10 +11,10 @@
 
 namespace velko::vkit {
 
-// A sentence for the code of an open that failed; not for success.
+// For any code but success.
 QString ReasonOf(velko::common::ErrorCode eCode);
 
-// A sentence for a failure of the platform or of the engine.
+// For a failure of the platform, of the engine or of a host's handler.
 QString ReasonOf(const std::exception_ptr& pError);
 
 }

@@ -31,12 +31,23 @@ PageColors DayPageColors() {
 }
 
 PageColors NightPageColors() {
+    return {QColor(32, 33, 36), QColor(218, 220, 224)};
+}
+
+PageColors DimPageColors() {
     return {QColor(0, 0, 27), QColor(93, 91, 113)};
 }
 
 PageColors StoredPageColors() {
-    return {QColor::fromRgb(AppConfig::PageBackgroundColor().ToArgb()),
-            QColor::fromRgb(AppConfig::PageForegroundColor().ToArgb())};
+    return {ToQColor(AppConfig::PageBackgroundColor()), ToQColor(AppConfig::PageForegroundColor())};
+}
+
+QColor ToQColor(Windows::UI::Color color) {
+    return QColor::fromRgb(color.ToArgb());
+}
+
+Windows::UI::Color ToColor(const QColor& color) {
+    return Windows::UI::Color::FromArgb(color.rgba());
 }
 
 }

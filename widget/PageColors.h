@@ -5,6 +5,8 @@
 
 #include <QColor>
 
+#include "platform/foundation/Color.h"
+
 namespace velko::vkit {
 
 struct PageColors {
@@ -22,9 +24,13 @@ struct PageColors {
 };
 
 PageColors DayPageColors();
-PageColors NightPageColors(); // those that the control calls its night mode
+PageColors NightPageColors(); // readable for hours: dark, with a contrast above 7 to 1
+PageColors DimPageColors();   // fainter, for a dark room: the control's own night mode
 
 // Those of the settings; in force for the next document.
 PageColors StoredPageColors();
+
+QColor ToQColor(Windows::UI::Color color);
+Windows::UI::Color ToColor(const QColor& color);
 
 }

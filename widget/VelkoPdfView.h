@@ -14,7 +14,9 @@
 // Units: pages from 0; zoom 1.0 is 100 %; scrolling in device pixels.
 // Threads: UI thread only.
 // Errors: nothing is raised. A failed open is told by `OpenFailed`, a failure of
-// a command or inside the control by `Failed`, both in words for the reader.
+// a command or inside the control by `Failed`, both in words for the reader; what
+// failed is in the debug output. A handler of a signal may destroy the view,
+// except where it is said.
 //
 // What the reader sees is kept over a change of size, rotation or layout: the
 // page point and the zoom stay, in one visible step. After `SetFit`, and at
@@ -35,6 +37,7 @@
 #include "control/PDFViewCtrl.h"
 #include "document/engine/HostServices.h"
 #include "widget/FilePath.h"
+#include "widget/OpeningQueue.h"
 #include "widget/PageColors.h"
 #include "widget/ViewHistory.h"
 #include "widget/ViewKeeper.h"
@@ -49,7 +52,10 @@ class FlingLimit;
 class LinkFollower;
 class PlaceKeeper;
 class StoreNotice;
+class WheelReader;
+enum class LinkStep;
 struct KeptView;
+struct LinkToPage;
 
 class VelkoPdfView : public QWidget {
     Q_OBJECT
@@ -138,7 +144,7 @@ public:
     // Of the pages; kept in the settings, for every document.
     PageColors Colors() const { return m_facts.colors; }
     void SetColors(const PageColors& colors);
-    bool NightMode() const { return m_facts.bNight; }
+    bool NightMode() const { return Colors() == NightPageColors(); }
     void SetNightMode(bool bOn);
 
     // True when every part of a page on the screen shows its final pixels.
@@ -157,8 +163,9 @@ signals:
     void PageCountChanged(int nPageCount);
     void ZoomChanged(double dbZoom);
     void ViewChanged(); // one of the above, or fit, rotation, layout, colours, history
-    void Failed(const QString& strReason);
-    void Painted(); // after each paint of the pages
+    void Failed(const QString& strReason); // from the event loop, never within a command
+    // After each paint of the pages, and within it: the view may not go there.
+    void Painted();
 
     // A link that leads out of the document; the host decides.
     void WebLinkWanted(const QUrl& address);
@@ -172,10 +179,6 @@ protected:
     void keyPressEvent(QKeyEvent* pEvent) override;
 
 private:
-    struct Request {
-        FilePath path;
-        QString strPassword;
-    };
     // What hosts are told of; read after each frame.
     struct Facts {
         int nPageCount = 0;
@@ -185,7 +188,6 @@ private:
         int nRotate = 0;
         Layout eLayout = Layout::Continuous;
         PageColors colors;
-        bool bNight = false;
         bool bBack = false;
         bool bForward = false;
         friend bool operator==(const Facts&, const Facts&) = default;
@@ -194,35 +196,41 @@ private:
     // Opening.
     void ConnectWindow();
     void ConnectLinks();
-    void Expect(const FilePath& path);
+    void ConnectWheel();
+    bool Expect(const OpeningQueue::Request& request);
     void Await(Opening opening);
     void OnControlOpened(velko::common::ErrorCode eCode);
+    void BeginShowing();
+    void OnGiven();
     void OnOpenEnded(const Opening& opening);
-    void OnOpenFailed(const std::exception_ptr& pError);
-    void EndOpening();
-    void OpenNext();
-    void OnPasswordAnswered(bool bShown);
-    void OnOpenRefused(velko::common::ErrorCode eCode);
+    void TakeOutcome(const OpeningQueue::Ended& ended, const Opening& opening);
+    void OnOpenBroken(const OpeningQueue::Ended& ended, const std::exception_ptr& pError);
+    void OnPasswordNeeded();
     void OnShown();
-    void SetState(State eState);
-    bool HasDocument() const { return !m_shownPath.IsEmpty(); }
+    void ShowWhatIsLeft(const QString& strReason);
+    bool HasDocument() const { return m_shown.has_value(); }
+
+    // These tell hosts. False when a handler has destroyed this view, or has set
+    // another state: then nothing more is to be done.
+    bool SetState(State eState);
+    bool Refresh();
+    bool TellChanges(const Facts& before);
 
     // Failures.
     void Command(const std::function<void()>& fnBody); // only when a document is shown
     void Guard(const std::function<void()>& fnBody);
     void Report(const std::exception_ptr& pError);
+    void TellLater(const QString& strReason); // `Failed`, from the event loop
 
     // What is shown.
     void QueueRefresh();
-    void Refresh();
     Facts ReadFacts();
-    void TellChanges(const Facts& before);
     void OnPainted();
     void Hold();
     void BeforeArrange();
     void AfterArrange();
     void ShowAround();
-    void ShowTonesOf(const PageColors& colors);
+    void ShowAround(const PageColors& colors);
 
     // The place.
     std::optional<KeptView> PlaceNow(bool bLeft);
@@ -239,32 +247,38 @@ private:
     double ZoomFor(const ViewKeeper& keeper) const;
     void NoteFitLeft();
     void Travel(const std::function<void()>& fnGo);
+    bool ShowsSinglePage();
+    double ScreenLength(bool bAcross);
+    bool IsAtEdge(int nDirection, bool bAcross);
+    void TurnPage(int nDirection, bool bAcross);
     bool TurnsPage(int nDirection, bool bAcross);
+    void ZoomByWheel(QPointF ptWindow, double dbFactor);
+    void SettleWheel();
     bool HandleKey(const QKeyEvent& event);
     bool HandleArrow(int nKey);
 
     // Links.
     void FollowLink(const velko::pdf::LinkRecord& link);
     void FollowAction(const std::shared_ptr<velko::pdf::IAction>& pAction);
-    void FollowUri(const QString& strUri);
-    void FollowOther(const QString& strKind, const QString& strValue);
-    bool FollowNamed(const QString& strCommand);
-    QString TargetOf(const velko::pdf::LinkRecord& link) const;
+    void FollowPage(const LinkToPage& target);
+    void FollowStep(LinkStep eStep);
 
     const std::shared_ptr<PDFViewCtrl> m_pControl;
     Platform::Qt::QtElementWindow* m_pWindow; // a child
     std::unique_ptr<LinkFollower> m_pLinks;
     std::unique_ptr<FlingLimit> m_pFlingLimit;
+    std::unique_ptr<WheelReader> m_pWheel;
     std::unique_ptr<PlaceKeeper> m_pPlace; // empty: places are not kept
     std::unique_ptr<StoreNotice> m_pStoreNotice;
     State m_eState = State::Empty;
-    FilePath m_path;      // asked for last
-    FilePath m_shownPath; // of the document that the control shows; may be empty
-    bool m_bOpening = false;
-    std::optional<Request> m_next; // asked for while an open was under way
+    OpeningQueue m_queue;
+    FilePath m_path;                 // asked for last
+    std::optional<FilePath> m_shown; // of the document that the control shows, as it tells
     Facts m_facts;
-    Fit m_eFit = Fit::None;   // kept over a change of size
-    float m_fFitScale = 0.0F; // to which the fit has led; another one ends it
+    Fit m_eFit = Fit::None;               // kept over a change of size
+    float m_fFitScale = 0.0F;             // to which the fit has led; another one ends it
+    Windows::Foundation::Point m_ptWheel; // of the wheel's zoom that may be open yet
+    float m_fWheelZoom = 0.0F;
     ViewHistory m_history;
     bool m_bRefreshQueued = false;
     bool m_bSeen = false;               // the reader has seen a page of this document

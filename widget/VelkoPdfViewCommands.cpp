@@ -4,7 +4,6 @@
 #include <array>
 #include <cmath>
 
-#include "control/PDFViewerManager.h"
 #include "platform/qt/QtElementWindow.h"
 #include "settings/AppConfig.h"
 #include "widget/VelkoPdfView.h"
@@ -22,10 +21,10 @@ constexpr std::array kZoomSteps{0.25, 0.33, 0.5,  0.67, 0.75, 0.8, 0.9, 1.0, 1.1
 constexpr double kSameZoom = 0.005;
 constexpr double kSamePlace = 1.0; // device pixels
 
-Windows::UI::Color ToColor(const QColor& color) {
-    return Windows::UI::Color::FromArgb(color.rgba());
 }
 
+bool VelkoPdfView::ShowsSinglePage() {
+    return HasDocument() && m_pControl->GetPageLayoutMode() == std::int32_t(Layout::SinglePage);
 }
 
 // --- pages -----------------------------------------------------------------
@@ -84,32 +83,45 @@ void VelkoPdfView::ScrollBy(double dbX, double dbY) {
     Command([&] { ScrollAndSettle(*m_pControl, dbY, dbX); });
 }
 
-// Where one page is shown at a time, a step past its end turns it; upward to the
-// end of the page before.
-bool VelkoPdfView::TurnsPage(int nDirection, bool bAcross) {
-    if (!HasDocument() || m_pControl->GetPageLayoutMode() != std::int32_t(Layout::SinglePage)) {
+// Where one page is shown at a time, and its edge on that side is in sight.
+bool VelkoPdfView::IsAtEdge(int nDirection, bool bAcross) {
+    if (!ShowsSinglePage()) {
         return false;
     }
-    const int nPage = m_pControl->GetCurrentPageIndex();
-    const auto pViewer = m_pControl->PageViewMgr()->GetViewer();
-    const auto pPlace = pViewer ? pViewer->GetPageScreenOffset(nPage) : nullptr;
-    if (!pPlace) {
+    const auto place = m_pControl->GetPageScreenRect(m_pControl->GetCurrentPageIndex());
+    if (!place) {
         return false;
     }
+    const double dbNear = bAcross ? place->dbOffsetX : place->dbOffsetY;
+    const double dbFar = dbNear + (bAcross ? place->nWidth : place->nHeight);
+    return nDirection > 0 ? dbFar <= ScreenLength(bAcross) + kSamePlace : dbNear >= -kSamePlace;
+}
+
+double VelkoPdfView::ScreenLength(bool bAcross) {
     const auto size = m_pControl->GetCanvasSize();
-    const double dbScreen = bAcross ? size.Width * m_pControl->CompositionScaleX()
-                                    : size.Height * m_pControl->CompositionScaleY();
-    const double dbNear = bAcross ? pPlace->dbOffsetX : pPlace->dbOffsetY;
-    const double dbFar = dbNear + (bAcross ? pPlace->nWidth : pPlace->nHeight);
-    const bool bAtEnd = nDirection > 0 ? dbFar <= dbScreen + kSamePlace : dbNear >= -kSamePlace;
-    const int nNext = nPage + nDirection;
-    if (!bAtEnd || nNext < 0 || nNext >= m_pControl->GetPageCount()) {
-        return bAtEnd;
+    return bAcross ? size.Width * m_pControl->CompositionScaleX()
+                   : size.Height * m_pControl->CompositionScaleY();
+}
+
+// Upward to the end of the page before.
+void VelkoPdfView::TurnPage(int nDirection, bool bAcross) {
+    const int nNext = m_pControl->GetCurrentPageIndex() + nDirection;
+    if (nNext < 0 || nNext >= m_pControl->GetPageCount()) {
+        return;
     }
     GotoPage(nNext);
-    if (nDirection < 0 && !bAcross && dbFar - dbNear > dbScreen) {
-        ScrollBy(0.0, dbFar - dbNear - dbScreen);
+    const auto place = m_pControl->GetPageScreenRect(nNext);
+    if (nDirection < 0 && !bAcross && place && place->nHeight > ScreenLength(false)) {
+        ScrollBy(0.0, place->dbOffsetY + place->nHeight - ScreenLength(false));
     }
+}
+
+// A step past the page's edge turns it.
+bool VelkoPdfView::TurnsPage(int nDirection, bool bAcross) {
+    if (!IsAtEdge(nDirection, bAcross)) {
+        return false;
+    }
+    TurnPage(nDirection, bAcross);
     return true;
 }
 
@@ -147,6 +159,29 @@ void VelkoPdfView::ZoomTo(double dbZoom) {
     Command([&] {
         m_eFit = Fit::None;
         ApplyZoom(dbZoom);
+    });
+}
+
+// The zoom stays open until the wheel rests, so that nothing is rendered for the
+// scales in between.
+void VelkoPdfView::ZoomByWheel(QPointF ptWindow, double dbFactor) {
+    Command([&] {
+        const double dbNow = m_pControl->GetScale();
+        const QPointF pt = ptWindow * devicePixelRatioF();
+        m_ptWheel = {static_cast<float>(pt.x()), static_cast<float>(pt.y())};
+        m_fWheelZoom =
+            static_cast<float>(dbFactor < 1.0 ? std::min(dbNow, Limited(dbNow * dbFactor))
+                                              : Limited(dbNow * dbFactor));
+        m_pWindow->StopInertia();
+        m_pControl->ZoomAtPoint(m_ptWheel, m_fWheelZoom, false, false);
+    });
+}
+
+void VelkoPdfView::SettleWheel() {
+    Command([&] {
+        if (m_pControl->GetScale() == m_fWheelZoom) { // else something else has zoomed meanwhile
+            m_pControl->ZoomAtPoint(m_ptWheel, m_fWheelZoom, false, true);
+        }
     });
 }
 
@@ -251,7 +286,7 @@ void VelkoPdfView::SetColors(const PageColors& colors) {
     }
     Command([&] {
         Hold();
-        ShowTonesOf(colors);
+        ShowAround(colors);
         m_pControl->SetPageColors(ToColor(colors.background), ToColor(colors.foreground));
     });
 }

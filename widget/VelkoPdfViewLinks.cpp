@@ -1,10 +1,10 @@
-// Where links lead.
-#include <array>
+// Following links.
 #include <utility>
 
 #include "control/PDFViewCtrl.h"
 #include "document/engine/PDFDoc.h"
 #include "platform/concurrency/Task.h"
+#include "widget/LinkTarget.h"
 #include "widget/VelkoPdfView.h"
 
 namespace velko::vkit {
@@ -16,31 +16,34 @@ using velko::pdf::PDFDoc;
 
 namespace {
 
-// Schemes that a browser or a mail program is trusted with.
-bool IsWebScheme(const QString& strScheme) {
-    return strScheme == "http" || strScheme == "https" || strScheme == "mailto";
-}
-
-QUrl ToAddress(const QString& strUri) {
-    return strUri.startsWith("www.", Qt::CaseInsensitive) ? QUrl("http://" + strUri) : QUrl(strUri);
-}
-
 std::shared_ptr<IAction> FindName(const std::shared_ptr<PDFDoc>& pDocument,
                                   const std::string& strName) {
     const auto pSource = std::dynamic_pointer_cast<ILinkSource>(pDocument);
     return pSource ? pSource->FindNamedDestination(strName) : nullptr;
 }
 
+template <class... Ts>
+struct Cases : Ts... {
+    using Ts::operator()...;
+};
+
 }
 
 void VelkoPdfView::FollowLink(const LinkRecord& link) {
-    if (link.pAction) {
-        FollowAction(link.pAction);
-    } else if (!link.strUri.empty()) {
-        FollowUri(QString::fromStdString(link.strUri));
+    std::visit(Cases{[this](const LinkToPage& page) { FollowPage(page); },
+                     [this](LinkStep eStep) { FollowStep(eStep); },
+                     [this](const LinkToAddress& to) { emit WebLinkWanted(to.address); },
+                     [this](const RefusedLink& to) { emit LinkRefused(to.strReason); }},
+               TargetOf(link));
+}
+
+void VelkoPdfView::FollowPage(const LinkToPage& target) {
+    if (target.pAction) {
+        FollowAction(target.pAction);
+    } else if (!target.strName.isEmpty()) {
+        JumpToName(target.strName);
     } else {
-        FollowOther(QString::fromStdString(link.strOtherKind),
-                    QString::fromStdString(link.strOtherValue));
+        JumpToPage(target.nPage);
     }
 }
 
@@ -52,53 +55,26 @@ void VelkoPdfView::FollowAction(const std::shared_ptr<IAction>& pAction) {
     });
 }
 
-void VelkoPdfView::FollowUri(const QString& strUri) {
-    constexpr int kFragment = 1;
-    if (strUri.startsWith("#page=")) {
-        JumpToPage(strUri.section('=', 1).toInt() - 1);
-    } else if (strUri.startsWith('#')) {
-        JumpToName(strUri.mid(kFragment));
-    } else if (const QUrl address = ToAddress(strUri);
-               address.isValid() && IsWebScheme(address.scheme())) {
-        emit WebLinkWanted(address);
-    } else {
-        emit LinkRefused(
-            QStringLiteral("This link leads to “%1”, which is not opened from a document.")
-                .arg(strUri));
-    }
-}
-
-bool VelkoPdfView::FollowNamed(const QString& strCommand) {
-    const std::array<std::pair<const char*, void (VelkoPdfView::*)()>, 6> commands{
-        {{"NextPage", &VelkoPdfView::GotoNextPage},
-         {"PrevPage", &VelkoPdfView::GotoPrevPage},
-         {"FirstPage", &VelkoPdfView::GotoFirstPage},
-         {"LastPage", &VelkoPdfView::GotoLastPage},
-         {"GoBack", &VelkoPdfView::GoBack},
-         {"GoForward", &VelkoPdfView::GoForward}}};
-    for (const auto& [szName, fnCommand] : commands) {
-        if (strCommand == szName) {
-            (this->*fnCommand)();
-            return true;
-        }
-    }
-    return false;
-}
-
-void VelkoPdfView::FollowOther(const QString& strKind, const QString& strValue) {
-    if (strKind == "Named" && FollowNamed(strValue)) {
-        return;
-    }
-    if (strKind == "Launch" || strKind == "GoToR") {
-        emit LinkRefused(
-            QStringLiteral("This link wants to open the file “%1”, which is not done from a "
-                           "document.")
-                .arg(strValue));
-    } else if (strKind == "JavaScript") {
-        emit LinkRefused("This link wants to run a script, which is not done here.");
-    } else {
-        emit LinkRefused(QStringLiteral("This link asks for something that is not done here (%1).")
-                             .arg(strKind));
+void VelkoPdfView::FollowStep(LinkStep eStep) {
+    switch (eStep) {
+        case LinkStep::NextPage:
+            GotoNextPage();
+            break;
+        case LinkStep::PreviousPage:
+            GotoPrevPage();
+            break;
+        case LinkStep::FirstPage:
+            GotoFirstPage();
+            break;
+        case LinkStep::LastPage:
+            GotoLastPage();
+            break;
+        case LinkStep::Back:
+            GoBack();
+            break;
+        case LinkStep::Forward:
+            GoForward();
+            break;
     }
 }
 
@@ -124,19 +100,6 @@ void VelkoPdfView::JumpToName(const QString& strName) {
                     QStringLiteral("This document has no place named “%1”.").arg(strName));
             }
         });
-}
-
-QString VelkoPdfView::TargetOf(const LinkRecord& link) const {
-    const auto pDestination = link.pAction ? link.pAction->GetDestination() : nullptr;
-    if (pDestination) {
-        return QStringLiteral("Page %1").arg(pDestination->GetPageIndex(*m_pControl->GetPDFDoc()) +
-                                             1);
-    }
-    if (!link.strUri.empty()) {
-        return QString::fromStdString(link.strUri);
-    }
-    return link.strOtherValue.empty() ? QString::fromStdString(link.strOtherKind)
-                                      : QString::fromStdString(link.strOtherValue);
 }
 
 }

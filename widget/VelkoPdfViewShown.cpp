@@ -6,11 +6,9 @@
 #include <utility>
 
 #include "component/KeptView.h"
-#include "control/PDFViewerManager.h"
 #include "platform/qt/QtElementWindow.h"
 #include "settings/SavedView.h"
 #include "widget/LinkFollower.h"
-#include "widget/PageInk.h"
 #include "widget/VelkoPdfView.h"
 
 namespace velko::vkit {
@@ -30,10 +28,6 @@ template <class T>
 T ValueOr(const PropertySet& values, const char* szKey, T fallback) {
     return values.HasKey(szKey) && values.Lookup(szKey).Is<T>() ? values.Lookup(szKey).Get<T>()
                                                                 : fallback;
-}
-
-QColor ToQColor(Windows::UI::Color color) {
-    return QColor::fromRgb(color.ToArgb());
 }
 
 }
@@ -58,7 +52,6 @@ VelkoPdfView::Facts VelkoPdfView::ReadFacts() {
     Facts facts;
     if (!HasDocument()) {
         facts.colors = StoredPageColors();
-        facts.bNight = facts.colors == NightPageColors();
         return facts;
     }
     facts.nPageCount = m_pControl->GetPageCount();
@@ -68,40 +61,47 @@ VelkoPdfView::Facts VelkoPdfView::ReadFacts() {
     facts.nRotate = m_pControl->GetRotate();
     facts.eLayout = static_cast<Layout>(m_pControl->GetPageLayoutMode());
     facts.colors = {ToQColor(m_pControl->PageBgColor()), ToQColor(m_pControl->PageFgColor())};
-    facts.bNight = m_pControl->NightMode();
     facts.bBack = m_history.CanGoBack();
     facts.bForward = m_history.CanGoForward();
     return facts;
 }
 
-void VelkoPdfView::Refresh() {
+bool VelkoPdfView::Refresh() {
+    const Facts before = m_facts;
     Guard([this] {
         if (m_pWindow->IsFrameHeld() && IsSharp()) {
             m_pWindow->ReleaseFrame();
         }
         NoteFitLeft();
         m_pLinks->Update();
-        const Facts facts = ReadFacts();
-        const Facts before = std::exchange(m_facts, facts);
-        TellChanges(before);
+        m_facts = ReadFacts();
     });
+    if (m_eState == State::Shown && !HasDocument() && m_queue.IsIdle()) {
+        m_path = {}; // the host has closed it through the control
+        return SetState(State::Empty) && TellChanges(before);
+    }
+    return TellChanges(before);
 }
 
-void VelkoPdfView::TellChanges(const Facts& before) {
+bool VelkoPdfView::TellChanges(const Facts& before) {
+    const QPointer<VelkoPdfView> pThis(this);
     const Facts now = m_facts; // a host's handler may change them
     if (now == before) {
-        return;
+        return true;
     }
     if (now.nPageCount != before.nPageCount) {
         emit PageCountChanged(now.nPageCount);
     }
-    if (now.nPage != before.nPage) {
+    if (pThis && now.nPage != before.nPage) {
         emit PageChanged(now.nPage);
     }
-    if (now.dbZoom != before.dbZoom) {
+    if (pThis && now.dbZoom != before.dbZoom) {
         emit ZoomChanged(now.dbZoom);
     }
-    emit ViewChanged();
+    if (pThis) {
+        emit ViewChanged();
+    }
+    return !pThis.isNull();
 }
 
 // A gesture that zooms leaves the fit. A page that is turned to may be fitted at
@@ -126,25 +126,25 @@ void VelkoPdfView::OnPainted() {
 }
 
 bool VelkoPdfView::IsSharp() const {
-    return InkOf(*m_pControl).bAll;
+    return m_pControl->IsSharp();
 }
 
 bool VelkoPdfView::HasInk() const {
-    return !m_pWindow->IsFrameHeld() && InkOf(*m_pControl).bSome;
+    return !m_pWindow->IsFrameHeld() && m_pControl->HasInk();
 }
 
 // Also before there is a page, so that nothing flashes up where it will be.
 void VelkoPdfView::ShowAround() {
     const PageColors colors =
-        m_pControl->PageViewMgr() && m_pControl->PageViewMgr()->GetViewer()
+        m_pControl->HasViewer()
             ? PageColors{ToQColor(m_pControl->PageBgColor()), ToQColor(m_pControl->PageFgColor())}
             : StoredPageColors();
-    ShowTonesOf(colors);
+    ShowAround(colors);
 }
 
-// A page that is blank yet shows in the colour that it will have.
-void VelkoPdfView::ShowTonesOf(const PageColors& colors) {
-    m_pWindow->SetTones({colors.IsDark() ? colors.Around() : QColor(), colors.background});
+void VelkoPdfView::ShowAround(const PageColors& colors) {
+    m_pControl->SetSurround(ToControlColor(colors.Around()));
+    m_pWindow->SetBackground(colors.Around());
 }
 
 // --- changes of size -------------------------------------------------------
@@ -214,8 +214,7 @@ void VelkoPdfView::ShowKeptPlace() {
 
 // A layout that was stored by another program may be one that this one has not.
 void VelkoPdfView::EnsureLayout() {
-    const auto pManager = m_pControl->PageViewMgr();
-    if (pManager && !pManager->GetViewer()) {
+    if (!m_pControl->HasViewer()) {
         m_pControl->SetPageLayoutMode(std::int32_t(Layout::Continuous));
     }
 }
@@ -249,10 +248,9 @@ void VelkoPdfView::ShowPlace(const KeptView& kept) {
 // reaches.
 void VelkoPdfView::PutPage(int nPage, double dbLeft, double dbTop) {
     m_pControl->GotoPage(nPage);
-    const auto pViewer = m_pControl->PageViewMgr()->GetViewer();
-    const auto pPlace = pViewer ? pViewer->GetPageScreenOffset(nPage) : nullptr;
-    if (pPlace && std::isfinite(dbLeft) && std::isfinite(dbTop)) {
-        ScrollAndSettle(*m_pControl, pPlace->dbOffsetY - dbTop, pPlace->dbOffsetX - dbLeft);
+    const auto place = m_pControl->GetPageScreenRect(nPage);
+    if (place && std::isfinite(dbLeft) && std::isfinite(dbTop)) {
+        ScrollAndSettle(*m_pControl, place->dbOffsetY - dbTop, place->dbOffsetX - dbLeft);
     }
 }
 

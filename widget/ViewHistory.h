@@ -1,5 +1,6 @@
 // The places that the reader has jumped from, to go back to and forth again.
 //
+// A place is a page point at the window's top left, with zoom and rotation.
 // Threads: UI thread only. Errors: failures of the control are raised.
 #pragma once
 

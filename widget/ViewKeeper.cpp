@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "control/PDFViewerManager.h"
 #include "viewers/core/Modes.h"
 
 namespace velko::vkit {
@@ -12,12 +11,7 @@ using Windows::Foundation::Point;
 
 namespace {
 
-using Place = std::shared_ptr<Render_PageScreenOffsetInfo>;
-
-std::shared_ptr<IPDFViewer> ViewerOf(PDFViewCtrl& control) {
-    const auto pManager = control.PageViewMgr();
-    return pManager ? pManager->GetViewer() : nullptr;
-}
+using Place = std::optional<Render_PageScreenOffsetInfo>;
 
 // Device pixels of the canvas.
 struct ScreenPoint {
@@ -36,20 +30,20 @@ ScreenPoint AnchorPoint(PDFViewCtrl& control, ViewKeeper::Anchor eAnchor) {
 
 // The first page that reaches below the anchor, else the last; empty when there
 // is none.
-Place PageBelow(IPDFViewer& viewer, double dbAnchorY, std::int32_t& nPage) {
-    Place pBest;
-    for (const std::int32_t nVisible : viewer.GetVisiblePages()) {
-        const Place pPlace = viewer.GetPageScreenOffset(nVisible);
-        if (!pPlace) {
+Place PageBelow(PDFViewCtrl& control, double dbAnchorY, std::int32_t& nPage) {
+    Place best;
+    for (const std::int32_t nVisible : control.GetVisiblePages()) {
+        const Place place = control.GetPageScreenRect(nVisible);
+        if (!place) {
             continue;
         }
         nPage = nVisible;
-        pBest = pPlace;
-        if (pPlace->dbOffsetY + pPlace->nHeight > dbAnchorY) {
+        best = place;
+        if (place->dbOffsetY + place->nHeight > dbAnchorY) {
             break;
         }
     }
-    return pBest;
+    return best;
 }
 
 bool ShowsSinglePage(PDFViewCtrl& control) {
@@ -73,34 +67,32 @@ double Within(double dbAnchor, double dbEdge, double dbLength) {
 }
 
 void ScrollAndSettle(PDFViewCtrl& control, double dbY, double dbX) {
-    const auto pViewer = ViewerOf(control);
-    if (!pViewer || !ShowsSinglePage(control)) {
+    if (!ShowsSinglePage(control)) {
         control.MoveScreen(dbY, dbX);
         return;
     }
     const double dbScreen = control.GetCanvasSize().Width * control.CompositionScaleX();
-    const Place pPlace = pViewer->GetPageScreenOffset(control.GetCurrentPageIndex());
-    double dbLeft = pPlace ? WithinEdges(*pPlace, dbX, dbScreen) : 0.0;
+    const Place place = control.GetPageScreenRect(control.GetCurrentPageIndex());
+    double dbLeft = place ? WithinEdges(*place, dbX, dbScreen) : 0.0;
     for (; std::abs(dbLeft) > dbScreen; dbLeft -= std::copysign(dbScreen, dbLeft)) {
         control.MoveScreen(0.0, std::copysign(dbScreen, dbLeft)); // the longest step there is
     }
     control.MoveScreen(dbY, dbLeft);
-    pViewer->AlignPageAfterScroll(0.0, 0.0);
+    control.AlignPageAfterScroll(0.0, 0.0);
 }
 
 std::optional<ViewKeeper> ViewKeeper::Remember(PDFViewCtrl& control, Anchor eAnchor) {
-    const auto pViewer = ViewerOf(control);
     const ScreenPoint anchor = AnchorPoint(control, eAnchor);
     ViewKeeper keeper;
-    const Place pPlace = pViewer ? PageBelow(*pViewer, anchor.dbY, keeper.m_nPage) : nullptr;
-    if (!pPlace) {
+    const Place place = PageBelow(control, anchor.dbY, keeper.m_nPage);
+    if (!place) {
         return std::nullopt;
     }
-    const double dbX = Within(anchor.dbX, pPlace->dbOffsetX, pPlace->nWidth);
-    const double dbY = Within(anchor.dbY, pPlace->dbOffsetY, pPlace->nHeight);
+    const double dbX = Within(anchor.dbX, place->dbOffsetX, place->nWidth);
+    const double dbY = Within(anchor.dbY, place->dbOffsetY, place->nHeight);
     const Point pt{static_cast<float>(dbX / control.CompositionScaleX()),
                    static_cast<float>(dbY / control.CompositionScaleY())};
-    const auto pPoint = pViewer->DevicePointToPagePoint(pt);
+    const auto pPoint = control.DevicePointToPagePoint(pt);
     if (!pPoint || pPoint->nPageIndex != keeper.m_nPage) {
         return std::nullopt;
     }

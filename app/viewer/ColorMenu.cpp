@@ -11,7 +11,6 @@ namespace {
 
 const PageColors kSepia{QColor(246, 236, 214), QColor(66, 51, 36)};
 const PageColors kGrey{QColor(204, 204, 204), QColor(24, 24, 24)};
-const PageColors kDark{QColor(32, 33, 36), QColor(218, 220, 224)};
 
 }
 
@@ -20,8 +19,8 @@ ColorMenu::ColorMenu(VelkoPdfView& view, QAction* pNight, QWidget* pParent)
     AddPreset("&White", vkit::DayPageColors());
     AddPreset("&Sepia", kSepia);
     AddPreset("&Grey", kGrey);
-    AddPreset("&Dark", kDark);
     addAction(pNight);
+    AddPreset("&Dim, for a dark room", vkit::DimPageColors());
     addSeparator();
     AddOwn("Own &page colour…", &PageColors::background);
     AddOwn("Own &text colour…", &PageColors::foreground);

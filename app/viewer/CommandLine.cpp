@@ -99,7 +99,7 @@ private:
     void TakePage(const QString& strValue) {
         bool bGood = false;
         m_result.nPage = strValue.toInt(&bGood);
-        if (m_strComplaint.isEmpty() && (!bGood || m_result.nPage < 1)) {
+        if (m_strComplaint.isEmpty() && (!bGood || *m_result.nPage < 1)) {
             m_strComplaint = "Not a page number: " + strValue;
         }
     }

@@ -20,7 +20,7 @@ struct CommandLine {
 
     vkit::FilePath file; // may be empty
     QString strScreenshot;
-    int nPage = 1;             // as the reader counts
+    std::optional<int> nPage;  // as the reader counts; else where the document was left
     QSize size = kDefaultSize; // of the window
     bool bHelp = false;
     bool bVersion = false;

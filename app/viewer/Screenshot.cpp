@@ -20,7 +20,7 @@ Screenshot::Screenshot(MainWindow& window, const CommandLine& options, QObject* 
     : QObject(pParent),
       m_window(window),
       m_strFile(options.strScreenshot),
-      m_nPage(options.nPage - 1) {
+      m_nPage(options.nPage.value_or(1) - 1) {
     VelkoPdfView& view = m_window.View();
     connect(&view, &VelkoPdfView::Opened, this, &Screenshot::OnOpened);
     connect(&view, &VelkoPdfView::Painted, this, &Screenshot::OnPainted, Qt::QueuedConnection);

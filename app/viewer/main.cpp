@@ -36,12 +36,13 @@ void ReportTimeToInk(const vkit::VelkoPdfView& view, const CommandLine& options)
         Qt::QueuedConnection); // after the paint has been flushed
 }
 
-// Brings the page that the command line asks for, once.
-void ShowFirst(vkit::VelkoPdfView& view, int nPage) {
-    if (nPage > 0) {
+// Brings the page that the command line asks for, once, wherever the document was
+// left; as the reader counts.
+void ShowFirst(vkit::VelkoPdfView& view, std::optional<int> nPage) {
+    if (nPage) {
         QObject::connect(
-            &view, &vkit::VelkoPdfView::Opened, &view, [&view, nPage] { view.GotoPage(nPage); },
-            Qt::SingleShotConnection);
+            &view, &vkit::VelkoPdfView::Opened, &view,
+            [&view, nPage] { view.GotoPage(*nPage - 1); }, Qt::SingleShotConnection);
     }
 }
 
@@ -81,7 +82,7 @@ int RunViewer(int argc, char** argv, const CommandLine& options) {
         new Screenshot(window, options, &window);
     } else {
         window.View().KeepPlace(true);
-        ShowFirst(window.View(), options.nPage - 1);
+        ShowFirst(window.View(), options.nPage);
     }
     window.Begin(options.file, std::move(opening));
     window.show();

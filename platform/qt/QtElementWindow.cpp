@@ -20,7 +20,6 @@ using Windows::Foundation::Size;
 namespace {
 
 constexpr int kBusyMarkMargin = 8;
-const QColor kAroundPages(224, 224, 224); // what a frame is cleared to
 
 std::shared_ptr<Xaml::Controls::SwapChainPanel> FindPanel(
     const std::shared_ptr<Xaml::FrameworkElement>& pElement) {
@@ -124,14 +123,18 @@ void QtElementWindow::Report(const std::exception_ptr& pFailure) {
 
 // --- sizes -----------------------------------------------------------------
 
+Size QtElementWindow::ToLogical(QSize size) const {
+    const QSizeF pixels = QSizeF(size) * devicePixelRatioF();
+    return {static_cast<float>(std::lround(pixels.width())) / m_pEnvironment->CompositionScaleX(),
+            static_cast<float>(std::lround(pixels.height())) / m_pEnvironment->CompositionScaleY()};
+}
+
 Size QtElementWindow::LogicalSize() const {
-    if (m_fixedSize) {
-        return *m_fixedSize;
-    }
-    const double dbRatio = devicePixelRatioF();
-    return {
-        static_cast<float>(std::lround(width() * dbRatio)) / m_pEnvironment->CompositionScaleX(),
-        static_cast<float>(std::lround(height() * dbRatio)) / m_pEnvironment->CompositionScaleY()};
+    return m_fixedSize.value_or(ToLogical(size()));
+}
+
+Size QtElementWindow::WindowSize() const {
+    return isWindow() ? LogicalSize() : ToLogical(window()->size());
 }
 
 void QtElementWindow::Arrange() {
@@ -165,7 +168,7 @@ void QtElementWindow::Arrange() {
 
 void QtElementWindow::ArrangeTree(Size size, float fScaleX, float fScaleY) {
     const auto pEnvironment = m_pEnvironment;
-    pEnvironment->TakeWindowSize(size);
+    pEnvironment->TakeWindowSize(WindowSize());
     m_pInput->FollowScreen();
     Guard([&] { m_pPanel->ArrangeAtScale(*m_pRoot, size, fScaleX, fScaleY); });
     Guard([&] { pEnvironment->TellWindowSize(); });
@@ -188,7 +191,6 @@ void QtElementWindow::WatchSwapChain() {
     }
     m_pSwapChain = std::dynamic_pointer_cast<QtSwapChain>(m_pPanel->SwapChain());
     if (m_pSwapChain) {
-        m_pSwapChain->SetTones(m_tones);
         m_pSwapChain->OnPresented = [this] {
             UpdateFront(m_pSwapChain->PresentedRect());
             if (OnPresented) {
@@ -212,12 +214,10 @@ QImage QtElementWindow::FrontImage() const {
     return m_pSwapChain ? m_pSwapChain->FrontImage() : QImage();
 }
 
-void QtElementWindow::SetTones(const QtTones& tones) {
-    m_tones = tones;
-    if (m_pSwapChain) {
-        m_pSwapChain->SetTones(tones);
+void QtElementWindow::SetBackground(const QColor& color) {
+    if (std::exchange(m_background, color) != color) {
+        update();
     }
-    update();
 }
 
 void QtElementWindow::HoldFrame() {
@@ -237,7 +237,7 @@ void QtElementWindow::PaintFront(QPainter& painter, const QRegion& region) {
     const QRect rcImage(0, 0, static_cast<int>(image.width() / dbRatio),
                         static_cast<int>(image.height() / dbRatio));
     for (const QRect& rc : region - rcImage) {
-        painter.fillRect(rc, m_tones.around.isValid() ? m_tones.around : kAroundPages);
+        painter.fillRect(rc, m_background);
     }
     if (!image.isNull()) {
         // A pixel of the frame is a pixel of the screen, so that nothing is resampled.

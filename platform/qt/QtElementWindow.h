@@ -8,8 +8,9 @@
 // panel's events.
 //
 // Units: the widget's own are Qt's; elements get device pixels divided by the
-// composition scale. Threads: UI thread only. One such widget at a time may
-// tell the environment of its size.
+// composition scale. Threads: UI thread only. Several such widgets may stand in
+// one top-level window, whose size is what the environment is told; of several
+// windows the one that changed last counts there.
 // Errors: what a handler of the tree throws never reaches Qt; it goes to
 // `OnFailure`, or to the log when that is empty.
 #pragma once
@@ -69,9 +70,9 @@ public:
     void ReleaseFrame();
     bool IsFrameHeld() const { return !m_heldFrame.isNull(); }
 
-    // The colours around what the elements draw, also where there is no frame yet,
-    // and of blank paper, in the frames from now on. Invalid: the elements' own.
-    void SetTones(const QtTones& tones);
+    // Shown where no frame reaches yet, as before the first and while a window
+    // grows: the colour that the elements clear their frames to. Grey at first.
+    void SetBackground(const QColor& color);
 
     // Whether a visible ring is shown as a busy mark; true at first.
     void ShowBusyMark(bool bShow);
@@ -92,7 +93,9 @@ protected:
 private:
     void Guard(const std::function<void()>& fnBody);
     void Report(const std::exception_ptr& pFailure);
+    Windows::Foundation::Size ToLogical(QSize size) const;
     Windows::Foundation::Size LogicalSize() const;
+    Windows::Foundation::Size WindowSize() const;
     void ArrangeTree(Windows::Foundation::Size size, float fScaleX, float fScaleY);
     void PaintFront(QPainter& painter, const QRegion& region);
     void WatchSwapChain();
@@ -110,7 +113,7 @@ private:
     std::optional<Windows::Foundation::Size> m_fixedSize;
     double m_dbRatio = 0.0; // the one last arranged for; 0 before
     QImage m_heldFrame;
-    QtTones m_tones;
+    QColor m_background{224, 224, 224};
     bool m_bShowBusyMark = true;
     QtBusyMark* m_pBusyMark; // a child
 };

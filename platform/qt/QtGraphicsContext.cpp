@@ -19,6 +19,10 @@ QColor ToQColor(const D2D_COLOR_F& color, float fOpacity = 1.0F) {
                             fnLimited(color.a) * fnLimited(fOpacity));
 }
 
+QColor ColorOf(const ID2D1SolidColorBrush& brush) {
+    return ToQColor(brush.GetColor(), brush.GetOpacity());
+}
+
 QRect ToQRect(const PixelRect& rc) {
     return {rc.left, rc.top, rc.Width(), rc.Height()};
 }
@@ -144,13 +148,12 @@ void QtGraphicsContext::RequireFrame() const {
 
 void QtGraphicsContext::Clear(const D2D_COLOR_F& color) {
     RequireFrame();
-    const QColor around = Tones().around;
     m_script.Clear(); // nothing is left of what was drawn before
     const D2D_SIZE_U size = m_pTarget->GetPixelSize();
     m_script
         .Add(QtFrameScript::Kind::Clear,
              {0, 0, static_cast<int>(size.width), static_cast<int>(size.height)})
-        .color = around.isValid() ? around : ToQColor(color);
+        .color = ToQColor(color);
 }
 
 void QtGraphicsContext::SetTransform(const D2D_MATRIX_3X2_F& matrix) {
@@ -167,17 +170,6 @@ QtFrameScript::Part& QtGraphicsContext::AddTurned(QtFrameScript::Kind eKind, con
     part.rcExact = rcExact;
     part.transform = transform;
     return part;
-}
-
-QtTones QtGraphicsContext::Tones() const {
-    const QtSwapBuffers* const pBuffers = m_pTarget->Buffers();
-    return pBuffers != nullptr ? pBuffers->tones : QtTones();
-}
-
-QColor QtGraphicsContext::ToneOf(const QtGraphicsContext::Brush& pBrush) const {
-    const QColor color = ToQColor(pBrush->GetColor(), pBrush->GetOpacity());
-    const QColor paper = Tones().paper;
-    return paper.isValid() && color == QColor(::Qt::white) ? paper : color;
 }
 
 void QtGraphicsContext::AddFill(const QRect& rc, const QColor& color) {
@@ -218,7 +210,7 @@ void QtGraphicsContext::FillRectangle(const D2D_RECT_F& rc, const Brush& pBrush)
     if (!pBrush) {
         return;
     }
-    const QColor color = ToneOf(pBrush);
+    const QColor color = ColorOf(*pBrush);
     if (KeepsUpright(m_matrix)) {
         AddFill(ToQRect(FilledPixelsOf(Transformed(rc, m_matrix))), color);
     } else {
@@ -232,7 +224,7 @@ void QtGraphicsContext::DrawRectangle(const D2D_RECT_F& rc, const Brush& pBrush,
     if (!pBrush) {
         return;
     }
-    const QColor color = ToneOf(pBrush);
+    const QColor color = ColorOf(*pBrush);
     if (KeepsUpright(m_matrix)) {
         for (const PixelRect& side :
              OutlinePixelsOf(Transformed(rc, m_matrix), fStrokeWidth * m_matrix._11)) {

@@ -64,8 +64,6 @@ private:
     void RequireFrame() const;
     void CheckNewBitmap(Windows::Graphics::D2D_SIZE_U size,
                         const Windows::Graphics::D2D1_BITMAP_PROPERTIES& properties) const;
-    QtTones Tones() const;
-    QColor ToneOf(const Brush& pBrush) const;
     void AddFill(const QRect& rc, const QColor& color);
     QtFrameScript::Part& AddTurned(QtFrameScript::Kind eKind,
                                    const Windows::Graphics::D2D_RECT_F& rc);

@@ -4,7 +4,6 @@
 // Threads: the UI thread only. Units: device pixels, bytes.
 #pragma once
 
-#include <QColor>
 #include <QImage>
 #include <QSize>
 #include <cstdint>
@@ -35,18 +34,11 @@ struct QtDeviceState {
     bool bLost = false;
 };
 
-// Colours in the place of those that are asked for; invalid: those.
-struct QtTones {
-    QColor around; // of a clear
-    QColor paper;  // of a fill with opaque white, which stands for paper
-};
-
 // The images of one swap chain.
 struct QtSwapBuffers {
-    QSize size;   // of the buffers; the front may still have the one before
-    QImage back;  // drawn into; null until a frame begins
-    QImage front; // shown; null before the first present
-    QtTones tones;
+    QSize size;               // of the buffers; the front may still have the one before
+    QImage back;              // drawn into; null until a frame begins
+    QImage front;             // shown; null before the first present
     QtFrameScript backScript; // what the two are made of; empty when that is not known
     QtFrameScript frontScript;
     QRect rcChanged;          // of the front, drawn since the last present

@@ -14,7 +14,7 @@ QSize ToQSize(std::uint32_t nWidth, std::uint32_t nHeight) {
     return {static_cast<int>(nWidth), static_cast<int>(nHeight)};
 }
 
-// True when it is the turn of a fault that counts down.
+// Counts one call down; true when the fault happens with this call.
 bool IsDue(std::optional<std::uint64_t>& nCallsLeft) {
     if (!nCallsLeft) {
         return false;
@@ -95,10 +95,6 @@ std::shared_ptr<IDXGISurface> QtSwapChain::GetBuffer(std::uint32_t nIndex) {
         throw Platform::Exception(DXGI_ERROR_INVALID_CALL, "only buffer 0 can be drawn into");
     }
     return std::make_shared<QtGraphicsSurface>(m_pDevice, m_pBuffers);
-}
-
-void QtSwapChain::SetTones(const QtTones& tones) {
-    m_pBuffers->tones = tones;
 }
 
 QImage QtSwapChain::FrontImage() const {

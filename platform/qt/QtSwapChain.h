@@ -37,10 +37,6 @@ public:
     // What the last present changed of it.
     const QRect& PresentedRect() const { return m_rcPresented; }
 
-    // Of the frames from now on: what they are cleared to, and what opaque white is
-    // filled with, whatever is asked for. Invalid colours leave it to the asker.
-    void SetTones(const QtTones& tones);
-
     // How many presents showed a frame on this chain.
     std::uint64_t PresentCount() const { return m_nPresents; }
 

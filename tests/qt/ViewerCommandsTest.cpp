@@ -14,6 +14,7 @@
 #include "app/viewer/RecentMenu.h"
 #include "component/KeptView.h"
 #include "platform/qt/QtElementWindow.h"
+#include "surface/PDFViewCanvas.h"
 #include "tests/qt/WindowFixture.h"
 
 namespace velko {
@@ -78,8 +79,7 @@ TEST_F(ViewerCommandsTest, EachKeyDoesWhatTheMenuSaysAndTheMarksAreTrue) {
          [](View& view) { return view.CurrentPage() == 1; }},
         {Qt::Key_R, Qt::NoModifier, "", [](View& view) { return view.Rotation() == 1; }},
         {Qt::Key_R, Qt::ShiftModifier, "", [](View& view) { return view.Rotation() == 0; }},
-        {Qt::Key_I, Qt::ControlModifier, "Night mode",
-         [](View& view) { return view.Control()->NightMode(); }},
+        {Qt::Key_I, Qt::ControlModifier, "Night mode", [](View& view) { return view.NightMode(); }},
         {Qt::Key_F11, Qt::NoModifier, "Full screen",
          [](View& view) { return view.window()->isFullScreen(); }},
     };
@@ -231,6 +231,15 @@ TEST_F(ViewerCommandsTest, RecentFilesOpenFromTheMenuAndMissingOnesAreMarked) {
     EXPECT_TRUE(vkit::RecentFiles().empty());
 }
 
+// As contrasts are counted by.
+double Luminance(const QColor& color) {
+    const auto fnLinear = [](double dbValue) {
+        return dbValue <= 0.04045 ? dbValue / 12.92 : std::pow((dbValue + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * fnLinear(color.redF()) + 0.7152 * fnLinear(color.greenF()) +
+           0.0722 * fnLinear(color.blueF());
+}
+
 TEST_F(ViewerCommandsTest, NothingFlashesUpInTheDark) {
     const auto fnShows = [&](const QColor& paper) {
         return RunUntil([&] {
@@ -241,7 +250,9 @@ TEST_F(ViewerCommandsTest, NothingFlashesUpInTheDark) {
     constexpr int kBright = 200;
     ASSERT_TRUE(ShowUntilSharp(WritePages("pages.pdf", 30)));
     Key(Qt::Key_I, Qt::ControlModifier);
-    ASSERT_TRUE(fnShows(QColor(0, 0, 27)));
+    const auto [paper, ink] = vkit::NightPageColors();
+    EXPECT_GE((Luminance(ink) + 0.05) / (Luminance(paper) + 0.05), 7.0) << "readable for hours";
+    ASSERT_TRUE(fnShows(paper));
     ASSERT_TRUE(Settles());
     int nFrames = 0;
     int nBright = 0;
@@ -266,6 +277,11 @@ TEST_F(ViewerCommandsTest, NothingFlashesUpInTheDark) {
     ASSERT_TRUE(Settles());
     EXPECT_GT(nFrames, 2);
     EXPECT_EQ(nBright, 0);
+    TheView().Control()->RenderCanvasEvent.add([](const auto&, const auto& pArgs) {
+        pArgs->Canvas->FillRect({0, 0, 20, 20}, 0xFFFFFFFFU); // white is a host's as it is
+    });
+    TheView().Control()->UpdateViewer();
+    EXPECT_EQ(TheView().Window().FrontImage().pixelColor(10, 10), QColor(Qt::white));
     const QImage window = m_pWindow->grab().toImage();
     EXPECT_LT(window.pixelColor(2, 2).lightness(), 100) << "the bar goes into the dark too";
     EXPECT_LT(window.pixelColor(2, window.height() - 3).lightness(), 100) << "and what is around";

@@ -104,6 +104,7 @@ TEST(CommandLineTest, UnderstandsItsOptionsAndLeavesThoseOfQt) {
     EXPECT_EQ(options->nPage, 3);
     EXPECT_EQ(options->size, QSize(640, 480));
     EXPECT_EQ(options->nStartedAt, 5);
+    EXPECT_FALSE(viewer::ParseCommandLine({"a.pdf"}, strComplaint)->nPage) << "the kept place";
 }
 
 TEST(CommandLineTest, NamesWhatItDoesNotUnderstand) {

@@ -12,9 +12,6 @@ using namespace Windows::Graphics; // the drawing interface, named without a pre
 
 namespace {
 
-constexpr float kSurroundGrey = 0.8784314F;
-constexpr D2D_COLOR_F kSurround = {kSurroundGrey, kSurroundGrey, kSurroundGrey, 1.0F};
-
 // Sides of a place off the pixel grid come out this exactly at worst.
 constexpr float kSameSize = 0.05F;
 
@@ -77,7 +74,7 @@ void PageViewerBase::ClearCanvas(const std::shared_ptr<WPRenderDC>& pDc) {
         return;
     }
     pDc->m_pContext->BeginDraw();
-    pDc->m_pContext->Clear(kSurround);
+    pDc->m_pContext->Clear(m_pCanvas->Surround());
     pDc->m_pContext->EndDraw();
 }
 
@@ -130,7 +127,7 @@ bool PageViewerBase::DrawPages(ID2D1DeviceContext& context) {
 
 void PageViewerBase::DrawBackdrop(ID2D1DeviceContext& context) const {
     if (!IsSnapshotShown()) {
-        context.Clear(kSurround);
+        context.Clear(m_pCanvas->Surround());
         return;
     }
     const D2D_SIZE_U size = m_standIns.Snapshot()->GetPixelSize();

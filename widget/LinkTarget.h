@@ -1,0 +1,42 @@
+// Where a link of a document leads, and what a reader is told of it.
+//
+// Threads: any.
+#pragma once
+
+#include <QString>
+#include <QUrl>
+#include <memory>
+#include <variant>
+
+#include "document/engine/HostServices.h"
+
+namespace velko::vkit {
+
+// A place in the document, in one of three ways.
+struct LinkToPage {
+    std::shared_ptr<velko::pdf::IAction> pAction; // a destination; else
+    QString strName;                              // a name that the document knows; else
+    int nPage = -1;                               // a page, from 0; may be out of range
+};
+
+// A step from where the reader is.
+enum class LinkStep { NextPage, PreviousPage, FirstPage, LastPage, Back, Forward };
+
+// An address for a browser or a mail program.
+struct LinkToAddress {
+    QUrl address;
+};
+
+// What is not done from a document.
+struct RefusedLink {
+    QString strReason; // a sentence for the reader
+};
+
+using LinkTarget = std::variant<LinkToPage, LinkStep, LinkToAddress, RefusedLink>;
+
+LinkTarget TargetOf(const velko::pdf::LinkRecord& link);
+
+// The target in a few words, for whoever points at the link.
+QString TextOf(const velko::pdf::LinkRecord& link, velko::pdf::PDFDoc& document);
+
+}

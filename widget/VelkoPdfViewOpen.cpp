@@ -1,0 +1,262 @@
+// Opening and closing, and what is shown when an open fails.
+#include <utility>
+
+#include "component/KeptView.h"
+#include "platform/qt/QtElementWindow.h"
+#include "widget/OpenFailure.h"
+#include "widget/PlaceKeeper.h"
+#include "widget/VelkoPdfView.h"
+
+namespace velko::vkit {
+
+using velko::common::ErrorCode;
+using Arrival = OpeningQueue::State;
+
+namespace {
+
+concurrency::task<void> AwaitOpen(
+    QPointer<VelkoPdfView> pView, VelkoPdfView::Opening opening,
+    std::function<void(VelkoPdfView&, const VelkoPdfView::Opening&)> fnEnded) {
+    co_await opening.settled();
+    if (pView) {
+        fnEnded(*pView, opening);
+    }
+}
+
+// The control raises this for a place with values of wrong types, as another
+// program may have left them.
+bool IsUnreadablePlace(const std::exception_ptr& pError) {
+    try {
+        std::rethrow_exception(pError);
+    } catch (const Platform::InvalidCastException&) {
+        return true;
+    } catch (...) {
+        return false;
+    }
+}
+
+// False when there is none, or when it cannot be forgotten.
+bool ForgetPlaceIn(const FilePath& path) {
+    try {
+        return ForgetUnreadableView(path.Bytes());
+    } catch (...) {
+        return false;
+    }
+}
+
+}
+
+VelkoPdfView::Opening VelkoPdfView::BeginOpen(PDFViewCtrl& control, const FilePath& path,
+                                              const QString& strPassword) {
+    return control.OpenPdfDocument(path.Absolute().Bytes(), strPassword.toStdString());
+}
+
+void VelkoPdfView::KeepPlace(bool bKeep) {
+    m_pPlace.reset();
+    if (!bKeep) {
+        return;
+    }
+    m_pPlace = std::make_unique<PlaceKeeper>([this](bool bLeft) { return PlaceNow(bLeft); });
+    m_pPlace->OnFailure = [this](const std::exception_ptr& pError) {
+        TellLater(QStringLiteral("Your place in the document could not be kept. ") +
+                  ReasonOf(pError));
+    };
+    if (m_eState == State::Shown) {
+        m_pPlace->Begin();
+    }
+}
+
+// --- asking ----------------------------------------------------------------
+
+void VelkoPdfView::Open(const FilePath& path, const QString& strPassword) {
+    OpeningQueue::Request request{path.Absolute(), strPassword};
+    if (!m_queue.IsIdle()) {
+        m_queue.Replace(std::move(request));
+        return;
+    }
+    if (!Expect(request)) { // first: a quick open raises the control's events within the call
+        return;
+    }
+    try {
+        Await(BeginOpen(*m_pControl, request.path, strPassword));
+    } catch (...) {
+        const std::exception_ptr pError = std::current_exception();
+        Await(
+            concurrency::create_task([pError]() -> ErrorCode { std::rethrow_exception(pError); }));
+    }
+}
+
+void VelkoPdfView::Follow(const FilePath& path, Opening opening) {
+    if (!m_queue.IsIdle()) {
+        Open(path); // both opens are the control's by now; this one has the last word
+    } else if (Expect({path.Absolute(), {}})) {
+        Await(std::move(opening));
+    }
+}
+
+// False when a handler has taken this view away.
+bool VelkoPdfView::Expect(const OpeningQueue::Request& request) {
+    if (m_pPlace && HasDocument()) {
+        m_pPlace->End(); // the document goes as soon as the next one is there
+    }
+    m_queue.Begin(request);
+    m_path = request.path;
+    m_pWindow->ShowBusyMark(true);
+    const QPointer<VelkoPdfView> pThis(this);
+    SetState(State::Opening);
+    return !pThis.isNull();
+}
+
+void VelkoPdfView::Await(Opening opening) {
+    AwaitOpen(this, std::move(opening),
+              [](VelkoPdfView& view, const Opening& ended) { view.OnOpenEnded(ended); });
+}
+
+// --- the control's events --------------------------------------------------
+
+// Between the control's first layout and its first frame on the screen, so that
+// the reader sees the document come up at its place.
+void VelkoPdfView::OnControlOpened(ErrorCode eCode) {
+    if (m_queue.IsDropped()) {
+        return;
+    }
+    if (eCode == ErrorCode::e_ErrSuccess) {
+        const auto pFile = m_pControl->GetDocumentFile();
+        m_shown = pFile ? FilePath(pFile->Path()) : FilePath();
+        m_queue.Arrive();
+        BeginShowing();
+    }
+    if (m_queue.IsIdle()) { // a password that was given later, or a document of the host's
+        QMetaObject::invokeMethod(
+            this, [this] { OnGiven(); }, Qt::QueuedConnection);
+    }
+}
+
+void VelkoPdfView::BeginShowing() {
+    m_history.Clear();
+    m_bSeen = false;
+    m_eFit = Fit::Page;
+    m_fFitScale = m_pControl->GetScale();
+    ShowAround();
+    Guard([this] { ShowKeptPlace(); });
+}
+
+void VelkoPdfView::OnGiven() {
+    if (!m_queue.IsIdle()) {
+        return; // another document was asked for meanwhile
+    }
+    if (HasDocument()) {
+        OnShown();
+    } else {
+        CloseDocument();
+    }
+}
+
+// --- the end of an open ----------------------------------------------------
+
+void VelkoPdfView::OnOpenEnded(const Opening& opening) {
+    m_pWindow->ShowBusyMark(false);
+    const OpeningQueue::Ended ended = m_queue.End();
+    if (ended.next) {
+        Open(ended.next->path, ended.next->strPassword);
+    } else if (ended.eState == Arrival::Dropped) {
+        Guard([this] { m_pControl->CloseDocument(); });
+    } else {
+        TakeOutcome(ended, opening);
+    }
+}
+
+void VelkoPdfView::TakeOutcome(const OpeningQueue::Ended& ended, const Opening& opening) {
+    ErrorCode eCode = ErrorCode::e_ErrUnknown;
+    try {
+        eCode = opening.get();
+    } catch (...) {
+        OnOpenBroken(ended, std::current_exception());
+        return;
+    }
+    if (eCode == ErrorCode::e_ErrPassword) {
+        OnPasswordNeeded();
+    } else if (eCode != ErrorCode::e_ErrSuccess) {
+        ShowWhatIsLeft(ReasonOf(eCode));
+    } else if (m_pControl->GetPageCount() == 0) {
+        Guard([this] { m_pControl->CloseDocument(); });
+        ShowWhatIsLeft(
+            QStringLiteral("The document has no pages. Ask for it anew where it came "
+                           "from."));
+    } else {
+        OnShown();
+    }
+}
+
+void VelkoPdfView::OnShown() {
+    m_path = m_shown.value_or(FilePath());
+    if (!SetState(State::Shown) || !Refresh()) {
+        return;
+    }
+    if (m_pPlace) {
+        m_pPlace->Begin();
+    }
+    emit Opened(PageCount());
+}
+
+// The document waits in the control for its password; nothing of it is shown.
+void VelkoPdfView::OnPasswordNeeded() {
+    const FilePath path = m_path;
+    if (SetState(State::PasswordNeeded) && Refresh()) {
+        emit OpenFailed(path.Text(), ReasonOf(ErrorCode::e_ErrPassword));
+    }
+}
+
+// A failure on the way. The control may not have come to the new document, may
+// hold it without a layout, or may even show it, when a later handler failed.
+void VelkoPdfView::OnOpenBroken(const OpeningQueue::Ended& ended,
+                                const std::exception_ptr& pError) {
+    if (ended.eState == Arrival::Arrived && HasDocument()) {
+        TellLater(ReasonOf(pError));
+        OnShown();
+    } else if (IsUnreadablePlace(pError) && ForgetPlaceIn(ended.request.path)) {
+        Open(ended.request.path, ended.request.strPassword);
+    } else {
+        ShowWhatIsLeft(ReasonOf(pError));
+    }
+}
+
+// After an open that failed: the document from before, where the control still
+// shows that one, else none.
+void VelkoPdfView::ShowWhatIsLeft(const QString& strReason) {
+    if (!HasDocument()) { // what the control holds besides is laid out by nobody
+        Guard([this] { m_pControl->CloseDocument(); });
+    }
+    const FilePath refused = std::exchange(m_path, m_shown.value_or(m_path));
+    if (!SetState(HasDocument() ? State::Shown : State::Failed) || !Refresh()) {
+        return;
+    }
+    if (m_pPlace && HasDocument()) {
+        m_pPlace->Begin();
+    }
+    emit OpenFailed(refused.Text(), strReason);
+}
+
+void VelkoPdfView::CloseDocument() {
+    m_queue.Drop();
+    m_pWindow->ShowBusyMark(false);
+    if (m_pPlace && HasDocument()) {
+        m_pPlace->End();
+    }
+    Guard([this] { m_pControl->CloseDocument(); });
+    m_path = {};
+    m_history.Clear();
+    if (SetState(State::Empty)) {
+        Refresh();
+    }
+}
+
+bool VelkoPdfView::SetState(State eState) {
+    const QPointer<VelkoPdfView> pThis(this);
+    if (std::exchange(m_eState, eState) != eState) {
+        emit StateChanged(eState);
+    }
+    return pThis && m_eState == eState;
+}
+
+}
