@@ -143,7 +143,7 @@ void VelkoPdfView::ShowAround() {
 }
 
 void VelkoPdfView::ShowAround(const PageColors& colors) {
-    m_pControl->SetSurround(ToControlColor(colors.Around()));
+    m_pControl->SetSurround(ToColor(colors.Around()));
     m_pWindow->SetBackground(colors.Around());
 }
 

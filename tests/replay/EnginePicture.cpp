@@ -1,19 +1,16 @@
 #include "tests/replay/EnginePicture.h"
 
-#include <algorithm>
-#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <memory>
 #include <stdexcept>
-#include <utility>
-#include <vector>
 
 #include "document/engine/Bitmap.h"
 #include "document/engine/PDFDoc.h"
 #include "document/engine/Renderer.h"
 #include "engines/mupdf/Register.h"
 #include "platform/system/Activation.h"
+#include "tests/engine/MemoryReader.h"
 
 namespace velko::testing {
 
@@ -21,24 +18,11 @@ namespace {
 
 using velko::common::Bitmap;
 
-class FileReader final : public velko::common::vxbase::IFileReaderCallback {
-public:
-    explicit FileReader(const std::string& strPath) {
-        std::ifstream file(strPath, std::ios::binary);
-        m_bytes.assign(std::istreambuf_iterator<char>(file), {});
-    }
-    std::uint32_t GetSize() override { return static_cast<std::uint32_t>(m_bytes.size()); }
-    bool ReadBlock(std::span<std::uint8_t> destination, std::uint64_t nOffset,
-                   std::uint32_t nSize) override {
-        std::copy_n(m_bytes.begin() + static_cast<std::ptrdiff_t>(nOffset), nSize,
-                    destination.begin());
-        return true;
-    }
-    bool Release() override { return true; }
-
-private:
-    std::vector<char> m_bytes;
-};
+std::shared_ptr<MemoryReader> ReaderOf(const std::string& strPath) {
+    std::ifstream file(strPath, std::ios::binary);
+    return std::make_shared<MemoryReader>(
+        std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()));
+}
 
 std::shared_ptr<velko::pdf::PDFDoc> Load(const std::string& strPath) {
     static const bool s_bRegistered = [] {
@@ -47,7 +31,7 @@ std::shared_ptr<velko::pdf::PDFDoc> Load(const std::string& strPath) {
     }();
     static_cast<void>(s_bRegistered);
     auto pDoc = Platform::GetActivationFactory<velko::pdf::IPDFDocFactory>(velko::pdf::kPDFDocClass)
-                    ->Create(std::make_shared<FileReader>(strPath));
+                    ->Create(ReaderOf(strPath));
     if (pDoc->Load("") != velko::common::ErrorCode::e_ErrSuccess) {
         throw std::runtime_error("cannot load " + strPath);
     }
