@@ -1,5 +1,6 @@
 #include "platform/fake/RecordingGraphicsFactory.h"
 
+#include <stdexcept>
 #include <utility>
 
 #include "platform/fake/RecordingContext_p.h"
@@ -311,6 +312,9 @@ void RecordingGraphicsFactory::ClearCalls() {
 }
 
 PixelImage RecordingGraphicsFactory::FrontImage() const {
+    if (!m_pState->bComposes) {
+        throw std::logic_error("frames have no pixels: ComposePixels");
+    }
     const auto pBuffers = m_pState->wkNewestBuffers.lock();
     return pBuffers ? pBuffers->front : PixelImage();
 }

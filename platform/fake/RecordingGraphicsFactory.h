@@ -51,7 +51,8 @@ public:
     std::int64_t LiveDevices() const;
     std::int64_t LiveSwapChains() const;
 
-    // Without it frames stay blank, which makes large ones cheap; on at the start.
+    // Without it frames have no pixels, which makes large ones cheap, and asking
+    // for one raises; on at the start.
     void ComposePixels(bool bCompose);
 
     // --- faults ---

@@ -10,6 +10,8 @@ namespace {
 
 class FramePixelsTest : public ViewerTest {
 protected:
+    FramePixelsTest() { w.ShowPixels(); }
+
     // Every pixel of the canvas is the page point's colour under it, or grey.
     // Points on the border of two squares of the pattern are left out.
     void ExpectPattern() {

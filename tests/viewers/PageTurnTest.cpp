@@ -170,6 +170,7 @@ TEST_F(PageTurnTest, AQuestionWithinAFrameTakesNoPageAway) {
 }
 
 TEST_F(PageTurnTest, AGapIsDrawnThatTheLayoutDoesNotKnow) {
+    w.ShowPixels();
     w.Open(MakePages(5, 300, 500), 300, 500, 1);
     w.Settle();
     MoveX(10);

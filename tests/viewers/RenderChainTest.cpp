@@ -21,6 +21,8 @@ constexpr const char* kBlockFailed = "RenderViewerPageBlock Error...\n";
 
 class RenderChainTest : public ViewerTest {
 protected:
+    RenderChainTest() { w.ShowPixels(); }
+
     Platform::Fake::ManualScheduler& Pool() { return w.host.Pool(); }
     Platform::Fake::ManualDispatcher& Ui() { return w.host.Dispatcher(); }
 

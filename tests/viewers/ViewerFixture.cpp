@@ -32,9 +32,15 @@ ViewerWorld::ViewerWorld(Platform::Fake::TestHost::RealPool pool) : host(pool) {
 
 void ViewerWorld::Start() {
     pFactory = std::make_shared<Platform::Fake::RecordingGraphicsFactory>();
+    pFactory->ComposePixels(false);
     host.Environment().SetGraphicsFactory(pFactory);
     host.Environment().SetLogicalDpi(72.0F);
     vkit::AppConfig::Init();
+}
+
+void ViewerWorld::ShowPixels() {
+    bPixels = true;
+    pFactory->ComposePixels(true);
 }
 
 ViewerWorld::~ViewerWorld() {
@@ -51,6 +57,11 @@ void ViewerWorld::Make(std::vector<ScriptedPage> pages, float fWidth, float fHei
     }
     pRegistration.reset();
     const bool bEmpty = pages.empty();
+    if (!bPixels) {
+        for (ScriptedPage& page : pages) {
+            page.ePaper = ScriptedPage::Paper::None;
+        }
+    }
     pEngine = std::make_shared<ScriptedEngine>(std::move(pages));
     pRegistration = std::make_unique<ScriptedEngine::Registration>(pEngine);
     pPanel = std::make_shared<Windows::UI::Xaml::Controls::SwapChainPanel>();

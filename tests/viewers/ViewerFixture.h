@@ -92,6 +92,8 @@ public:
     // The viewer that is made next; continuous unless told.
     void SetLayout(Layout eNext) { eLayout = eNext; }
     Layout LaidOutAs() const { return eLayout; }
+    // From here on pages and frames have pixels; without them tests run faster.
+    void ShowPixels();
     // Makes document, canvas and viewer; nothing is laid out yet.
     void Make(std::vector<ScriptedPage> pages, float fWidth, float fHeight, float fScaleX = 1.0F,
               float fScaleY = 1.0F);
@@ -135,6 +137,7 @@ private:
     void MakeViewer();
 
     Layout eLayout = Layout::Continuous;
+    bool bPixels = false;
 };
 
 class ViewerTest : public ::testing::Test {

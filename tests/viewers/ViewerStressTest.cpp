@@ -1,6 +1,7 @@
 // The viewer with real pool threads under it; for the thread sanitizer.
 #include <random>
 
+#include "tests/support/Effort.h"
 #include "tests/viewers/ViewerFixture.h"
 
 namespace velko::testing {
@@ -9,7 +10,7 @@ namespace {
 
 TEST(ViewerStressTest, PagesReachTheEngineFromTheTopDown) {
     ViewerWorld w(Platform::Fake::TestHost::RealPool{4});
-    for (int nRound = 0; nRound < 200; ++nRound) {
+    for (int nRound = 0; nRound < Share(50, 200); ++nRound) {
         w.Open(MakePages(4, 60, 40), 64, 160);
         w.Settle();
         std::vector<std::int32_t> pages;

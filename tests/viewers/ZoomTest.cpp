@@ -82,6 +82,8 @@ TEST_F(ZoomTest, TheEndRendersAlsoWithoutAChange) {
 }
 
 TEST_F(ZoomTest, TheLastFrameStandsBehindWhatIsNotSharpYet) {
+    w.ShowPixels();
+    SetUp();
     Zoom({200, 250}, 2.0, false);
     w.Settle();
     const auto before = w.Device().FrontImage();
@@ -127,6 +129,8 @@ TEST_F(ZoomTest, ASecondGestureBeforeTheFirstIsSharp) {
 // Three gestures in a row, each before the last one is sharp, in and out again:
 // nothing that was shown turns blank, and nothing is kept in the end.
 TEST_F(ZoomTest, GesturesInARowHandOnWhatTheyShow) {
+    w.ShowPixels();
+    SetUp();
     const auto fnBlank = [&] {
         int nBlank = 0;
         const auto image = w.Device().FrontImage();
@@ -164,6 +168,8 @@ TEST_F(ZoomTest, GesturesInARowHandOnWhatTheyShow) {
 // A page that was seen whole shows that where it is not rendered yet, as long as
 // it still looks so.
 TEST_F(ZoomTest, WhatComesInAtALargeScaleIsNotBlank) {
+    w.ShowPixels();
+    SetUp();
     Zoom({200, 250}, 4.0, true);
     w.Settle();
     EXPECT_GE(w.State().nOverviews, 1U);
@@ -227,6 +233,8 @@ TEST_F(ZoomTest, TheFrameFromBeforeIsNoBackdropForAnotherPlace) {
 // Moved on before its new blocks are rendered, a page still shows what it looked
 // like, in its new size and place, and nothing of that is kept longer.
 TEST_F(ZoomTest, APageCutAnewShowsItsOldBitmapsUntilItIsRendered) {
+    w.ShowPixels();
+    SetUp();
     const auto fnPageAt = [&](std::uint32_t nX, std::uint32_t nY) {
         const vkit::PDFPagePoint pt = Under({nX + 0.5F, nY + 0.5F});
         return std::pair(w.Device().FrontImage().At(nX, nY), PatternColor(1, {pt.pt.X, pt.pt.Y}));

@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <array>
 #include <cstddef>
+#include <cstring>
 
 #include "tests/support/scripted_engine/ScriptedBitmap_p.h"
 
@@ -29,15 +31,16 @@ ScriptedBitmap::ScriptedBitmap(std::shared_ptr<EngineScript> pScript, std::int32
 void ScriptedBitmap::FillRect(std::uint32_t nColor, const common::vxbase::RectI& rc) {
     const std::int32_t nLeft = std::max(rc.Left, 0);
     const std::int32_t nRight = std::min(rc.Right, m_nWidth);
+    const std::uint32_t nAlpha = nColor >> 24U;
+    std::array<std::uint8_t, 4> pixel{0, 0, 0, static_cast<std::uint8_t>(nAlpha)};
+    for (unsigned nChannel = 0; nChannel < 3; ++nChannel) {
+        const std::uint32_t nValue = (nColor >> (8U * nChannel)) & 0xFFU;
+        pixel[nChannel] = static_cast<std::uint8_t>((nValue * nAlpha + 127U) / 255U);
+    }
     for (std::int32_t y = std::max(rc.Top, 0); y < std::min(rc.Bottom, m_nHeight); ++y) {
+        std::uint8_t* pRow = &m_pixels[ByteCount(m_nWidth, y)];
         for (std::int32_t x = nLeft; x < nRight; ++x) {
-            std::uint8_t* const pPixel = &m_pixels[ByteCount(m_nWidth, y) + std::size_t(x) * 4];
-            const std::uint32_t nAlpha = nColor >> 24U;
-            for (unsigned nChannel = 0; nChannel < 3; ++nChannel) {
-                const std::uint32_t nValue = (nColor >> (8U * nChannel)) & 0xFFU;
-                pPixel[nChannel] = static_cast<std::uint8_t>((nValue * nAlpha + 127U) / 255U);
-            }
-            pPixel[3] = static_cast<std::uint8_t>(nAlpha);
+            std::memcpy(pRow + std::size_t(x) * 4, pixel.data(), pixel.size());
         }
     }
 }

@@ -116,7 +116,8 @@ std::shared_ptr<common::Progressive> ScriptedRenderer::StartRender(
     }
     m_bIncomplete = m_bIncomplete || m_pScript->IsCutShort(pScripted->Index());
     const ScriptedPage& page = pScripted->Script();
-    if (m_nContentFlags & kRenderContent) {
+    const bool bBlank = page.ePaper == ScriptedPage::Paper::None && page.rects.empty();
+    if ((m_nContentFlags & kRenderContent) && !bBlank) {
         Paint(matrix, [&](PointF pt) { return PageColorAt(page, pScripted->Index(), pt); });
     }
     return std::make_shared<CountedProgress>(0);
