@@ -110,7 +110,7 @@ void VLKS_FileHandlerReadWrite::PendingRead::OnOpened(const OpenOperation& opera
 // Asking for the result raises for every status but the completed one.
 std::shared_ptr<DataReader> VLKS_FileHandlerReadWrite::PendingRead::MakeReader(
     const OpenOperation& operation) {
-    const std::shared_ptr<IRandomAccessStream> pStream = operation.GetResults();
+    const std::shared_ptr<IRandomAccessStream>& pStream = operation.GetResults();
     nStreamSize = pStream->Size();
     if (nStreamSize > kMaxFileSize) {
         throw Platform::InvalidArgumentException("the file is too large");

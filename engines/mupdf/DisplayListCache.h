@@ -46,7 +46,7 @@ public:
         std::uint64_t nDocument = 0;
         std::int32_t nPage = 0;
         Kind eKind = Kind::Content;
-        auto operator<=>(const Key&) const = default;
+        auto operator<=>(const Key&) const = default; // NOLINT(modernize-use-nullptr): it has none
     };
 
     struct Limits {

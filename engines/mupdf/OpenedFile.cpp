@@ -10,9 +10,6 @@ namespace velko::engines::mupdf {
 
 namespace {
 
-using common::EngineException;
-using common::ErrorCode;
-
 // Bits of `pdf_authenticate_password`.
 constexpr int kNoPasswordNeeded = 1;
 constexpr int kOwnerPassword = 4;

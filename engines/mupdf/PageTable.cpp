@@ -8,7 +8,6 @@ namespace velko::engines::mupdf {
 
 namespace {
 
-using common::vxbase::RectF;
 using Lock = concurrency::critical_section::scoped_lock;
 
 constexpr float kMaxSide = 14400.0F;
