@@ -25,6 +25,7 @@ Ink InkOf(const IPDFViewer& viewer) {
     const ViewerState state = pInspection->Inspect();
     Ink ink{false, !state.bShowScaleSnapshot};
     for (const PageItemState& item : state.items) {
+        ink.bSome = ink.bSome || !item.standIns.empty();
         for (const BlockState& block : item.blocks) {
             ink.bSome = ink.bSome || (block.bIsDisplay && block.bHasBitmap);
             ink.bAll = ink.bAll && (!block.bIsDisplay || block.bIsSharp);

@@ -134,11 +134,17 @@ float VelkoViewControl::Scale() const {
     return pViewer ? pViewer->GetScale() : 1.0F;
 }
 
-// A large sheet that fits stands below the limit; from there it zooms in and out
-// evenly.
+// A large sheet that fits stands below the limit: from there it zooms in and out
+// evenly, and what was zoomed in finds back to the fit.
 float VelkoViewControl::LeastScale() const {
     const auto pViewer = Viewer();
-    return std::min(pViewer ? pViewer->GetMinScale() : kNoViewerLimits.fLeast, Scale());
+    const float fLimit = pViewer ? pViewer->GetMinScale() : kNoViewerLimits.fLeast;
+    const float fScale = Scale();
+    const auto pControl = BaseViewContorl();
+    if (fScale > fLimit || !pControl) {
+        return fLimit;
+    }
+    return std::min(fScale, static_cast<float>(pControl->GetFitScale(ZoomMode::kFitPage)));
 }
 
 float VelkoViewControl::MostScale() const {
@@ -183,19 +189,19 @@ void VelkoViewControl::OnManipulationDelta(Input::ManipulationDeltaRoutedEventAr
 }
 
 void VelkoViewControl::PanBy(Point ptPosition, bool bHasPinched) {
+    const auto pManager = m_pPageViewMgr;
     Gesture& gesture = OpenGesture(ptPosition);
     const Point ptLast = std::exchange(gesture.ptLast, ptPosition);
     if (!bHasPinched) {
-        const auto pManager = m_pPageViewMgr;
         pManager->MoveScreen((ptLast.Y - ptPosition.Y) * m_pPanel->CompositionScaleY(),
                              (ptLast.X - ptPosition.X) * m_pPanel->CompositionScaleX());
     }
 }
 
 void VelkoViewControl::PinchAt(Point ptPosition, float fScale) {
+    const auto pManager = m_pPageViewMgr;
     Gesture& gesture = OpenGesture(ptPosition);
     gesture.ptPinched = ptPosition;
-    const auto pManager = m_pPageViewMgr;
     const float fCurrent = Scale();
     const float fTarget = std::min(std::max(fCurrent * fScale, gesture.fLeastScale), MostScale());
     if (fTarget != fCurrent) {
@@ -220,6 +226,9 @@ void VelkoViewControl::CompleteGesture() {
 void VelkoViewControl::EndGesture(Point ptPosition, bool bHasPinched) {
     const Gesture gesture = *std::exchange(m_gesture, std::nullopt);
     const auto pManager = m_pPageViewMgr;
+    if (!pManager) {
+        return;
+    }
     if (bHasPinched) {
         if (pManager->LayoutMode() != LayoutMode::kReflow) {
             pManager->PageScaled(ToDevice(ptPosition), Scale(), false, true);

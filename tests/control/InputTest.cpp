@@ -94,6 +94,13 @@ TEST_F(InputTest, ASheetThatFitsBelowTheLimitZoomsOutToWhereItStood) {
     Start(10, 10); // a gesture from above the limit ends there
     Delta(10, 10, 0.01F, 0.01F);
     EXPECT_EQ(pViewer->fScale, 0.5F);
+    Complete(10, 10, 0.01F);
+    pControl->Arrange({100.0F, 100.0F}); // the page fits far below, and can be had so
+    const auto fFit = static_cast<float>(pControl->GetFitScale(1));
+    EXPECT_LT(fFit, 0.1F);
+    Start(10, 10);
+    Delta(10, 10, 0.01F, 0.01F);
+    EXPECT_EQ(pViewer->fScale, fFit);
 }
 
 TEST_F(InputTest, TheWheelScrollsAndTurnsPages) {
