@@ -332,8 +332,9 @@ TEST_F(RenderChainTest, HandlersMayMoveCloseAndThrowWithinAFrame) {
     EXPECT_EQ(Sharp(), Displayed());
 
     w.pOwner->fnDrawn = [](std::int32_t) { throw std::runtime_error("host"); };
-    EXPECT_THROW(w.Viewer().MoveScreen(10, 0), std::runtime_error);
-    EXPECT_THROW(w.Viewer().PageScaled({150, 250}, 1.5, false, true), std::runtime_error);
+    EXPECT_NO_THROW(w.Viewer().MoveScreen(10, 0)); // the frame failed, not the command
+    EXPECT_NO_THROW(w.Viewer().PageScaled({150, 250}, 1.5, false, true));
+    EXPECT_TRUE(w.host.DebugContains("a frame failed: host"));
     w.Settle();
     w.pOwner->fnDrawn = nullptr;
     w.Viewer().UpdateViewer();
@@ -439,12 +440,11 @@ TEST_F(RenderChainTest, EachChainTellsItsFailureInItsOwnWords) {
     EXPECT_EQ(w.host.CountDebug("PDFConuiunePagesViewer::UpdatePageAfterAnnotEdit "
                                 "concurrency::task_canceled...\n"),
               1U);
-    // A host that fails in the closing frame.
+    // A host that fails in their frames fails no chain.
     w.Viewer().RedrawScreen();
     w.pOwner->fnDrawn = [](std::int32_t) { throw std::runtime_error("host"); };
     w.Settle();
-    EXPECT_EQ(w.host.CountDebug("Exception...\n"), 3U);
-    EXPECT_EQ(w.host.CountDebug("PDFConuiunePagesViewer::RedrawScreen Exception...\n"), 1U);
+    EXPECT_FALSE(w.host.DebugContains("RedrawScreen Exception"));
     EXPECT_FALSE(w.host.DebugContains("unobserved"));
     EXPECT_FALSE(w.host.DebugContains("unhandled"));
 }
