@@ -4,6 +4,8 @@
 #include <tuple>
 #include <utility>
 
+#include "platform/foundation/Exception.h"
+
 namespace Platform::Fake {
 
 class ManualTimer final : public Windows::UI::Xaml::DispatcherTimer {
@@ -11,6 +13,9 @@ public:
     explicit ManualTimer(std::weak_ptr<ManualClock> wkClock) : m_wkClock(std::move(wkClock)) {}
 
     void Interval(std::chrono::nanoseconds interval) override {
+        if (interval < std::chrono::nanoseconds::zero()) {
+            throw Platform::InvalidArgumentException("a negative timer interval");
+        }
         m_interval = std::max<std::chrono::nanoseconds>(interval, std::chrono::milliseconds(1));
         if (m_bEnabled) {
             Start();

@@ -225,11 +225,13 @@ TEST_F(VelkoPdfViewTest, AHandlerMayDestroyTheViewThatTellsIt) {
         m_pView->Open(m_folder.filePath("missing.pdf"));
         RunUntil([&] { return !m_pView || m_pView->ViewState() == State::Failed; });
         if (m_pView) {
-            m_pView->Control()->PageChangedEvent.add(
-                [](const auto&, const auto&) { throw std::runtime_error("host failed"); });
             m_pView->Open(strFile);
         }
         RunUntil([&] { return !m_pView || m_pView->IsSharp(); });
+        if (m_pView) {
+            m_pView->Control()->PageChangedEvent.add(
+                [](const auto&, const auto&) { throw std::runtime_error("host failed"); });
+        }
         for (const auto& fnCommand : std::initializer_list<std::function<void()>>{
                  [&] { m_pView->GotoPage(1); }, [&] { m_pView->ZoomTo(2.0); },
                  [&] { m_pView->JumpToName("nowhere"); }}) {
@@ -449,19 +451,22 @@ protected:
 
 TEST_F(WheelTest, ZoomsAboutThePointerByAFifthANotchAndFinerInProportion) {
     ASSERT_TRUE(OpenUntilSharp(*m_pView, WritePages("pages.pdf", 5)));
-    const double dbFit = m_pView->Control()->GetScale();
+    m_pView->ZoomTo(1.0); // a narrower page would stay in the middle
+    m_pView->GotoPage(2);
+    ASSERT_TRUE(SettlesSharp());
     const auto pUnder = m_pView->Control()->DevicePointToPagePoint({200.0F, 150.0F});
     Wheel(0, 120, Qt::ControlModifier);
-    EXPECT_NEAR(m_pView->Control()->GetScale(), dbFit * 1.2, 1e-3);
+    EXPECT_NEAR(m_pView->Control()->GetScale(), 1.2, 1e-3);
     for (int nStep = 0; nStep < 8; ++nStep) {
         Wheel(0, 15, Qt::ControlModifier);
     }
-    EXPECT_NEAR(m_pView->Control()->GetScale(), dbFit * 1.44, 1e-3);
+    EXPECT_NEAR(m_pView->Control()->GetScale(), 1.44, 1e-3);
     EXPECT_FALSE(m_pView->IsSharp()) << "nothing is rendered before the wheel rests";
     EXPECT_TRUE(SettlesSharp());
     const auto pt = OnScreen(pUnder->nPageIndex, pUnder->pt.X, pUnder->pt.Y);
-    EXPECT_NEAR(pt.X, 200.0F, 2.0F);
-    EXPECT_NEAR(pt.Y, 150.0F, 2.0F);
+    constexpr float kSteps = 9.0F; // each lays pages out in whole pixels
+    EXPECT_NEAR(pt.X, 200.0F, kSteps);
+    EXPECT_NEAR(pt.Y, 150.0F, kSteps);
     EXPECT_EQ(m_pView->FitMode(), View::Fit::None);
     for (int nNotch = 0; nNotch < 20; ++nNotch) {
         Wheel(0, -120, Qt::ControlModifier);

@@ -289,6 +289,7 @@ TEST_F(ViewerCommandsTest, NothingFlashesUpInTheDark) {
     ASSERT_TRUE(Settles());
     Key(Qt::Key_I, Qt::ControlModifier);
     ASSERT_TRUE(fnShows(Qt::white));
+    ASSERT_TRUE(Settles());
     EXPECT_EQ(m_pWindow->grab().toImage().pixelColor(2, window.height() - 3),
               QColor(224, 224, 224));
 }
