@@ -82,7 +82,8 @@ TEST(ThreadPoolTest, TheEndLetsRunningWorksFinishAndDropsTheRest) {
 TEST(ThreadPoolTest, AThreadThatHangsInASystemCallHoldsNoEnd) {
     static auto* const s_pPool = new ThreadPool(2); // the thread outlives the test
     static std::atomic<bool> s_bInside{false};
-    static concurrency::event s_never;
+    static concurrency::event& s_never =
+        *new concurrency::event; // waited for beyond the end of main
     s_pPool->schedule([] {
         const concurrency::blocking_scope blocking;
         s_bInside = true;
