@@ -53,7 +53,12 @@ PageHandle LoadPage(OpenedFile& file, std::int32_t nPage) {
     fz_context* const ctx = ThreadContext();
     PageHandle page;
     try {
-        file.Use([&] { page.Out() = pdf_load_page(ctx, file.Document(), nPage); });
+        file.Use([&] {
+            page.Out() = pdf_load_page(ctx, file.Document(), nPage);
+            if (!pdf_is_dict(ctx, page.Get()->obj)) { // the library makes a page of nothing
+                fz_throw(ctx, FZ_ERROR_GENERIC, "its object is missing");
+            }
+        });
     } catch (const LibraryError& error) {
         throw common::EngineException(common::ErrorCode::e_ErrNotFound,
                                       std::string("the file has no such page: ") + error.what());

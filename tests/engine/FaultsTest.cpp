@@ -190,6 +190,20 @@ TEST_F(FaultsTest, LyingFilesCostNothing) {
     }
 }
 
+TEST_F(FaultsTest, APageWhoseObjectIsMissingIsToldAsMissing) {
+    std::string strBytes = MakePdf(std::vector<PdfPage>(3));
+    const std::size_t nKids = strBytes.find("/Kids [10 0 R");
+    ASSERT_NE(nKids, std::string::npos);
+    strBytes.replace(nKids, 13, "/Kids [99 0 R");
+    const auto pDoc = OpenDoc(strBytes);
+    ASSERT_TRUE(pDoc);
+    ASSERT_EQ(pDoc->GetPageCount(), 3);
+    EXPECT_EQ(EngineCodeOf([&] { pDoc->GetPage(0)->StartParse(0, nullptr, 0); }),
+              ErrorCode::e_ErrNotFound);
+    EXPECT_EQ(EngineCodeOf([&] { pDoc->GetPage(1)->StartParse(0, nullptr, 0); }),
+              ErrorCode::e_ErrSuccess);
+}
+
 TEST_F(FaultsTest, PageTreesWithoutAnEndAreLeft) {
     PdfPage page;
     const std::string strBytes = MakePdf(std::vector<PdfPage>(3, page));
