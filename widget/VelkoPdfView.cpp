@@ -9,6 +9,7 @@
 #include "widget/LinkFollower.h"
 #include "widget/LinkTarget.h"
 #include "widget/OpenFailure.h"
+#include "widget/PageNotices.h"
 #include "widget/PlaceKeeper.h"
 #include "widget/StoreNotice.h"
 #include "widget/VelkoRuntime.h"
@@ -37,6 +38,7 @@ VelkoPdfView::VelkoPdfView(std::shared_ptr<PDFViewCtrl> pControl, QWidget* pPare
     ConnectWindow();
     ConnectLinks();
     ConnectWheel();
+    m_pNotices = std::make_unique<PageNotices>(*m_pControl, [this] { return devicePixelRatioF(); });
     m_facts = ReadFacts();
     ShowAround();
 }
@@ -49,6 +51,7 @@ VelkoPdfView::~VelkoPdfView() {
     m_pLinks.reset();
     m_pFlingLimit.reset();
     m_pWheel.reset();
+    m_pNotices.reset();
     delete m_pWindow; // unloads the tree while the control still lives
     m_pWindow = nullptr;
     try {

@@ -50,6 +50,7 @@ namespace velko::vkit {
 
 class FlingLimit;
 class LinkFollower;
+class PageNotices;
 class PlaceKeeper;
 class StoreNotice;
 class WheelReader;
@@ -268,6 +269,7 @@ private:
     std::unique_ptr<LinkFollower> m_pLinks;
     std::unique_ptr<FlingLimit> m_pFlingLimit;
     std::unique_ptr<WheelReader> m_pWheel;
+    std::unique_ptr<PageNotices> m_pNotices;
     std::unique_ptr<PlaceKeeper> m_pPlace; // empty: places are not kept
     std::unique_ptr<StoreNotice> m_pStoreNotice;
     State m_eState = State::Empty;

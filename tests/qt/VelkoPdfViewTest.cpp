@@ -25,6 +25,7 @@
 #include "platform/system/Debug.h"
 #include "tests/qt/ViewFixture.h"
 #include "widget/OpenFailure.h"
+#include "widget/PageNotices.h"
 
 namespace velko {
 namespace {
@@ -597,6 +598,34 @@ TEST_F(VelkoPdfViewTest, AFailingHandlerOfTheHostIsReportedAndTheViewGoesOn) {
     EXPECT_TRUE(RunUntil([&] { return m_pView->CurrentPage() == 1 && m_pView->IsSharp(); }));
 }
 
+TEST_F(VelkoPdfViewTest, APageThatCannotBeShownSaysSoOnItsPlace) {
+    const auto fnBoxPixels = [&] {
+        const QColor box(255, 244, 206);
+        const QImage frame = m_pView->Window().FrontImage();
+        const auto place = m_pView->Control()->GetPageScreenRect(0);
+        int nInside = 0;
+        for (int nY = 0; place && nY < frame.height(); ++nY) {
+            for (int nX = 0; nX < frame.width(); ++nX) {
+                const bool bInside = nX >= place->dbOffsetX && nY >= place->dbOffsetY &&
+                                     nX < place->dbOffsetX + place->nWidth &&
+                                     nY < place->dbOffsetY + place->nHeight;
+                nInside += bInside && frame.pixelColor(nX, nY) == box ? 1 : 0;
+            }
+        }
+        return nInside;
+    };
+    QFile whole(WritePages("whole.pdf", 1));
+    ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
+    std::string strBytes = whole.readAll().toStdString();
+    const std::size_t nKids = strBytes.find("/Kids [10 0 R");
+    ASSERT_NE(nKids, std::string::npos);
+    strBytes.replace(nKids, 13, "/Kids [02 0 R"); // the tree's own root: no page at all
+    m_pView->Open(Write("damaged.pdf", strBytes));
+    EXPECT_TRUE(RunUntil([&] { return fnBoxPixels() > 1'000; }));
+    ASSERT_TRUE(OpenUntilSharp(*m_pView, whole.fileName()));
+    EXPECT_EQ(fnBoxPixels(), 0);
+}
+
 // What is wrong, and after a colon what to do, without a name out of the program.
 TEST(OpenFailureTest, EveryFailureHasASentenceForTheReader) {
     QStringList reasons;
@@ -614,6 +643,9 @@ TEST(OpenFailureTest, EveryFailureHasASentenceForTheReader) {
     fnRaise(std::runtime_error("std::runtime_error"));
     fnRaise(std::bad_alloc());
     const QRegularExpression sentence("^[A-Z][^_.]*[^:_.]: [^_.:]*\\.$");
+    for (int nCode = 1; nCode < 41; ++nCode) {
+        reasons << vkit::ReasonOf(vkit::PageFailure{0, velko::common::ErrorCode{nCode}, "code"});
+    }
     for (const QString& strReason : reasons) {
         EXPECT_TRUE(sentence.match(strReason).hasMatch()) << strReason.toStdString();
         EXPECT_FALSE(strReason.contains("Err") || strReason.contains("xception"));
