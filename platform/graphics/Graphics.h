@@ -2,10 +2,10 @@
 // that can fail to be made and can be lost, a swap chain of two buffers, and a
 // context that draws bitmaps and rectangles.
 //
-// Units: device pixels, origin top left, Y down; the context is in pixel unit
-// mode. Pixels are B8G8R8A8, alpha premultiplied, top row first.
-// Every rectangle that is drawn covers whole pixels: see `PixelGrid.h`.
-// Failures are platform exceptions, except where an operation answers a code.
+// Units: device pixels, origin top left, Y down; every rectangle covers whole pixels (see
+// `PixelGrid.h`). Pixels are B8G8R8A8, alpha premultiplied, top row first.
+// Lifetime: a context holds its target, a target its buffer; a bitmap or chain may outlive its
+// device. Failures are platform exceptions, except where an operation answers a code.
 // Threads: the UI thread only.
 #pragma once
 
@@ -140,8 +140,8 @@ public:
                                                       std::span<const std::uint8_t> pixels,
                                                       std::uint32_t nPitch,
                                                       const D2D1_BITMAP_PROPERTIES& properties) = 0;
-    // The same with pixels that `pOwner` keeps and that nobody writes to any
-    // more: a device may use them where they lie, or copy them.
+    // The same with pixels that `pOwner` keeps and that nobody writes to any more: a device may
+    // use them where they lie, holding the owner as long as it shows them, or copy them.
     virtual std::shared_ptr<ID2D1Bitmap> CreateSharedBitmap(
         D2D_SIZE_U size, std::shared_ptr<const void> /*pOwner*/,
         std::span<const std::uint8_t> pixels, std::uint32_t nPitch,

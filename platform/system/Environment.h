@@ -41,7 +41,7 @@ public:
     // Of the clock that the timers go by; it never goes back.
     virtual std::chrono::nanoseconds MonotonicTime() const = 0;
 
-    // The window's size, logical units, at the origin.
+    // The top-level window's size, logical, at the origin; of several the one changed last.
     virtual Windows::Foundation::Rect WindowBounds() const = 0;
 
     // Makes devices, factories and swap chains; never empty.
@@ -50,9 +50,9 @@ public:
     // State of the control key now.
     virtual bool IsControlKeyDown() const = 0;
 
-    Windows::Foundation::Event<> Suspending;
+    Windows::Foundation::Event<> Suspending; // these two are raised on any thread
     Windows::Foundation::Event<> Resuming;
-    Windows::Foundation::Event<Windows::Foundation::Size> WindowSizeChanged;
+    Windows::Foundation::Event<Windows::Foundation::Size> WindowSizeChanged; // UI thread
 };
 
 void SetEnvironment(std::shared_ptr<IEnvironment> pEnvironment);

@@ -1,4 +1,4 @@
-// The UI thread's queue.
+// The UI thread's queue: the most urgent work first, those of one priority by age.
 #pragma once
 
 #include <chrono>
@@ -13,7 +13,7 @@ namespace Windows::UI::Core {
 
 using CoreDispatcherPriority = concurrency::priority;
 
-// Works that throw are caught at the top of the queue and logged.
+// What throws is logged. After the end works are destroyed unrun. Posting: any thread.
 class CoreDispatcher : public concurrency::context {
 public:
     virtual bool HasThreadAccess() const = 0;

@@ -1,7 +1,7 @@
 // The element that shows a swap chain, and that input over it is reported on.
-//
-// Units: sizes and positions are logical; device = logical times the
-// composition scale. Threads: the UI thread only.
+// Units: sizes and positions are logical; device = logical times the composition scale.
+// Lifetime: the panel shares the chain with whoever draws into it and with the window that shows
+// it. A handler of any event may destroy that window. Threads: the UI thread only.
 #pragma once
 
 #include <memory>
