@@ -20,7 +20,6 @@
 #include "platform/fake/ManualClock.h"
 #include "platform/fake/ManualDispatcher.h"
 #include "platform/fake/ManualScheduler.h"
-#include "platform/fake/MemoryStorageFile.h"
 #include "platform/storage/ApplicationData.h"
 
 namespace Platform::Fake {

@@ -22,6 +22,13 @@ std::string NewToken() {
     return strToken;
 }
 
+// Of floats and sets only the bits and the members would tell.
+bool IsSame(const PropertyValue& one, const PropertyValue& other) {
+    const bool bIsPlain = one.Is<bool>() || one.Is<std::int32_t>() || one.Is<std::int64_t>() ||
+                          one.Is<std::uint32_t>() || one.Is<std::string>();
+    return bIsPlain && one.Value() == other.Value();
+}
+
 }
 
 void SettingsChanges::PutUnder(SettingsChanges older) {
@@ -46,6 +53,10 @@ bool SettingsImage::HasContainer(const std::string& strPath) const {
 }
 
 void SettingsImage::Insert(const SettingKey& key, PropertyValue value) {
+    const auto it = m_contents.values.find(key);
+    if (it != m_contents.values.end() && IsSame(it->second, value)) {
+        return;
+    }
     m_changes.values.insert_or_assign(key, value);
     m_contents.values.insert_or_assign(key, std::move(value));
 }

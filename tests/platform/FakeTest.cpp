@@ -8,17 +8,11 @@
 #include "platform/concurrency/Task.h"
 #include "platform/fake/TestHost.h"
 #include "platform/foundation/Exception.h"
-#include "platform/storage/DataReaderWriter.h"
 
 namespace {
 
 using concurrency::priority;
-using Platform::Fake::FileCompletion;
-using Platform::Fake::FileFailure;
-using Platform::Fake::MemoryStorageFile;
 using Platform::Fake::TestHost;
-using Windows::Foundation::AsyncStatus;
-using Windows::Storage::FileAccessMode;
 using namespace std::chrono_literals;
 
 TEST(ManualDispatcherTest, RunsByPriorityThenAgeAndLogsAThrowingWork) {
@@ -88,50 +82,6 @@ TEST(ManualClockTest, TimersTickInTheOrderOfTheirTimes) {
     host.Clock().Advance(200ms);
     EXPECT_TRUE(host.DebugContains("tick broke"));
     EXPECT_EQ(host.Clock().Now(), 900ms);
-}
-
-TEST(MemoryStorageFileTest, OperationsEndWhereTheTestSays) {
-    TestHost host;
-    const auto pFile = MemoryStorageFile::Create("/memory/a.pdf", {1, 2, 3, 4, 5});
-    EXPECT_EQ(pFile->Name(), "a.pdf");
-    EXPECT_EQ(pFile->GetBasicPropertiesAsync().GetResults().Size, 5U);
-
-    pFile->SetCompletion(FileCompletion::OnDemand);
-    const auto open = pFile->OpenAsync(FileAccessMode::Read);
-    EXPECT_EQ(open.Status(), AsyncStatus::Started);
-    EXPECT_TRUE(pFile->CompleteOne());
-    EXPECT_FALSE(pFile->CompleteOne());
-    const auto pStream = open.GetResults();
-
-    pFile->SetCompletion(FileCompletion::OwnThread);
-    std::thread::id idEnded;
-    const auto pReader = Windows::Storage::Streams::DataReader::CreateDataReader(pStream);
-    pStream->Seek(3);
-    const auto load = pReader->LoadAsync(100);
-    load.Completed([&](const auto&, AsyncStatus) { idEnded = std::this_thread::get_id(); });
-    EXPECT_TRUE(host.WaitUntil([&] { return load.Status() != AsyncStatus::Started; }));
-    EXPECT_EQ(load.GetResults(), 2U);
-    EXPECT_EQ(pReader->ReadBuffer(2)->Bytes()[1], 5);
-    EXPECT_EQ(pFile->Reads(), (std::vector<MemoryStorageFile::ReadRecord>{{3, 100}}));
-}
-
-TEST(MemoryStorageFileTest, FailuresAreThoseOfTheScriptAlsoThroughAPin) {
-    const TestHost host;
-    const auto pFile = MemoryStorageFile::Create("/memory/a.pdf", {1, 2, 3});
-    const auto pPin = pFile->PinForReading();
-    pFile->SetBytes({9});
-    EXPECT_EQ(pPin->GetBasicPropertiesAsync().GetResults().Size, 3U);
-    const auto pStream = pPin->OpenAsync(FileAccessMode::Read).GetResults();
-    pFile->FailRead(2, FileFailure::ReadFault);
-    EXPECT_EQ(pStream->ReadAsync(1).Status(), AsyncStatus::Completed);
-    EXPECT_THROW(pStream->ReadAsync(1).GetResults(), Platform::ReadFaultException);
-    EXPECT_EQ(pStream->ReadAsync(1).Status(), AsyncStatus::Completed);
-    pFile->FailRead(1, FileFailure::Canceled, true);
-    EXPECT_EQ(pStream->ReadAsync(1).Status(), AsyncStatus::Canceled);
-    EXPECT_EQ(pStream->ReadAsync(1).Status(), AsyncStatus::Canceled);
-    pFile->FailOpen(FileFailure::AccessDenied);
-    EXPECT_THROW(pPin->OpenAsync(FileAccessMode::Read).GetResults(),
-                 Platform::AccessDeniedException);
 }
 
 }

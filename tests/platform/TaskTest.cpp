@@ -8,6 +8,7 @@
 
 #include "platform/concurrency/Task.h"
 #include "platform/fake/TestHost.h"
+#include "platform/foundation/AsyncOperation.h"
 #include "platform/foundation/Exception.h"
 
 namespace {

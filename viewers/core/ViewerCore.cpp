@@ -253,10 +253,13 @@ void ViewerCore::SetPageForegroundColor(Color color) {
 }
 
 void ViewerCore::SetPageColors(Color background, Color foreground) {
-    AppConfig::SetTogether([&] {
-        SetPageBackgroundColor(background);
-        SetPageForegroundColor(foreground);
+    ThrowIfDisposed();
+    AppConfig::SetTogether([&] { // the setters below find them set
+        AppConfig::PageBackgroundColor(background);
+        AppConfig::PageForegroundColor(foreground);
     });
+    SetPageBackgroundColor(background);
+    SetPageForegroundColor(foreground);
     RedrawScreen();
 }
 
