@@ -72,9 +72,15 @@ void VelkoPdfView::ConnectWindow() {
             pView->OnControlOpened(pArgs->ErrorCode);
         }
     });
+    m_pControl->PageLayoutModeChangedEvent.add([pView](const auto&, const auto&) {
+        if (pView) {
+            pView->OnControlLaidOut();
+        }
+    });
     m_pControl->CloseDocEvent.add([pView](const auto&, const auto&) {
         if (pView) {
             pView->m_shown.reset();
+            pView->m_bPlaceWaits = false;
             pView->QueueRefresh();
         }
     });

@@ -202,6 +202,7 @@ private:
     void Await(Opening opening);
     void OnControlOpened(velko::common::ErrorCode eCode);
     void BeginShowing();
+    void OnControlLaidOut();
     void OnGiven();
     void OnOpenEnded(const Opening& opening);
     void TakeOutcome(const OpeningQueue::Ended& ended, const Opening& opening);
@@ -237,7 +238,6 @@ private:
     std::optional<KeptView> PlaceNow(bool bLeft);
     void ShowKeptPlace();
     void ShowPlace(const KeptView& kept);
-    void EnsureLayout();
     void PutPage(int nPage, double dbLeft, double dbTop);
 
     // Commands.
@@ -284,6 +284,7 @@ private:
     ViewHistory m_history;
     bool m_bRefreshQueued = false;
     bool m_bSeen = false;               // the reader has seen a page of this document
+    bool m_bPlaceWaits = false;         // for the viewer of a document that is told of already
     std::optional<ViewKeeper> m_keeper; // during a change of size
 };
 

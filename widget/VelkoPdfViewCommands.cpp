@@ -261,7 +261,6 @@ void VelkoPdfView::SetLayoutMode(Layout eLayout) {
         const std::int32_t nRotate = m_pControl->GetRotate();
         Hold();
         m_pControl->SetPageLayoutMode(std::int32_t(eLayout));
-        EnsureLayout();
         if (m_pControl->GetRotate() != nRotate) {
             m_pControl->RotateViewer(nRotate);
         }

@@ -138,7 +138,18 @@ void VelkoPdfView::BeginShowing() {
     m_eFit = Fit::Page;
     m_fFitScale = m_pControl->GetScale();
     ShowAround();
-    Guard([this] { ShowKeptPlace(); });
+    m_bPlaceWaits = !m_pControl->HasViewer();
+    if (!m_bPlaceWaits) {
+        Guard([this] { ShowKeptPlace(); });
+    }
+}
+
+// A document that waited for its password, or that a host gave, is told of before
+// it has a viewer to show a place in.
+void VelkoPdfView::OnControlLaidOut() {
+    if (std::exchange(m_bPlaceWaits, false)) {
+        Guard([this] { ShowKeptPlace(); });
+    }
 }
 
 void VelkoPdfView::OnGiven() {

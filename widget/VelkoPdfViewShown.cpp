@@ -204,19 +204,11 @@ std::optional<KeptView> VelkoPdfView::PlaceNow(bool bLeft) {
 }
 
 void VelkoPdfView::ShowKeptPlace() {
-    EnsureLayout();
     const auto pFile = m_pPlace ? m_pControl->GetDocumentFile() : nullptr;
     if (const auto kept = pFile ? FindView(pFile->Path()) : std::nullopt) {
         ShowPlace(*kept);
     }
     m_fFitScale = m_pControl->GetScale();
-}
-
-// A layout that was stored by another program may be one that this one has not.
-void VelkoPdfView::EnsureLayout() {
-    if (!m_pControl->HasViewer()) {
-        m_pControl->SetPageLayoutMode(std::int32_t(Layout::Continuous));
-    }
 }
 
 // Zoom and offsets mean something only on a screen that lies the same way.

@@ -6,10 +6,12 @@
 #include <cmath>
 
 #include "component/KeptView.h"
-#include "control/PDFViewerManager.h"
+#include "control/ControlParts.h"
+#include "control/IJudgePasswordHelper.h"
 #include "platform/qt/QtElementWindow.h"
 #include "platform/storage/ApplicationData.h"
 #include "tests/qt/ViewFixture.h"
+#include "viewers/core/IPDFViewer.h"
 
 namespace velko {
 namespace {
@@ -32,7 +34,7 @@ protected:
     // Page, place on the screen, zoom and rotation.
     static std::vector<double> PlaceOf(View& view) {
         auto& control = *view.Control();
-        const auto pPosition = control.PageViewMgr()->GetViewer()->GetPagePosition();
+        const auto pPosition = vkit::ControlParts(control).Viewer()->GetPagePosition();
         return {static_cast<double>(pPosition->nPageIndex), std::round(pPosition->dbOffsetX),
                 std::round(pPosition->dbOffsetY), control.GetScale(),
                 static_cast<double>(control.GetRotate())};
@@ -87,6 +89,34 @@ TEST_F(KeptPlaceTest, ADocumentComesUpWhereItWasLeftInOneStep) {
     EXPECT_EQ(pWide->Control()->GetCurrentPageIndex(), static_cast<int>(left[0]));
     EXPECT_EQ(pWide->Rotation(), 3);
     EXPECT_NE(pWide->Zoom(), static_cast<double>(1.6F));
+}
+
+TEST_F(KeptPlaceTest, ADocumentThatWaitedForItsPasswordComesUpWhereItWasLeft) {
+    testing::PdfOptions locked;
+    locked.strUserPassword = "secret";
+    const std::vector<testing::PdfPage> pages(9);
+    const QString strFile = Write("locked.pdf", testing::MakePdf(pages, locked));
+    std::vector<double> left;
+    {
+        const auto pView = MakeView({500, 600});
+        pView->Open(strFile, "secret");
+        ASSERT_TRUE(RunUntil([&] { return pView->PageCount() == 9; }));
+        pView->SetLayoutMode(View::Layout::SinglePage);
+        pView->ZoomTo(1.6);
+        pView->GotoPage(5);
+        pView->ScrollBy(0.0, 100.0);
+        ASSERT_TRUE(Settles(*pView));
+        left = PlaceOf(*pView);
+    }
+    const auto pView = MakeView({500, 600});
+    pView->Open(strFile);
+    ASSERT_TRUE(RunUntil([&] { return pView->ViewState() == View::State::PasswordNeeded; }));
+    const auto pJudge = pView->Control()->PasswordJudge();
+    ASSERT_TRUE(pJudge && pJudge->JudgePassword("secret"));
+    pJudge->OnPasswordOK();
+    ASSERT_TRUE(RunUntil([&] { return pView->ViewState() == View::State::Shown; }));
+    EXPECT_EQ(PlaceOf(*pView), left);
+    EXPECT_EQ(pView->LayoutMode(), View::Layout::SinglePage);
 }
 
 TEST_F(KeptPlaceTest, AFitComesBackAsAFitAndAnotherDocumentDoesNotTakeThePlace) {
