@@ -17,7 +17,8 @@ namespace Windows::Storage {
 struct SettingKey {
     std::string strContainer; // the path of names, empty for the root
     std::string strKey;
-    friend auto operator<=>(const SettingKey&, const SettingKey&) = default;
+    friend auto operator<=>(const SettingKey&, const SettingKey&) =
+        default; // NOLINT(modernize-use-nullptr): it has none
 };
 
 struct RecentFile {
