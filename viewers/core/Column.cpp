@@ -59,8 +59,9 @@ std::int32_t Column::CurrentPage(const LaidOutPage& first) const {
         return std::min(first.nPageIndex, nLast);
     }
     const double dbHidden = std::abs(rc.dbOffsetY);
-    const bool bMostlyShown = rc.nHeight < m_dbCanvas ? dbHidden < rc.nHeight / 2
-                                                      : m_dbCanvas * 0.5 < rc.nHeight - dbHidden;
+    const std::int32_t nHalf = rc.nHeight / 2;
+    const bool bMostlyShown =
+        rc.nHeight < m_dbCanvas ? dbHidden < nHalf : m_dbCanvas * 0.5 < rc.nHeight - dbHidden;
     return std::min(bMostlyShown ? first.nPageIndex : first.nPageIndex + 1, nLast);
 }
 

@@ -34,7 +34,8 @@ std::size_t PDFSinglePagesViewer::PositionToDrop(double dbOffsetX) const {
     if (dbA > 0.0 && dbA < dbHalf) {
         return nLast;
     }
-    if (rcA.nWidth <= m_dbScreenWidth && dbA < 0.0 && dbA < -(rcA.nWidth / 2)) {
+    const std::int32_t nHalfWidth = rcA.nWidth / 2;
+    if (rcA.nWidth <= m_dbScreenWidth && dbA < 0.0 && dbA < -nHalfWidth) {
         return nFirst;
     }
     if (dbB > dbHalf) {
