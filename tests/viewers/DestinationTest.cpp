@@ -72,6 +72,8 @@ TEST_F(DestinationTest, ARectangleFillsTheScreen) {
     EXPECT_EQ(Of(3), (Place{3, 0, 0, 600, 1200}));
     Go(3, kRectangle, {10, 10, 10, 10}); // without an area: as far in as it goes
     EXPECT_EQ(w.Viewer().GetScale(), 4.0F);
+    Go(3, kRectangle, {-100, 500, 300, -100}); // beyond the page all around: like the page
+    EXPECT_EQ(w.Viewer().GetScale(), 1.25F);
 }
 
 TEST_F(DestinationTest, TheBoxWaitsForItsPage) {

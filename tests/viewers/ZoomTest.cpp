@@ -165,6 +165,19 @@ TEST_F(ZoomTest, GesturesInARowHandOnWhatTheyShow) {
     }
 }
 
+// One gesture takes a page off the screen, the next one brings it back before the
+// first is sharp.
+TEST_F(ZoomTest, APageThatAGestureTookAwayComesBackAsItWas) {
+    w.ShowPixels();
+    SetUp();
+    w.Viewer().MoveScreen(300, 0);
+    w.Settle();
+    Zoom({200, 100}, 4.0, true);
+    ASSERT_EQ(w.Laid().size(), 1U);
+    Zoom({200, 100}, 1.0, false);
+    EXPECT_NE(w.Device().FrontImage().At(200, 400), 0xFFFFFFFFU);
+}
+
 // A page that was seen whole shows that where it is not rendered yet, as long as
 // it still looks so.
 TEST_F(ZoomTest, WhatComesInAtALargeScaleIsNotBlank) {
