@@ -87,6 +87,9 @@ TEST(FileTest, StreamsReadFromTheirOwnPositions) {
     EXPECT_EQ(ReadAll(*pFirst, 3), "345");
     pFirst->Seek(std::uint64_t{1} << 63U);
     EXPECT_EQ(ReadAll(*pFirst, 3), "");
+    StorageCalls calls;
+    calls.Before("pread", [&] { folder.Resize("a", 4); });
+    EXPECT_EQ(ReadAll(pFile), "0123"); // cut after its size was asked for
 }
 
 TEST(FileTest, BytesBeyondFourGibibytesAreReached) {
