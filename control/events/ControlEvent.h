@@ -52,7 +52,8 @@ private:
 
     void Close() { m_bClosed = true; }
     void Clear() {
-        for (const auto& [nToken, fnHandler] : *m_source.Snapshot()) {
+        const auto pHandlers = m_source.Snapshot(); // outlives what is removed
+        for (const auto& [nToken, fnHandler] : *pHandlers) {
             m_source.remove({nToken});
         }
     }
