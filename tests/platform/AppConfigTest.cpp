@@ -120,6 +120,16 @@ TEST_F(AppConfigTest, ASetterIsInForceWhateverTheStore) {
     EXPECT_TRUE(host.Data().Failure());
 }
 
+TEST_F(AppConfigTest, WhatIsSetTogetherHoldsWholeOrNotAtAll) {
+    AppConfig::Init();
+    EXPECT_THROW(AppConfig::SetTogether([] {
+                     AppConfig::IsAutoSave(false);
+                     throw Platform::ReadFaultException();
+                 }),
+                 Platform::ReadFaultException);
+    EXPECT_TRUE(AppConfig::IsAutoSave());
+}
+
 TEST_F(AppConfigTest, TheFirstInitHolds) {
     AppConfig::Init();
     AppConfig::IsAutoSave(false);
