@@ -13,6 +13,7 @@
 
 #include "bench/ControlUnderTest.h"
 #include "bench/Corpus.h"
+#include "control/ControlParts.h"
 #include "control/PDFViewCtrl.h"
 #include "control/PDFViewerManager.h"
 #include "platform/fake/HeapCount.h"
@@ -75,7 +76,7 @@ void ZoomStep(benchmark::State& state) {
     Prepare(control);
     control.Control().SetPageLayoutMode(static_cast<int>(state.range(0)));
     control.RunUntilIdle();
-    const auto pManager = control.Control().PageViewMgr();
+    const auto pManager = velko::vkit::ControlParts(control.Control()).PageViewMgr();
     double dbScale = 1.3;
     const std::uint64_t nBefore = HeapAllocations();
     for (auto _ : state) {

@@ -169,26 +169,6 @@ void PDFViewCtrl::HideProgressRing() {
 
 // --- looks inside ---
 
-bool PDFViewCtrl::IsProgressRingVisible() {
-    return ControlParts(*this).IsProgressRingVisible();
-}
-
-std::shared_ptr<PDFViewerManager> PDFViewCtrl::PageViewMgr() {
-    return ControlParts(*this).PageViewMgr();
-}
-
-std::shared_ptr<VelkoViewControl> PDFViewCtrl::ViewControl() {
-    return ControlParts(*this).ViewControl();
-}
-
-std::shared_ptr<VLK_Document> PDFViewCtrl::Document() {
-    return ControlParts(*this).Document();
-}
-
-std::shared_ptr<PDFViewerState> PDFViewCtrl::ViewerState() {
-    return ControlParts(*this).ViewerState();
-}
-
 std::shared_ptr<PDFViewerManager> ControlParts::PageViewMgr() const {
     return m_control.Enter()->m_pPageViewMgr;
 }

@@ -246,13 +246,6 @@ public:
     // Raises `NullReferenceException` without a document.
     void SaveViewState(PropertySet& values);
 
-    // Looks inside: see `ControlParts`.
-    std::shared_ptr<PDFViewerManager> PageViewMgr();
-    std::shared_ptr<VelkoViewControl> ViewControl();
-    std::shared_ptr<VLK_Document> Document();
-    std::shared_ptr<PDFViewerState> ViewerState();
-    bool IsProgressRingVisible();
-
 private:
     friend class ControlParts;
     friend class InsertDocumentPasswdwordDlgUIOprateion;

@@ -115,7 +115,7 @@ TEST_F(CommandsTest, EachAnswersItsFallbackWithoutWhatItWorksOn) {
     EXPECT_EQ(pAlone->calls, (Strings{"MoveScreen 10 20", "Align 30 40", "RedrawScreen",
                                       "AnnotEdit 1", "CancelRender"}));
     Open();
-    pControl->PageViewMgr()->SetViewer(nullptr);
+    Parts().PageViewMgr()->SetViewer(nullptr);
     fnExpect(1);
     const auto pViewer = fnUseViewer();
     fnExpect(3);
@@ -124,7 +124,7 @@ TEST_F(CommandsTest, EachAnswersItsFallbackWithoutWhatItWorksOn) {
                        "RedrawScreen", "MoveScreen 10 20", "Align 30 40", "SetPageColors",
                        "RedrawScreen", "AnnotEdit 1", "UpdateViewer", "CancelRender", "GotoPage 0",
                        "GotoPage 4", "GotoPage 2", "GotoPage 4"}));
-    EXPECT_EQ(pControl->Document()->HiddenAnnotTypes(), (std::vector<std::int32_t>{9}));
+    EXPECT_EQ(Parts().Document()->HiddenAnnotTypes(), (std::vector<std::int32_t>{9}));
 }
 
 TEST_F(CommandsTest, AHostCanAskWhatLiesOnTheScreenAndWhetherItIsSharp) {
@@ -179,7 +179,7 @@ TEST_F(CommandsTest, NumbersThatAreNoneAreRefused) {
 TEST_F(CommandsTest, ScrollingSwitchedOffBeforeTheTemplateHoldsForIt) {
     pControl->SetIsCanScrollPageViewEnabled(false);
     Show();
-    EXPECT_EQ(pControl->ViewControl()->CanvasPanel()->ManipulationMode,
+    EXPECT_EQ(Parts().ViewControl()->CanvasPanel()->ManipulationMode,
               Windows::UI::Xaml::Input::ManipulationMode::System);
 }
 
@@ -206,7 +206,7 @@ TEST_F(CommandsTest, ExactMovesPutThePointIntoTheMiddleUnlessItShows) {
     Show(1000, 800);
     Open();
     const auto pViewer = UseScriptedViewer();
-    const auto pPanel = pControl->ViewControl()->CanvasPanel();
+    const auto pPanel = Parts().ViewControl()->CanvasPanel();
     pPanel->ArrangeAtScale({1000, 800}, 2.0F, 1.5F);
     struct Case {
         std::int32_t nPage;
@@ -305,7 +305,7 @@ TEST_F(CommandsTest, AModeChangeKeepsThePageAndTells) {
 TEST_F(CommandsTest, AViewerWithoutADocumentIsBorne) {
     Show();
     pControl->SetPageLayoutMode(1);
-    ASSERT_NE(pControl->PageViewMgr()->GetViewer(), nullptr);
+    ASSERT_NE(Parts().PageViewMgr()->GetViewer(), nullptr);
     EXPECT_EQ(DocEvents(), (Strings{"Mode 0->1"}));
     pControl->MoveScreen(100, 0);
     pControl->Arrange({300, 900});

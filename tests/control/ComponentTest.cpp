@@ -49,7 +49,7 @@ TEST_F(ComponentTest, AStyleOfTheHostNeedsTheRightParts) {
     pControl->ApplyTemplate();
     EXPECT_EQ(pControl->Layout()->Name(), "Layout");
     EXPECT_NE(pControl->FindName("mainAppBar"), nullptr);
-    EXPECT_EQ(pControl->ViewControl()->BaseViewContorl(), pControl);
+    EXPECT_EQ(Parts().ViewControl()->BaseViewContorl(), pControl);
 
     const auto fnMake = [](std::shared_ptr<Xaml::FrameworkElement> pViewControl) {
         return [pViewControl] {
@@ -73,9 +73,9 @@ TEST_F(ComponentTest, AStyleOfTheHostNeedsTheRightParts) {
     fnRegister(vkit::VelkoViewControl::Create());
     EXPECT_NO_THROW(pOther->ApplyTemplate()); // ring and bar may be missing
     const auto opening = pOther->OpenPdfDocument(File(), "");
-    EXPECT_TRUE(pOther->IsProgressRingVisible());
+    EXPECT_TRUE(vkit::ControlParts(*pOther).IsProgressRingVisible());
     Run(opening);
-    EXPECT_FALSE(pOther->IsProgressRingVisible());
+    EXPECT_FALSE(vkit::ControlParts(*pOther).IsProgressRingVisible());
     Xaml::Markup::UnregisterMarkup(vkit::kPDFViewCtrlStyle);
 }
 

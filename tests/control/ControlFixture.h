@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "control/ControlParts.h"
 #include "control/PDFViewCtrl.h"
 #include "control/PDFViewerManager.h"
 #include "control/VelkoViewControl.h"
@@ -63,10 +64,12 @@ protected:
         return Run(pControl->OpenPdfDocument(File(strName), strPassword)).get();
     }
 
+    vkit::ControlParts Parts() { return vkit::ControlParts(*pControl); }
+
     // Puts a scripted viewer in the place of the current one.
     std::shared_ptr<ScriptedViewer> UseScriptedViewer() {
         auto pViewer = std::make_shared<ScriptedViewer>();
-        pControl->PageViewMgr()->SetViewer(pViewer);
+        Parts().PageViewMgr()->SetViewer(pViewer);
         return pViewer;
     }
 

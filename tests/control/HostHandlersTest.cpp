@@ -44,7 +44,7 @@ TEST_F(HostHandlersTest, FailuresWhileClosingReachTheCallerAndLeaveNothingOpen) 
         InEvent(szEvent, [] { throw HostFailure(); });
         EXPECT_THROW(pControl->CloseDocument(), HostFailure);
         EXPECT_EQ(pControl->GetPDFDoc(), nullptr);
-        EXPECT_EQ(pControl->PageViewMgr()->GetViewer(), nullptr);
+        EXPECT_EQ(Parts().PageViewMgr()->GetViewer(), nullptr);
         EXPECT_EQ(events.back(), "CloseDoc 0 0");
         ExpectUsable();
     }
@@ -57,7 +57,7 @@ TEST_F(HostHandlersTest, ClosingInAnyEventOfAnOpenStaysClosed) {
         InEvent(szEvent, [&] { pControl->CloseDocument(); });
         EXPECT_EQ(Open(), ErrorCode::e_ErrSuccess);
         EXPECT_EQ(pControl->GetPDFDoc(), nullptr);
-        EXPECT_EQ(pControl->PageViewMgr()->GetViewer(), nullptr);
+        EXPECT_EQ(Parts().PageViewMgr()->GetViewer(), nullptr);
         // Nothing is told of the document after it was told to be closed.
         EXPECT_EQ(DocEvents().back(), "CloseDoc 0 0");
         ExpectUsable();
@@ -72,7 +72,7 @@ TEST_F(HostHandlersTest, AnotherDocumentFromAnyEventOfAnOpenIsTheOneShown) {
         InEvent(szEvent, [&] { pControl->SetPDFDoc(pOther); });
         Open();
         EXPECT_EQ(pControl->GetPDFDoc(), pOther);
-        ASSERT_NE(pControl->PageViewMgr()->GetViewer(), nullptr);
+        ASSERT_NE(Parts().PageViewMgr()->GetViewer(), nullptr);
         EXPECT_EQ(pControl->GetVisiblePages().front(), 0);
         ExpectUsable();
         pControl->CloseDocument();
@@ -85,7 +85,7 @@ TEST_F(HostHandlersTest, ADocumentAttachedWhileClosingKeepsItsViewer) {
     InEvent("CloseDoc", [&] { pControl->SetPDFDoc(pOther); });
     pControl->CloseDocument();
     EXPECT_EQ(pControl->GetPDFDoc(), pOther);
-    EXPECT_NE(pControl->PageViewMgr()->GetViewer(), nullptr);
+    EXPECT_NE(Parts().PageViewMgr()->GetViewer(), nullptr);
     ExpectUsable();
 }
 
@@ -222,7 +222,7 @@ TEST_F(HostHandlersTest, HandlersOfAFrameMayClose) {
     pControl->UpdateViewer();
     host.Drain();
     EXPECT_TRUE(bClosed);
-    EXPECT_EQ(pControl->PageViewMgr()->GetViewer(), nullptr);
+    EXPECT_EQ(Parts().PageViewMgr()->GetViewer(), nullptr);
     ExpectUsable();
 }
 

@@ -20,7 +20,7 @@ protected:
         Show();
         Open();
         pViewer = UseScriptedViewer();
-        pPanel = pControl->ViewControl()->CanvasPanel();
+        pPanel = Parts().ViewControl()->CanvasPanel();
         pPanel->CompositionScale(2.0F, 3.0F);
         pViewer->calls.clear();
     }
@@ -234,7 +234,7 @@ TEST_F(InputTest, AReaderMayPlayWithAViewerWhoseDocumentIsGone) {
     host.Drain();
     pEngine->QueueLoadResult(ErrorCode::e_ErrFormat);
     Open("bad.pdf");
-    ASSERT_NE(pControl->PageViewMgr()->GetViewer(), nullptr);
+    ASSERT_NE(Parts().PageViewMgr()->GetViewer(), nullptr);
     Start(10, 10);
     Delta(20, 20);
     Delta(20, 20, 1.2F, 1.2F);
@@ -338,7 +338,7 @@ TEST_F(InputTest, ANewTemplateIsHeardToo) {
     const auto pSink = std::make_shared<Sink>();
     pControl->ExtensionsManager(pSink);
     pControl->ReapplyTemplate();
-    pPanel = pControl->ViewControl()->CanvasPanel();
+    pPanel = Parts().ViewControl()->CanvasPanel();
     Start(1, 1);
     EXPECT_EQ(pSink->calls, (Strings{"Started", "Started"}));
     EXPECT_EQ(pSink->pLastSender, pPanel.get());

@@ -15,7 +15,7 @@ protected:
         Show();
         Open();
         pViewer = UseScriptedViewer();
-        pManager = pControl->PageViewMgr();
+        pManager = Parts().PageViewMgr();
         events.clear();
     }
     std::shared_ptr<ScriptedViewer> pViewer;
@@ -60,7 +60,7 @@ TEST_F(ManagerTest, AStepFromWithinAStepLeavesTheHostKnowingWhatShows) {
 
 TEST_F(ManagerTest, WhatAViewerPutOffHasItsPageEvents) {
     pViewer->visiblePages = {1};
-    pControl->PageViewMgr()->RunOperation([&] { pViewer->visiblePages = {2}; });
+    Parts().PageViewMgr()->RunOperation([&] { pViewer->visiblePages = {2}; });
     EXPECT_EQ(events, (Strings{"PageInvisible 1", "PageVisible 2", "PageChanged [1]->[2]"}));
 }
 
@@ -93,7 +93,7 @@ TEST_F(ManagerTest, AViewerThatIsClosedAtWorkEndsItsStepQuietly) {
 }
 
 TEST_F(ManagerTest, ChangingToTheSameModeRemakesTheViewer) {
-    const auto pCanvas = pControl->ViewControl()->ViewCtrl();
+    const auto pCanvas = Parts().ViewControl()->ViewCtrl();
     pManager->ChangeViewer(1, nullptr, pCanvas);
     EXPECT_EQ(pViewer->calls, (Strings{"CloseViewer"}));
     const auto pFirst = pManager->GetViewer();
@@ -114,8 +114,8 @@ TEST_F(ManagerTest, ChangingToTheSameModeRemakesTheViewer) {
 TEST_F(ManagerTest, UnloadingTakesTheManagerAndEndsItsViewer) {
     pManager.reset();
     pControl->RaiseUnloaded();
-    EXPECT_EQ(pControl->PageViewMgr(), nullptr);
-    EXPECT_EQ(pControl->ViewControl()->PageViewMgr(), nullptr);
+    EXPECT_EQ(Parts().PageViewMgr(), nullptr);
+    EXPECT_EQ(Parts().ViewControl()->PageViewMgr(), nullptr);
     EXPECT_EQ(pControl->GetPageIndexAtPoint({1, 1}), -1);
     host.Drain();
     EXPECT_EQ(pViewer->calls, (Strings{"Dispose"}));

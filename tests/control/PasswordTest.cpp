@@ -29,7 +29,7 @@ TEST_F(PasswordTest, ARightPasswordAsksNobody) {
 TEST_F(PasswordTest, TheOpenEndsWhileTheQuestionStands) {
     EXPECT_EQ(Open("locked.pdf"), ErrorCode::e_ErrPassword);
     EXPECT_TRUE(DocEvents().empty());
-    EXPECT_FALSE(pControl->IsProgressRingVisible());
+    EXPECT_FALSE(Parts().IsProgressRingVisible());
     EXPECT_NE(pControl->GetPDFDoc(), nullptr);
     EXPECT_EQ(pControl->GetPageCount(), 0);
     ASSERT_NE(pControl->PasswordJudge(), nullptr);
@@ -67,7 +67,7 @@ TEST_F(PasswordTest, AReaderWhoGivesUpLeavesTheDocumentAttached) {
     pOperation->OnPasswordCancel();
     EXPECT_EQ(DocEvents(), (Strings{"OpenDoc 6 1"}));
     EXPECT_NE(pControl->GetPDFDoc(), nullptr);
-    EXPECT_EQ(pControl->PageViewMgr()->GetViewer(), nullptr);
+    EXPECT_EQ(Parts().PageViewMgr()->GetViewer(), nullptr);
     EXPECT_EQ(completed.get()->m_nErrorCode, ErrorCode::e_ErrPassword);
 }
 
@@ -107,7 +107,7 @@ TEST_F(PasswordTest, AHostThatClosesInTheEventGetsNoViewer) {
     InEvent("OpenDoc", [&] { pControl->CloseDocument(); });
     pOperation->OnPasswordOK();
     EXPECT_EQ(DocEvents(), (Strings{"OpenDoc 0 0", "CloseDoc 0 0"}));
-    EXPECT_EQ(pControl->PageViewMgr()->GetViewer(), nullptr);
+    EXPECT_EQ(Parts().PageViewMgr()->GetViewer(), nullptr);
     EXPECT_TRUE(completed.is_done());
 }
 

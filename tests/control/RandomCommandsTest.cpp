@@ -114,7 +114,7 @@ protected:
     }
 
     Windows::UI::Xaml::Controls::SwapChainPanel& Panel() {
-        return *pControl->ViewControl()->CanvasPanel();
+        return *Parts().ViewControl()->CanvasPanel();
     }
     int Below(int nLimit) { return static_cast<int>(random() % static_cast<unsigned>(nLimit)); }
     float Coordinate() { return static_cast<float>(Below(5000) - 500) / 3.0F; }
@@ -397,10 +397,10 @@ protected:
 
     std::shared_ptr<vkit::IViewerInspection> Inspection() {
         return std::dynamic_pointer_cast<vkit::IViewerInspection>(
-            pControl->PageViewMgr()->GetViewer());
+            Parts().PageViewMgr()->GetViewer());
     }
     Windows::Foundation::Rect Screen() {
-        const auto& canvas = *pControl->ViewControl()->ViewCtrl();
+        const auto& canvas = *Parts().ViewControl()->ViewCtrl();
         return {0, 0, canvas.GetScaledWidth(), canvas.GetScaledHeight()};
     }
 

@@ -84,7 +84,7 @@ TEST_F(ViewStateTest, TheSameScreenBringsAllBack) {
     Keep(Saved(true));
     Show(1000, 800);
     Open();
-    const auto pState = pControl->ViewerState();
+    const auto pState = Parts().ViewerState();
     EXPECT_EQ(pState->Scale, 2.5);
     EXPECT_EQ(pState->OffsetX, -10.0);
     EXPECT_EQ(pState->OffsetY, -200.0);
@@ -101,17 +101,17 @@ TEST_F(ViewStateTest, ATurnedScreenBringsBackPageAndModeOnly) {
     Keep(Saved(false));
     Show(1000, 800);
     Open();
-    EXPECT_EQ(pControl->ViewerState()->Scale, 1.0);
-    EXPECT_EQ(pControl->ViewerState()->OffsetX, 0.0);
-    EXPECT_EQ(pControl->ViewerState()->OffsetY, 0.0);
-    EXPECT_EQ(pControl->ViewerState()->CurrentPageIndex, 3);
+    EXPECT_EQ(Parts().ViewerState()->Scale, 1.0);
+    EXPECT_EQ(Parts().ViewerState()->OffsetX, 0.0);
+    EXPECT_EQ(Parts().ViewerState()->OffsetY, 0.0);
+    EXPECT_EQ(Parts().ViewerState()->CurrentPageIndex, 3);
 }
 
 TEST_F(ViewStateTest, ASquareScreenCountsAsNotTurned) {
     Keep(Saved(false));
     Show(800, 800);
     Open();
-    EXPECT_EQ(pControl->ViewerState()->Scale, 2.5);
+    EXPECT_EQ(Parts().ViewerState()->Scale, 2.5);
 }
 
 TEST_F(ViewStateTest, NothingSavedIsTheDefaults) {
@@ -122,9 +122,9 @@ TEST_F(ViewStateTest, NothingSavedIsTheDefaults) {
     for (const char* szName : {"a.pdf", "b.pdf"}) {
         Open(szName);
         const vkit::PDFViewerState defaults;
-        EXPECT_EQ(pControl->ViewerState()->CurrentPageIndex, 0);
-        EXPECT_EQ(pControl->ViewerState()->ViewState, 1);
-        EXPECT_EQ(pControl->ViewerState()->ReflowScale, defaults.ReflowScale);
+        EXPECT_EQ(Parts().ViewerState()->CurrentPageIndex, 0);
+        EXPECT_EQ(Parts().ViewerState()->ViewState, 1);
+        EXPECT_EQ(Parts().ViewerState()->ReflowScale, defaults.ReflowScale);
     }
     const auto strToken =
         host.Data().MostRecentlyUsedList()->Add(folder / "c.pdf", folder / "c.pdf");
@@ -139,8 +139,8 @@ TEST_F(ViewStateTest, MismatchedTypesFailTheOpenSaveForTwoKeys) {
     values.Insert("IsReflowShowPicture", PropertyValue::Create<double>(0.0));
     Keep(values);
     EXPECT_EQ(Open(), ErrorCode::e_ErrSuccess);
-    EXPECT_EQ(pControl->ViewerState()->ReflowScale, 2.5);
-    EXPECT_TRUE(pControl->ViewerState()->IsReflowShowPicture);
+    EXPECT_EQ(Parts().ViewerState()->ReflowScale, 2.5);
+    EXPECT_TRUE(Parts().ViewerState()->IsReflowShowPicture);
     for (const char* szKey : {"Scale", "OffsetY", "RotatedScreen", "ViewState", "CurrentPageIndex",
                               "Rotate", "IsSDToLocalFile"}) {
         auto wrong = Saved(true);
@@ -163,7 +163,7 @@ TEST_F(ViewStateTest, AViewThatCannotBeReadIsForgottenAndTheFileStaysInTheList) 
         }
         EXPECT_TRUE(vkit::ForgetUnreadableView(folder / "a.pdf"));
         EXPECT_EQ(Open(), ErrorCode::e_ErrSuccess);
-        EXPECT_EQ(pControl->ViewerState()->CurrentPageIndex, 0);
+        EXPECT_EQ(Parts().ViewerState()->CurrentPageIndex, 0);
         EXPECT_EQ(vkit::RecentFiles(), Strings{folder / "a.pdf"});
     }
     Keep(Saved(true));
@@ -219,8 +219,8 @@ TEST_F(ViewStateTest, ASavedViewIsFoundAgain) {
     Keep(values);
     pControl->CloseDocument();
     Open();
-    EXPECT_EQ(pControl->ViewerState()->CurrentPageIndex, 2);
-    EXPECT_EQ(pControl->ViewerState()->Scale, values.Lookup("Scale").Get<double>());
+    EXPECT_EQ(Parts().ViewerState()->CurrentPageIndex, 2);
+    EXPECT_EQ(Parts().ViewerState()->Scale, values.Lookup("Scale").Get<double>());
     EXPECT_EQ(pControl->GetCurrentPageIndex(), 2);
 }
 

@@ -55,7 +55,7 @@ TEST_F(ZoomTest, FitScalesOfUprightAndTurnedPages) {
 
 TEST_F(ZoomTest, AFitDividesLogicalSizes) {
     const double dbFit = pControl->GetFitScale(2);
-    pControl->ViewControl()->CanvasPanel()->CompositionScale(2.0F, 2.0F);
+    Parts().ViewControl()->CanvasPanel()->CompositionScale(2.0F, 2.0F);
     EXPECT_DOUBLE_EQ(pControl->GetFitScale(2), dbFit);
 }
 

@@ -19,6 +19,7 @@
 #include <stdexcept>
 
 #include "component/KeptView.h"
+#include "control/ControlParts.h"
 #include "control/PDFViewerManager.h"
 #include "platform/foundation/Exception.h"
 #include "platform/qt/QtElementWindow.h"
@@ -187,8 +188,9 @@ TEST_F(VelkoPdfViewTest, ADocumentThatIsClosedWhileItOpensIsNotShown) {
     m_pView->CloseDocument();
     const auto opened = m_opened; // a quick open ends within its call
     const auto fnIsClosed = [&] { return m_pView->Control()->GetPDFDoc() == nullptr; };
-    EXPECT_TRUE(
-        RunUntil([&] { return fnIsClosed() && !m_pView->Control()->IsProgressRingVisible(); }));
+    EXPECT_TRUE(RunUntil([&] {
+        return fnIsClosed() && !vkit::ControlParts(*m_pView->Control()).IsProgressRingVisible();
+    }));
     EXPECT_EQ(m_opened, opened);
     EXPECT_EQ(m_pView->ViewState(), State::Empty);
     EXPECT_EQ(m_pView->PageCount(), 0);
@@ -333,7 +335,7 @@ TEST_P(ResizeTest, KeepsThePagePointAtTheTopLeftAndTheZoom) {
     m_pView->ZoomTo(GetParam().dbZoom);
     m_pView->ScrollBy(37.0, 211.0);
     ASSERT_TRUE(SettlesSharp());
-    const auto pManager = m_pView->Control()->PageViewMgr();
+    const auto pManager = vkit::ControlParts(*m_pView->Control()).PageViewMgr();
     const int nPage = pManager->GetVisiblePages().front();
     const auto pPlace = pManager->GetViewer()->GetPageScreenOffset(nPage);
     const Windows::Foundation::Point ptTopLeft{
@@ -371,7 +373,7 @@ TEST_P(ResizeTest, KeepsTheOnlyPageInItsPlace) {
     m_pView->GotoPage(7);
     m_pView->ZoomTo(2.0 * GetParam().dbZoom);
     m_pView->ScrollBy(-1e5, 0.0);
-    const auto pManager = m_pView->Control()->PageViewMgr();
+    const auto pManager = vkit::ControlParts(*m_pView->Control()).PageViewMgr();
     const auto fnPlace = [&] {
         EXPECT_EQ(pManager->GetVisiblePages(), std::vector<std::int32_t>{7});
         return *pManager->GetViewer()->GetPageScreenOffset(7);
@@ -434,7 +436,11 @@ TEST_F(VelkoPdfViewTest, AFlickTurnsOnePage) {
     m_pView->ScrollBy(1e5, 0.0);
     m_pView->ScrollBy(-400.0, 0.0);
     EXPECT_EQ(fnFlick(450, 150), 10);
-    EXPECT_NEAR(m_pView->Control()->PageViewMgr()->GetViewer()->GetPageScreenOffset(10)->dbOffsetX,
+    EXPECT_NEAR(vkit::ControlParts(*m_pView->Control())
+                    .PageViewMgr()
+                    ->GetViewer()
+                    ->GetPageScreenOffset(10)
+                    ->dbOffsetX,
                 500 - 2448, 1.0); // at its right edge
     EXPECT_TRUE(SettlesSharp());
 }

@@ -11,6 +11,7 @@
 #include <QResizeEvent>
 #include <QTimer>
 
+#include "control/ControlParts.h"
 #include "control/PDFViewCtrl.h"
 #include "control/PDFViewerManager.h"
 #include "engines/mupdf/Register.h"
@@ -145,7 +146,7 @@ void Session::EndControl() {
 }
 
 std::shared_ptr<velko::vkit::IPDFViewer> Session::Viewer() {
-    const auto pManager = m_pControl->PageViewMgr();
+    const auto pManager = velko::vkit::ControlParts(*m_pControl).PageViewMgr();
     return pManager ? pManager->GetViewer() : nullptr;
 }
 

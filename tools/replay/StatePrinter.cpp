@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "control/ControlParts.h"
 #include "control/PDFViewCtrl.h"
 #include "tools/replay/Session.h"
 #include "viewers/core/IPDFViewer.h"
@@ -65,7 +66,7 @@ void AddControl(JsonObject& text, PDFViewCtrl& control) {
         .Add("max_scale", control.GetMaxScale())
         .Add("zoom_mode", control.GetZoomMode())
         .Add("night", control.NightMode())
-        .Add("ring", control.IsProgressRingVisible())
+        .Add("ring", velko::vkit::ControlParts(control).IsProgressRingVisible())
         .Add("dialog", control.PasswordJudge() != nullptr)
         .Add("visible", JsonArray(control.GetVisiblePages()));
 }
