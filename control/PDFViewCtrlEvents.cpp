@@ -24,7 +24,8 @@ template <class Record>
 void PDFViewCtrl::RaiseToConnected(ControlEvent<Record>& event,
                                    const std::shared_ptr<Record>& pRecord) {
     const auto pSelf = Self();
-    for (const auto& [nToken, fnHandler] : *event.m_source.Snapshot()) {
+    const auto pHandlers = event.m_source.Snapshot(); // outlives what is removed
+    for (const auto& [nToken, fnHandler] : *pHandlers) {
         try {
             fnHandler(pSelf, pRecord);
         } catch (const Platform::Exception& failure) {

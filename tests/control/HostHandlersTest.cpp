@@ -232,8 +232,14 @@ TEST_F(HostHandlersTest, DisconnectedSubscribersAreRemovedOthersFailTheStep) {
         ++nCalls;
         throw Platform::DisconnectedException();
     });
+    Strings heard; // after one that goes while it is called
+    pControl->PageLoadedEvent.add([&, strName = std::string(100, 'x')](const auto&, const auto&) {
+        heard.push_back(strName);
+    });
     EXPECT_EQ(Open(), ErrorCode::e_ErrSuccess);
     EXPECT_EQ(nCalls, 1);
+    ASSERT_FALSE(heard.empty());
+    EXPECT_EQ(heard.front(), std::string(100, 'x'));
     EXPECT_EQ(Open(), ErrorCode::e_ErrSuccess);
     EXPECT_EQ(nCalls, 1);
 }
