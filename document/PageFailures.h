@@ -25,7 +25,7 @@ public:
     struct Part {
         std::array<std::int32_t, 3> view{};
         std::array<std::int32_t, 4> area{};
-        auto operator<=>(const Part&) const = default;
+        auto operator<=>(const Part&) const = default; // NOLINT(modernize-use-nullptr): it has none
     };
 
     // True when the page had no failure, or one with another code.
