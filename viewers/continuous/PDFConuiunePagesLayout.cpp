@@ -36,12 +36,19 @@ bool PDFConuiunePagesViewer::ClampTaskOffset(const PageItems& items, PDFRenderTa
 double PDFConuiunePagesViewer::LimitSideways(const PageItems& items, double dbOffsetX) const {
     double dbMostLeft = 0.0;
     double dbMostRight = 0.0;
+    double dbBack = 0.0; // for a page whose right edge has come into the screen
     for (const PageItem& pItem : items) {
         const Render_ScreenOffsetInfo& rc = pItem->screenRect;
         if (rc.nWidth >= m_dbScreenWidth) {
-            dbMostLeft = std::max(dbMostLeft, rc.dbOffsetX + rc.nWidth - m_dbScreenWidth);
+            const double dbOverhang = rc.dbOffsetX + rc.nWidth - m_dbScreenWidth;
+            dbMostLeft = std::max(dbMostLeft, dbOverhang);
+            dbBack = std::min(dbBack, dbOverhang);
             dbMostRight = std::min(dbMostRight, rc.dbOffsetX);
         }
+    }
+    if (dbOffsetX > 0.0 && dbMostLeft == 0.0 && dbBack < 0.0) {
+        Platform::Debug::OutputDebugString("HOffset Error\n"); // told, and the way back taken
+        return dbBack;
     }
     return std::clamp(dbOffsetX, dbMostRight, dbMostLeft);
 }

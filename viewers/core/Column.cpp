@@ -48,10 +48,6 @@ bool Column::HoldsScreen(const LaidOutPage& item) const {
     return item.screenRect.dbOffsetY < m_dbCanvas && BottomOf(item) + m_dbGap > 0.0;
 }
 
-bool Column::HasLeftAbove(const LaidOutPage& item) const {
-    return item.screenRect.dbOffsetY < 0.0 && BottomOf(item) + m_dbGap <= 0.0;
-}
-
 std::int32_t Column::CurrentPage(const LaidOutPage& first) const {
     const std::int32_t nLast = std::max(0, m_pages.ColumnLength() - 1);
     const Render_ScreenOffsetInfo& rc = first.screenRect;

@@ -62,8 +62,6 @@ public:
     double GapBelow(const LaidOutPage& first, const LaidOutPage& last);
     // Whether something of the item, or of the gap under it, is on the screen.
     bool HoldsScreen(const LaidOutPage& item) const;
-    // Whether the item, and the gap under it, went out at the top.
-    bool HasLeftAbove(const LaidOutPage& item) const;
 
     // --- pages ---
     // The page that counts as the one being read, of a column that starts with
