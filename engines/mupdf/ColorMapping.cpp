@@ -27,6 +27,10 @@ std::uint32_t MixPixels(std::uint32_t nOne, std::uint32_t nTwo, std::int32_t nWe
     return nPixel;
 }
 
+bool IsGrey(std::uint32_t nPixel) {
+    return ((nPixel ^ (nPixel >> 8U)) & 0xFFFFU) == 0;
+}
+
 // Weights of the channels' brightness in 256ths; they sum to 256.
 std::int32_t Brightness(std::uint32_t nPixel) {
     return (29 * Channel(nPixel, 0U) + 150 * Channel(nPixel, 8U) + 77 * Channel(nPixel, 16U) +
@@ -43,6 +47,9 @@ ColorMapping::ColorMapping(std::uint32_t nBackColor, std::uint32_t nForeColor) {
 }
 
 std::uint32_t ColorMapping::Map(std::uint32_t nPixel) const {
+    if (IsGrey(nPixel)) { // most of a page: paper and letters
+        return m_greys[nPixel & 0xFFU];
+    }
     const std::int32_t nGrey = Brightness(nPixel);
     const std::uint32_t nMappedGrey = m_greys[static_cast<std::size_t>(nGrey)];
     std::uint32_t nMapped = kOpaque;
@@ -61,13 +68,21 @@ void ColorMapping::MapRow(std::span<const std::uint32_t> source,
     // Neighbours are mostly alike: paper next to paper.
     std::uint32_t nLast = 0xFFFFFFFFU;
     std::uint32_t nLastMapped = Map(nLast);
-    for (std::size_t i = 0; i < source.size(); ++i) {
-        if (source[i] != nLast) {
-            nLast = source[i];
-            nLastMapped = Map(nLast);
+    const auto fnMap = [&](std::uint32_t nPixel) {
+        if (nPixel != nLast) {
+            nLast = nPixel;
+            nLastMapped = Map(nPixel);
         }
-        const std::uint8_t nPicture = pictures.empty() ? 0 : pictures[i];
-        target[i] = nPicture == 0 ? nLastMapped : MixPixels(nLastMapped, nLast, nPicture);
+        return nLastMapped;
+    };
+    if (pictures.empty()) {
+        std::transform(source.begin(), source.end(), target.begin(), fnMap);
+        return;
+    }
+    for (std::size_t i = 0; i < source.size(); ++i) {
+        const std::uint32_t nPixel = source[i];
+        const std::uint32_t nMapped = fnMap(nPixel);
+        target[i] = pictures[i] == 0 ? nMapped : MixPixels(nMapped, nPixel, pictures[i]);
     }
 }
 
