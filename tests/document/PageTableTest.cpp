@@ -320,7 +320,7 @@ TEST_F(LoadPageTest, EveryFailingEngineCallEndsTheLoadAndTheNextOneWorks) {
     for (const EngineOp eOp : {EngineOp::GetPage, EngineOp::StartParse}) {
         bool bMet = true;
         for (int nCall = 1; bMet; ++nCall) {
-            ASSERT_LT(nCall, 10) << EngineOpName(eOp);
+            ASSERT_LT(nCall, 10) << static_cast<int>(eOp);
             const DocumentPtr pDocument = WrapDocument();
             const int nBefore = m_pEngine->FailuresRaised();
             m_pEngine->FailCall(eOp, nCall);

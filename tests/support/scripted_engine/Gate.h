@@ -5,34 +5,41 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
-#include <memory>
 #include <mutex>
 
 namespace velko::testing {
 
 class Gate {
 public:
-    // Waits until `nCalls` calls in all have reached the gate. False when they
-    // have not after ten seconds, so that a test fails instead of hanging.
-    bool WaitUntilReached(int nCalls = 1);
+    // Waits until a call has come to the gate. False when none has after ten
+    // seconds, so that a test fails instead of hanging.
+    bool WaitUntilReached() {
+        std::unique_lock lock(m_mutex);
+        return m_changed.wait_for(lock, std::chrono::seconds(10), [&] { return m_bReached; });
+    }
 
-    // Calls that have reached the gate so far, and those that wait in it now.
-    int Reached() const;
-    int Waiting() const;
+    void Open() { // lets all calls pass from now on
+        const std::scoped_lock lock(m_mutex);
+        m_bOpen = true;
+        m_changed.notify_all();
+    }
 
-    void Step(int nCalls = 1); // lets so many calls pass, now or when they come
-    void Open();               // lets all calls pass from now on
-
-    // For the engine: waits for the turn. False when `pAbort` was set first.
-    bool Pass(const std::atomic<bool>* pAbort);
+    // For the engine: waits until the gate is open or the flag is set.
+    void Pass(const std::atomic<bool>* pAbort) {
+        std::unique_lock lock(m_mutex);
+        m_bReached = true;
+        m_changed.notify_all();
+        while (!m_bOpen && (pAbort == nullptr || !*pAbort)) {
+            m_changed.wait_for(lock, std::chrono::milliseconds(1)); // no notice of an abort
+        }
+    }
 
 private:
-    mutable std::mutex m_mutex;
+    std::mutex m_mutex;
     std::condition_variable m_changed;
-    int m_nReached = 0;
-    int m_nWaiting = 0;
-    int m_nTickets = 0;
+    bool m_bReached = false;
     bool m_bOpen = false;
 };
 

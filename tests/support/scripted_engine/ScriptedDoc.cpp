@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <array>
-#include <fstream>
+#include <mutex>
+#include <stdexcept>
 
 #include "document/engine/DisplayMatrix.h"
-#include "platform/storage/StorageFile.h"
-#include "tests/support/scripted_engine/ScriptedDoc_p.h"
+#include "tests/support/scripted_engine/ScriptedObjects_p.h"
 
 namespace velko::testing {
 
@@ -16,68 +16,88 @@ namespace {
 constexpr std::int32_t kUserPassword = 2;
 constexpr std::int32_t kOwnerPassword = 3;
 
-EngineCall PageCall(EngineOp eOp, std::int32_t nPage, std::int32_t nIndex = -1) {
-    EngineCall call;
-    call.eOp = eOp;
-    call.nPage = nPage;
-    call.nIndex = nIndex;
-    return call;
-}
+class ScriptedDoc final : public pdf::PDFDoc, public std::enable_shared_from_this<ScriptedDoc> {
+public:
+    using ReaderPtr = std::shared_ptr<common::vxbase::IFileReaderCallback>;
 
-}
+    ScriptedDoc(EnginePtr pEngine, ReaderPtr pReader)
+        : m_pEngine(std::move(pEngine)),
+          m_counted(m_pEngine->m_nDocs),
+          m_pReader(std::move(pReader)) {}
 
-ScriptedDoc::ScriptedDoc(std::shared_ptr<EngineScript> pScript,
-                         std::shared_ptr<common::vxbase::IFileReaderCallback> pReader)
-    : m_pScript(std::move(pScript)), m_counted(m_pScript->m_nDocs), m_pReader(std::move(pReader)) {}
-
-ScriptedDoc::~ScriptedDoc() {
-    if (!m_pReader) {
-        return;
+    ~ScriptedDoc() override {
+        if (m_pReader) {
+            m_pEngine->Arrive(EngineOp::ReleaseReader);
+            m_pReader->Release();
+        }
     }
-    try {
-        m_pScript->Arrive(PageCall(EngineOp::ReleaseReader, -1));
-    } catch (const std::exception&) {
-        // A scripted failure here only shows in the log: a destructor cannot raise.
+
+    ErrorCode Load(const std::string& strPassword) override;
+    std::shared_ptr<pdf::PDFPage> GetPage(std::int32_t nIndex) override;
+
+    std::int32_t GetPageCount() const override {
+        const std::scoped_lock lock(m_mutex);
+        return static_cast<std::int32_t>(m_contents.pages.size());
     }
-    m_pReader->Release();
-}
+    std::int32_t GetPasswordType() const override {
+        const std::scoped_lock lock(m_mutex);
+        return m_nPasswordType;
+    }
+    std::uint32_t GetUserPermissions() const override {
+        const std::scoped_lock lock(m_mutex);
+        return m_nPasswordType == kUserPassword ? m_contents.nPermissions : 0xFFFFFFFFU;
+    }
+    std::int32_t GetEncryptionType() const override {
+        const std::scoped_lock lock(m_mutex);
+        return m_contents.nEncryptionType;
+    }
+    std::shared_ptr<common::Progressive> StartSaveAs(std::shared_ptr<Windows::Storage::StorageFile>,
+                                                     std::uint32_t,
+                                                     common::IPauseCallback*) override {
+        throw EngineException(ErrorCode::e_ErrUnsupported, "the scripted engine does not save");
+    }
+
+private:
+    bool ReadHeadAndEnd();
+
+    EnginePtr m_pEngine;
+    ScriptedEngine::Counted m_counted;
+    ReaderPtr m_pReader; // may be empty
+
+    mutable std::mutex m_mutex; // guards what follows
+    ScriptedEngine::Contents m_contents;
+    std::int32_t m_nPasswordType = kNoPassword;
+};
 
 ErrorCode ScriptedDoc::Load(const std::string& strPassword) {
     try {
-        m_pScript->Arrive(PageCall(EngineOp::Load, -1));
+        m_pEngine->Arrive(EngineOp::Load);
     } catch (const EngineException& error) {
         return error.Code();
     }
-    if (const auto eScripted = m_pScript->TakeLoadResult();
-        eScripted && *eScripted != ErrorCode::e_ErrSuccess) {
-        return *eScripted;
+    const ErrorCode eScripted = m_pEngine->TakeLoadResult();
+    if (eScripted != ErrorCode::e_ErrSuccess) {
+        return eScripted;
     }
-    return Parse(strPassword);
-}
-
-ErrorCode ScriptedDoc::Parse(const std::string& strPassword) {
-    EngineScript::Settings settings = m_pScript->GetSettings();
-    if (settings.bLoadReads && !ReadHeadAndEnd()) {
+    ScriptedEngine::Contents contents = m_pEngine->GetContents();
+    if (contents.bLoadReads && !ReadHeadAndEnd()) {
         return ErrorCode::e_ErrFile;
     }
     std::int32_t nType = kNoPassword;
-    if (!settings.strUserPassword.empty() || !settings.strOwnerPassword.empty()) {
-        if (!settings.strOwnerPassword.empty() && strPassword == settings.strOwnerPassword) {
-            nType = kOwnerPassword;
-        } else if (strPassword == settings.strUserPassword) {
-            nType = kUserPassword;
-        } else {
-            return ErrorCode::e_ErrPassword;
-        }
+    if (!contents.strUserPassword.empty()) {
+        nType = strPassword == contents.strOwnerPassword  ? kOwnerPassword
+                : strPassword == contents.strUserPassword ? kUserPassword
+                                                          : 0;
     }
-    if (settings.pages.empty()) {
+    if (nType == 0) {
+        return ErrorCode::e_ErrPassword;
+    }
+    if (contents.pages.empty()) {
         return ErrorCode::e_ErrFormat;
     }
     const std::scoped_lock lock(m_mutex);
-    m_pages = std::move(settings.pages);
+    m_contents = std::move(contents);
     m_nPasswordType = nType;
-    m_nPermissions = nType == kUserPassword ? settings.nPermissions : 0xFFFFFFFFU;
-    m_nEncryptionType = settings.nEncryptionType;
     return ErrorCode::e_ErrSuccess;
 }
 
@@ -96,48 +116,40 @@ bool ScriptedDoc::ReadHeadAndEnd() {
     }
 }
 
-std::int32_t ScriptedDoc::GetPageCount() const {
-    const std::scoped_lock lock(m_mutex);
-    return static_cast<std::int32_t>(m_pages.size());
-}
-
 std::shared_ptr<pdf::PDFPage> ScriptedDoc::GetPage(std::int32_t nIndex) {
-    m_pScript->Arrive(PageCall(EngineOp::GetPage, nIndex));
+    m_pEngine->Arrive({EngineOp::GetPage, nIndex});
     const std::scoped_lock lock(m_mutex);
-    if (nIndex < 0 || static_cast<std::size_t>(nIndex) >= m_pages.size()) {
+    if (nIndex < 0 || static_cast<std::size_t>(nIndex) >= m_contents.pages.size()) {
         throw EngineException(ErrorCode::e_ErrParam, "the document has no such page");
     }
-    return std::make_shared<ScriptedPageObject>(m_pScript, shared_from_this(),
-                                                m_pages[static_cast<std::size_t>(nIndex)], nIndex);
+    return std::make_shared<ScriptedPageObject>(
+        m_pEngine, shared_from_this(), m_contents.pages[static_cast<std::size_t>(nIndex)], nIndex);
 }
 
-std::int32_t ScriptedDoc::GetPasswordType() const {
-    const std::scoped_lock lock(m_mutex);
-    return m_nPasswordType;
-}
-
-std::uint32_t ScriptedDoc::GetUserPermissions() const {
-    const std::scoped_lock lock(m_mutex);
-    return m_nPermissions;
-}
-
-std::int32_t ScriptedDoc::GetEncryptionType() const {
-    const std::scoped_lock lock(m_mutex);
-    return m_nEncryptionType;
-}
-
-std::shared_ptr<common::Progressive> ScriptedDoc::StartSaveAs(
-    std::shared_ptr<Windows::Storage::StorageFile> pFile, std::uint32_t, common::IPauseCallback*) {
-    m_pScript->Arrive(PageCall(EngineOp::StartSaveAs, -1));
-    const std::vector<std::uint8_t> bytes = m_pScript->GetSettings().savedBytes;
-    std::ofstream out(pFile->Path(), std::ios::binary | std::ios::trunc);
-    out.write(reinterpret_cast<const char*>(bytes.data()),
-              static_cast<std::streamsize>(bytes.size()));
-    out.close();
-    if (!out) {
-        throw EngineException(ErrorCode::e_ErrFile, "the file could not be written");
+class DocFactory final : public pdf::IPDFDocFactory {
+public:
+    explicit DocFactory(EnginePtr pEngine) : m_pEngine(std::move(pEngine)) {}
+    std::shared_ptr<pdf::PDFDoc> Create(ScriptedDoc::ReaderPtr pReader) override {
+        m_pEngine->Arrive(EngineOp::CreateDoc);
+        return std::make_shared<ScriptedDoc>(m_pEngine, std::move(pReader));
     }
-    return std::make_shared<CountedProgress>(0);
+
+private:
+    EnginePtr m_pEngine;
+};
+
+}
+
+std::shared_ptr<pdf::IPDFDocFactory> MakeDocFactory(EnginePtr pEngine) {
+    return std::make_shared<DocFactory>(std::move(pEngine));
+}
+
+std::shared_ptr<pdf::PDFDoc> ScriptedEngine::MakeLoadedDoc() {
+    auto pDoc = std::make_shared<ScriptedDoc>(shared_from_this(), nullptr);
+    if (pDoc->Load({}) != ErrorCode::e_ErrSuccess) {
+        throw std::logic_error("the scripted document does not load");
+    }
+    return pDoc;
 }
 
 // Marks the page as parsed when its last step is done.
@@ -157,11 +169,10 @@ private:
     std::shared_ptr<ScriptedPageObject> m_pPage;
 };
 
-ScriptedPageObject::ScriptedPageObject(std::shared_ptr<EngineScript> pScript,
-                                       std::shared_ptr<ScriptedDoc> pDoc, ScriptedPage page,
-                                       std::int32_t nIndex)
-    : m_pScript(std::move(pScript)),
-      m_counted(m_pScript->m_nPages),
+ScriptedPageObject::ScriptedPageObject(EnginePtr pEngine, std::shared_ptr<pdf::PDFDoc> pDoc,
+                                       ScriptedPage page, std::int32_t nIndex)
+    : m_pEngine(std::move(pEngine)),
+      m_counted(m_pEngine->m_nPages),
       m_pDoc(std::move(pDoc)),
       m_page(std::move(page)),
       m_nIndex(nIndex) {}
@@ -179,7 +190,7 @@ float ScriptedPageObject::GetHeight() const {
 std::shared_ptr<common::Progressive> ScriptedPageObject::StartParse(std::int32_t,
                                                                     common::IPauseCallback*,
                                                                     std::int32_t) {
-    m_pScript->Arrive(PageCall(EngineOp::StartParse, m_nIndex));
+    m_pEngine->Arrive({EngineOp::StartParse, m_nIndex});
     auto pParse = std::make_shared<Parse>(shared_from_this(), m_page.nParseSteps);
     if (m_page.nParseSteps == 0) {
         m_bParsed = true;
@@ -196,12 +207,12 @@ common::vxbase::Matrix2D ScriptedPageObject::GetDisplayMatrix(std::int32_t nLeft
 }
 
 std::int32_t ScriptedPageObject::GetAnnotCount() {
-    m_pScript->Arrive(PageCall(EngineOp::GetAnnotCount, m_nIndex));
+    m_pEngine->Arrive({EngineOp::GetAnnotCount, m_nIndex});
     return static_cast<std::int32_t>(m_page.annots.size());
 }
 
 std::shared_ptr<pdf::IAnnot> ScriptedPageObject::GetAnnot(std::int32_t nIndex) {
-    m_pScript->Arrive(PageCall(EngineOp::GetAnnot, m_nIndex, nIndex));
+    m_pEngine->Arrive({EngineOp::GetAnnot, m_nIndex, nIndex});
     if (nIndex < 0 || static_cast<std::size_t>(nIndex) >= m_page.annots.size()) {
         throw EngineException(ErrorCode::e_ErrParam, "the page has no such annotation");
     }
@@ -210,12 +221,6 @@ std::shared_ptr<pdf::IAnnot> ScriptedPageObject::GetAnnot(std::int32_t nIndex) {
         return nullptr;
     }
     return std::make_shared<ScriptedAnnotObject>(annot, m_nIndex, nIndex);
-}
-
-std::shared_ptr<pdf::PDFDoc> ScriptedDocFactory::Create(
-    std::shared_ptr<common::vxbase::IFileReaderCallback> pReader) {
-    m_pScript->Arrive(PageCall(EngineOp::CreateDoc, -1));
-    return std::make_shared<ScriptedDoc>(m_pScript, std::move(pReader));
 }
 
 }

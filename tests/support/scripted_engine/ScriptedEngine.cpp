@@ -1,184 +1,173 @@
 #include "tests/support/scripted_engine/ScriptedEngine.h"
 
 #include <algorithm>
-#include <stdexcept>
-#include <utility>
 
-#include "tests/support/scripted_engine/EngineScript_p.h"
-#include "tests/support/scripted_engine/ScriptedBitmap_p.h"
-#include "tests/support/scripted_engine/ScriptedDoc_p.h"
-#include "tests/support/scripted_engine/ScriptedReflowPage_p.h"
-#include "tests/support/scripted_engine/ScriptedRenderer_p.h"
+#include "platform/concurrency/Cancellation.h"
+#include "tests/support/scripted_engine/ScriptedObjects_p.h"
 
 namespace velko::testing {
 
 using common::ErrorCode;
 
-const char* EngineOpName(EngineOp eOp) {
-    switch (eOp) {
-        case EngineOp::CreateDoc:
-            return "CreateDoc";
-        case EngineOp::Load:
-            return "Load";
-        case EngineOp::GetPage:
-            return "GetPage";
-        case EngineOp::StartParse:
-            return "StartParse";
-        case EngineOp::GetAnnotCount:
-            return "GetAnnotCount";
-        case EngineOp::GetAnnot:
-            return "GetAnnot";
-        case EngineOp::CreateBitmap:
-            return "CreateBitmap";
-        case EngineOp::CreateRenderer:
-            return "CreateRenderer";
-        case EngineOp::StartRender:
-            return "StartRender";
-        case EngineOp::RenderAnnot:
-            return "RenderAnnot";
-        case EngineOp::StartSaveAs:
-            return "StartSaveAs";
-        case EngineOp::ReflowStartParse:
-            return "ReflowStartParse";
-        case EngineOp::StartRenderReflowPage:
-            return "StartRenderReflowPage";
-        case EngineOp::ReleaseReader:
-            return "ReleaseReader";
-    }
-    return "?";
-}
-
-ScriptedEngine::ScriptedEngine(std::vector<ScriptedPage> pages)
-    : m_pScript(std::make_shared<EngineScript>()) {
-    SetPages(std::move(pages));
-}
-
-ScriptedEngine::Registration::Registration(std::shared_ptr<ScriptedEngine> pEngine) {
-    const auto& pScript = pEngine->m_pScript;
-    Platform::RegisterActivationFactory(pdf::kPDFDocClass,
-                                        std::make_shared<ScriptedDocFactory>(pScript));
-    Platform::RegisterActivationFactory(pdf::kReflowPageClass,
-                                        std::make_shared<ScriptedReflowPageFactory>(pScript));
-    Platform::RegisterActivationFactory(common::kBitmapClass,
-                                        std::make_shared<ScriptedBitmapFactory>(pScript));
-    Platform::RegisterActivationFactory(common::kRendererClass,
-                                        std::make_shared<ScriptedRendererFactory>(pScript));
+ScriptedEngine::Registration::Registration(const EnginePtr& pEngine) {
+    Platform::RegisterActivationFactory(pdf::kPDFDocClass, MakeDocFactory(pEngine));
+    Platform::RegisterActivationFactory(common::kBitmapClass, MakeBitmapFactory(pEngine));
+    Platform::RegisterActivationFactory(common::kRendererClass, MakeRendererFactory(pEngine));
 }
 
 ScriptedEngine::Registration::~Registration() {
-    for (const char* szClass :
-         {pdf::kPDFDocClass, pdf::kReflowPageClass, common::kBitmapClass, common::kRendererClass}) {
+    for (const char* szClass : {pdf::kPDFDocClass, common::kBitmapClass, common::kRendererClass}) {
         Platform::UnregisterActivationFactory(szClass);
     }
 }
 
-std::shared_ptr<pdf::PDFDoc> ScriptedEngine::MakeLoadedDoc() {
-    auto pDoc = std::make_shared<ScriptedDoc>(m_pScript, nullptr);
-    if (pDoc->Load({}) != ErrorCode::e_ErrSuccess) {
-        throw std::logic_error("the scripted document does not load");
-    }
-    return pDoc;
-}
-
 void ScriptedEngine::SetPages(std::vector<ScriptedPage> pages) {
-    m_pScript->ChangeSettings([&](auto& settings) { settings.pages = std::move(pages); });
+    Locked([&] { m_contents.pages = std::move(pages); });
 }
 
 void ScriptedEngine::SetPasswords(std::string strUser, std::string strOwner) {
-    m_pScript->ChangeSettings([&](auto& settings) {
-        settings.strUserPassword = std::move(strUser);
-        settings.strOwnerPassword = std::move(strOwner);
+    Locked([&] {
+        m_contents.strUserPassword = std::move(strUser);
+        m_contents.strOwnerPassword = std::move(strOwner);
     });
 }
 
 void ScriptedEngine::SetPermissions(std::uint32_t nPermissions) {
-    m_pScript->ChangeSettings([&](auto& settings) { settings.nPermissions = nPermissions; });
+    Locked([&] { m_contents.nPermissions = nPermissions; });
 }
 
 void ScriptedEngine::SetEncryptionType(std::int32_t nType) {
-    m_pScript->ChangeSettings([&](auto& settings) { settings.nEncryptionType = nType; });
+    Locked([&] { m_contents.nEncryptionType = nType; });
 }
 
 void ScriptedEngine::SetLoadReads(bool bReads) {
-    m_pScript->ChangeSettings([&](auto& settings) { settings.bLoadReads = bReads; });
+    Locked([&] { m_contents.bLoadReads = bReads; });
 }
 
-void ScriptedEngine::CutShort(std::int32_t nPage, bool bCut) {
-    m_pScript->ChangeSettings([&](auto& settings) {
-        settings.cutShort.erase(nPage);
-        if (bCut) {
-            settings.cutShort.insert(nPage);
-        }
-    });
-}
-
-void ScriptedEngine::SetSavedBytes(std::vector<std::uint8_t> bytes) {
-    m_pScript->ChangeSettings([&](auto& settings) { settings.savedBytes = std::move(bytes); });
+ScriptedEngine::Contents ScriptedEngine::GetContents() const {
+    const std::scoped_lock lock(m_mutex);
+    return m_contents;
 }
 
 void ScriptedEngine::QueueLoadResult(ErrorCode eCode) {
-    m_pScript->QueueLoadResult(eCode);
+    Locked([&] { m_loadResults.push_back(eCode); });
+}
+
+ErrorCode ScriptedEngine::TakeLoadResult() {
+    const std::scoped_lock lock(m_mutex);
+    if (m_loadResults.empty()) {
+        return ErrorCode::e_ErrSuccess;
+    }
+    const ErrorCode eCode = m_loadResults.front();
+    m_loadResults.pop_front();
+    return eCode;
+}
+
+void ScriptedEngine::CutShort(std::int32_t nPage, bool bCut) {
+    Locked([&] { bCut ? void(m_cutShort.insert(nPage)) : void(m_cutShort.erase(nPage)); });
+}
+
+bool ScriptedEngine::IsCutShort(std::int32_t nPage) const {
+    const std::scoped_lock lock(m_mutex);
+    return m_cutShort.contains(nPage);
 }
 
 std::shared_ptr<Gate> ScriptedEngine::Hold(EngineOp eOp, std::int32_t nPage) {
-    return m_pScript->Hold(eOp, nPage);
+    auto pGate = std::make_shared<Gate>();
+    Locked([&] { m_gates[{eOp, nPage}] = pGate; });
+    return pGate;
 }
 
 void ScriptedEngine::FailCall(EngineOp eOp, int nCall, ErrorCode eCode) {
-    m_pScript->FailCall(eOp, nCall, eCode);
+    Locked([&] { m_failures.push_back({eOp, kAnyPage, nCall, eCode}); });
 }
 
 void ScriptedEngine::FailPage(EngineOp eOp, std::int32_t nPage, ErrorCode eCode) {
-    m_pScript->FailPage(eOp, nPage, eCode);
+    Locked([&] { m_failures.push_back({eOp, nPage, 0, eCode}); });
 }
 
 void ScriptedEngine::ClearFailures() {
-    m_pScript->ClearFailures();
-}
-
-int ScriptedEngine::FailuresRaised() const {
-    return m_pScript->m_nFailures;
+    Locked([&] { m_failures.clear(); });
 }
 
 void ScriptedEngine::OnCall(EngineOp eOp, Hook fnHook) {
-    m_pScript->OnCall(eOp, std::move(fnHook));
+    Locked([&] { m_hooks[eOp] = std::move(fnHook); });
 }
 
 std::vector<EngineCall> ScriptedEngine::Calls() const {
-    return m_pScript->Calls();
+    const std::scoped_lock lock(m_mutex);
+    return m_log;
 }
 
 std::vector<EngineCall> ScriptedEngine::Calls(EngineOp eOp) const {
-    std::vector<EngineCall> calls = m_pScript->Calls();
+    std::vector<EngineCall> calls = Calls();
     std::erase_if(calls, [eOp](const EngineCall& call) { return call.eOp != eOp; });
     return calls;
 }
 
 int ScriptedEngine::Count(EngineOp eOp, std::int32_t nPage) const {
-    const std::vector<EngineCall> calls = Calls(eOp);
-    return static_cast<int>(std::count_if(calls.begin(), calls.end(), [&](const EngineCall& call) {
-        return nPage == kAnyPage || call.nPage == nPage;
+    const std::scoped_lock lock(m_mutex);
+    return static_cast<int>(std::count_if(m_log.begin(), m_log.end(), [&](const EngineCall& call) {
+        return call.eOp == eOp && (nPage == kAnyPage || call.nPage == nPage);
     }));
 }
 
 void ScriptedEngine::ClearLog() {
-    m_pScript->ClearLog();
+    Locked([&] { m_log.clear(); });
 }
 
-int ScriptedEngine::AbortedRenders() const {
-    return m_pScript->m_nAborted;
+void ScriptedEngine::Arrive(const EngineCall& call, const std::atomic<bool>* pAbort) {
+    Hook fnHook;
+    std::shared_ptr<Gate> pGate;
+    ErrorCode eCode = ErrorCode::e_ErrSuccess;
+    bool bFails = false;
+    Locked([&] {
+        m_log.push_back(call);
+        if (const auto it = m_hooks.find(call.eOp); it != m_hooks.end()) {
+            fnHook = it->second;
+        }
+        for (const std::int32_t nPage : {kAnyPage, call.nPage}) {
+            const auto it = m_gates.find({call.eOp, nPage});
+            pGate = it != m_gates.end() ? it->second : pGate;
+        }
+        bFails = TakeFailure(call, &eCode);
+    });
+    if (fnHook) {
+        fnHook(call);
+    }
+    if (pGate) {
+        pGate->Pass(pAbort);
+    }
+    ThrowIfAborted(pAbort);
+    if (bFails) {
+        ++m_nFailures;
+        throw common::EngineException(eCode, "a scripted failure");
+    }
 }
-int ScriptedEngine::LiveDocs() const {
-    return m_pScript->m_nDocs;
+
+bool ScriptedEngine::TakeFailure(const EngineCall& call, ErrorCode* peCode) {
+    bool bFails = false;
+    std::erase_if(m_failures, [&](Failure& failure) {
+        if (failure.eOp != call.eOp || (failure.nPage != kAnyPage && failure.nPage != call.nPage)) {
+            return false;
+        }
+        const bool bLast = failure.nCallsToGo == 1;
+        if (bLast || failure.nCallsToGo == 0) {
+            *peCode = failure.eCode;
+            bFails = true;
+        } else {
+            --failure.nCallsToGo;
+        }
+        return bLast;
+    });
+    return bFails;
 }
-int ScriptedEngine::LivePages() const {
-    return m_pScript->m_nPages;
-}
-int ScriptedEngine::LiveBitmaps() const {
-    return m_pScript->m_nBitmaps;
-}
-int ScriptedEngine::PeakRenders() const {
-    return m_pScript->m_nPeakRenders;
+
+void ScriptedEngine::ThrowIfAborted(const std::atomic<bool>* pAbort) {
+    if (pAbort != nullptr && *pAbort) {
+        ++m_nAborted;
+        throw concurrency::task_canceled();
+    }
 }
 
 }

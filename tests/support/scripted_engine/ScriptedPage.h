@@ -38,10 +38,6 @@ struct ScriptedPage {
     // How often `Continue` answers "to be continued" before the page is parsed;
     // 0: `StartParse` parses at once.
     std::int32_t nParseSteps = 0;
-
-    // Height of the reflowed text in pixels at 100 percent and a width of
-    // 1000; it grows with the zoom and shrinks with the width.
-    float fReflowHeight = 1500.0F;
 };
 
 // A page without rotation of that size, its origin at (0, 0).

@@ -1,9 +1,11 @@
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstring>
+#include <functional>
 
-#include "tests/support/scripted_engine/ScriptedDoc_p.h"
-#include "tests/support/scripted_engine/ScriptedReflowPage_p.h"
-#include "tests/support/scripted_engine/ScriptedRenderer_p.h"
+#include "tests/support/scripted_engine/ScriptedObjects_p.h"
 
 namespace velko::testing {
 
@@ -14,6 +16,66 @@ using common::vxbase::PointF;
 using common::vxbase::RectF;
 
 namespace {
+
+constexpr std::int64_t kMaxPixels = std::int64_t{64} << 20;
+
+class ScriptedBitmap final : public common::Bitmap {
+public:
+    ScriptedBitmap(EnginePtr pEngine, std::int32_t nWidth, std::int32_t nHeight)
+        : m_pEngine(std::move(pEngine)),
+          m_counted(m_pEngine->m_nBitmaps),
+          m_nWidth(nWidth),
+          m_nHeight(nHeight),
+          m_pixels(static_cast<std::size_t>(nWidth) * static_cast<std::size_t>(nHeight) * 4) {}
+
+    std::span<std::uint8_t> GetBuffer() override { return m_pixels; }
+    std::int32_t GetWidth() const override { return m_nWidth; }
+    std::int32_t GetHeight() const override { return m_nHeight; }
+
+    void FillRect(std::uint32_t nColor, const common::vxbase::RectI& rc) override {
+        const std::uint32_t nAlpha = nColor >> 24U;
+        std::array<std::uint8_t, 4> pixel{0, 0, 0, static_cast<std::uint8_t>(nAlpha)};
+        for (unsigned nChannel = 0; nChannel < 3; ++nChannel) {
+            const std::uint32_t nValue = (nColor >> (8U * nChannel)) & 0xFFU;
+            pixel[nChannel] = static_cast<std::uint8_t>((nValue * nAlpha + 127U) / 255U);
+        }
+        for (std::int32_t y = std::max(rc.Top, 0); y < std::min(rc.Bottom, m_nHeight); ++y) {
+            for (std::int32_t x = std::max(rc.Left, 0); x < std::min(rc.Right, m_nWidth); ++x) {
+                std::memcpy(
+                    &m_pixels[(std::size_t(y) * std::size_t(m_nWidth) + std::size_t(x)) * 4],
+                    pixel.data(), pixel.size());
+            }
+        }
+    }
+
+private:
+    EnginePtr m_pEngine;
+    ScriptedEngine::Counted m_counted;
+    std::int32_t m_nWidth;
+    std::int32_t m_nHeight;
+    std::vector<std::uint8_t> m_pixels;
+};
+
+class BitmapFactory final : public common::IBitmapFactory {
+public:
+    explicit BitmapFactory(EnginePtr pEngine) : m_pEngine(std::move(pEngine)) {}
+    std::shared_ptr<common::Bitmap> Create(std::int32_t nWidth, std::int32_t nHeight,
+                                           std::int32_t nFormat, void* pBuffer,
+                                           std::int32_t nPitch) override {
+        m_pEngine->Arrive(EngineOp::CreateBitmap);
+        if (nWidth <= 0 || nHeight <= 0 || nFormat != common::Bitmap::kFormat32 ||
+            pBuffer != nullptr || nPitch != 0) {
+            throw EngineException(ErrorCode::e_ErrParam, "a bitmap of that kind is not made");
+        }
+        if (std::int64_t{nWidth} * nHeight > kMaxPixels) {
+            throw EngineException(ErrorCode::e_ErrOutOfMemory, "a bitmap of that size is not made");
+        }
+        return std::make_shared<ScriptedBitmap>(m_pEngine, nWidth, nHeight);
+    }
+
+private:
+    EnginePtr m_pEngine;
+};
 
 bool Contains(const RectF& rc, PointF pt) {
     return pt.X >= rc.Left && pt.X < rc.Right && pt.Y >= rc.Bottom && pt.Y < rc.Top;
@@ -56,49 +118,57 @@ private:
     double m_dbDeterminant;
 };
 
-// Counts a render as running and keeps the highest count.
-class RunningRender {
+class ScriptedRenderer final : public common::Renderer {
 public:
-    explicit RunningRender(EngineScript& script) : m_script(script) {
-        const int nNow = ++m_script.m_nRenders;
-        int nPeak = m_script.m_nPeakRenders;
-        while (nPeak < nNow && !m_script.m_nPeakRenders.compare_exchange_weak(nPeak, nNow)) {
-        }
+    ScriptedRenderer(EnginePtr pEngine, std::shared_ptr<common::Bitmap> pBitmap)
+        : m_pEngine(std::move(pEngine)), m_pBitmap(std::move(pBitmap)) {}
+
+    void SetColorMode(std::int32_t nMode) override { m_state.nColorMode = nMode; }
+    void SetMappingModeColors(std::uint32_t nBackColor, std::uint32_t nForeColor) override {
+        m_state.nBackColor = nBackColor;
+        m_state.nForeColor = nForeColor;
     }
-    ~RunningRender() { --m_script.m_nRenders; }
-    RunningRender(const RunningRender&) = delete;
-    RunningRender& operator=(const RunningRender&) = delete;
+    void SetRenderContentFlags(std::uint32_t nFlags) override { m_nContentFlags = nFlags; }
+    void SetAbortFlag(std::shared_ptr<const std::atomic<bool>> pAbort) override {
+        m_pAbort = std::move(pAbort);
+    }
+    bool IsIncomplete() const override { return m_bIncomplete; }
+
+    std::shared_ptr<common::Progressive> StartRender(std::shared_ptr<pdf::PDFPage> pPage,
+                                                     const Matrix2D& matrix,
+                                                     common::IPauseCallback*) override;
+    bool RenderAnnot(std::shared_ptr<pdf::IAnnot> pAnnot, const Matrix2D& matrix) override;
+    std::shared_ptr<common::Progressive> StartRenderReflowPage(std::shared_ptr<pdf::ReflowPage>,
+                                                               const Matrix2D&,
+                                                               common::IPauseCallback*) override {
+        throw EngineException(ErrorCode::e_ErrUnsupported, "the scripted engine does not reflow");
+    }
 
 private:
-    EngineScript& m_script;
+    // The colour at a point of page space; 0 leaves the pixel alone.
+    using ColorAt = std::function<std::uint32_t(PointF)>;
+
+    void Arrive(EngineOp eOp, std::int32_t nPage, std::int32_t nIndex, const Matrix2D& matrix);
+    void Paint(const Matrix2D& matrix, const ColorAt& fnColorAt);
+
+    EnginePtr m_pEngine;
+    std::shared_ptr<common::Bitmap> m_pBitmap;
+    EngineCall m_state; // the colours
+    std::uint32_t m_nContentFlags = kRenderContent;
+    std::shared_ptr<const std::atomic<bool>> m_pAbort;
+    bool m_bIncomplete = false;
 };
 
-}
-
-ScriptedRenderer::ScriptedRenderer(std::shared_ptr<EngineScript> pScript,
-                                   std::shared_ptr<common::Bitmap> pBitmap)
-    : m_pScript(std::move(pScript)), m_pBitmap(std::move(pBitmap)) {}
-
-void ScriptedRenderer::SetMappingModeColors(std::uint32_t nBackColor, std::uint32_t nForeColor) {
-    m_nBackColor = nBackColor;
-    m_nForeColor = nForeColor;
-}
-
-void ScriptedRenderer::SetAbortFlag(std::shared_ptr<const std::atomic<bool>> pAbort) {
-    m_pAbort = std::move(pAbort);
-}
-
-EngineCall ScriptedRenderer::MakeCall(EngineOp eOp, const Matrix2D& matrix) const {
-    EngineCall call;
+void ScriptedRenderer::Arrive(EngineOp eOp, std::int32_t nPage, std::int32_t nIndex,
+                              const Matrix2D& matrix) {
+    EngineCall call = m_state;
     call.eOp = eOp;
+    call.nPage = nPage;
+    call.nIndex = nIndex;
     call.matrix = matrix;
     call.nWidth = m_pBitmap->GetWidth();
     call.nHeight = m_pBitmap->GetHeight();
-    call.nColorMode = m_nColorMode;
-    call.nBackColor = m_nBackColor;
-    call.nForeColor = m_nForeColor;
-    call.bHasAbortFlag = m_pAbort != nullptr;
-    return call;
+    m_pEngine->Arrive(call, m_pAbort.get());
 }
 
 std::shared_ptr<common::Progressive> ScriptedRenderer::StartRender(
@@ -107,18 +177,20 @@ std::shared_ptr<common::Progressive> ScriptedRenderer::StartRender(
     if (!pScripted) {
         throw EngineException(ErrorCode::e_ErrParam, "a page of another engine");
     }
-    const RunningRender running(*m_pScript);
-    EngineCall call = MakeCall(EngineOp::StartRender, matrix);
-    call.nPage = pScripted->Index();
-    m_pScript->Arrive(call, m_pAbort.get());
+    const ScriptedEngine::Counted running(m_pEngine->m_nRenders);
+    for (int nPeak = m_pEngine->m_nPeakRenders, nNow = m_pEngine->m_nRenders;
+         nPeak < nNow && !m_pEngine->m_nPeakRenders.compare_exchange_weak(nPeak, nNow);) {
+    }
+    const std::int32_t nIndex = pScripted->GetIndex();
+    Arrive(EngineOp::StartRender, nIndex, -1, matrix);
     if (!pScripted->IsParsed()) {
         pScripted->StartParse(0, nullptr, 0);
     }
-    m_bIncomplete = m_bIncomplete || m_pScript->IsCutShort(pScripted->Index());
+    m_bIncomplete = m_bIncomplete || m_pEngine->IsCutShort(nIndex);
     const ScriptedPage& page = pScripted->Script();
     const bool bBlank = page.ePaper == ScriptedPage::Paper::None && page.rects.empty();
     if ((m_nContentFlags & kRenderContent) && !bBlank) {
-        Paint(matrix, [&](PointF pt) { return PageColorAt(page, pScripted->Index(), pt); });
+        Paint(matrix, [&](PointF pt) { return PageColorAt(page, nIndex, pt); });
     }
     return std::make_shared<CountedProgress>(0);
 }
@@ -128,34 +200,10 @@ bool ScriptedRenderer::RenderAnnot(std::shared_ptr<pdf::IAnnot> pAnnot, const Ma
     if (!pScripted) {
         throw EngineException(ErrorCode::e_ErrParam, "an annotation of another engine");
     }
-    EngineCall call = MakeCall(EngineOp::RenderAnnot, matrix);
-    call.nPage = pScripted->Page();
-    call.nIndex = pScripted->Index();
-    m_pScript->Arrive(call, m_pAbort.get());
-    const ScriptedAnnot& annot = pScripted->Script();
-    if (annot.rcArea.Right <= annot.rcArea.Left || annot.rcArea.Top <= annot.rcArea.Bottom) {
-        return false;
-    }
-    Paint(matrix, [&](PointF pt) { return Contains(annot.rcArea, pt) ? annot.nColor : 0U; });
+    Arrive(EngineOp::RenderAnnot, pScripted->nPage, pScripted->nIndex, matrix);
+    const auto& [nType, rcArea, nColor] = pScripted->annot;
+    Paint(matrix, [&](PointF pt) { return Contains(rcArea, pt) ? nColor : 0U; });
     return true;
-}
-
-std::shared_ptr<common::Progressive> ScriptedRenderer::StartRenderReflowPage(
-    std::shared_ptr<pdf::ReflowPage> pPage, const Matrix2D& matrix, common::IPauseCallback*) {
-    const auto pScripted = std::dynamic_pointer_cast<ScriptedReflowPage>(pPage);
-    if (!pScripted) {
-        throw EngineException(ErrorCode::e_ErrParam, "a reflow page of another engine");
-    }
-    const RunningRender running(*m_pScript);
-    EngineCall call = MakeCall(EngineOp::StartRenderReflowPage, matrix);
-    call.nPage = pScripted->Index();
-    m_pScript->Arrive(call, m_pAbort.get());
-    const RectF rcContent = {0.0F, 0.0F, static_cast<float>(pScripted->GetContentWidth()),
-                             static_cast<float>(pScripted->GetContentHeight())};
-    Paint(matrix, [&](PointF pt) {
-        return Contains(rcContent, pt) ? PatternColor(pScripted->Index(), pt) : 0U;
-    });
-    return std::make_shared<CountedProgress>(0);
 }
 
 void ScriptedRenderer::Paint(const Matrix2D& matrix, const ColorAt& fnColorAt) {
@@ -166,14 +214,14 @@ void ScriptedRenderer::Paint(const Matrix2D& matrix, const ColorAt& fnColorAt) {
     const std::int32_t nWidth = m_pBitmap->GetWidth();
     std::uint8_t* pPixel = m_pBitmap->GetBuffer().data();
     for (std::int32_t y = 0; y < m_pBitmap->GetHeight(); ++y) {
-        m_pScript->ThrowIfAborted(m_pAbort.get());
+        m_pEngine->ThrowIfAborted(m_pAbort.get());
         for (std::int32_t x = 0; x < nWidth; ++x, pPixel += 4) {
             std::uint32_t nColor = fnColorAt(pageOf(x, y));
             if (nColor == 0) {
                 continue;
             }
-            if (m_nColorMode == kColorModeMapped) {
-                nColor = MapColor(nColor, m_nBackColor, m_nForeColor);
+            if (m_state.nColorMode == kColorModeMapped) {
+                nColor = MapColor(nColor, m_state.nBackColor, m_state.nForeColor);
             }
             pPixel[0] = static_cast<std::uint8_t>(nColor);
             pPixel[1] = static_cast<std::uint8_t>(nColor >> 8U);
@@ -183,17 +231,29 @@ void ScriptedRenderer::Paint(const Matrix2D& matrix, const ColorAt& fnColorAt) {
     }
 }
 
-std::shared_ptr<common::Renderer> ScriptedRendererFactory::Create(
-    std::shared_ptr<common::Bitmap> pBitmap) {
-    if (!pBitmap) {
-        throw EngineException(ErrorCode::e_ErrParam, "no bitmap to draw into");
+class RendererFactory final : public common::IRendererFactory {
+public:
+    explicit RendererFactory(EnginePtr pEngine) : m_pEngine(std::move(pEngine)) {}
+    std::shared_ptr<common::Renderer> Create(std::shared_ptr<common::Bitmap> pBitmap) override {
+        if (!pBitmap) {
+            throw EngineException(ErrorCode::e_ErrParam, "no bitmap to draw into");
+        }
+        m_pEngine->Arrive(EngineOp::CreateRenderer);
+        return std::make_shared<ScriptedRenderer>(m_pEngine, std::move(pBitmap));
     }
-    EngineCall call;
-    call.eOp = EngineOp::CreateRenderer;
-    call.nWidth = pBitmap->GetWidth();
-    call.nHeight = pBitmap->GetHeight();
-    m_pScript->Arrive(call);
-    return std::make_shared<ScriptedRenderer>(m_pScript, std::move(pBitmap));
+
+private:
+    EnginePtr m_pEngine;
+};
+
+}
+
+std::shared_ptr<common::IBitmapFactory> MakeBitmapFactory(EnginePtr pEngine) {
+    return std::make_shared<BitmapFactory>(std::move(pEngine));
+}
+
+std::shared_ptr<common::IRendererFactory> MakeRendererFactory(EnginePtr pEngine) {
+    return std::make_shared<RendererFactory>(std::move(pEngine));
 }
 
 }

@@ -1,0 +1,74 @@
+// The pages and annotations of a scripted document, and what makes its objects.
+#pragma once
+
+#include <atomic>
+#include <memory>
+
+#include "document/engine/Bitmap.h"
+#include "document/engine/PDFDoc.h"
+#include "document/engine/Renderer.h"
+#include "tests/support/scripted_engine/ScriptedEngine.h"
+
+namespace velko::testing {
+
+using EnginePtr = std::shared_ptr<ScriptedEngine>;
+
+std::shared_ptr<pdf::IPDFDocFactory> MakeDocFactory(EnginePtr pEngine);
+std::shared_ptr<common::IBitmapFactory> MakeBitmapFactory(EnginePtr pEngine);
+std::shared_ptr<common::IRendererFactory> MakeRendererFactory(EnginePtr pEngine);
+
+// A progress that answers "to be continued" `nSteps` times.
+class CountedProgress : public common::Progressive {
+public:
+    explicit CountedProgress(std::int32_t nSteps) : m_nSteps(nSteps) {}
+    std::int32_t Continue() override { return m_nSteps-- > 0 ? kToBeContinued : kFinished; }
+
+private:
+    std::int32_t m_nSteps;
+};
+
+class ScriptedPageObject final : public pdf::PDFPage,
+                                 public std::enable_shared_from_this<ScriptedPageObject> {
+public:
+    ScriptedPageObject(EnginePtr pEngine, std::shared_ptr<pdf::PDFDoc> pDoc, ScriptedPage page,
+                       std::int32_t nIndex);
+
+    const ScriptedPage& Script() const { return m_page; }
+
+    float GetWidth() const override;
+    float GetHeight() const override;
+    std::int32_t GetIndex() const override { return m_nIndex; }
+    std::int32_t GetRotation() const override { return m_page.nRotation & 3; }
+    common::vxbase::RectF GetBox(std::int32_t) const override { return m_page.rcBox; }
+    bool IsParsed() const override { return m_bParsed; }
+    std::shared_ptr<common::Progressive> StartParse(std::int32_t nFlags,
+                                                    common::IPauseCallback* pPause,
+                                                    std::int32_t nReparse) override;
+    common::vxbase::Matrix2D GetDisplayMatrix(std::int32_t nLeft, std::int32_t nTop,
+                                              std::int32_t nWidth, std::int32_t nHeight,
+                                              std::int32_t nRotate) const override;
+    std::int32_t GetAnnotCount() override;
+    std::shared_ptr<pdf::IAnnot> GetAnnot(std::int32_t nIndex) override;
+
+private:
+    class Parse;
+
+    EnginePtr m_pEngine;
+    ScriptedEngine::Counted m_counted;
+    std::shared_ptr<pdf::PDFDoc> m_pDoc;
+    ScriptedPage m_page;
+    std::int32_t m_nIndex;
+    std::atomic<bool> m_bParsed = false;
+};
+
+struct ScriptedAnnotObject final : pdf::IAnnot {
+    ScriptedAnnotObject(const ScriptedAnnot& ofPage, std::int32_t nOfPage, std::int32_t nInPage)
+        : annot(ofPage), nPage(nOfPage), nIndex(nInPage) {}
+    std::int32_t GetType() const override { return annot.nType; }
+
+    const ScriptedAnnot annot;
+    const std::int32_t nPage;
+    const std::int32_t nIndex;
+};
+
+}
