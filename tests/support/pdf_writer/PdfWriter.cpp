@@ -1,9 +1,10 @@
 #include "tests/support/pdf_writer/PdfWriter.h"
 
+#include <mupdf/fitz.h>
+#include <mupdf/pdf.h>
+
 #include <array>
 #include <cstdio>
-
-#include "tests/support/pdf_writer/Ciphers_p.h"
 
 namespace velko::testing {
 
@@ -13,12 +14,6 @@ namespace {
 constexpr int kCatalog = 1;
 constexpr int kPages = 2;
 constexpr int kFont = 3;
-constexpr int kEncrypt = 4;
-
-constexpr std::array<unsigned char, 32> kPadding = {
-    0x28, 0xBF, 0x4E, 0x5E, 0x4E, 0x75, 0x8A, 0x41, 0x64, 0x00, 0x4E, 0x56, 0xFF, 0xFA, 0x01, 0x08,
-    0x2E, 0x2E, 0x00, 0xB6, 0xD0, 0x68, 0x3E, 0x80, 0x2F, 0x0C, 0xA9, 0xFE, 0x64, 0x53, 0x69, 0x7A};
-constexpr const char* kFileId = "velko test file.";
 
 std::string Number(double dbValue) {
     std::array<char, 64> text{};
@@ -31,73 +26,38 @@ std::string Box(const PdfBox& box) {
            Number(box.dbTop) + "]";
 }
 
-std::string Hex(const std::string& strBytes) {
-    std::string strHex = "<";
-    for (const char c : strBytes) {
-        std::array<char, 3> digits{};
-        std::snprintf(digits.data(), digits.size(), "%02X", static_cast<unsigned char>(c));
-        strHex += digits.data();
-    }
-    return strHex + ">";
+// The same document, encrypted by RC4 with 40 bits.
+std::string Encrypted(const std::string& strBytes, const PdfOptions& options) {
+    pdf_write_options writing = pdf_default_write_options;
+    writing.do_encrypt = PDF_ENCRYPT_RC4_40;
+    writing.permissions = options.nPermissions;
+    const std::string& strOwner =
+        options.strOwnerPassword.empty() ? options.strUserPassword : options.strOwnerPassword;
+    fz_strlcpy(writing.upwd_utf8, options.strUserPassword.c_str(), sizeof writing.upwd_utf8);
+    fz_strlcpy(writing.opwd_utf8, strOwner.c_str(), sizeof writing.opwd_utf8);
+
+    fz_context* const ctx = fz_new_context(nullptr, nullptr, FZ_STORE_DEFAULT);
+    fz_stream* const pIn = fz_open_memory(
+        ctx, reinterpret_cast<const unsigned char*>(strBytes.data()), strBytes.size());
+    pdf_document* const pDoc = pdf_open_document_with_stream(ctx, pIn);
+    fz_buffer* const pBuffer = fz_new_buffer(ctx, strBytes.size());
+    fz_output* const pOut = fz_new_output_with_buffer(ctx, pBuffer);
+    pdf_write_document(ctx, pDoc, pOut, &writing);
+    fz_close_output(ctx, pOut);
+    unsigned char* pBytes = nullptr;
+    const std::size_t nBytes = fz_buffer_storage(ctx, pBuffer, &pBytes);
+    std::string strResult(pBytes, pBytes + nBytes);
+    fz_drop_output(ctx, pOut);
+    fz_drop_buffer(ctx, pBuffer);
+    pdf_drop_document(ctx, pDoc);
+    fz_drop_stream(ctx, pIn);
+    fz_drop_context(ctx);
+    return strResult;
 }
-
-std::string Padded(const std::string& strPassword) {
-    std::string strPadded = strPassword;
-    strPadded.append(reinterpret_cast<const char*>(kPadding.data()), kPadding.size());
-    return strPadded.substr(0, 32);
-}
-
-std::string LowBytes(std::uint32_t nValue, int nBytes) {
-    std::string strBytes;
-    for (int i = 0; i < nBytes; ++i) {
-        strBytes += static_cast<char>(nValue >> (8 * i));
-    }
-    return strBytes;
-}
-
-// The standard security handler, revision 2, 40 bits.
-class Encryption {
-public:
-    explicit Encryption(const PdfOptions& options)
-        : m_bOn(!options.strUserPassword.empty() || !options.strOwnerPassword.empty()),
-          m_nPermissions(options.nPermissions) {
-        const std::string& strOwner =
-            options.strOwnerPassword.empty() ? options.strUserPassword : options.strOwnerPassword;
-        const std::string strUser = Padded(options.strUserPassword);
-        m_strOwnerEntry = Rc4(Md5(Padded(strOwner)).substr(0, 5), strUser);
-        m_strKey = Md5(strUser + m_strOwnerEntry +
-                       LowBytes(static_cast<std::uint32_t>(m_nPermissions), 4) + kFileId)
-                       .substr(0, 5);
-    }
-
-    bool On() const { return m_bOn; }
-
-    std::string Dictionary() const {
-        return "<< /Filter /Standard /V 1 /R 2 /O " + Hex(m_strOwnerEntry) + " /U " +
-               Hex(Rc4(m_strKey, Padded({}))) + " /P " + std::to_string(m_nPermissions) + " >>";
-    }
-
-    std::string Encrypt(int nObject, const std::string& strData) const {
-        if (!m_bOn) {
-            return strData;
-        }
-        const std::string strSeed =
-            m_strKey + LowBytes(static_cast<std::uint32_t>(nObject), 3) + LowBytes(0, 2);
-        return Rc4(Md5(strSeed).substr(0, 10), strData);
-    }
-
-private:
-    bool m_bOn;
-    std::int32_t m_nPermissions;
-    std::string m_strOwnerEntry;
-    std::string m_strKey;
-};
 
 // Collects objects and their offsets.
 class File {
 public:
-    explicit File(const Encryption& encryption) : m_encryption(encryption) {}
-
     void Object(int nNumber, const std::string& strBody) {
         if (m_offsets.size() <= static_cast<std::size_t>(nNumber)) {
             m_offsets.resize(static_cast<std::size_t>(nNumber) + 1, 0);
@@ -107,9 +67,8 @@ public:
     }
 
     void Stream(int nNumber, const std::string& strEntries, const std::string& strData) {
-        const std::string strStored = m_encryption.Encrypt(nNumber, strData);
-        Object(nNumber, "<< " + strEntries + " /Length " + std::to_string(strStored.size()) +
-                            " >>\nstream\n" + strStored + "\nendstream");
+        Object(nNumber, "<< " + strEntries + " /Length " + std::to_string(strData.size()) +
+                            " >>\nstream\n" + strData + "\nendstream");
     }
 
     std::string Finish() {
@@ -122,16 +81,12 @@ public:
             m_strBytes += entry.data();
         }
         m_strBytes += "trailer\n<< /Size " + std::to_string(m_offsets.size()) + " /Root " +
-                      std::to_string(kCatalog) + " 0 R /ID [" + Hex(kFileId) + Hex(kFileId) + "]";
-        if (m_encryption.On()) {
-            m_strBytes += " /Encrypt " + std::to_string(kEncrypt) + " 0 R";
-        }
-        m_strBytes += " >>\nstartxref\n" + std::to_string(nStart) + "\n%%EOF\n";
+                      std::to_string(kCatalog) + " 0 R >>\nstartxref\n" + std::to_string(nStart) +
+                      "\n%%EOF\n";
         return m_strBytes;
     }
 
 private:
-    const Encryption& m_encryption;
     std::string m_strBytes = "%PDF-1.7\n%\xE2\xE3\xCF\xD3\n";
     std::vector<std::size_t> m_offsets;
 };
@@ -192,14 +147,10 @@ int PdfPageObject(const PdfOptions& options, int nPage) {
 }
 
 std::string MakePdf(const std::vector<PdfPage>& pages, const PdfOptions& options) {
-    const Encryption encryption(options);
-    File file(encryption);
+    File file;
     file.Object(kCatalog, "<< /Type /Catalog /Pages " + std::to_string(kPages) + " 0 R " +
                               options.strCatalogExtra + " >>");
     file.Object(kFont, "<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica >>");
-    if (encryption.On()) {
-        file.Object(kEncrypt, encryption.Dictionary());
-    }
     int nNumber = kFirstExtraObject;
     for (const std::string& strObject : options.extraObjects) {
         file.Object(nNumber++, strObject);
@@ -212,7 +163,8 @@ std::string MakePdf(const std::vector<PdfPage>& pages, const PdfOptions& options
                     image.strPixels);
     }
     WritePages(file, pages, options);
-    return file.Finish();
+    const bool bOpen = options.strUserPassword.empty() && options.strOwnerPassword.empty();
+    return bOpen ? file.Finish() : Encrypted(file.Finish(), options);
 }
 
 std::string AnnotDictionary(const std::string& strSubtype, const PdfBox& rect, int nAppearance) {

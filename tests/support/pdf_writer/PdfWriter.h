@@ -43,8 +43,8 @@ struct PdfOptions {
     std::vector<PdfImage> images;
     std::string strCatalogExtra;           // further entries of the catalogue
     std::vector<std::string> extraObjects; // numbered from `kFirstExtraObject` on
-    std::string strUserPassword;           // with either: RC4 with 40 bits. Such a
-    std::string strOwnerPassword;          // file must hold no string objects.
+    std::string strUserPassword;           // with either: RC4 with 40 bits
+    std::string strOwnerPassword;
     std::int32_t nPermissions = -4;
 };
 
