@@ -1,6 +1,5 @@
 // From a file and a password to a document, or to the reason why not.
-#include <algorithm>
-#include <cctype>
+#include <regex>
 
 #include "platform/foundation/Exception.h"
 #include "tests/document/DocumentFixture.h"
@@ -63,13 +62,7 @@ TEST_F(OpenDocumentTest, LogsTheLoadAndItsTimeAroundIt) {
     ASSERT_EQ(texts.size(), 2U);
     EXPECT_EQ(nLinesAtLoad, 1U);
     EXPECT_EQ(texts[0], "Doc start load: \n");
-    const std::string strHead = "Doc load use: ";
-    ASSERT_EQ(texts[1].substr(0, strHead.size()), strHead);
-    const std::string strTime = texts[1].substr(strHead.size());
-    ASSERT_GE(strTime.size(), 2U);
-    EXPECT_EQ(strTime.back(), '\n');
-    EXPECT_TRUE(std::all_of(strTime.begin(), strTime.end() - 1,
-                            [](unsigned char c) { return std::isdigit(c) != 0; }));
+    EXPECT_TRUE(std::regex_match(texts[1], std::regex("Doc load use: [0-9]+\n"))) << texts[1];
 }
 
 TEST_F(OpenDocumentTest, RefusedFileGivesTheCodeAndTheDocument) {
@@ -144,18 +137,6 @@ TEST_F(OpenDocumentTest, EveryFailingReadLeavesAUsableDocument) {
     for (const std::uint64_t nSize : {2000, 31457280 + 1000}) {
         EXPECT_EQ(Open(MakeFile(nSize))->m_nErrorCode, ErrorCode::e_ErrFile) << nSize;
     }
-}
-
-TEST_F(OpenDocumentTest, WrapsALoadedEngineDocument) {
-    m_pEngine->SetPermissions(0xF);
-    const auto pPdfDoc = m_pEngine->MakeLoadedDoc();
-    const VLK_Document document(pPdfDoc);
-    EXPECT_EQ(document.PdfDoc(), pPdfDoc);
-    EXPECT_EQ(document.PageCount(), 3);
-    EXPECT_EQ(document.PasswordType(), 1);
-    EXPECT_EQ(document.File(), nullptr);
-    EXPECT_EQ(document.FileSize(), 0U);
-    EXPECT_THROW(VLK_Document(nullptr), Platform::NullReferenceException);
 }
 
 TEST_F(OpenDocumentTest, EncryptionIsFoldedIntoSixKinds) {

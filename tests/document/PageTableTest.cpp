@@ -34,36 +34,29 @@ protected:
 };
 
 TEST_F(PageTableTest, SizeMakesTheEntryOnceAndTellsTheOwnerAtOnce) {
-    m_pEngine->SetPages({MakePage(100, 200), MakePage(300, 400, 1)});
+    m_pEngine->SetPages({MakePage(100, 200), MakePage(300, 400, 1), MakePage(100, 200)});
     const DocumentPtr pDocument = WrapDocument();
-    EXPECT_EQ(pDocument->ReLoadPageIndex(1), nullptr);
-    const OffUiScope offUi; // the caller's thread, whichever it is
-    const auto pSize = pDocument->GetPageSize(1);
-    ASSERT_NE(pSize, nullptr);
-    EXPECT_EQ(pSize->fWidth, 400.0F) << "after the page's own rotation";
-    EXPECT_EQ(pSize->fHeight, 300.0F);
-    EXPECT_EQ(m_pOwner->TakeEvents(), Texts{"loaded 1 off ui"});
-    const auto pEntry = pDocument->ReLoadPageIndex(1);
-    ASSERT_NE(pEntry, nullptr);
-    EXPECT_EQ(pEntry->m_nRotation, 1);
-    EXPECT_EQ(pEntry->m_nUseCount, 0);
-    EXPECT_TRUE(pEntry->m_bAnnotsLoaded);
-    EXPECT_EQ(pDocument->GetPageSize(1), pSize);
-    EXPECT_EQ(m_pEngine->Count(EngineOp::GetPage), 1);
-    EXPECT_EQ(m_pEngine->Count(EngineOp::GetAnnotCount), 0);
-    EXPECT_TRUE(m_host.DebugOutput().empty()) << "the short way writes nothing";
-}
-
-TEST_F(PageTableTest, SizeOfAnEntryThatALoadMadeFetchesItsAnnotationsOnce) {
-    const DocumentPtr pDocument = WrapDocument();
-    const auto pEntry = pDocument->EnsurePageEntry(2);
-    EXPECT_FALSE(pEntry->m_bAnnotsLoaded);
-    pDocument->GetPageSize(2);
-    pDocument->GetPageSize(2);
-    EXPECT_TRUE(pEntry->m_bAnnotsLoaded);
+    const auto pEnsured = pDocument->EnsurePageEntry(2); // as a load makes it
+    EXPECT_FALSE(pEnsured->m_bAnnotsLoaded);
+    {
+        const OffUiScope offUi; // the caller's thread, whichever it is
+        const auto pSize = pDocument->GetPageSize(1);
+        ASSERT_NE(pSize, nullptr);
+        EXPECT_EQ(pSize->fWidth, 400.0F) << "after the page's own rotation";
+        EXPECT_EQ(pSize->fHeight, 300.0F);
+        EXPECT_EQ(pDocument->GetPageSize(1), pSize);
+    }
+    EXPECT_EQ(pDocument->ReLoadPageIndex(1)->m_nRotation, 1);
+    EXPECT_TRUE(pDocument->ReLoadPageIndex(1)->m_bAnnotsLoaded);
+    for (int nTime = 0; nTime < 2; ++nTime) {
+        pDocument->GetPageSize(2);
+        EXPECT_TRUE(pEnsured->m_bAnnotsLoaded);
+        EXPECT_EQ(pDocument->EnsurePageEntry(2), pEnsured);
+    }
+    EXPECT_EQ(m_pOwner->TakeEvents(), (Texts{"loaded 2", "loaded 1 off ui"}));
+    EXPECT_EQ(m_pEngine->Count(EngineOp::GetPage), 2);
+    EXPECT_EQ(m_pEngine->Count(EngineOp::GetAnnotCount, 1), 0);
     EXPECT_EQ(m_pEngine->Count(EngineOp::GetAnnotCount, 2), 1);
-    EXPECT_EQ(pDocument->EnsurePageEntry(2), pEntry);
-    EXPECT_EQ(m_pOwner->TakeEvents(), Texts{"loaded 2"});
 }
 
 TEST_F(PageTableTest, EntryMadeOffTheUiThreadIsToldThroughItsQueue) {
@@ -102,13 +95,12 @@ TEST_F(PageTableTest, OutOfRangeGivesNothingAndAsksNobody) {
 
 TEST_F(PageTableTest, InsertTellsWhetherTheKeyWasNew) {
     const DocumentPtr pDocument = WrapDocument();
-    const auto pFirst = std::make_shared<WPPDFPage>();
-    pFirst->m_pPageHandle = std::make_shared<vkit::VLK_PageHandle>();
-    EXPECT_TRUE(pDocument->InsertPageEntry(pFirst, 7));
-    EXPECT_EQ(pDocument->ReLoadPageIndex(7), pFirst);
-    const auto pSecond = std::make_shared<WPPDFPage>(*pFirst);
-    EXPECT_FALSE(pDocument->InsertPageEntry(pSecond, 7));
-    EXPECT_EQ(pDocument->ReLoadPageIndex(7), pSecond);
+    for (const bool bNew : {true, false}) {
+        const auto pEntry = std::make_shared<WPPDFPage>();
+        pEntry->m_pPageHandle = std::make_shared<vkit::VLK_PageHandle>();
+        EXPECT_EQ(pDocument->InsertPageEntry(pEntry, 7), bNew);
+        EXPECT_EQ(pDocument->ReLoadPageIndex(7), pEntry);
+    }
     EXPECT_THROW(pDocument->InsertPageEntry(nullptr, 0), Platform::NullReferenceException);
 }
 
@@ -208,49 +200,6 @@ TEST_F(PageTableTest, HandlersMayFailAndCallBack) {
               (Texts{"unloaded 0", "unloaded 0", "unloaded 1", "unloaded 2"}))
         << "the inner close tells of each page, the outer clear then stops";
     EXPECT_EQ(m_pEngine->LivePages(), 0);
-}
-
-// An engine without pages, which may call back while it is asked for one.
-class NoPagesDoc final : public pdf::PDFDoc {
-public:
-    std::function<void()> fnOnGetPage;
-    common::ErrorCode Load(const std::string&) override { return common::ErrorCode::e_ErrFormat; }
-    std::int32_t GetPageCount() const override { return 3; }
-    std::shared_ptr<pdf::PDFPage> GetPage(std::int32_t) override {
-        if (fnOnGetPage) {
-            fnOnGetPage();
-        }
-        return nullptr;
-    }
-    std::int32_t GetPasswordType() const override { return kNoPassword; }
-    std::uint32_t GetUserPermissions() const override { return 0; }
-    std::int32_t GetEncryptionType() const override { return 0; }
-    std::shared_ptr<common::Progressive> StartSaveAs(std::shared_ptr<Windows::Storage::StorageFile>,
-                                                     std::uint32_t,
-                                                     common::IPauseCallback*) override {
-        return nullptr;
-    }
-};
-
-TEST_F(PageTableTest, EngineWithoutThePageGivesNoEntry) {
-    const auto pEngineDoc = std::make_shared<NoPagesDoc>();
-    const auto pDocument = std::make_shared<VLK_Document>(pEngineDoc);
-    EXPECT_EQ(pDocument->GetPageSize(0), nullptr);
-    EXPECT_EQ(pDocument->EnsurePageEntry(0), nullptr);
-    EXPECT_EQ(pDocument->PeekPageSize(0), nullptr);
-    EXPECT_THROW(Await(pDocument->LoadPageAsync(0)), EngineException);
-
-    const auto pEntry = std::make_shared<WPPDFPage>();
-    pDocument->InsertPageEntry(pEntry, 0);
-    m_host.ClearDebug();
-    EXPECT_EQ(pDocument->ReLoadPageIndex(0), pEntry) << "the entry as it stands";
-    EXPECT_EQ(m_host.DebugOutput(), Texts{"ReLoadPageIndex:0\n"});
-    pEngineDoc->fnOnGetPage = [&] {
-        pEntry->m_pPageHandle = std::make_shared<vkit::VLK_PageHandle>();
-        pEntry->m_pPageHandle->m_pPage = m_pEngine->MakeLoadedDoc()->GetPage(0);
-    };
-    pDocument->ReLoadPageIndex(0);
-    EXPECT_EQ(m_host.CountDebug("ReLoadPageIndex is not parserd:0\n"), 1U);
 }
 
 TEST(PageBoxTest, NegativeSidesAreTurned) {

@@ -1,6 +1,8 @@
 // Rendering a rectangle of a page into a bitmap, one render at a time.
 #include <atomic>
+#include <cstring>
 #include <thread>
+#include <tuple>
 
 #include "platform/foundation/Exception.h"
 #include "tests/document/DocumentFixture.h"
@@ -14,20 +16,18 @@ using vkit::BitmapBox;
 using vkit::RenderBlockRequest;
 using vkit::VLK_Document;
 
-constexpr std::uint32_t kRed = 0xFFFF0000U;
-
 std::uint32_t PixelAt(common::Bitmap& bitmap, std::int32_t x, std::int32_t y) {
-    const std::uint8_t* pPixel =
-        bitmap.GetBuffer().data() + 4 * (static_cast<std::ptrdiff_t>(y) * bitmap.GetWidth() + x);
-    return pPixel[0] | (pPixel[1] << 8U) | (pPixel[2] << 16U) |
-           (static_cast<std::uint32_t>(pPixel[3]) << 24U);
+    std::uint32_t nPixel = 0;
+    std::memcpy(&nPixel,
+                &bitmap.GetBuffer()[static_cast<std::size_t>(4 * (y * bitmap.GetWidth() + x))], 4);
+    return nPixel;
 }
 
 class RenderBlockTest : public SteppedDocumentTest {
 protected:
     RenderBlockTest() {
         std::vector<ScriptedPage> pages = MakePages(2, 96, 64);
-        pages[0].annots = {{1, {8, 8, 16, 16}, kRed}, {0, {}, 0}, {20, {40, 40, 48, 48}, kRed}};
+        pages[0].annots = {{1, {8, 8, 16, 16}}, {0, {}}, {20, {40, 40, 48, 48}}};
         m_pEngine->SetPages(std::move(pages));
         m_pDocument = WrapDocument();
     }
@@ -65,34 +65,23 @@ TEST_F(RenderBlockTest, ScaleAppliesToBitmapAndMatrixAndSizesAreTruncated) {
     EXPECT_FLOAT_EQ(call.matrix.F, (64.0F - 16.0F) * 0.5F);
 }
 
-TEST_F(RenderBlockTest, BitmapIsFilledWithTheBackColourWherePageIsNot) {
-    RenderBlockRequest request = Block(Page(1), 8, 8, 20, 20);
-    request.nBackColor = 0xFF102030U;
-    const auto pBitmap = Render(request);
-    EXPECT_EQ(PixelAt(*pBitmap, 0, 0), 0xFF102030U);
-    EXPECT_EQ(PixelAt(*pBitmap, 19, 7), 0xFF102030U);
-    EXPECT_NE(PixelAt(*pBitmap, 8, 8), 0xFF102030U);
-}
-
+// Where the page is not, the bitmap has the back colour.
 TEST_F(RenderBlockTest, OnlyBlackOnWhiteIsTheNormalColourMode) {
-    struct Case {
-        std::uint32_t nBack;
-        std::uint32_t nFore;
-        std::int32_t nMode;
-    };
-    for (const Case& colours :
-         {Case{0xFFFFFFFFU, 0xFF000000U, 0}, Case{0xFFFFFFFFU, 0xFF000001U, 2},
-          Case{0xFFFFFFFEU, 0xFF000000U, 2}, Case{0xFF000000U, 0xFFFFFFFFU, 2}}) {
-        RenderBlockRequest request = Block(Page(1), 0, 0, 8, 8);
-        request.nBackColor = colours.nBack;
-        request.nForeColor = colours.nFore;
-        Render(request);
+    const std::tuple<std::uint32_t, std::uint32_t, std::int32_t> cases[] = {
+        {0xFFFFFFFFU, 0xFF000000U, 0},
+        {0xFFFFFFFFU, 0xFF000001U, 2},
+        {0xFFFFFFFEU, 0xFF000000U, 2},
+        {0xFF102030U, 0xFFFFFFFFU, 2}};
+    for (const auto& [nBack, nFore, nMode] : cases) {
+        RenderBlockRequest request = Block(Page(1), 8, 8, 20, 20);
+        request.nBackColor = nBack;
+        request.nForeColor = nFore;
+        const auto pBitmap = Render(request);
+        EXPECT_EQ(PixelAt(*pBitmap, 19, 7), nBack);
+        EXPECT_NE(PixelAt(*pBitmap, 8, 8), nBack);
         const EngineCall call = m_pEngine->Calls(EngineOp::StartRender).back();
-        EXPECT_EQ(call.nColorMode, colours.nMode);
-        if (colours.nMode == 2) {
-            EXPECT_EQ(call.nBackColor, colours.nBack);
-            EXPECT_EQ(call.nForeColor, colours.nFore);
-        }
+        EXPECT_EQ(call.nColorMode, nMode);
+        EXPECT_TRUE(nMode == 0 || (call.nBackColor == nBack && call.nForeColor == nFore));
     }
 }
 
@@ -103,23 +92,18 @@ TEST_F(RenderBlockTest, FlagsChooseContentAndAnnotations) {
         RenderBlockRequest request = Block(Page(), 0, 0, 96, 64);
         m_pDocument->FillRenderState(request);
         m_pDocument->RenderFlags(7); // what comes later does not reach the request
-        const auto pBitmap = Render(request);
+        Render(request);
         EXPECT_EQ(m_pEngine->Count(EngineOp::StartRender), (nFlags & 1U) != 0 ? 1 : 0);
         EXPECT_EQ(m_pEngine->Count(EngineOp::RenderAnnot), (nFlags & 2U) != 0 ? 2 : 0)
             << "the entry of the list that is no annotation is left out";
-        EXPECT_EQ(PixelAt(*pBitmap, 0, 0) == 0xFFFFFFFFU, (nFlags & 1U) == 0);
-        EXPECT_EQ(PixelAt(*pBitmap, 12, 52) == kRed, (nFlags & 2U) != 0);
     }
 }
 
 TEST_F(RenderBlockTest, HiddenAnnotationTypesAreLeftOut) {
     m_pDocument->AddHiddenAnnotType(20);
-    m_pDocument->AddHiddenAnnotType(5);
-    m_pDocument->AddHiddenAnnotType(20);
-    EXPECT_EQ(m_pDocument->HiddenAnnotTypes(), (std::vector<std::int32_t>{20, 5}));
     RenderBlockRequest request = Block(Page(), 0, 0, 96, 64);
     m_pDocument->FillRenderState(request);
-    m_pDocument->AddHiddenAnnotType(1);
+    m_pDocument->AddHiddenAnnotType(1); // what comes later does not reach the request
     Render(request);
     const auto calls = m_pEngine->Calls(EngineOp::RenderAnnot);
     ASSERT_EQ(calls.size(), 1U);

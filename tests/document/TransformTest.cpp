@@ -28,7 +28,7 @@ void ExpectNear(const Rect& rc, const Rect& rcExpected) {
     EXPECT_NEAR(rc.Height, rcExpected.Height, 0.01F);
 }
 
-TEST_F(TransformTest, CornersOfThePageFillTheDeviceRectangle) {
+TEST_F(TransformTest, CornersOfThePageFillTheDeviceRectangleAndComeBack) {
     // The lower left corner of the page box, at twice its size.
     struct Case {
         std::int32_t nRotate;
@@ -42,30 +42,19 @@ TEST_F(TransformTest, CornersOfThePageFillTheDeviceRectangle) {
                                                              turn.nRotate, {10, 20});
         EXPECT_NEAR(pt.X, turn.ptDevice.X, 0.01F) << turn.nRotate;
         EXPECT_NEAR(pt.Y, turn.ptDevice.Y, 0.01F) << turn.nRotate;
-        ExpectNear(
-            m_pDocument->PageRectToDeviceRect(0, 30, 40, turn.dbWidth, turn.dbHeight, turn.nRotate,
-                                              {10, 20, 200, 100}),
-            Rect(30, 40, static_cast<float>(turn.dbWidth), static_cast<float>(turn.dbHeight)));
-    }
-}
-
-TEST_F(TransformTest, ThereAndBackGivesTheSame) {
-    for (std::int32_t nRotate = 0; nRotate < 4; ++nRotate) {
-        const auto fnThere = [&](Point pt) {
-            return m_pDocument->PagePointToDevicePoint(0, -7, 13, 333, 777, nRotate, pt);
-        };
-        const auto fnBack = [&](Point pt) {
-            return m_pDocument->DevicePointToPagePoint(0, -7, 13, 333, 777, nRotate, pt);
-        };
-        for (const Point pt : {Point{10, 20}, Point{123.5F, 45.25F}, Point{-300, 900}}) {
-            const Point ptPage = fnBack(fnThere(pt));
-            EXPECT_NEAR(ptPage.X, pt.X, 0.01F) << nRotate;
-            EXPECT_NEAR(ptPage.Y, pt.Y, 0.01F) << nRotate;
-        }
-        const Rect rc(50, 60, 30, 20);
-        const Rect rcDevice = m_pDocument->PageRectToDeviceRect(0, -7, 13, 333, 777, nRotate, rc);
-        EXPECT_GT(rcDevice.Width, 0.0F);
-        ExpectNear(m_pDocument->DeviceRectToPageRect(0, -7, 13, 333, 777, nRotate, rcDevice), rc);
+        const Point ptBack = m_pDocument->DevicePointToPagePoint(
+            0, 30, 40, turn.dbWidth, turn.dbHeight, turn.nRotate, turn.ptDevice);
+        EXPECT_NEAR(ptBack.X, 10.0F, 0.01F) << turn.nRotate;
+        EXPECT_NEAR(ptBack.Y, 20.0F, 0.01F) << turn.nRotate;
+        const Rect rcPage(10, 20, 200, 100);
+        const Rect rcDevice(30, 40, static_cast<float>(turn.dbWidth),
+                            static_cast<float>(turn.dbHeight));
+        ExpectNear(m_pDocument->PageRectToDeviceRect(0, 30, 40, turn.dbWidth, turn.dbHeight,
+                                                     turn.nRotate, rcPage),
+                   rcDevice);
+        ExpectNear(m_pDocument->DeviceRectToPageRect(0, 30, 40, turn.dbWidth, turn.dbHeight,
+                                                     turn.nRotate, rcDevice),
+                   rcPage);
     }
 }
 

@@ -8,10 +8,7 @@
 #include <string>
 #include <utility>
 
-#include "document/PageRange.h"
-#include "document/VelkoPointerWrapObj.h"
 #include "platform/fake/TestHost.h"
-#include "platform/foundation/PropertyValue.h"
 
 namespace velko::testing {
 namespace {
@@ -91,18 +88,6 @@ TEST(TransformHelperTest, EmptyStaysEmptyAndBoxesAreUpright) {
     EXPECT_EQ(Utility::TransformRect(turn, {1, 2, 10, 20}), Rect(-22, 1, 20, 10));
     EXPECT_TRUE(Utility::TransformRect(turn, Rect::Empty()).IsEmpty());
     EXPECT_EQ(Utility::TransformPoint(turn, {1, 2}), (Windows::Foundation::Point{-2, 1}));
-}
-
-TEST(WrapObjectTest, CarriesABoxedHandle) {
-    using Windows::Foundation::PropertyValue;
-    vkit::VelkoPointerWrapObj wrap;
-    EXPECT_EQ(wrap.Target(), nullptr);
-    const std::int64_t nHandle = INT64_MIN + 5;
-    wrap.Target(std::make_shared<PropertyValue>(PropertyValue::Create(nHandle)));
-    EXPECT_EQ(static_cast<const PropertyValue*>(wrap.Target().get())->Get<std::int64_t>(), nHandle);
-    const vkit::PageRange range(3, 9);
-    EXPECT_EQ(range.First, 3);
-    EXPECT_EQ(range.Last, 9);
 }
 
 }
