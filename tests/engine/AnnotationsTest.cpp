@@ -1,5 +1,7 @@
 // Annotations of every kind, form fields, and links with their destinations.
 
+#include <tuple>
+
 #include "document/engine/HostServices.h"
 #include "tests/engine/MuPdfFixture.h"
 #include "tests/support/pdf_writer/PdfWriter.h"
@@ -84,31 +86,26 @@ TEST_F(AnnotationsTest, HiddenOnesAndMissingAppearancesAreDrawnAsTheyShould) {
     EXPECT_EQ(PixelAt(*pBitmap, 45, 15), 0xFFFF0000U);
 }
 
-struct DestinationCase {
-    const char* szTarget; // what follows the page in the array
-    std::int32_t nMode;
-    float fLeft, fTop, fRight, fBottom;
-    bool bLeftAbsent, bTopAbsent;
-};
-
 TEST_F(AnnotationsTest, DestinationsHaveTheFilesNumbers) {
     constexpr float kTop = 750.0F; // of the target page's box
-    const std::vector<DestinationCase> cases = {
-        {"/XYZ 100 200 1.5", 1, 100, 200, 1.5F, 0, false, false},
-        {"/XYZ null null null", 1, 0, kTop, 0, 0, true, false},
-        {"/XYZ null 300 0", 1, 0, 300, 0, 0, true, false},
-        {"/XYZ -20 9000 2", 1, -20, 9000, 2, 0, false, false},
-        {"/Fit", 2, 0, kTop, 0, 0, true, false},
-        {"/FitH 400", 3, 400, 400, 0, 0, false, false},
-        {"/FitH null", 3, kTop, kTop, 0, 0, false, false},
-        {"/FitBH null", 7, kTop, kTop, 0, 0, false, false},
-        {"/FitV null", 4, 0, kTop, 0, 0, true, false},
-        {"/FitV 50", 4, 50, 50, 0, 0, false, false},
-        {"/FitR 10 20 300 400", 5, 10, 400, 300, 20, false, false},
-        {"/FitB", 6, 0, kTop, 0, 0, true, false},
-        {"/FitBH 77", 7, 77, 77, 0, 0, false, false},
-        {"/FitBV 66", 8, 66, 66, 0, 0, false, false},
-        {"", 2, 0, kTop, 0, 0, true, false},
+    // Mode, left, top, right, bottom, and whether left and top are absent.
+    using Numbers = std::tuple<std::int32_t, float, float, float, float, bool, bool>;
+    const std::vector<std::pair<const char*, Numbers>> cases = {
+        {"/XYZ 100 200 1.5", {1, 100, 200, 1.5F, 0, false, false}},
+        {"/XYZ null null null", {1, 0, kTop, 0, 0, true, false}},
+        {"/XYZ null 300 0", {1, 0, 300, 0, 0, true, false}},
+        {"/XYZ -20 9000 2", {1, -20, 9000, 2, 0, false, false}},
+        {"/Fit", {2, 0, kTop, 0, 0, true, false}},
+        {"/FitH 400", {3, 400, 400, 0, 0, false, false}},
+        {"/FitH null", {3, kTop, kTop, 0, 0, false, false}},
+        {"/FitBH null", {7, kTop, kTop, 0, 0, false, false}},
+        {"/FitV null", {4, 0, kTop, 0, 0, true, false}},
+        {"/FitV 50", {4, 50, 50, 0, 0, false, false}},
+        {"/FitR 10 20 300 400", {5, 10, 400, 300, 20, false, false}},
+        {"/FitB", {6, 0, kTop, 0, 0, true, false}},
+        {"/FitBH 77", {7, 77, 77, 0, 0, false, false}},
+        {"/FitBV 66", {8, 66, 66, 0, 0, false, false}},
+        {"", {2, 0, kTop, 0, 0, true, false}},
     };
     PdfPage target;
     target.mediaBox = {0, 0, 600, 800};
@@ -117,8 +114,8 @@ TEST_F(AnnotationsTest, DestinationsHaveTheFilesNumbers) {
     PdfPage source;
     const PdfOptions options;
     const std::string strPage = std::to_string(PdfPageObject(options, 1)) + " 0 R ";
-    for (const DestinationCase& c : cases) {
-        const std::string strArray = "[" + strPage + c.szTarget + "]";
+    for (const auto& [szTarget, numbers] : cases) {
+        const std::string strArray = "[" + strPage + szTarget + "]";
         source.annots.push_back(LinkTo("/Dest " + strArray));
         source.annots.push_back(LinkTo("/A << /S /GoTo /D " + strArray + " >>"));
     }
@@ -129,19 +126,14 @@ TEST_F(AnnotationsTest, DestinationsHaveTheFilesNumbers) {
     const std::vector<LinkRecord> links = pLinks->GetLinks(0);
     ASSERT_EQ(links.size(), 2 * cases.size());
     for (std::size_t i = 0; i < links.size(); ++i) {
-        const DestinationCase& c = cases[i / 2];
-        SCOPED_TRACE(c.szTarget);
+        SCOPED_TRACE(cases[i / 2].first);
         ASSERT_TRUE(links[i].pAction);
-        const auto pDestination = links[i].pAction->GetDestination();
-        ASSERT_TRUE(pDestination);
-        EXPECT_EQ(pDestination->GetPageIndex(*pDoc), 1);
-        EXPECT_EQ(pDestination->GetZoomMode(), c.nMode);
-        EXPECT_FLOAT_EQ(pDestination->GetLeft(), c.fLeft);
-        EXPECT_FLOAT_EQ(pDestination->GetTop(), c.fTop);
-        EXPECT_FLOAT_EQ(pDestination->GetRight(), c.fRight);
-        EXPECT_FLOAT_EQ(pDestination->GetBottom(), c.fBottom);
-        EXPECT_EQ(pDestination->IsLeftAbsent(), c.bLeftAbsent);
-        EXPECT_EQ(pDestination->IsTopAbsent(), c.bTopAbsent);
+        const auto p = links[i].pAction->GetDestination();
+        ASSERT_TRUE(p);
+        EXPECT_EQ(p->GetPageIndex(*pDoc), 1);
+        EXPECT_EQ(Numbers(p->GetZoomMode(), p->GetLeft(), p->GetTop(), p->GetRight(),
+                          p->GetBottom(), p->IsLeftAbsent(), p->IsTopAbsent()),
+                  cases[i / 2].second);
     }
 }
 

@@ -32,14 +32,9 @@ PdfBox BoxOf(const RectF& rc) {
     return {rc.Left, rc.Bottom, rc.Right, rc.Top};
 }
 
-// An annotation of the file for a described one; its appearance is the next
+// An annotation of the file for a described square or stamp; its appearance is the next
 // extra object.
 std::string AnnotOf(const ScriptedAnnot& annot, PdfOptions& options) {
-    constexpr std::array<const char*, 28> kSubtypes = {
-        "",        "Text",        "Link",      "FreeText",       "Line",     "Square",    "Circle",
-        "Polygon", "PolyLine",    "Highlight", "Underline",      "Squiggly", "StrikeOut", "Stamp",
-        "Caret",   "Ink",         "PSInk",     "FileAttachment", "Sound",    "Movie",     "Widget",
-        "Screen",  "PrinterMark", "TrapNet",   "Watermark",      "3D",       "Popup",     "Redact"};
     if (annot.nType == 0) {
         return "null";
     }
@@ -47,7 +42,7 @@ std::string AnnotOf(const ScriptedAnnot& annot, PdfOptions& options) {
     options.extraObjects.push_back(FormObject(box.dbRight - box.dbLeft, box.dbTop - box.dbBottom,
                                               ColorOperands(annot.nColor)));
     const int nForm = kFirstExtraObject + static_cast<int>(options.extraObjects.size()) - 1;
-    return AnnotDictionary(kSubtypes[static_cast<std::size_t>(annot.nType)], box, nForm);
+    return AnnotDictionary(annot.nType == 5 ? "Square" : "Stamp", box, nForm);
 }
 
 std::string PdfOf(const DocumentDescription& description) {

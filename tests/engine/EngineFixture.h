@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "document/engine/Bitmap.h"
+#include "document/engine/ErrorCode.h"
 #include "document/engine/PDFDoc.h"
 #include "document/engine/Renderer.h"
 #include "tests/engine/MemoryReader.h"
@@ -52,6 +53,17 @@ std::shared_ptr<common::Bitmap> Render(const std::shared_ptr<pdf::PDFPage>& pPag
 
 // 0xAARRGGBB at a pixel.
 std::uint32_t PixelAt(common::Bitmap& bitmap, std::int32_t x, std::int32_t y);
+
+// The code of the engine's exception that `fnCall` raises; success for none.
+template <class Call>
+common::ErrorCode EngineCodeOf(Call&& fnCall) {
+    try {
+        fnCall();
+    } catch (const common::EngineException& error) {
+        return error.Code();
+    }
+    return common::ErrorCode::e_ErrSuccess;
+}
 
 // How two equally large pictures differ.
 struct Difference {

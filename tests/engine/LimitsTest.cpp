@@ -80,11 +80,6 @@ void WaitForWork() {
     }
 }
 
-void AbortWhenAtWork(const std::shared_ptr<std::atomic<bool>>& pAbort) {
-    WaitForWork();
-    *pAbort = true;
-}
-
 }
 
 class LimitsTest : public MuPdfTest {};
@@ -207,19 +202,29 @@ TEST_F(LimitsTest, HostilePagesEndInTimeAndKeepWhatCameBefore) {
     }
 }
 
-TEST_F(LimitsTest, AParseIsAbortedByARendersFlag) {
-    const auto pDoc = OpenDoc(NestedFormsDocument(12));
-    ASSERT_TRUE(pDoc);
-    const auto pPage = pDoc->GetPage(0);
-    View view = WholePage(*pPage);
-    const auto pAbort = std::make_shared<std::atomic<bool>>(false);
-    view.pAbort = pAbort;
-    std::thread aborter([&] { AbortWhenAtWork(pAbort); });
-    const auto start = Clock::now();
-    EXPECT_THROW(Render(pPage, view), concurrency::task_canceled);
-    EXPECT_LT(Since(start), kPatience);
-    aborter.join();
-    EXPECT_FALSE(pPage->IsParsed());
+TEST_F(LimitsTest, AParseAndARenderAreAbortedWhileTheyWork) {
+    for (const bool bParse : {true, false}) {
+        const auto pDoc = OpenDoc(bParse ? NestedFormsDocument(12) : StrokesDocument(60'000));
+        ASSERT_TRUE(pDoc);
+        const auto pPage = pDoc->GetPage(0);
+        if (!bParse) {
+            pPage->StartParse(0, nullptr, 0);
+        }
+        View view = WholePage(*pPage, 4.0);
+        const auto pAbort = std::make_shared<std::atomic<bool>>(false);
+        view.pAbort = pAbort;
+        Clock::time_point timeSet;
+        std::thread aborter([&] {
+            WaitForWork();
+            *pAbort = true;
+            timeSet = Clock::now();
+        });
+        EXPECT_THROW(Render(pPage, view), concurrency::task_canceled);
+        const auto timeEnd = Clock::now();
+        aborter.join();
+        EXPECT_LT(timeEnd - timeSet, milliseconds(500));
+        EXPECT_EQ(pPage->IsParsed(), !bParse);
+    }
 }
 
 // Sizes that `Load` did not get to are read beside a parse, not after it.
@@ -249,43 +254,6 @@ TEST_F(LimitsTest, SizesReadLateDoNotWaitForAParse) {
     EXPECT_FALSE(bEnded);
     *pAbort = true;
     parser.join();
-}
-
-TEST_F(LimitsTest, ARenderIsAbortedWhileItDraws) {
-    const auto pDoc = OpenDoc(StrokesDocument(60'000));
-    ASSERT_TRUE(pDoc);
-    const auto pPage = pDoc->GetPage(0);
-    pPage->StartParse(0, nullptr, 0);
-    View view = WholePage(*pPage, 4.0);
-    const auto pAbort = std::make_shared<std::atomic<bool>>(false);
-    view.pAbort = pAbort;
-    Clock::time_point timeSet;
-    std::thread aborter([&] {
-        AbortWhenAtWork(pAbort);
-        timeSet = Clock::now();
-    });
-    EXPECT_THROW(Render(pPage, view), concurrency::task_canceled);
-    const auto timeEnd = Clock::now();
-    aborter.join();
-    RecordProperty(
-        "stopped_after_us",
-        static_cast<int>(
-            std::chrono::duration_cast<std::chrono::microseconds>(timeEnd - timeSet).count()));
-    EXPECT_LT(timeEnd - timeSet, milliseconds(500));
-}
-
-TEST_F(LimitsTest, ARenderBeyondItsBudgetKeepsWhatItHas) {
-    const auto pDoc = OpenDoc(StrokesDocument(60'000));
-    ASSERT_TRUE(pDoc);
-    const auto pPage = pDoc->GetPage(0);
-    pPage->StartParse(0, nullptr, 0);
-    SetBudgets({.parse = milliseconds(10'000), .render = milliseconds(50)});
-    const auto start = Clock::now();
-    const auto pBitmap = Render(pPage, WholePage(*pPage, 2.0));
-    EXPECT_LT(Since(start), kPatience);
-    auto pBlank = CreateBitmap(pBitmap->GetWidth(), pBitmap->GetHeight());
-    pBlank->FillRect(kWhite, {0, 0, pBlank->GetWidth(), pBlank->GetHeight()});
-    EXPECT_GT(Compare(*pBitmap, *pBlank).nPixels, 0);
 }
 
 TEST_F(LimitsTest, KeptPagesStayWithinTheBoundAndComeBackAlike) {

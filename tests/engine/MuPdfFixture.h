@@ -27,15 +27,4 @@ std::string StrokesDocument(int nStrokes);
 // `nDepth` rectangles; and further pages, each a point wider than the one before.
 std::string NestedFormsDocument(int nDepth, int nFurtherPages = 0);
 
-// The code of the engine's exception that `fnCall` raises; success for none.
-template <class Call>
-common::ErrorCode EngineCodeOf(Call&& fnCall) {
-    try {
-        fnCall();
-    } catch (const common::EngineException& error) {
-        return error.Code();
-    }
-    return common::ErrorCode::e_ErrSuccess;
-}
-
 }
