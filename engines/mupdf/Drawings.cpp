@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "engines/mupdf/LinkBorder.h"
 #include "engines/mupdf/PictureProbe.h"
 
 namespace velko::engines::mupdf {
@@ -141,6 +142,31 @@ std::vector<pdf_annot*> MatchAnnots(OpenedFile& file, pdf_page* pPage, std::int3
     return annots;
 }
 
+// The borders of the entries that the library has no annotation for.
+std::vector<LinkBorder> ReadBorders(OpenedFile& file, pdf_page* pPage,
+                                    const std::vector<pdf_annot*>& annots) {
+    fz_context* const ctx = ThreadContext();
+    std::vector<LinkBorder> borders(annots.size());
+    for (std::size_t i = 0; i < annots.size(); ++i) {
+        if (annots[i] == nullptr) {
+            UseLeniently(file, [&] {
+                pdf_obj* const pArray = AnnotArray(ctx, pPage->obj);
+                borders[i] = ReadLinkBorder(ctx, file.Document(),
+                                            pdf_array_get(ctx, pArray, static_cast<int>(i)));
+            });
+        }
+    }
+    return borders;
+}
+
+// Runs inside a guarded body.
+void DrawBorder(fz_context* ctx, fz_device* pDevice, pdf_page* pPage, const LinkBorder& border) {
+    fz_rect rcPage = fz_empty_rect;
+    fz_matrix toList = fz_identity;
+    pdf_page_transform(ctx, pPage, &rcPage, &toList);
+    DrawLinkBorder(ctx, pDevice, border, toList);
+}
+
 // Where the part draws; a part that draws nothing loses its list.
 void Measure(OpenedFile& file, Drawing::Part& part) {
     fz_context* const ctx = ThreadContext();
@@ -180,13 +206,18 @@ std::shared_ptr<const Drawing> DrawAnnots(std::shared_ptr<OpenedFile> pFile, std
     pDrawing->parts.resize(static_cast<std::size_t>(nAnnots));
     const PageHandle page = LoadPage(*pFile, nPage);
     const std::vector<pdf_annot*> annots = MatchAnnots(*pFile, page.Get(), nAnnots);
+    const std::vector<LinkBorder> borders = ReadBorders(*pFile, page.Get(), annots);
     for (std::size_t i = 0; i < annots.size(); ++i) {
-        if (annots[i] == nullptr) {
+        if (annots[i] == nullptr && borders[i].fWidth == 0.0F) {
             continue;
         }
         Drawing::Part& part = pDrawing->parts[i];
         part = Record(*pFile, [&](fz_context* ctx, fz_device* pDevice) {
-            pdf_run_annot(ctx, annots[i], pDevice, fz_identity, operation.Cookie());
+            if (annots[i] != nullptr) {
+                pdf_run_annot(ctx, annots[i], pDevice, fz_identity, operation.Cookie());
+            } else {
+                DrawBorder(ctx, pDevice, page.Get(), borders[i]);
+            }
         });
         Measure(*pFile, part);
     }
