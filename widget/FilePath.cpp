@@ -11,7 +11,8 @@ namespace velko::vkit {
 FilePath::FilePath(const QString& strText) : m_strBytes(QFile::encodeName(strText).toStdString()) {}
 
 FilePath FilePath::FromUrl(const QUrl& url) {
-    if (!url.isLocalFile()) {
+    const bool bHere = url.host().isEmpty() || url.host() == QStringLiteral("localhost");
+    if (!url.isLocalFile() || !bHere) {
         return {};
     }
     return QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()).toStdString();

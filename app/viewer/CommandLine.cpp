@@ -1,6 +1,9 @@
 #include "app/viewer/CommandLine.h"
 
+#include <QUrl>
+#include <algorithm>
 #include <array>
+#include <cctype>
 
 namespace velko::viewer {
 
@@ -37,6 +40,15 @@ std::optional<QSize> ParseSize(const QString& strText) {
     return size;
 }
 
+// "https://...", "file:///..."; a file of such a name is given as "./https:".
+bool IsAddress(const QByteArray& word) {
+    const qsizetype nScheme = word.indexOf("://");
+    return word.startsWith("file:/") ||
+           (nScheme > 0 && std::all_of(word.begin(), word.begin() + nScheme, [](char ch) {
+                return std::isalnum(static_cast<unsigned char>(ch)) != 0;
+            }));
+}
+
 class Parser {
 public:
     Parser(const QByteArrayList& arguments, QString& strComplaint)
@@ -46,6 +58,9 @@ public:
         while (m_strComplaint.isEmpty() && m_nNext < m_arguments.size()) {
             Take(m_arguments[m_nNext++]);
         }
+        if (m_strComplaint.isEmpty() && !m_result.strScreenshot.isEmpty()) {
+            CheckPicture();
+        }
         return m_strComplaint.isEmpty() ? std::optional(m_result) : std::nullopt;
     }
 
@@ -53,7 +68,7 @@ private:
     void Take(const QByteArray& word) {
         const QString strArgument = QString::fromLocal8Bit(word);
         if (m_bFilesOnly || !word.startsWith('-') || word == "-") {
-            TakeFile(word.toStdString());
+            TakeFile(word);
         } else if (strArgument == "--") {
             m_bFilesOnly = true;
         } else if (IsQtOption(strArgument)) {
@@ -63,11 +78,22 @@ private:
         }
     }
 
-    void TakeFile(const vkit::FilePath& file) {
-        if (!m_result.file.IsEmpty()) {
-            m_strComplaint = "Only one file at a time: " + file.Text();
+    void TakeFile(const QByteArray& word) {
+        if (!IsAddress(word)) {
+            m_result.files.emplace_back(word.toStdString());
+        } else if (auto file = vkit::FilePath::FromUrl(QUrl::fromEncoded(word)); !file.IsEmpty()) {
+            m_result.files.push_back(std::move(file));
+        } else {
+            m_result.foreign << QString::fromLocal8Bit(word);
         }
-        m_result.file = file;
+    }
+
+    void CheckPicture() {
+        if (m_result.files.size() > 1) {
+            m_strComplaint = "A picture shows one file: " + m_result.files[1].Text();
+        } else if (!m_result.foreign.isEmpty()) {
+            m_strComplaint = "Not a file of this machine: " + m_result.foreign[0];
+        }
     }
 
     void TakeOption(const QString& strArgument) {
@@ -109,7 +135,7 @@ private:
         if (m_strComplaint.isEmpty() && !size) {
             m_strComplaint = "Not a size such as 980x1040: " + strValue;
         }
-        m_result.size = size.value_or(CommandLine::kDefaultSize);
+        m_result.size = size;
     }
 
     void TakeTimeToInk(const QString& strArgument) {
@@ -141,11 +167,13 @@ std::optional<CommandLine> ParseCommandLine(const QByteArrayList& arguments,
 
 QString UsageText() {
     return QStringLiteral(
-        "Usage: velko-viewer [options] [FILE.pdf]\n"
+        "Usage: velko-viewer [options] [FILE.pdf ...]\n"
+        "\n"
+        "Each file has a window of its own.\n"
         "\n"
         "  --screenshot OUT.png  write a picture of the window and end\n"
-        "  --page N              begin at page N\n"
-        "  --size WxH            size of the window, 980x1040 by default\n"
+        "  --page N              begin at page N of the first file\n"
+        "  --size WxH            size of the first window; else as it was left\n"
         "  --version             print the version\n"
         "  --help                print this\n");
 }

@@ -1,15 +1,18 @@
 // The viewer's command line.
 //
 // Read before there is an application object; Qt's own options are left for it.
-// Words are bytes, as a file's name may hold what is no text.
+// Words are bytes, as a file's name may hold what is no text. A file may be
+// named by its address ("file:///...") too, as desktops do.
 // Threads: any.
 #pragma once
 
 #include <QByteArrayList>
 #include <QSize>
 #include <QString>
+#include <QStringList>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "widget/FilePath.h"
 
@@ -18,10 +21,11 @@ namespace velko::viewer {
 struct CommandLine {
     static constexpr QSize kDefaultSize{980, 1040};
 
-    vkit::FilePath file; // may be empty
+    std::vector<vkit::FilePath> files; // a window each; may be empty
+    QStringList foreign;               // addresses of what is no file of this machine
     QString strScreenshot;
     std::optional<int> nPage;  // as the reader counts; else where the document was left
-    QSize size = kDefaultSize; // of the window
+    std::optional<QSize> size; // of the window; else the one that was kept
     bool bHelp = false;
     bool bVersion = false;
     bool bTimeToInk = false;                // print how long the start took, then end

@@ -64,7 +64,9 @@ const std::vector<Entry>& Entries() {
     using View = VelkoPdfView;
     static const std::vector<Entry> s_entries{
         {Command::Open, "&Open…", "Ctrl+O", Needs::Nothing},
-        {Command::Close, "Clo&se document", "Ctrl+W"},
+        {Command::OpenInWindow, "Open in a ne&w window…", "Ctrl+Shift+O", Needs::Nothing},
+        {Command::NewWindow, "&New window", "Ctrl+N", Needs::Nothing},
+        {Command::Close, "Clo&se", "Ctrl+W", Needs::Nothing},
         {Command::Quit, "&Quit", "Ctrl+Q", Needs::Nothing},
         {Command::PreviousPage, "&Previous page", "Ctrl+PgUp", Needs::Document,
          Run<&View::GotoPrevPage>, nullptr, IsAfterStart},

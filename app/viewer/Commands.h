@@ -14,6 +14,8 @@ namespace velko::viewer {
 
 enum class Command {
     Open,
+    OpenInWindow,
+    NewWindow,
     Close,
     Quit,
     PreviousPage,

@@ -2,13 +2,17 @@
 
 #include "app/viewer/ColorMenu.h"
 #include "app/viewer/RecentMenu.h"
+#include "app/viewer/ViewerSettings.h"
 
 namespace velko::viewer {
 
 MainMenu::MainMenu(vkit::VelkoPdfView& view, const Commands& commands, QWidget* pParent)
     : QMenu(pParent), m_pRecent(new RecentMenu(this)) {
     addAction(commands[Command::Open]);
+    addAction(commands[Command::OpenInWindow]);
     addMenu(m_pRecent);
+    addAction(commands[Command::NewWindow]);
+    AddOwnWindows();
     addAction(commands[Command::Close]);
     addSeparator();
     AddGroup("&Go", commands,
@@ -23,6 +27,15 @@ MainMenu::MainMenu(vkit::VelkoPdfView& view, const Commands& commands, QWidget* 
     addAction(commands[Command::FullScreen]);
     addSeparator();
     addAction(commands[Command::Quit]);
+}
+
+void MainMenu::AddOwnWindows() {
+    QAction* const pAction = addAction("A window for &each document");
+    pAction->setCheckable(true);
+    connect(pAction, &QAction::triggered, this,
+            [](bool bOwn) { ViewerSettings::OpensOwnWindows(bOwn); });
+    connect(this, &QMenu::aboutToShow, pAction,
+            [pAction] { pAction->setChecked(ViewerSettings::OpensOwnWindows()); });
 }
 
 QMenu* MainMenu::AddGroup(const QString& strName, const Commands& commands,

@@ -18,6 +18,7 @@ public:
     RecentMenu& Recent() const { return *m_pRecent; }
 
 private:
+    void AddOwnWindows();
     QMenu* AddGroup(const QString& strName, const Commands& commands,
                     std::initializer_list<Command> group);
 

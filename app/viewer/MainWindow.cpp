@@ -14,9 +14,11 @@
 #include <utility>
 
 #include "app/viewer/CommandBar.h"
+#include "app/viewer/DarkPalette.h"
 #include "app/viewer/NoticeBar.h"
 #include "app/viewer/RecentMenu.h"
 #include "app/viewer/StartPane.h"
+#include "app/viewer/ViewerSettings.h"
 #include "platform/qt/QtElementWindow.h"
 #include "widget/VelkoRuntime.h"
 
@@ -30,42 +32,21 @@ namespace {
 constexpr int kLatestBarMs = 400;
 const QString kProgramName = QStringLiteral("Velko Viewer");
 
-// The first local file among what is dragged; empty when there is none.
-FilePath DraggedFile(const QMimeData& data) {
+// The local files among what is dragged.
+std::vector<FilePath> DraggedFiles(const QMimeData& data) {
+    std::vector<FilePath> files;
     for (const QUrl& url : data.urls()) {
-        if (const FilePath path = FilePath::FromUrl(url); !path.IsEmpty()) {
-            return path;
+        if (FilePath path = FilePath::FromUrl(url); !path.IsEmpty()) {
+            files.push_back(std::move(path));
         }
     }
-    return {};
-}
-
-// For the parts around dark pages.
-QPalette DarkPalette() {
-    const QColor text(214, 214, 220);
-    const QColor faint(112, 112, 122);
-    const QColor field(28, 28, 33);
-    QPalette palette(QColor(46, 46, 53), QColor(38, 38, 44));
-    for (const auto eRole : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText,
-                             QPalette::ToolTipText, QPalette::BrightText}) {
-        palette.setColor(eRole, text);
-        palette.setColor(QPalette::Disabled, eRole, faint);
-    }
-    palette.setColor(QPalette::Base, field);
-    palette.setColor(QPalette::AlternateBase, field);
-    palette.setColor(QPalette::ToolTipBase, QColor(58, 58, 68));
-    palette.setColor(QPalette::PlaceholderText, faint);
-    palette.setColor(QPalette::Highlight, QColor(70, 100, 160));
-    palette.setColor(QPalette::HighlightedText, Qt::white);
-    palette.setColor(QPalette::Link, QColor(140, 170, 230));
-    palette.setColor(QPalette::Mid, QColor(58, 58, 66));
-    return palette;
+    return files;
 }
 
 }
 
 MainWindow::MainWindow(std::shared_ptr<vkit::PDFViewCtrl> pControl, QSize size)
-    : m_pView(new VelkoPdfView(std::move(pControl), this)), m_palette(QApplication::palette()) {
+    : m_pView(new VelkoPdfView(std::move(pControl), this)) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAcceptDrops(true);
     setFocusProxy(m_pView);
@@ -76,12 +57,6 @@ MainWindow::MainWindow(std::shared_ptr<vkit::PDFViewCtrl> pControl, QSize size)
     ConnectLinks();
     FollowColors();
     UpdateTitle();
-}
-
-MainWindow::~MainWindow() {
-    if (m_bDark) {
-        QApplication::setPalette(m_palette);
-    }
 }
 
 void MainWindow::ConnectView() {
@@ -174,8 +149,7 @@ void MainWindow::CompleteBar() {
     connect(m_pCommands, &Commands::Wanted, this, &MainWindow::CarryOut);
     m_pBar = new CommandBar(*m_pView, *m_pCommands, this);
     RecentMenu& recent = m_pBar->Menu().Recent();
-    connect(&recent, &RecentMenu::Wanted, this,
-            [this](const FilePath& path) { m_pView->Open(path); });
+    connect(&recent, &RecentMenu::Wanted, this, &MainWindow::OpenFile);
     connect(&recent, &RecentMenu::Failed, this,
             [this](const QString& strReason) { NoticeLine().Tell(strReason); });
     m_pCommands->SetFullScreen(isFullScreen());
@@ -184,11 +158,7 @@ void MainWindow::CompleteBar() {
 
 // The bar and what belongs to it go with the pages into the dark.
 void MainWindow::FollowColors() {
-    const bool bDark = m_pView->Colors().IsDark();
-    if (std::exchange(m_bDark, bDark) != bDark) {
-        QApplication::setPalette(bDark ? DarkPalette() : m_palette); // menus and dialogs too
-        update();
-    }
+    UseDarkPalette(m_pView->Colors().IsDark());
 }
 
 // --- messages --------------------------------------------------------------
@@ -202,9 +172,8 @@ void MainWindow::UpdateTitle() {
 void MainWindow::ShowMessage(const QString& strTitle, const QString& strText) {
     if (m_pMessage == nullptr) {
         m_pMessage = new StartPane(this);
-        connect(m_pMessage, &StartPane::OpenWanted, this, &MainWindow::AskForFile);
-        connect(m_pMessage, &StartPane::FileWanted, this,
-                [this](const FilePath& path) { m_pView->Open(path); });
+        connect(m_pMessage, &StartPane::OpenWanted, this, [this] { AskForFile(false); });
+        connect(m_pMessage, &StartPane::FileWanted, this, &MainWindow::OpenFile);
     }
     PlaceParts();
     m_pMessage->Show(strTitle, strText, RecentMenu::Files());
@@ -314,13 +283,19 @@ void MainWindow::AskToBrowse(const QUrl& address) {
 void MainWindow::CarryOut(Command eCommand) {
     switch (eCommand) {
         case Command::Open:
-            AskForFile();
+            AskForFile(false);
+            break;
+        case Command::OpenInWindow:
+            AskForFile(true);
+            break;
+        case Command::NewWindow:
+            emit WindowWanted({});
             break;
         case Command::Close:
-            m_pView->CloseDocument();
+            CloseDocument();
             break;
         case Command::Quit:
-            close();
+            emit EndWanted();
             break;
         case Command::FullScreen:
             ToggleFullScreen();
@@ -344,14 +319,61 @@ void MainWindow::ToggleFullScreen() {
     m_pView->setFocus();
 }
 
-void MainWindow::AskForFile() {
+// The document goes, and with it its window; the last window stays for the next
+// document, until it is asked to go while it is empty.
+void MainWindow::CloseDocument() {
+    const auto windows = QApplication::topLevelWidgets();
+    const auto bOthers = std::any_of(windows.begin(), windows.end(), [this](QWidget* pWidget) {
+        return pWidget != this && pWidget->isVisible() &&
+               qobject_cast<MainWindow*>(pWidget) != nullptr;
+    });
+    if (bOthers || m_pView->ViewState() == VelkoPdfView::State::Empty) {
+        close();
+    } else {
+        m_pView->CloseDocument();
+    }
+}
+
+void MainWindow::AskForFile(bool bOwnWindow) {
     auto* pDialog = new QFileDialog(this, "Open a document", m_pView->File().Folder(),
                                     "PDF documents (*.pdf *.PDF);;All files (*)");
     pDialog->setAttribute(Qt::WA_DeleteOnClose);
-    pDialog->setFileMode(QFileDialog::ExistingFile);
-    connect(pDialog, &QFileDialog::fileSelected, this,
-            [this](const QString& strFile) { m_pView->Open(strFile); });
+    pDialog->setFileMode(bOwnWindow ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
+    connect(pDialog, &QFileDialog::filesSelected, this,
+            [this, bOwnWindow](const QStringList& files) {
+                for (const QString& strFile : files) {
+                    if (bOwnWindow && !IsFree()) {
+                        emit WindowWanted(strFile);
+                    } else {
+                        OpenFile(strFile);
+                    }
+                }
+            });
     pDialog->open(); // returns at once: nothing here waits in an event loop of its own
+}
+
+bool MainWindow::IsFree() const {
+    const auto eState = m_pView->ViewState();
+    return eState == VelkoPdfView::State::Empty || eState == VelkoPdfView::State::Failed;
+}
+
+void MainWindow::OpenFile(const FilePath& path) {
+    if (ViewerSettings::OpensOwnWindows() && !IsFree()) {
+        emit WindowWanted(path);
+    } else {
+        m_pView->Open(path);
+    }
+}
+
+void MainWindow::RefuseAddress(const QString& strAddress) {
+    const QString strTitle = QStringLiteral("“%1” was not opened").arg(strAddress);
+    const QString strReason = QStringLiteral(
+        "It is not a file of this machine. Save the document with a browser, and open the file.");
+    if (IsFree()) {
+        ShowMessage(strTitle, strReason);
+    } else {
+        NoticeLine().Tell(QStringLiteral("%1. %2").arg(strTitle, strReason));
+    }
 }
 
 bool MainWindow::LeaveWhatIsOpen() {
@@ -385,16 +407,20 @@ bool MainWindow::eventFilter(QObject* pWatched, QEvent* pEvent) {
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* pEvent) {
-    if (!DraggedFile(*pEvent->mimeData()).IsEmpty()) {
+    if (!DraggedFiles(*pEvent->mimeData()).empty()) {
         pEvent->acceptProposedAction();
     }
 }
 
 void MainWindow::dropEvent(QDropEvent* pEvent) {
-    const FilePath path = DraggedFile(*pEvent->mimeData());
-    if (!path.IsEmpty()) {
-        pEvent->acceptProposedAction();
-        m_pView->Open(path);
+    const std::vector<FilePath> files = DraggedFiles(*pEvent->mimeData());
+    if (files.empty()) {
+        return;
+    }
+    pEvent->acceptProposedAction();
+    OpenFile(files[0]);
+    for (std::size_t n = 1; n < files.size(); ++n) {
+        emit WindowWanted(files[n]);
     }
 }
 
@@ -404,7 +430,13 @@ void MainWindow::keyPressEvent(QKeyEvent* pEvent) {
     }
 }
 
+QSize MainWindow::OrdinarySize() const {
+    const bool bFills = (windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)) != 0;
+    return bFills && normalGeometry().isValid() ? normalGeometry().size() : size();
+}
+
 void MainWindow::closeEvent(QCloseEvent* pEvent) {
+    ViewerSettings::KeepWindow(OrdinarySize(), windowState().testFlag(Qt::WindowMaximized));
     hide(); // the place is stored while nobody waits for the window to go
     m_pView->CloseDocument();
     pEvent->accept();

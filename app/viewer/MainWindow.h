@@ -26,10 +26,20 @@ class MainWindow : public QWidget {
 
 public:
     MainWindow(std::shared_ptr<vkit::PDFViewCtrl> pControl, QSize size);
-    ~MainWindow() override;
 
     // Shows the document whose open was begun, or without one the start.
     void Begin(const vkit::FilePath& path, vkit::VelkoPdfView::Opening opening);
+
+    // As the reader asks for it: here, or in a window of its own if the settings
+    // say so and a document is shown here.
+    void OpenFile(const vkit::FilePath& path);
+    // False while a document is shown or waited for.
+    bool IsFree() const;
+    // Says that this is the address of no file.
+    void RefuseAddress(const QString& strAddress);
+
+    // The size that the window has when it does not fill the screen; Qt's units.
+    QSize OrdinarySize() const;
 
     vkit::VelkoPdfView& View() const { return *m_pView; }
 
@@ -40,6 +50,10 @@ public:
 
     // Fills the bar now.
     void CompleteBar();
+
+signals:
+    void WindowWanted(const velko::vkit::FilePath& path); // of its own; empty: the start
+    void EndWanted();                                     // of the program
 
 protected:
     bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
@@ -55,7 +69,8 @@ private:
     void ConnectView();
     void ConnectLinks();
     void CarryOut(Command eCommand);
-    void AskForFile();
+    void AskForFile(bool bOwnWindow);
+    void CloseDocument();
     void AskForPassword();
     void AskToBrowse(const QUrl& address);
     void ToggleFullScreen();
@@ -72,13 +87,11 @@ private:
     void PlaceParts();
 
     vkit::VelkoPdfView* const m_pView;
-    const QPalette m_palette;        // the desktop's
     Commands* m_pCommands = nullptr; // with the bar
     CommandBar* m_pBar = nullptr;    // after the first paint
     StartPane* m_pMessage = nullptr; // these are made when first needed
     NoticeBar* m_pNotice = nullptr;
-    QLabel* m_pTarget = nullptr; // of the link under the pointer
-    bool m_bDark = false;
+    QLabel* m_pTarget = nullptr;   // of the link under the pointer
     bool m_bPasswordTried = false; // for the document that asks for one
 };
 

@@ -29,7 +29,7 @@ Screenshot::Screenshot(MainWindow& window, const CommandLine& options, QObject* 
     connect(&view, &VelkoPdfView::Failed, this,
             [this](const QString& strReason) { End(1, strReason); });
     QTimer::singleShot(kLongestWaitMs, this, [this] { End(1, "The pages never became sharp."); });
-    if (options.file.IsEmpty()) {
+    if (options.files.empty()) {
         QTimer::singleShot(0, this, &Screenshot::Write);
     }
 }

@@ -11,6 +11,7 @@
 #include "app/viewer/MainWindow.h"
 #include "app/viewer/Screenshot.h"
 #include "app/viewer/StartClock.h"
+#include "app/viewer/WindowList.h"
 #include "engines/mupdf/Register.h"
 #include "widget/VelkoRuntime.h"
 
@@ -49,12 +50,29 @@ void ShowFirst(vkit::VelkoPdfView& view, std::optional<int> nPage) {
 // A picture shows the document as it is when it is opened for the first time,
 // whatever the reader's settings are.
 vkit::VelkoRuntime::Options RuntimeOptions(const CommandLine& options, const QString& strFresh) {
+    const QSize size = options.size.value_or(CommandLine::kDefaultSize); // nearly, if it was kept
     vkit::VelkoRuntime::Options runtime;
     runtime.fnRegisterEngine = engines::mupdf::RegisterEngine;
     runtime.strDataFolder = strFresh;
-    runtime.environment.size = {static_cast<float>(options.size.width()),
-                                static_cast<float>(options.size.height() - CommandBar::kHeight)};
+    runtime.environment.size = {static_cast<float>(size.width()),
+                                static_cast<float>(size.height() - CommandBar::kHeight)};
     return runtime;
+}
+
+// What else the command line names, once the first window is on its way.
+void OpenOthers(WindowList& windows, MainWindow& first, const CommandLine& options) {
+    QMetaObject::invokeMethod(
+        &first,
+        [&] {
+            for (std::size_t n = 1; n < options.files.size(); ++n) {
+                windows.Open(options.files[n]);
+            }
+            for (const QString& strAddress : options.foreign) {
+                MainWindow& window = first.IsFree() ? first : windows.Open({});
+                window.RefuseAddress(strAddress);
+            }
+        },
+        Qt::QueuedConnection);
 }
 
 int RunViewer(int argc, char** argv, const CommandLine& options) {
@@ -65,8 +83,8 @@ int RunViewer(int argc, char** argv, const CommandLine& options) {
     const vkit::VelkoRuntime runtime(RuntimeOptions(options, fresh ? fresh->path() : QString()));
     auto pControl = vkit::VelkoPdfView::CreateControl();
     vkit::VelkoPdfView::Opening opening;
-    if (!options.file.IsEmpty()) {
-        opening = vkit::VelkoPdfView::BeginOpen(*pControl, options.file);
+    if (!options.files.empty()) {
+        opening = vkit::VelkoPdfView::BeginOpen(*pControl, options.files[0]);
     }
     if (!options.strScreenshot.isEmpty() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -74,18 +92,23 @@ int RunViewer(int argc, char** argv, const CommandLine& options) {
     QApplication app(argc, argv);
     QApplication::setApplicationName("velko-viewer");
     QApplication::setDesktopFileName("velko-viewer");
-    MainWindow window(std::move(pControl), options.size);
+    WindowList windows;
+    const bool bPicture = !options.strScreenshot.isEmpty();
+    MainWindow& window = windows.Add(
+        std::move(pControl),
+        bPicture && !options.size ? std::optional(CommandLine::kDefaultSize) : options.size);
     if (options.bTimeToInk) {
         ReportTimeToInk(window.View(), options);
     }
-    if (!options.strScreenshot.isEmpty()) {
+    if (bPicture) {
         new Screenshot(window, options, &window);
     } else {
         window.View().KeepPlace(true);
         ShowFirst(window.View(), options.nPage);
     }
-    window.Begin(options.file, std::move(opening));
+    window.Begin(options.files.empty() ? vkit::FilePath() : options.files[0], std::move(opening));
     window.show();
+    OpenOthers(windows, window, options);
     return QApplication::exec();
 }
 

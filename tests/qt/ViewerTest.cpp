@@ -1,9 +1,11 @@
 // The desktop viewer: its window, its command line, and the program itself.
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QMimeData>
+#include <QPointer>
 #include <QProcess>
 #include <QUrl>
 #include <cstdio>
@@ -14,6 +16,8 @@
 #include "app/viewer/CommandBar.h"
 #include "app/viewer/CommandLine.h"
 #include "app/viewer/MainWindow.h"
+#include "app/viewer/ViewerSettings.h"
+#include "app/viewer/WindowList.h"
 #include "tests/qt/WindowFixture.h"
 
 namespace velko {
@@ -92,6 +96,36 @@ TEST_F(MainWindowTest, AFailedOpenShowsTheReasonAndTheFilesName) {
         << m_pWindow->windowTitle().toStdString();
 }
 
+TEST_F(MainWindowTest, WindowsOnOneFileShareTheColoursAndEndOneByOne) {
+    const QString strFile = WritePages("twice.pdf", 6);
+    viewer::WindowList windows;
+    const auto fnShown = [](const MainWindow& window) {
+        return RunUntil([&] { return window.View().IsSharp() && window.View().PageCount() == 6; });
+    };
+    const QPointer<MainWindow> pOne = &windows.Open(strFile);
+    ASSERT_TRUE(fnShown(*pOne));
+    QPointer<MainWindow> pOther;
+    pOne->resize(500, 400);
+    emit pOne->WindowWanted(strFile);
+    for (QWidget* const pWidget : QApplication::topLevelWidgets()) {
+        if (pWidget != pOne && pWidget != m_pWindow.get() && !pOther) {
+            pOther = qobject_cast<MainWindow*>(pWidget);
+        }
+    }
+    ASSERT_TRUE(pOther && fnShown(*pOther));
+    pOne->View().GotoPage(5);
+    pOne->View().SetNightMode(true);
+    EXPECT_TRUE(RunUntil([&] { return pOther->View().NightMode(); }));
+    EXPECT_EQ(pOther->View().CurrentPage(), 0) << "each has its own place";
+    pOne->close();
+    EXPECT_TRUE(RunUntil([&] { return pOne.isNull(); }));
+    EXPECT_TRUE(fnShown(*pOther));
+    EXPECT_EQ(viewer::ViewerSettings::WindowSize(), QSize(500, 400));
+    pOther->View().SetNightMode(false);
+    windows.CloseAll();
+    EXPECT_TRUE(RunUntil([&] { return pOther.isNull(); }));
+}
+
 TEST(CommandLineTest, UnderstandsItsOptionsAndLeavesThoseOfQt) {
     QString strComplaint;
     const auto options =
@@ -99,17 +133,29 @@ TEST(CommandLineTest, UnderstandsItsOptionsAndLeavesThoseOfQt) {
                                   "--size", "640x480", "--time-to-ink=5", "--", "-odd.pdf"},
                                  strComplaint);
     ASSERT_TRUE(options) << strComplaint.toStdString();
-    EXPECT_EQ(options->file.Bytes(), "-odd.pdf");
+    ASSERT_EQ(options->files.size(), 1U);
+    EXPECT_EQ(options->files[0].Bytes(), "-odd.pdf");
     EXPECT_EQ(options->strScreenshot, "a.png");
     EXPECT_EQ(options->nPage, 3);
     EXPECT_EQ(options->size, QSize(640, 480));
     EXPECT_EQ(options->nStartedAt, 5);
     EXPECT_FALSE(viewer::ParseCommandLine({"a.pdf"}, strComplaint)->nPage) << "the kept place";
+    const auto several = viewer::ParseCommandLine(
+        {"a.pdf", "file:///tmp/a%20b.pdf", "https://example.org/c.pdf", "file://far/d.pdf"},
+        strComplaint);
+    ASSERT_TRUE(several && several->files.size() == 2U) << strComplaint.toStdString();
+    EXPECT_EQ(several->files[1].Bytes(), "/tmp/a b.pdf");
+    EXPECT_EQ(several->foreign, QStringList({"https://example.org/c.pdf", "file://far/d.pdf"}));
 }
 
 TEST(CommandLineTest, NamesWhatItDoesNotUnderstand) {
-    const QList<QByteArrayList> lines{{"--pages"},       {"--page", "0"},   {"--page"},
-                                      {"--size", "9x9"}, {"--size", "640"}, {"a.pdf", "b.pdf"}};
+    const QList<QByteArrayList> lines{{"--pages"},
+                                      {"--page", "0"},
+                                      {"--page"},
+                                      {"--size", "9x9"},
+                                      {"--size", "640"},
+                                      {"--screenshot", "p.png", "a", "b"},
+                                      {"--screenshot", "p.png", "https://example.org/a"}};
     for (const QByteArrayList& line : lines) {
         QString strComplaint;
         EXPECT_FALSE(viewer::ParseCommandLine(line, strComplaint)) << line.join(' ').toStdString();

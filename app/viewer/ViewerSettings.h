@@ -1,0 +1,27 @@
+// What the viewer keeps in the settings for itself, besides what the component
+// keeps there: its windows.
+//
+// A value is in force when its setter returns and is stored behind; see
+// `ApplicationData`. Threads: the UI thread.
+#pragma once
+
+#include <QSize>
+#include <optional>
+
+namespace velko::viewer {
+
+class ViewerSettings {
+public:
+    ViewerSettings() = delete;
+
+    // Of the window closed last, as it is when it does not fill the screen; Qt's units.
+    static std::optional<QSize> WindowSize();
+    static bool IsMaximized();
+    static void KeepWindow(QSize size, bool bMaximized);
+
+    // Whether a document gets a window of its own while another one is shown.
+    static bool OpensOwnWindows();
+    static void OpensOwnWindows(bool bOwn);
+};
+
+}
