@@ -1,4 +1,4 @@
-// Runs the event loop in tests until something holds.
+// Runs the event loop in tests until something holds, and sends the mouse.
 //
 // Threads: the UI thread.
 #pragma once
@@ -6,7 +6,9 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QEventLoop>
+#include <QMouseEvent>
 #include <QTimer>
+#include <QWidget>
 
 namespace velko::testing {
 
@@ -26,6 +28,16 @@ bool RunUntil(Condition fnCondition) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     return true;
+}
+
+// The left button, or a move with it up or down, at a time in milliseconds.
+inline void SendMouse(QWidget& widget, QEvent::Type eType, QPointF pt, bool bDown,
+                      quint64 nTime = 0) {
+    QMouseEvent event(eType, pt, widget.mapToGlobal(pt),
+                      eType == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+                      bDown ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+    event.setTimestamp(nTime);
+    QCoreApplication::sendEvent(&widget, &event);
 }
 
 }

@@ -8,7 +8,6 @@
 #include "component/KeptView.h"
 #include "control/ControlParts.h"
 #include "control/IJudgePasswordHelper.h"
-#include "platform/qt/QtElementWindow.h"
 #include "platform/storage/ApplicationData.h"
 #include "tests/qt/ViewFixture.h"
 #include "viewers/core/IPDFViewer.h"
@@ -27,9 +26,6 @@ protected:
         pView->resize(size);
         pView->show();
         return pView;
-    }
-    static bool Settles(View& view) {
-        return RunUntil([&] { return view.IsSharp() && !view.Window().IsFrameHeld(); });
     }
     // Page, place on the screen, zoom and rotation.
     static std::vector<double> PlaceOf(View& view) {
@@ -92,10 +88,7 @@ TEST_F(KeptPlaceTest, ADocumentComesUpWhereItWasLeftInOneStep) {
 }
 
 TEST_F(KeptPlaceTest, ADocumentThatWaitedForItsPasswordComesUpWhereItWasLeft) {
-    testing::PdfOptions locked;
-    locked.strUserPassword = "secret";
-    const std::vector<testing::PdfPage> pages(9);
-    const QString strFile = Write("locked.pdf", testing::MakePdf(pages, locked));
+    const QString strFile = WriteLocked(9);
     std::vector<double> left;
     {
         const auto pView = MakeView({500, 600});

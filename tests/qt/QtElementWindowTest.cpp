@@ -15,15 +15,11 @@
 #include <string>
 #include <vector>
 
-#include "platform/qt/QtGraphicsFactory.h"
-#include "platform/qt/QtSwapChain.h"
 #include "tests/qt/EventLoop.h"
 
 namespace velko {
 namespace {
 
-namespace Graphics = Windows::Graphics;
-namespace Input = Windows::UI::Xaml::Input;
 namespace Controls = Windows::UI::Xaml::Controls;
 using Platform::Qt::QtElementWindow;
 using Platform::Qt::QtEnvironment;
@@ -91,11 +87,7 @@ protected:
     }
 
     void Mouse(QEvent::Type eType, QPointF pt, bool bDown, quint64 nTime = 0) {
-        const Qt::MouseButton eButton = eType == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
-        QMouseEvent event(eType, pt, m_pWindow->mapToGlobal(pt), eButton,
-                          bDown ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
-        event.setTimestamp(nTime);
-        QCoreApplication::sendEvent(m_pWindow.get(), &event);
+        testing::SendMouse(*m_pWindow, eType, pt, bDown, nTime);
     }
 
     void Wheel(QPoint angle, Qt::KeyboardModifiers modifiers = Qt::NoModifier, QPoint pixels = {},
@@ -140,8 +132,6 @@ protected:
 
 using Log = std::vector<std::string>;
 
-// --- sizes -----------------------------------------------------------------
-
 TEST_F(QtElementWindowTest, SizeAndScaleAreInForceBeforeAnyHandlerAndThePanelHearsFirst) {
     Log heard;
     const auto hear = [&](const char* szWho) {
@@ -180,20 +170,6 @@ TEST_F(QtElementWindowTest, SizeAndScaleAreInForceBeforeAnyHandlerAndThePanelHea
               std::find(heard.begin(), heard.end(), "root 333 30"));
 }
 
-TEST_F(QtElementWindowTest, ReportsTheDisplayAndWhatAToolFixes) {
-    MakeWindow();
-    EXPECT_EQ(m_pEnvironment->DeviceFamily(), "Windows.Desktop");
-    EXPECT_FLOAT_EQ(m_pEnvironment->LogicalDpi(), 96.0F);
-    m_pEnvironment->SetDevicePixelRatio(1.5);
-    EXPECT_FLOAT_EQ(m_pEnvironment->LogicalDpi(), 144.0F);
-    QtEnvironment::Options options;
-    options.strDeviceFamily = "Windows.Mobile";
-    options.logicalDpi = 120.0F;
-    const QtEnvironment fixed(m_pDispatcher, options);
-    EXPECT_EQ(fixed.DeviceFamily(), "Windows.Mobile");
-    EXPECT_FLOAT_EQ(fixed.LogicalDpi(), 120.0F);
-}
-
 TEST_F(QtElementWindowTest, AFailingSizeHandlerIsReportedAndTheOthersStillRun) {
     MakeWindow();
     m_pPanel->SizeChanged.add([](const auto&) { throw std::runtime_error("panel failed"); });
@@ -213,80 +189,6 @@ TEST_F(QtElementWindowTest, TheTreeIsLoadedAsLongAsTheWindowLives) {
     m_pWindow.reset();
     EXPECT_EQ(nUnloaded, 1);
 }
-
-TEST_F(QtElementWindowTest, ATreeWithoutAPanelIsRefused) {
-    m_pEnvironment = std::make_shared<QtEnvironment>(m_pDispatcher, QtEnvironment::Options());
-    EXPECT_THROW(QtElementWindow(m_pEnvironment, std::make_shared<Controls::Grid>()),
-                 Platform::InvalidArgumentException);
-}
-
-// --- picture ---------------------------------------------------------------
-
-class QtPictureTest : public QtElementWindowTest {
-protected:
-    void MakeChain() {
-        MakeWindow();
-        std::shared_ptr<Graphics::ID3D11Device1> pDevice;
-        Graphics::DeviceRequest request;
-        request.eDriver = Graphics::D3D_DRIVER_TYPE::WARP;
-        m_pFactory->D3D11CreateDevice(request, pDevice);
-        Graphics::DXGI_SWAP_CHAIN_DESC1 description;
-        description.Width = 400;
-        description.Height = 300;
-        m_pChain = m_pFactory->CreateSwapChainForComposition(pDevice, description);
-        const auto pD2dFactory = m_pFactory->D2D1CreateFactory();
-        m_pContext = pD2dFactory->CreateDevice(pDevice)->CreateDeviceContext();
-        m_pContext->SetTarget(
-            pD2dFactory->CreateBitmapFromDxgiSurface(*m_pContext, m_pChain->GetBuffer(0), {}));
-        m_pPanel->SetSwapChain(m_pChain);
-    }
-    // A frame of one colour with a single odd pixel.
-    void Present(float fRed) {
-        m_pContext->BeginDraw();
-        m_pContext->Clear({fRed, 0.0F, 0.0F, 1.0F});
-        m_pContext->FillRectangle({7.0F, 9.0F, 8.0F, 10.0F},
-                                  m_pContext->CreateSolidColorBrush({0.0F, 1.0F, 0.0F, 1.0F}));
-        m_pContext->EndDraw();
-        m_pChain->Present1(1, 0);
-    }
-    QColor At(int nX, int nY) { return m_pWindow->grab().toImage().pixelColor(nX, nY); }
-
-    const std::shared_ptr<Platform::Qt::QtGraphicsFactory> m_pFactory =
-        std::make_shared<Platform::Qt::QtGraphicsFactory>();
-    std::shared_ptr<Graphics::IDXGISwapChain2> m_pChain;
-    std::shared_ptr<Graphics::ID2D1DeviceContext> m_pContext;
-};
-
-TEST_F(QtPictureTest, PaintsTheFrameBarePixelByPixel) {
-    MakeChain();
-    EXPECT_EQ(At(7, 9), QColor(224, 224, 224)) << "before the first frame";
-    int nPresented = 0;
-    int nPainted = 0;
-    m_pWindow->OnPresented = [&] { ++nPresented; };
-    m_pWindow->OnPainted = [&] { ++nPainted; };
-    Present(1.0F);
-    EXPECT_EQ(nPresented, 1);
-    EXPECT_TRUE(testing::RunUntil([&] { return nPainted > 0; }));
-    EXPECT_EQ(At(7, 9), QColor(0, 255, 0));
-    for (const QPoint pt : {QPoint(6, 9), QPoint(8, 9), QPoint(7, 8), QPoint(7, 10)}) {
-        EXPECT_EQ(At(pt.x(), pt.y()), QColor(255, 0, 0)) << pt.x() << "," << pt.y();
-    }
-    m_pWindow->resize(410, 300);
-    EXPECT_EQ(At(399, 5), QColor(255, 0, 0));
-    EXPECT_EQ(At(405, 5), QColor(224, 224, 224)) << "beyond the frame";
-}
-
-TEST_F(QtPictureTest, AHeldFrameStaysUntilItIsReleased) {
-    MakeChain();
-    Present(1.0F);
-    m_pWindow->HoldFrame();
-    Present(0.0F);
-    EXPECT_EQ(At(1, 1), QColor(255, 0, 0));
-    m_pWindow->ReleaseFrame();
-    EXPECT_EQ(At(1, 1), QColor(0, 0, 0));
-}
-
-// --- input -----------------------------------------------------------------
 
 // What becomes of Qt's events on their way to the panel; what the panel makes of
 // them is the recogniser's.

@@ -5,7 +5,6 @@
 #include <QColor>
 #include <QElapsedTimer>
 #include <QKeyEvent>
-#include <QMouseEvent>
 #include <QRegularExpression>
 #include <QSplitter>
 #include <QTimer>
@@ -64,9 +63,7 @@ protected:
     Windows::Foundation::Point OnScreen(int nPage, float fX, float fY) {
         return m_pView->Control()->PagePointToDevicePoint(nPage, {fX, fY});
     }
-    bool SettlesSharp() {
-        return RunUntil([this] { return m_pView->IsSharp() && !m_pView->Window().IsFrameHeld(); });
-    }
+    bool SettlesSharp() { return Settles(*m_pView); }
 
     std::unique_ptr<VelkoPdfView> m_pView = std::make_unique<VelkoPdfView>();
     QStringList m_failures;
@@ -99,8 +96,6 @@ TEST_F(VelkoPdfViewTest, ShowsAPageSharpAndTellsWhereTheReaderIs) {
 }
 
 TEST_F(VelkoPdfViewTest, TellsInWordsWhyADocumentDoesNotOpen) {
-    testing::PdfOptions locked;
-    locked.strUserPassword = "secret";
     struct Case {
         QString strFile;
         const char* szWords;
@@ -111,8 +106,7 @@ TEST_F(VelkoPdfViewTest, TellsInWordsWhyADocumentDoesNotOpen) {
         {m_folder.path(), "folder", State::Failed},
         {Write("text.pdf", "hello"), "not a PDF", State::Failed},
         {Write("empty.pdf", ""), "not a PDF", State::Failed},
-        {Write("locked.pdf", testing::MakePdf({testing::PdfPage()}, locked)), "password",
-         State::PasswordNeeded},
+        {WriteLocked(), "password", State::PasswordNeeded},
     };
     for (const Case& item : cases) {
         ASSERT_TRUE(FailsToOpen(item.strFile)) << item.strFile.toStdString();
@@ -198,53 +192,34 @@ TEST_F(VelkoPdfViewTest, ADocumentThatIsClosedWhileItOpensIsNotShown) {
 
 // The view goes in a handler of each of its signals in turn.
 TEST_F(VelkoPdfViewTest, AHandlerMayDestroyTheViewThatTellsIt) {
-    const auto fnWatch = [this](int nSignal, VelkoPdfView* pView, const auto& fnGone) {
-        switch (nSignal) {
-            case 0:
-                return QObject::connect(pView, &VelkoPdfView::StateChanged, fnGone);
-            case 1:
-                return QObject::connect(pView, &VelkoPdfView::Opened, fnGone);
-            case 2:
-                return QObject::connect(pView, &VelkoPdfView::OpenFailed, fnGone);
-            case 3:
-                return QObject::connect(pView, &VelkoPdfView::PageChanged, fnGone);
-            case 4:
-                return QObject::connect(pView, &VelkoPdfView::PageCountChanged, fnGone);
-            case 5:
-                return QObject::connect(pView, &VelkoPdfView::ZoomChanged, fnGone);
-            case 6:
-                return QObject::connect(pView, &VelkoPdfView::ViewChanged, fnGone);
-            case 7:
-                return QObject::connect(pView, &VelkoPdfView::Failed, fnGone);
-            default:
-                return QObject::connect(pView, &VelkoPdfView::LinkRefused, fnGone);
-        }
-    };
     const QString strFile = WritePages("pages.pdf", 3);
-    for (int nSignal = 0; nSignal <= 8; ++nSignal) {
+    int nSignal = 0;
+    const auto fnGoesAt = [&](auto pSignal) {
         m_pView = std::make_unique<VelkoPdfView>();
         m_pView->resize(500, 600);
         m_pView->show();
-        fnWatch(nSignal, m_pView.get(), [this] { m_pView.reset(); });
-        m_pView->Open(m_folder.filePath("missing.pdf"));
-        RunUntil([&] { return !m_pView || m_pView->ViewState() == State::Failed; });
-        if (m_pView) {
-            m_pView->Open(strFile);
-        }
-        RunUntil([&] { return !m_pView || m_pView->IsSharp(); });
-        if (m_pView) {
-            m_pView->Control()->PageChangedEvent.add(
-                [](const auto&, const auto&) { throw std::runtime_error("host failed"); });
-        }
+        QObject::connect(m_pView.get(), pSignal, [this] { m_pView.reset(); });
+        const auto fnFailHost = [](const auto&, const auto&) { throw std::runtime_error("host"); };
         for (const auto& fnCommand : std::initializer_list<std::function<void()>>{
+                 [&] { m_pView->Open(m_folder.filePath("missing.pdf")); },
+                 [&] {
+                     RunUntil([&] { return !m_pView || m_pView->ViewState() == State::Failed; });
+                 },
+                 [&] { m_pView->Open(strFile); },
+                 [&] { RunUntil([&] { return !m_pView || m_pView->IsSharp(); }); },
+                 [&] { m_pView->Control()->PageChangedEvent.add(fnFailHost); },
                  [&] { m_pView->GotoPage(1); }, [&] { m_pView->ZoomTo(2.0); },
                  [&] { m_pView->JumpToName("nowhere"); }}) {
             if (m_pView) {
                 fnCommand();
             }
         }
-        EXPECT_TRUE(RunUntil([&] { return !m_pView; })) << "signal " << nSignal;
-    }
+        EXPECT_TRUE(RunUntil([&] { return !m_pView; })) << "signal " << nSignal++;
+    };
+    const auto fnGoesAtEach = [&](auto... told) { (..., fnGoesAt(told)); };
+    fnGoesAtEach(&View::StateChanged, &View::Opened, &View::OpenFailed, &View::PageChanged,
+                 &View::PageCountChanged, &View::ZoomChanged, &View::ViewChanged, &View::Failed,
+                 &View::LinkRefused);
 }
 
 TEST_F(VelkoPdfViewTest, TwoViewsInOneWindowHaveEachTheirOwnSize) {
@@ -278,15 +253,6 @@ TEST_F(VelkoPdfViewTest, TwoViewsInOneWindowHaveEachTheirOwnSize) {
     EXPECT_EQ(pLeft->CurrentPage(), 4);
     EXPECT_EQ(pRight->CurrentPage(), 0);
     pEnvironment->WindowSizeChanged.remove(token);
-}
-
-TEST_F(VelkoPdfViewTest, OfSeveralOpensTheLastOneIsShown) {
-    m_pView->Open(WritePages("one.pdf", 1));
-    m_pView->Open(WritePages("two.pdf", 2));
-    m_pView->Open(WritePages("three.pdf", 3));
-    EXPECT_TRUE(RunUntil([&] { return m_pView->ViewState() == State::Shown; }));
-    EXPECT_EQ(m_pView->PageCount(), 3);
-    EXPECT_EQ(m_opened, QList{3});
 }
 
 TEST_F(VelkoPdfViewTest, AViewMayGoWhileADocumentOpens) {
@@ -411,11 +377,7 @@ TEST_F(VelkoPdfViewTest, AFlickTurnsOnePage) {
     m_pView->GotoPage(9);
     quint64 nTime = 1000;
     const auto fnMouse = [&](QEvent::Type eType, double dbX, bool bDown) {
-        QMouseEvent event(eType, {dbX, 300}, m_pView->Window().mapToGlobal(QPointF{dbX, 300}),
-                          eType == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
-                          bDown ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
-        event.setTimestamp(nTime += 8);
-        QCoreApplication::sendEvent(&m_pView->Window(), &event);
+        testing::SendMouse(m_pView->Window(), eType, {dbX, 300.0}, bDown, nTime += 8);
     };
     const auto fnFlick = [&](double dbFrom, double dbTo) {
         nTime += 3000;
@@ -553,13 +515,18 @@ TEST_F(VelkoPdfViewTest, AResizeIsOneVisibleStep) {
     EXPECT_EQ(nBlank, 0);
 }
 
-TEST_F(VelkoPdfViewTest, AfterFitWidthTheZoomFollowsTheSize) {
+TEST_F(VelkoPdfViewTest, AHeldFrameStaysUntilItIsReleased) {
     ASSERT_TRUE(OpenUntilSharp(*m_pView, WritePages("pages.pdf", 3)));
-    m_pView->FitWidth();
     ASSERT_TRUE(SettlesSharp());
-    m_pView->resize(612, 600);
-    EXPECT_TRUE(RunUntil([&] { return std::fabs(m_pView->Zoom() - 0.75) < 0.005; }))
-        << m_pView->Zoom();
+    auto& window = m_pView->Window();
+    const QImage shown = window.grab().toImage();
+    const QImage frame = window.FrontImage();
+    EXPECT_EQ(shown.convertToFormat(frame.format()), frame) << "painted pixel by pixel";
+    window.HoldFrame();
+    m_pView->ScrollBy(0.0, 100.0);
+    EXPECT_EQ(window.grab().toImage(), shown);
+    window.ReleaseFrame();
+    EXPECT_NE(window.grab().toImage(), shown);
 }
 
 TEST_F(VelkoPdfViewTest, TheLoopStaysLiveWhileAPageRenders) {
@@ -637,22 +604,17 @@ TEST_F(VelkoPdfViewTest, APageThatCannotBeShownSaysSoOnItsPlace) {
 TEST(OpenFailureTest, EveryFailureHasASentenceForTheReader) {
     QStringList reasons;
     for (int nCode = 1; nCode < 41; ++nCode) {
-        reasons << vkit::ReasonOf(static_cast<velko::common::ErrorCode>(nCode));
+        reasons << vkit::ReasonOf(common::ErrorCode{nCode})
+                << vkit::ReasonOf(vkit::PageFailure{0, common::ErrorCode{nCode}, "code"});
     }
-    const auto fnRaise = [&](const auto& failure) {
-        reasons << vkit::ReasonOf(std::make_exception_ptr(failure));
+    const auto fnRaise = [&](const auto&... failures) {
+        (..., (reasons << vkit::ReasonOf(std::make_exception_ptr(failures))));
     };
-    fnRaise(Platform::FileNotFoundException());
-    fnRaise(Platform::AccessDeniedException());
-    fnRaise(Platform::WriteFaultException());
-    fnRaise(Platform::DiskFullException());
-    fnRaise(Platform::InvalidCastException("m_pDocument"));
-    fnRaise(std::runtime_error("std::runtime_error"));
-    fnRaise(std::bad_alloc());
+    fnRaise(Platform::FileNotFoundException(), Platform::AccessDeniedException(),
+            Platform::WriteFaultException(), Platform::DiskFullException(),
+            Platform::InvalidCastException("m_pDocument"), std::runtime_error("std::runtime_error"),
+            std::bad_alloc());
     const QRegularExpression sentence("^[A-Z][^_.]*[^:_.]: [^_.:]*\\.$");
-    for (int nCode = 1; nCode < 41; ++nCode) {
-        reasons << vkit::ReasonOf(vkit::PageFailure{0, velko::common::ErrorCode{nCode}, "code"});
-    }
     for (const QString& strReason : reasons) {
         EXPECT_TRUE(sentence.match(strReason).hasMatch()) << strReason.toStdString();
         EXPECT_FALSE(strReason.contains("Err") || strReason.contains("xception"));

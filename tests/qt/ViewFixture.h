@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "engines/mupdf/Register.h"
+#include "platform/qt/QtElementWindow.h"
 #include "tests/qt/EventLoop.h"
 #include "tests/support/pdf_writer/PdfWriter.h"
 #include "widget/VelkoPdfView.h"
@@ -52,6 +53,17 @@ protected:
         return Write(strName, MakePdf(pages));
     }
 
+    // A document that opens by the password "secret" alone.
+    QString WriteLocked(int nPages = 1) {
+        PdfOptions locked;
+        locked.strUserPassword = "secret";
+        return Write("locked.pdf",
+                     MakePdf(std::vector<PdfPage>(static_cast<std::size_t>(nPages)), locked));
+    }
+
+    static bool Settles(View& view) {
+        return RunUntil([&] { return view.IsSharp() && !view.Window().IsFrameHeld(); });
+    }
     static bool OpenUntilSharp(View& view, const QString& strFile) {
         view.Open(strFile);
         return RunUntil([&] { return view.ViewState() == View::State::Shown && view.IsSharp(); });

@@ -3,7 +3,6 @@
 
 #include <QAction>
 #include <QLineEdit>
-#include <QMouseEvent>
 #include <QTest>
 #include <cmath>
 #include <functional>
@@ -31,9 +30,7 @@ protected:
             static_cast<Qt::Key>(nKey), modifiers);
     }
     View& TheView() { return m_pWindow->View(); }
-    bool Settles() {
-        return RunUntil([&] { return TheView().IsSharp() && !TheView().Window().IsFrameHeld(); });
-    }
+    bool Settles() { return ViewFixture::Settles(TheView()); }
     QAction* ActionOf(const QString& strText) {
         for (QAction* pAction : m_pWindow->actions()) {
             if (QString(pAction->text()).remove('&') == strText) {
@@ -137,11 +134,7 @@ protected:
         return Write("links.pdf", testing::MakePdf(std::vector<testing::PdfPage>(6, page)));
     }
     void Mouse(QEvent::Type eType, QPoint pt, bool bDown) {
-        auto& window = TheView().Window();
-        const auto eButton = eType == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
-        QMouseEvent event(eType, pt, window.mapToGlobal(pt), eButton,
-                          bDown ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(&window, &event);
+        testing::SendMouse(TheView().Window(), eType, pt, bDown);
     }
     void Click(int nLink) {
         const QPoint pt = OnPage(100.0F, 590.0F - 100.0F * static_cast<float>(nLink));
@@ -191,9 +184,7 @@ TEST_F(LinkTest, AClickFollowsADragDoesNotAndBackReturns) {
 // --- passwords, recent files, the dark -------------------------------------
 
 TEST_F(ViewerCommandsTest, APasswordIsAskedForInTheWindow) {
-    testing::PdfOptions locked;
-    locked.strUserPassword = "secret";
-    const QString strFile = Write("locked.pdf", testing::MakePdf({testing::PdfPage()}, locked));
+    const QString strFile = WriteLocked();
     const auto fnAnswer = [&](const char* szPassword) {
         auto* const pField = m_pWindow->findChild<viewer::NoticeBar*>()->findChild<QLineEdit*>();
         pField->setText(szPassword);

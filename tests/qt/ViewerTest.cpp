@@ -79,9 +79,7 @@ TEST_F(MainWindowTest, AFailedOpenShowsTheReasonAndTheFilesName) {
     Drop(Write("broken <b>.pdf", "no document"));
     ASSERT_TRUE(ShowsMessageWith("not a PDF"));
     EXPECT_TRUE(m_pWindow->Message().contains("broken &lt;b&gt;.pdf"));
-    testing::PdfOptions locked;
-    locked.strUserPassword = "secret";
-    Drop(Write("locked.pdf", testing::MakePdf({testing::PdfPage()}, locked)));
+    Drop(WriteLocked());
     ASSERT_TRUE(ShowsMessageWith("password"));
     EXPECT_TRUE(m_pWindow->Message().contains("locked.pdf"));
 

@@ -7,7 +7,6 @@
 
 #include "app/viewer/CommandLine.h"
 #include "app/viewer/MainWindow.h"
-#include "platform/qt/QtElementWindow.h"
 #include "tests/qt/ViewFixture.h"
 
 namespace velko::testing {
@@ -23,9 +22,7 @@ protected:
     ~WindowFixture() override { m_pWindow.reset(); }
 
     bool ShowUntilSharp(const QString& strFile) {
-        auto& view = m_pWindow->View();
-        return OpenUntilSharp(view, strFile) &&
-               RunUntil([&] { return !view.Window().IsFrameHeld(); });
+        return OpenUntilSharp(m_pWindow->View(), strFile) && Settles(m_pWindow->View());
     }
 
     std::unique_ptr<viewer::MainWindow> m_pWindow = std::make_unique<viewer::MainWindow>(
