@@ -184,8 +184,8 @@ D2D_SIZE_U DirectXPanelBase::CreateSwapChain() {
     description.BufferCount = kBufferCount;
     description.AlphaMode = m_alphaMode;
     m_swapChain = GraphicsFactory()->CreateSwapChainForComposition(m_d3dDevice, description);
+    QueueSetSwapChain(); // first: the chain is kept, whatever fails after it
     m_d3dDevice->SetMaximumFrameLatency(kMaxFrameLatency);
-    QueueSetSwapChain();
     return {description.Width, description.Height};
 }
 
