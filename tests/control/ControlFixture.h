@@ -13,7 +13,7 @@
 #include "control/PDFViewCtrl.h"
 #include "control/PDFViewerManager.h"
 #include "control/VelkoViewControl.h"
-#include "platform/fake/RecordingGraphicsFactory.h"
+#include "platform/fake/CountingGraphicsFactory.h"
 #include "platform/fake/TestHost.h"
 #include "settings/AppConfig.h"
 #include "tests/control/ScriptedViewer.h"
@@ -139,8 +139,8 @@ protected:
 
     const TemporaryFolder folder;
     Platform::Fake::TestHost host;
-    std::shared_ptr<Platform::Fake::RecordingGraphicsFactory> pGraphics =
-        std::make_shared<Platform::Fake::RecordingGraphicsFactory>();
+    std::shared_ptr<Platform::Fake::CountingGraphicsFactory> pGraphics =
+        std::make_shared<Platform::Fake::CountingGraphicsFactory>();
     std::shared_ptr<ScriptedEngine> pEngine;
     ScriptedEngine::Registration registration{pEngine};
     std::shared_ptr<vkit::PDFViewCtrl> pControl;

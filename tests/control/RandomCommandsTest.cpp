@@ -106,7 +106,6 @@ protected:
         pEngine = std::make_shared<ScriptedEngine>(MixedPages(random, GetParam().nPages));
         pReplaced = std::make_unique<ScriptedEngine::Registration>(pEngine);
         host.Environment().SetDeviceFamily(GetParam().szFamily);
-        pGraphics->ComposePixels(false);
         Show(480.0F, 360.0F);
         Panel().CompositionScale(GetParam().fScale, GetParam().fScale);
         Open();

@@ -3,7 +3,7 @@
 #include <random>
 
 #include "control/PDFViewCtrl.h"
-#include "platform/fake/RecordingGraphicsFactory.h"
+#include "platform/fake/CountingGraphicsFactory.h"
 #include "platform/fake/TestHost.h"
 #include "settings/AppConfig.h"
 #include "tests/support/FileOnDisk.h"
@@ -21,7 +21,7 @@ TEST(ControlStress, OpensMovesAndClosesInAnyOrder) {
     const auto pFile = TemporaryFolder::File(folder.Write("stress.pdf", std::string(5000, '%')));
     TestHost host{TestHost::RealPool{3}};
     host.Environment().SetGraphicsFactory(
-        std::make_shared<Platform::Fake::RecordingGraphicsFactory>());
+        std::make_shared<Platform::Fake::CountingGraphicsFactory>());
     const auto pEngine = std::make_shared<ScriptedEngine>(MakePages(6, 300.0F, 400.0F));
     const ScriptedEngine::Registration registration(pEngine);
     std::atomic<int> nRendered = 0;

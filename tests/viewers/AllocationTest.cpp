@@ -7,8 +7,7 @@ namespace velko::testing {
 namespace {
 
 // Allocations of one small move inside a page of `nBlocksAcross` squared blocks,
-// all displayed ones rendered. The frame is the recording device's affair, so
-// the canvas has none.
+// all displayed ones rendered. The frame is the device's affair, so the canvas has none.
 std::size_t AllocationsOfAMove(Layout eLayout, int nBlocksAcross) {
     ViewerWorld w;
     w.SetLayout(eLayout);

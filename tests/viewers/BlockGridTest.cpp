@@ -35,26 +35,6 @@ TEST(BlockGrid, SidesAreTruncatedAndBounded) {
     EXPECT_EQ(vkit::TruncateSide(1e30F), 1'000'000);
 }
 
-TEST_F(BlockGridTest, TheRestOfTheDivisionGoesToTheLastRowAndColumn) {
-    w.Open(MakePages(1, 305, 703), 100, 200);
-    const vkit::PageItemState item = w.ItemOf(0);
-    ASSERT_EQ(item.grid, (Render_PageDavidBlock{3, 3}));
-    ASSERT_EQ(item.blocks.size(), 9U);
-    std::int64_t nArea = 0;
-    for (std::size_t n = 0; n < item.blocks.size(); ++n) {
-        const BlockState& block = item.blocks[n];
-        const std::size_t nRow = n / 3;
-        const std::size_t nCol = n % 3;
-        EXPECT_EQ(block.nBlockId, static_cast<std::int32_t>(n) + 1);
-        EXPECT_EQ(block.screenRect.dbOffsetX, 101.0 * nCol);
-        EXPECT_EQ(block.screenRect.dbOffsetY, 234.0 * nRow);
-        EXPECT_EQ(block.screenRect.nWidth, nCol == 2 ? 103 : 101);
-        EXPECT_EQ(block.screenRect.nHeight, nRow == 2 ? 235 : 234);
-        nArea += std::int64_t{block.screenRect.nWidth} * block.screenRect.nHeight;
-    }
-    EXPECT_EQ(nArea, 305 * 703);
-}
-
 TEST_F(BlockGridTest, OnlyBlocksThatShareAnAreaWithTheScreenAreDisplayed) {
     w.Open(MakePages(3, 300, 600), 100, 200);
     const auto fnDisplayed = [&](std::int32_t nPage) {
@@ -85,24 +65,6 @@ TEST_F(BlockGridTest, TheEngineGetsThePagePlacedAtTheBlocksOffset) {
     }
     EXPECT_EQ(origins, (std::vector<std::pair<float, float>>{
                            {-100, -200}, {-200, -200}, {-100, -400}, {-200, -400}}));
-}
-
-TEST_F(BlockGridTest, OnlyAChangedGridIsWritten) {
-    w.Open(MakePages(1, 100, 200), 100, 200);
-    EXPECT_EQ(w.host.CountDebug("ContinueViewerPageItem::DividToBlock: 0, [0 * 0] --> [1 * 1]\n"),
-              1U);
-    w.host.ClearDebug();
-    w.Settle();
-    // The grid follows the size at the end of a zoom, and only then.
-    w.Viewer().PageScaled({0, 0}, 2.0, false, false);
-    EXPECT_EQ(w.ItemOf(0).grid, (Render_PageDavidBlock{1, 1}));
-    w.host.ClearDebug();
-    w.Viewer().MoveScreen(10, 10); // the gesture's bitmaps go
-    EXPECT_EQ(w.host.CountDebug("ContinueViewerPageItem::DividToBlock: 0, [1 * 1] --> [2 * 2]\n"),
-              1U);
-    w.host.ClearDebug();
-    w.Viewer().MoveScreen(10, 10);
-    EXPECT_FALSE(w.host.DebugContains("DividToBlock"));
 }
 
 }

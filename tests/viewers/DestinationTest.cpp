@@ -16,24 +16,11 @@ protected:
     }
     void Go(std::int32_t nPage, Kind eKind, std::vector<float> values) {
         w.Viewer().GotoDestination(nPage, eKind, values);
-        w.Settle();
-        EXPECT_EQ(w.CountBlocks([](const auto& b) { return b.bIsDisplay && !b.bHasBitmap; }), 0U);
-        for (const vkit::PageItemState& item : w.State().items) {
-            for (const vkit::BlockState& block : item.blocks) {
-                EXPECT_TRUE(!block.bIsDisplay || block.nBitmapHeight == block.screenRect.nHeight)
-                    << "a blurred block of page " << item.nPageIndex;
-            }
-        }
-        EXPECT_FALSE(w.State().bShowScaleSnapshot);
+        w.ExpectSharp();
     }
-    Place Of(std::int32_t nPage) {
-        for (const Place& place : w.Laid()) {
-            if (place.nPage == nPage) {
-                return place;
-            }
-        }
-        ADD_FAILURE() << "page " << nPage << " is not laid out";
-        return {};
+    Place Of(std::int32_t nPage) const {
+        const vkit::Render_ScreenOffsetInfo rc = w.ItemOf(nPage).screenRect;
+        return {nPage, rc.dbOffsetX, rc.dbOffsetY, rc.nWidth, rc.nHeight};
     }
 };
 

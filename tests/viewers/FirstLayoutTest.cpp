@@ -7,17 +7,11 @@ namespace {
 
 class FirstLayoutTest : public ViewerTest {};
 
-TEST_F(FirstLayoutTest, TheDesktopTakesTheControlsFitWhateverScaleIsAsked) {
+TEST_F(FirstLayoutTest, TheControlsFitIsLimitedAndMayBeGone) {
     w.Make(MakePages(5, 100, 200), 300, 500);
-    w.pOwner->dbFit = 1.5;
-    w.Viewer().InitLayOut(1, 3.0, 0.0, 0.0);
-    EXPECT_EQ(w.pOwner->askedModes, std::vector<std::int32_t>{1});
-    EXPECT_EQ(w.Viewer().GetScale(), 1.5F);
-    EXPECT_EQ(w.Laid().front(), (Place{1, 75, 0, 150, 300}));
-    EXPECT_EQ(w.host.CountDebug("InitLayOut\n"), 1U);
-
     w.pOwner->dbFit = 9.0; // above the limit
-    w.Viewer().InitLayOut(0, 0.0, 0.0, 0.0);
+    w.Viewer().InitLayOut(0, 3.0, 0.0, 0.0);
+    EXPECT_EQ(w.pOwner->askedModes, std::vector<std::int32_t>{1});
     EXPECT_EQ(w.Viewer().GetScale(), 4.0F);
 
     w.pOwner.reset(); // the control is gone: the scale stays
@@ -25,24 +19,55 @@ TEST_F(FirstLayoutTest, TheDesktopTakesTheControlsFitWhateverScaleIsAsked) {
     EXPECT_EQ(w.Viewer().GetScale(), 4.0F);
 }
 
-TEST_F(FirstLayoutTest, TheMobileFitsThePageAtScaleOne) {
-    w.SetFamily("Windows.Mobile");
-    // 400 x 200 on 300 x 500: the width decides, 300 x 150.
-    w.Open(MakePages(5, 400, 200), 300, 500);
-    EXPECT_EQ(w.Viewer().GetScale(), 1.0F);
-    EXPECT_EQ(w.Laid().front(), (Place{0, 0, 0, 300, 150}));
-    // 100 x 500 on 300 x 500: fit page is 1, fit width 3.
-    w.Open(MakePages(5, 100, 500), 300, 500);
-    EXPECT_EQ(w.Viewer().GetScale(), 3.0F);
-    EXPECT_EQ(w.Laid().front(), (Place{0, 0, 0, 300, 1500}));
-    // A scale that is asked for stands; offsets too.
-    w.Viewer().InitLayOut(2, 2.0, 0.0, -40.0);
-    EXPECT_EQ(w.Laid().front(), (Place{2, 50, -40, 200, 1000}));
-    // Turned, the quotient is at most 1, so the default is 1.
-    w.Viewer().SetRotate(1);
-    w.Viewer().InitLayOut(0, 0.0, 0.0, 0.0);
-    EXPECT_EQ(w.Viewer().GetScale(), 1.0F);
-    EXPECT_EQ(w.Laid().front(), (Place{0, 0, 0, 300, 60}));
+TEST_F(FirstLayoutTest, EachFamilyHasItsOwnFirstScale) {
+    struct Case {
+        Layout eLayout;
+        const char* szFamily;
+        float fWidth; // of each page
+        float fHeight;
+        double dbScale;
+        std::int32_t nRotate;
+        double dbY;
+        float fScale;
+        Place expected;
+    };
+    constexpr auto kColumn = Layout::Continuous;
+    constexpr auto kSingle = Layout::Single;
+    constexpr const char* kDesktop = "Windows.Desktop";
+    constexpr const char* kMobile = "Windows.Mobile";
+    constexpr const char* kOther = "Windows.Holographic";
+    const Case cases[] = {
+        // The mobile fits the page at a scale of 1.0; what is asked for stands.
+        {kColumn, kMobile, 400, 200, 0.0, 0, 0, 1.0F, {0, 0, 0, 300, 150}},
+        {kColumn, kMobile, 100, 500, 0.0, 0, 0, 3.0F, {0, 0, 0, 300, 1500}},
+        {kColumn, kMobile, 100, 500, 2.0, 0, -40, 2.0F, {2, 50, -40, 200, 1000}},
+        {kColumn, kMobile, 100, 500, 0.0, 1, 0, 1.0F, {0, 0, 0, 300, 60}},
+        {kSingle, kMobile, 100, 400, 0.0, 0, -20, 2.4F, {3, 0, -20, 300, 1200}},
+        {kSingle, kMobile, 100, 400, 0.0, 1, -20, 1.0F, {3, 0, 212.5, 300, 75}},
+        {kSingle, kMobile, 100, 400, 9.0, 0, -20, 6.0F, {3, -7, -20, 750, 3000}},
+        // The desktop takes the control's fit, whatever is asked for.
+        {kColumn, kDesktop, 100, 200, 3.0, 0, 0, 1.5F, {1, 75, 0, 150, 300}},
+        {kSingle, kDesktop, 100, 400, 2.0, 0, -20, 1.5F, {3, 75, -20, 150, 600}},
+        {kSingle, kDesktop, 100, 400, 0.0, 0, -20, 1.5F, {3, 75, -20, 150, 600}},
+        {kSingle, kOther, 100, 400, 0.0, 0, -20, 2.4F, {3, 30, -20, 240, 960}},
+        {kSingle, kOther, 100, 400, 1.0, 0, -20, 1.0F, {3, 100, 50, 100, 400}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(::testing::Message() << c.szFamily << " " << c.expected);
+        w.SetLayout(c.eLayout);
+        w.SetFamily(c.szFamily);
+        w.Make(MakePages(5, c.fWidth, c.fHeight), 300, 500);
+        w.pOwner->dbFit = 1.5;
+        w.Viewer().SetRotate(c.nRotate);
+        w.Viewer().InitLayOut(c.expected.nPage, c.dbScale, -7, c.dbY);
+        EXPECT_EQ(w.Viewer().GetScale(), c.fScale);
+        EXPECT_EQ(w.Laid().front(), c.expected);
+        w.Viewer().InitLayOut(c.expected.nPage, c.dbScale, 1e9, -1e9); // never off the screen
+        const Place far = w.Laid().front();
+        EXPECT_TRUE(far.dbX <= std::max(0.0, (300.0 - far.nWidth) / 2));
+        EXPECT_TRUE(far.dbY + far.nHeight >= std::min(500.0, double(far.nHeight)));
+        w.ExpectSharp();
+    }
 }
 
 TEST_F(FirstLayoutTest, OtherFamiliesKeepTheScaleAndTheirOwnLimits) {
@@ -100,33 +125,35 @@ TEST_F(FirstLayoutTest, APlaceOffTheScreenIsBroughtBack) {
 }
 
 TEST_F(FirstLayoutTest, DegenerateScreensAndDocuments) {
-    for (const char* szFamily : {"Windows.Desktop", "Windows.Mobile", "Windows.Holographic"}) {
-        w.SetFamily(szFamily);
-        for (const float fSide : {0.0F, 1.0F}) {
-            w.Open(MakePages(3, 612, 792), fSide, fSide);
-            w.Viewer().MoveScreen(100, 100);
-            w.Viewer().PageScaled({0, 0}, 2.0, false, true);
-            w.Viewer().GotoPage(2);
-            w.Viewer().RotateViewer(1);
-            w.Resize(300, 500);
-            w.Viewer().InvaildateLayout();
-            w.Settle();
-            EXPECT_FALSE(w.Laid().empty()) << szFamily << fSide;
-            EXPECT_EQ(w.CountBlocks([](const auto& b) { return b.bIsDisplay && !b.bHasBitmap; }),
-                      0U);
+    for (const Layout eLayout : {Layout::Continuous, Layout::Single}) {
+        w.SetLayout(eLayout);
+        for (const char* szFamily : {"Windows.Desktop", "Windows.Mobile", "Windows.Holographic"}) {
+            w.SetFamily(szFamily);
+            for (const float fSide : {0.0F, 1.0F}) {
+                SCOPED_TRACE(::testing::Message() << szFamily << fSide);
+                w.Open(MakePages(3, 612, 792), fSide, fSide);
+                EXPECT_LT(w.CountBlocks([](const auto&) { return true; }), 5000U);
+                w.Viewer().MoveScreen(100, 100);
+                w.Viewer().AlignPageAfterScroll(100, 100);
+                w.Zoom({0, 0}, 2.0, true);
+                w.Viewer().GotoPage(2);
+                w.Viewer().RotateViewer(1);
+                w.Resize(300, 500);
+                w.Viewer().InvaildateLayout();
+                EXPECT_FALSE(w.Laid().empty());
+                w.ExpectSharp();
+            }
         }
-        // A page of a given scale on a screen of one pixel keeps few blocks.
-        w.Open(MakePages(1, 612, 792), 1, 1);
-        EXPECT_LT(w.CountBlocks([](const auto&) { return true; }), 5000U);
+        w.Make({}, 300, 500);
+        w.Viewer().InitLayOut(0, 0.0, 0.0, 0.0);
+        w.Viewer().GotoPage(3);
+        w.Viewer().MoveScreen(10, 10);
+        w.Viewer().InvaildateLayout();
+        w.Viewer().RotateViewer(1);
+        w.Viewer().GotoDestination(0, 6, {});
+        EXPECT_TRUE(w.Viewer().GetVisiblePages().empty());
+        EXPECT_EQ(w.Viewer().GetCurrentPageIndex(), 0);
     }
-    w.Make({}, 300, 500);
-    w.Viewer().InitLayOut(0, 0.0, 0.0, 0.0);
-    w.Viewer().GotoPage(3);
-    w.Viewer().MoveScreen(10, 10);
-    w.Viewer().InvaildateLayout();
-    w.Viewer().GotoDestination(0, 2, {});
-    EXPECT_TRUE(w.Viewer().GetVisiblePages().empty());
-    EXPECT_EQ(w.Viewer().GetCurrentPageIndex(), 0);
 }
 
 TEST_F(FirstLayoutTest, IndexesOutOfTheDocument) {
@@ -187,7 +214,6 @@ TEST_F(FirstLayoutTest, AResizeInTheSameOrientationKeepsThePlace) {
     w.Resize(320, 560);
     w.Viewer().InvaildateLayout();
     EXPECT_EQ(w.Laid().front(), (Place{1, 110, first.dbY, 100, 600}));
-    EXPECT_EQ(w.host.CountDebug("InvaildateLayout - UpdateViewer\n"), 1U);
 }
 
 TEST_F(FirstLayoutTest, AChangedOrientationFitsThePageAnew) {
@@ -234,6 +260,49 @@ TEST_F(FirstLayoutTest, TurningKeepsThePage) {
     EXPECT_EQ(w.Laid().front(), (Place{4, 100, 0, 200, 100}));
 }
 
+// Closed, it answers as without pages; after its end it refuses what would lay
+// out, draw or render.
+TEST_F(FirstLayoutTest, OperationsEndWithTheViewer) {
+    w.Open(MakePages(9, 100, 200), 300, 500);
+    vkit::PageViewerBase& viewer = w.Viewer();
+    viewer.CloseViewer();
+    EXPECT_TRUE(viewer.GetVisiblePages().empty());
+    EXPECT_FALSE(viewer.PagePointToDevicePoint(0, {1, 1})->bIsValid);
+    viewer.Dispose();
+    viewer.Dispose();
+    Windows::Foundation::Collections::PropertySet values;
+    const std::vector<std::function<void()>> operations = {
+        [&] { viewer.PageScaled({}, 1, false, true); },
+        [&] { viewer.MoveScreen(1, 1); },
+        [&] { viewer.AlignPageAfterScroll(0, 0); },
+        [&] { viewer.PageSizeChanged(0, 0); },
+        [&] { viewer.RotateViewer(1); },
+        [&] { viewer.InvaildateLayout(); },
+        [&] { viewer.InitLayOut(0, 0, 0, 0); },
+        [&] { viewer.GotoPage(0); },
+        [&] { viewer.GotoDestination(0, 2, {}); },
+        [&] { viewer.UpdateViewer(); },
+        [&] { viewer.OnRenderCanvas(nullptr); },
+        [&] { viewer.ClearCanvas(nullptr); },
+        [&] { viewer.ClearScreen(); },
+        [&] { viewer.CloseViewer(); },
+        [&] { viewer.SetNightMode(true); },
+        [&] { viewer.SetPageColors({}, {}); },
+        [&] { viewer.RedrawScreen(); },
+        [&] { viewer.UpdatePageAfterAnnotEdit(0); },
+        [&] { viewer.CancelRender(); },
+        [&] { viewer.ClearPagesBitmap(); },
+        [&] { viewer.GetPagePosition(); },
+        [&] { viewer.DevicePointToPagePoint({}); },
+        [&] { viewer.GetDisplayMatrix(0); },
+        [&] { viewer.SaveViewerState(values); },
+        [&] { viewer.GetVisiblePages(); },
+    };
+    for (std::size_t n = 0; n < operations.size(); ++n) {
+        EXPECT_THROW(operations[n](), Platform::ObjectDisposedException) << n;
+    }
+}
+
 TEST_F(FirstLayoutTest, TheStateToSave) {
     w.Make(MakePages(9, 400, 200), 300, 500);
     Windows::Foundation::Collections::PropertySet values;
@@ -249,69 +318,6 @@ TEST_F(FirstLayoutTest, TheStateToSave) {
     const Places before = w.Laid();
     w.Viewer().InitLayOut(1, 0.0, -30.0, -40.0);
     EXPECT_EQ(w.Laid(), before);
-}
-
-TEST_F(FirstLayoutTest, EveryOperationEndsWithTheViewer) {
-    w.Open(MakePages(9, 100, 200), 300, 500);
-    w.Viewer().CloseViewer();
-    EXPECT_TRUE(w.Viewer().GetVisiblePages().empty());
-    EXPECT_FALSE(w.Viewer().PagePointToDevicePoint(0, {1, 1})->bIsValid);
-    w.Viewer().Dispose();
-    w.Viewer().Dispose();
-    Windows::Foundation::Collections::PropertySet values;
-    vkit::PageViewerBase& viewer = w.Viewer();
-    const std::vector<std::function<void()>> operations = {
-        [&] { viewer.PageScaled({}, 1, false, true); },
-        [&] { viewer.MoveScreen(1, 1); },
-        [&] { viewer.RotateViewer(1); },
-        [&] { viewer.InvaildateLayout(); },
-        [&] { viewer.InitLayOut(0, 0, 0, 0); },
-        [&] { viewer.UpdateViewer(); },
-        [&] { viewer.OnRenderCanvas(nullptr); },
-        [&] { viewer.CloseViewer(); },
-        [&] { viewer.GotoPage(0); },
-        [&] { viewer.GetCurrentPageIndex(); },
-        [&] { viewer.GetScale(); },
-        [&] { viewer.SetScale(1); },
-        [&] { viewer.GetMinScale(); },
-        [&] { viewer.GetMaxScale(); },
-        [&] { viewer.GetRotate(); },
-        [&] { viewer.SetRotate(0); },
-        [&] { viewer.GetPagePosition(); },
-        [&] { viewer.DevicePointToPagePoint({}); },
-        [&] { viewer.GetPageScreenOffset(0); },
-        [&] { viewer.PagePointToDevicePoint(0, {}); },
-        [&] { viewer.PageRectToDeviceRect(0, {}); },
-        [&] { viewer.AlignPageAfterScroll(0, 0); },
-        [&] { viewer.ClearPagesBitmap(); },
-        [&] { viewer.PageSizeChanged(0, 0); },
-        [&] { viewer.GotoDestination(0, 2, {}); },
-        [&] { viewer.SetNightMode(true); },
-        [&] { viewer.RedrawScreen(); },
-        [&] { viewer.UpdatePageAfterAnnotEdit(0); },
-        [&] { viewer.PageRectToScreenRect(0, {}); },
-        [&] { viewer.ScreenRectToPageRect(0, {}); },
-        [&] { viewer.IsPointInPage({}); },
-        [&] { viewer.GetPageIndexAtPoint({}); },
-        [&] { viewer.AdjustPointInPage({}, 0); },
-        [&] { viewer.GetPageRectAtPoint({}, 0); },
-        [&] { viewer.ClearCanvas(nullptr); },
-        [&] { viewer.ClearScreen(); },
-        [&] { viewer.DeviceRectToPageRect(0, {}); },
-        [&] { viewer.GetDisplayMatrix(0); },
-        [&] { viewer.CancelRender(); },
-        [&] { viewer.GetPageBackgroundColor(); },
-        [&] { viewer.SetPageBackgroundColor({}); },
-        [&] { viewer.GetPageForegroundColor(); },
-        [&] { viewer.SetPageForegroundColor({}); },
-        [&] { viewer.SetPageColors({}, {}); },
-        [&] { viewer.SaveViewerState(values); },
-        [&] { viewer.GetVisiblePages(); },
-    };
-    EXPECT_EQ(operations.size(), 46U);
-    for (std::size_t n = 0; n < operations.size(); ++n) {
-        EXPECT_THROW(operations[n](), Platform::ObjectDisposedException) << n;
-    }
 }
 
 }

@@ -43,16 +43,6 @@ TEST_F(MoveTest, FillsFromTheTopAndTrimsWhatLeaves) {
                                          {3, 100, 440, 100, 200}}));
 }
 
-TEST_F(MoveTest, StopsAtBothEndsOfTheDocument) {
-    OpenTen();
-    After({{4, 0}, {-10, 0}});
-    EXPECT_EQ(w.Laid().front(), (Place{0, 100, 0, 100, 200}));
-    EXPECT_EQ(After({{1e6, 0}}).back(), (Place{9, 100, 300, 100, 200}));
-    const Places atEnd = w.Laid();
-    EXPECT_EQ(After({{50, 0}}), atEnd);
-    EXPECT_EQ(After({{-1e6, 0}}).front(), (Place{0, 100, 0, 100, 200}));
-}
-
 TEST_F(MoveTest, LessThanAPixelDoesNothing) {
     OpenTen();
     w.Settle();
@@ -118,14 +108,6 @@ TEST_F(MoveTest, SidewaysWithinTheWidestPage) {
     // A page that comes in takes the offset of the one before it.
     EXPECT_EQ(After({{300, 0}}).back(), (Place{3, -70, 345, 400, 200}));
     EXPECT_EQ(After({{0, -500}}).front().dbX, 0.0);
-}
-
-TEST_F(MoveTest, NarrowPagesAreCentredBesideWideOnes) {
-    w.Open({MakePage(400, 200), MakePage(100, 200), MakePage(400, 200)}, 300, 500);
-    EXPECT_EQ(w.Laid(),
-              (Places{{0, 0, 0, 400, 200}, {1, 100, 215, 100, 200}, {2, 0, 430, 400, 200}}));
-    // The first of the widest decides how far the others may go.
-    EXPECT_EQ(After({{0, 500}}).front().dbX, -100.0);
 }
 
 TEST_F(MoveTest, PagesWithoutASizeAreSkippedOver) {
@@ -208,7 +190,7 @@ TEST_F(MoveTest, WithoutALayoutOnlyTheResizeMoveAndAZoomMakeOne) {
     w.Viewer().PageSizeChanged(0, 0);
     EXPECT_EQ(w.Laid().front().dbY, 0.0);
     w.Viewer().ClearPagesBitmap();
-    w.Viewer().PageScaled({1, 1}, 2.0, false, true);
+    w.Zoom({1, 1}, 2.0, true);
     EXPECT_EQ(w.Laid().front(), (Place{0, 50, 0, 200, 400}));
 }
 

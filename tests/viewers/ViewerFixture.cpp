@@ -22,25 +22,23 @@ std::shared_ptr<pdf::PDFDoc> MakeEmptyDoc() {
 
 }
 
-ViewerWorld::ViewerWorld(Platform::Fake::TestHost::ManualPool kind) : host(kind) {
-    Start();
+ViewerWorld::ViewerWorld() : pFactory(std::make_shared<Platform::Fake::CountingGraphicsFactory>()) {
+    Start(pFactory);
 }
 
-ViewerWorld::ViewerWorld(Platform::Fake::TestHost::RealPool pool) : host(pool) {
-    Start();
+ViewerWorld::ViewerWorld(Platform::Fake::TestHost::RealPool pool)
+    : host(pool), pFactory(std::make_shared<Platform::Fake::CountingGraphicsFactory>()) {
+    Start(pFactory);
 }
 
-void ViewerWorld::Start() {
-    pFactory = std::make_shared<Platform::Fake::RecordingGraphicsFactory>();
-    pFactory->ComposePixels(false);
-    host.Environment().SetGraphicsFactory(pFactory);
+ViewerWorld::ViewerWorld(std::shared_ptr<Windows::Graphics::IGraphicsFactory> pDevice) {
+    Start(std::move(pDevice));
+}
+
+void ViewerWorld::Start(std::shared_ptr<Windows::Graphics::IGraphicsFactory> pDevice) {
+    host.Environment().SetGraphicsFactory(std::move(pDevice));
     host.Environment().SetLogicalDpi(72.0F);
     vkit::AppConfig::Init();
-}
-
-void ViewerWorld::ShowPixels() {
-    bPixels = true;
-    pFactory->ComposePixels(true);
 }
 
 ViewerWorld::~ViewerWorld() {
@@ -57,10 +55,8 @@ void ViewerWorld::Make(std::vector<ScriptedPage> pages, float fWidth, float fHei
     }
     pRegistration.reset();
     const bool bEmpty = pages.empty();
-    if (!bPixels) {
-        for (ScriptedPage& page : pages) {
-            page.ePaper = ScriptedPage::Paper::None;
-        }
+    for (ScriptedPage& page : pages) {
+        page.ePaper = pFactory ? ScriptedPage::Paper::None : ScriptedPage::Paper::Pattern;
     }
     pEngine = std::make_shared<ScriptedEngine>(std::move(pages));
     pRegistration = std::make_unique<ScriptedEngine::Registration>(pEngine);
@@ -74,7 +70,9 @@ void ViewerWorld::Make(std::vector<ScriptedPage> pages, float fWidth, float fHei
     MakeViewer();
     host.Dispatcher().RunAll();
     pEngine->ClearLog();
-    pFactory->ClearCalls();
+    if (pFactory) {
+        pFactory->ClearCalls();
+    }
 }
 
 void ViewerWorld::MakeViewer() {
@@ -125,6 +123,27 @@ std::size_t ViewerWorld::CountBlocks(
         nCount += std::count_if(item.blocks.begin(), item.blocks.end(), fnWanted);
     }
     return nCount;
+}
+
+void ViewerWorld::ExpectSharp() {
+    Settle();
+    const vkit::ViewerState state = State();
+    for (const vkit::PageItemState& item : state.items) {
+        for (const vkit::BlockState& block : item.blocks) {
+            EXPECT_EQ(block.bIsSharp && block.nBitmapWidth == block.screenRect.nWidth &&
+                          block.nBitmapHeight == block.screenRect.nHeight,
+                      block.bIsDisplay)
+                << "block " << block.nBlockId << " of page " << item.nPageIndex;
+        }
+    }
+    EXPECT_EQ(Rendering(), 0U);
+    EXPECT_EQ(state.nScaleCacheEntries, 0U);
+    EXPECT_EQ(state.nStandIns, 0U);
+    EXPECT_FALSE(state.bShowScaleSnapshot);
+    if (pFactory) {
+        EXPECT_EQ(pFactory->LiveBitmaps(),
+                  static_cast<std::int64_t>(Displayed() + state.nOverviews));
+    }
 }
 
 }

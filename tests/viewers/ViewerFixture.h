@@ -1,4 +1,4 @@
-// A viewer over the scripted engine, on the recording device.
+// A viewer over the scripted engine, on a device without pixels or on another one.
 //
 // One point is one pixel at scale 1.0. The pool and the dispatcher are stepped
 // by hand, so nothing renders until a test lets it.
@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "document/VLK_Document.h"
-#include "platform/fake/RecordingGraphicsFactory.h"
+#include "platform/fake/CountingGraphicsFactory.h"
 #include "platform/fake/TestHost.h"
 #include "surface/PDFViewCanvas.h"
 #include "tests/support/scripted_engine/ScriptedEngine.h"
@@ -83,17 +83,16 @@ enum class Layout { Continuous, Single };
 
 class ViewerWorld {
 public:
-    explicit ViewerWorld(Platform::Fake::TestHost::ManualPool kind = {});
+    ViewerWorld();
     explicit ViewerWorld(Platform::Fake::TestHost::RealPool pool);
+    // On this device; its pages have a pattern, which others leave out.
+    explicit ViewerWorld(std::shared_ptr<Windows::Graphics::IGraphicsFactory> pDevice);
     ~ViewerWorld();
     ViewerWorld(const ViewerWorld&) = delete;
     ViewerWorld& operator=(const ViewerWorld&) = delete;
 
     // The viewer that is made next; continuous unless told.
     void SetLayout(Layout eNext) { eLayout = eNext; }
-    Layout LaidOutAs() const { return eLayout; }
-    // From here on pages and frames have pixels; without them tests run faster.
-    void ShowPixels();
     // Makes document, canvas and viewer; nothing is laid out yet.
     void Make(std::vector<ScriptedPage> pages, float fWidth, float fHeight, float fScaleX = 1.0F,
               float fScaleY = 1.0F);
@@ -105,7 +104,7 @@ public:
     void Exchange(Layout eNext);
 
     vkit::PageViewerBase& Viewer() { return *pViewer; }
-    Platform::Fake::RecordingGraphicsFactory& Device() { return *pFactory; }
+    Platform::Fake::CountingGraphicsFactory& Device() { return *pFactory; }
     void Resize(float fWidth, float fHeight) { pPanel->Arrange({fWidth, fHeight}); }
     void SetFamily(const char* szFamily) { host.Environment().SetDeviceFamily(szFamily); }
 
@@ -114,15 +113,30 @@ public:
     vkit::PageItemState ItemOf(std::int32_t nPage) const;
     std::size_t CountBlocks(const std::function<bool(const vkit::BlockState&)>& fnWanted) const;
 
+    std::size_t Displayed() const {
+        return CountBlocks([](const auto& block) { return block.bIsDisplay; });
+    }
+    std::size_t Drawn() const { // sharp or not
+        return CountBlocks([](const auto& block) { return block.bIsDisplay && block.bHasBitmap; });
+    }
+    std::size_t Rendering() const {
+        return CountBlocks([](const auto& block) { return block.bIsRendering; });
+    }
+    // Once all has run what shows is sharp, and nothing else is kept.
+    void ExpectSharp();
+
     // Runs all that waits, pool and dispatcher, until the screen is at rest.
     void Settle() { host.Drain(); }
     std::int32_t Renders(std::int32_t nPage = ScriptedEngine::kAnyPage) const {
         return pEngine->Count(EngineOp::StartRender, nPage);
     }
     std::size_t Frames() const { return pFactory->Count(GraphicsCall::Present1); }
+    void Zoom(Point pt, double dbScale, bool bComplete) {
+        pViewer->PageScaled(pt, dbScale, false, bComplete);
+    }
 
     Platform::Fake::TestHost host;
-    std::shared_ptr<Platform::Fake::RecordingGraphicsFactory> pFactory;
+    std::shared_ptr<Platform::Fake::CountingGraphicsFactory> pFactory; // unless on another
     std::shared_ptr<ScriptedEngine> pEngine;
     std::unique_ptr<ScriptedEngine::Registration> pRegistration;
     std::shared_ptr<Windows::UI::Xaml::Controls::SwapChainPanel> pPanel;
@@ -133,11 +147,10 @@ public:
     std::shared_ptr<vkit::PageViewerBase> pViewer;
 
 private:
-    void Start();
+    void Start(std::shared_ptr<Windows::Graphics::IGraphicsFactory> pDevice);
     void MakeViewer();
 
     Layout eLayout = Layout::Continuous;
-    bool bPixels = false;
 };
 
 class ViewerTest : public ::testing::Test {
