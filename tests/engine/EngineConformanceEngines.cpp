@@ -70,41 +70,35 @@ std::string PdfOf(const DocumentDescription& description) {
 
 class MuPdfEngine final : public ConformanceEngine {
 public:
-    void Register() override { engines::mupdf::RegisterEngine(); }
-    std::shared_ptr<pdf::PDFDoc> Create(const DocumentDescription& description,
-                                        std::shared_ptr<MemoryReader>* ppReader) override {
-        *ppReader = std::make_shared<MemoryReader>(PdfOf(description));
-        return CreateDoc(*ppReader);
+    MuPdfEngine() { engines::mupdf::RegisterEngine(); }
+    std::shared_ptr<MemoryReader> MakeReader(const DocumentDescription& description) override {
+        return std::make_shared<MemoryReader>(PdfOf(description));
     }
 };
 
 class Scripted final : public ConformanceEngine {
 public:
-    void Register() override {
-        m_pEngine = std::make_shared<ScriptedEngine>();
-        m_pRegistration = std::make_unique<ScriptedEngine::Registration>(m_pEngine);
-    }
-    std::shared_ptr<pdf::PDFDoc> Create(const DocumentDescription& description,
-                                        std::shared_ptr<MemoryReader>* ppReader) override {
+    std::shared_ptr<MemoryReader> MakeReader(const DocumentDescription& description) override {
         m_pEngine->SetPages(description.pages);
         m_pEngine->SetPasswords(description.strUserPassword, description.strOwnerPassword);
         m_pEngine->SetPermissions(0xFFFFFFFCU);
-        m_pEngine->SetLoadReads(true);
-        *ppReader = std::make_shared<MemoryReader>("the bytes of a document");
-        return CreateDoc(*ppReader);
+        return std::make_shared<MemoryReader>("the bytes of a document");
     }
 
 private:
-    std::shared_ptr<ScriptedEngine> m_pEngine;
-    std::unique_ptr<ScriptedEngine::Registration> m_pRegistration;
+    const std::shared_ptr<ScriptedEngine> m_pEngine = std::make_shared<ScriptedEngine>();
+    const ScriptedEngine::Registration m_registration{m_pEngine};
 };
+
+template <class Engine>
+std::unique_ptr<ConformanceEngine> Make() {
+    return std::make_unique<Engine>();
+}
 
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Engines, EngineConformance,
-    ::testing::Values(ConformanceCase{"MuPdf", [] { return std::make_unique<MuPdfEngine>(); }},
-                      ConformanceCase{"Scripted", [] { return std::make_unique<Scripted>(); }}),
-    [](const auto& info) { return info.param.strName; });
+std::vector<ConformanceCase> ConformanceCases() {
+    return {{"MuPdf", Make<MuPdfEngine>}, {"Scripted", Make<Scripted>}};
+}
 
 }
