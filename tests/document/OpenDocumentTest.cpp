@@ -47,8 +47,6 @@ TEST_F(OpenDocumentTest, GoodFileOpensOnThePoolAndTellsItsFacts) {
     EXPECT_EQ(document.FileSize(), 2000U);
     EXPECT_EQ(document.File(), pFile);
     EXPECT_EQ(document.RenderFlags(), 3U);
-    EXPECT_FALSE(document.PasswordApplied());
-    EXPECT_FALSE(document.DeleteFileOnClose());
     EXPECT_EQ(m_calls.Count("pread"), 1) << "the engine reads from the head in memory";
     EXPECT_EQ(m_pEngine->Count(EngineOp::GetPage), 0) << "no page is touched";
 }

@@ -2,7 +2,6 @@
 // the owner hears and on which thread.
 #include <thread>
 
-#include "document/Conversion.h"
 #include "platform/foundation/Exception.h"
 #include "tests/document/DocumentFixture.h"
 
@@ -15,23 +14,8 @@ using vkit::VLK_Document;
 using vkit::WPPDFPage;
 using Windows::Foundation::Rect;
 
-class PageTableTest : public SteppedDocumentTest {
-protected:
-    // Leaves page 0 in the table without its engine page: the clear ends at
-    // the second page, whose handler fails.
-    static void DropFirstPage(VLK_Document& document, RecordingOwner& owner) {
-        document.GetPageSize(0);
-        document.GetPageSize(1);
-        owner.fnOnUnloaded = [](std::int32_t nPageIndex) {
-            if (nPageIndex == 1) {
-                throw Platform::AccessDeniedException();
-            }
-        };
-        EXPECT_THROW(document.ClearPageInfoVector(), Platform::AccessDeniedException);
-        owner.fnOnUnloaded = nullptr;
-        owner.TakeEvents();
-    }
-};
+using PageTableTest = SteppedDocumentTest;
+using LoadPageTest = SteppedDocumentTest;
 
 TEST_F(PageTableTest, SizeMakesTheEntryOnceAndTellsTheOwnerAtOnce) {
     m_pEngine->SetPages({MakePage(100, 200), MakePage(300, 400, 1), MakePage(100, 200)});
@@ -136,8 +120,7 @@ TEST_F(PageTableTest, DroppedPageComesBackWhole) {
     pages[0].nParseSteps = 3;
     m_pEngine->SetPages(std::move(pages));
     const DocumentPtr pDocument = WrapDocument();
-    DropFirstPage(*pDocument, *m_pOwner);
-    m_host.ClearDebug();
+    pDocument->InsertPageEntry(std::make_shared<WPPDFPage>(), 0);
     m_pEngine->FailCall(EngineOp::StartParse, 1);
     EXPECT_THROW(pDocument->ReLoadPageIndex(0), EngineException);
     EXPECT_EQ(m_host.DebugOutput(), Texts{"ReLoadPageIndex:0\n"});
@@ -201,16 +184,6 @@ TEST_F(PageTableTest, HandlersMayFailAndCallBack) {
         << "the inner close tells of each page, the outer clear then stops";
     EXPECT_EQ(m_pEngine->LivePages(), 0);
 }
-
-TEST(PageBoxTest, NegativeSidesAreTurned) {
-    EXPECT_EQ(vkit::detail::ToPlatformRect({10, 20, 110, 220}), Rect(10, 20, 100, 200));
-    EXPECT_EQ(vkit::detail::ToPlatformRect({110, 220, 10, 20}), Rect(10, 20, 100, 200));
-    EXPECT_EQ(vkit::detail::ToPlatformRect({-5, 0, -5, -7}), Rect(-5, -7, 0, 7));
-}
-
-// --- loading a page ---
-
-class LoadPageTest : public PageTableTest {};
 
 TEST_F(LoadPageTest, FirstLoadMakesTheEntryAndAHandleOfItsOwn) {
     std::vector<ScriptedPage> pages = MakePages(2);

@@ -22,22 +22,17 @@ public:
     std::function<void(std::int32_t)> fnOnUnloaded;
     std::function<void(const vkit::RenderPageEventArgs&)> fnOnRendered;
 
-    void RaisePageLoaded(const std::shared_ptr<pdf::PDFDoc>& pPdfDoc,
-                         std::int32_t nPageIndex) override {
-        Note("loaded ", nPageIndex, pPdfDoc != nullptr);
-        Call(fnOnLoaded, nPageIndex);
+    void RaisePageLoaded(const std::shared_ptr<pdf::PDFDoc>&, std::int32_t nPageIndex) override {
+        Note("loaded ", nPageIndex, fnOnLoaded, nPageIndex);
     }
-    void RaisePageUnloaded(const std::shared_ptr<pdf::PDFDoc>& pPdfDoc,
-                           std::int32_t nPageIndex) override {
-        Note("unloaded ", nPageIndex, pPdfDoc != nullptr);
-        Call(fnOnUnloaded, nPageIndex);
+    void RaisePageUnloaded(const std::shared_ptr<pdf::PDFDoc>&, std::int32_t nPageIndex) override {
+        Note("unloaded ", nPageIndex, fnOnUnloaded, nPageIndex);
     }
     void RaisePageFailure(std::int32_t nPageIndex) override {
-        Note("failure of ", nPageIndex, true);
+        Note("failure of ", nPageIndex, std::function<void(std::int32_t)>(), nPageIndex);
     }
     void RaiseRenderPage(const std::shared_ptr<vkit::RenderPageEventArgs>& pArgs) override {
-        Note("rendered ", pArgs->PageIndex, pArgs->Renderer != nullptr);
-        Call(fnOnRendered, *pArgs);
+        Note("rendered ", pArgs->PageIndex, fnOnRendered, *pArgs);
     }
 
     std::vector<std::string> TakeEvents() {
@@ -46,14 +41,13 @@ public:
     }
 
 private:
-    void Note(const char* szEvent, std::int32_t nPageIndex, bool bComplete) {
-        const std::lock_guard<std::mutex> lock(m_lock);
-        m_events.push_back(szEvent + std::to_string(nPageIndex) +
-                           (Platform::Fake::OffUiScope::IsActive() ? " off ui" : "") +
-                           (bComplete ? "" : " incomplete"));
-    }
     template <class F, class Arg>
-    static void Call(const F& fnHandler, const Arg& arg) {
+    void Note(const char* szEvent, std::int32_t nPageIndex, const F& fnHandler, const Arg& arg) {
+        {
+            const std::lock_guard<std::mutex> lock(m_lock);
+            m_events.push_back(szEvent + std::to_string(nPageIndex) +
+                               (Platform::Fake::OffUiScope::IsActive() ? " off ui" : ""));
+        }
         if (fnHandler) {
             fnHandler(arg);
         }
