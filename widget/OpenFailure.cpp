@@ -74,6 +74,13 @@ QString ReasonOf(ErrorCode eCode) {
     return QString::fromLatin1(WordsOf(eCode));
 }
 
+QString NoSuchPage(const QString& strTyped, int nPageCount) {
+    const QString strNone = QStringLiteral("There is no page “%1”. ").arg(strTyped);
+    return nPageCount == 1
+               ? strNone + QStringLiteral("The document has one page.")
+               : strNone + QStringLiteral("Type a number from 1 to %1.").arg(nPageCount);
+}
+
 QString ReasonOf(const std::exception_ptr& pError) {
     try {
         std::rethrow_exception(pError);

@@ -14,6 +14,9 @@ namespace velko::vkit {
 // For any code but success.
 QString ReasonOf(velko::common::ErrorCode eCode);
 
+// For what a reader typed as a page, and no page or place of the document is called.
+QString NoSuchPage(const QString& strTyped, int nPageCount);
+
 // For a failure of the platform, of the engine or of a host's handler.
 QString ReasonOf(const std::exception_ptr& pError);
 

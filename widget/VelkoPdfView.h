@@ -263,6 +263,7 @@ private:
     void FollowAction(const std::shared_ptr<velko::pdf::IAction>& pAction);
     void FollowPage(const LinkToPage& target);
     void FollowStep(LinkStep eStep);
+    void Find(const QString& strName, const QString& strRefusal);
 
     const std::shared_ptr<PDFViewCtrl> m_pControl;
     Platform::Qt::QtElementWindow* m_pWindow; // a child

@@ -5,6 +5,7 @@
 #include "document/engine/PDFDoc.h"
 #include "platform/concurrency/Task.h"
 #include "widget/LinkTarget.h"
+#include "widget/OpenFailure.h"
 #include "widget/VelkoPdfView.h"
 
 namespace velko::vkit {
@@ -41,7 +42,8 @@ void VelkoPdfView::FollowPage(const LinkToPage& target) {
     if (target.pAction) {
         FollowAction(target.pAction);
     } else if (!target.strName.isEmpty()) {
-        JumpToName(target.strName);
+        Find(target.strName,
+             QStringLiteral("This link leads to a place that the document does not have."));
     } else {
         JumpToPage(target.nPage);
     }
@@ -79,6 +81,11 @@ void VelkoPdfView::FollowStep(LinkStep eStep) {
 }
 
 void VelkoPdfView::JumpToName(const QString& strName) {
+    Find(strName, NoSuchPage(strName, PageCount()));
+}
+
+// Goes to the place of that name once it is found.
+void VelkoPdfView::Find(const QString& strName, const QString& strRefusal) {
     const auto pDocument = HasDocument() ? m_pControl->GetPDFDoc() : nullptr;
     if (!pDocument) {
         return;
@@ -87,7 +94,7 @@ void VelkoPdfView::JumpToName(const QString& strName) {
         return FindName(pDocument, strUtf8);
     };
     concurrency::create_task(fnFind).then(
-        [pView = QPointer<VelkoPdfView>(this), strName,
+        [pView = QPointer<VelkoPdfView>(this), strRefusal,
          pDocument](const concurrency::task<std::shared_ptr<IAction>>& finding) {
             const auto pAction = finding.is_value() ? finding.get() : nullptr;
             if (!pView || pView->m_pControl->GetPDFDoc() != pDocument) {
@@ -96,8 +103,7 @@ void VelkoPdfView::JumpToName(const QString& strName) {
             if (pAction) {
                 pView->FollowAction(pAction);
             } else {
-                emit pView->LinkRefused(
-                    QStringLiteral("This document has no place named “%1”.").arg(strName));
+                emit pView->LinkRefused(strRefusal);
             }
         });
 }

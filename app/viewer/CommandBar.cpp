@@ -1,17 +1,19 @@
 #include "app/viewer/CommandBar.h"
 
 #include <QAction>
-#include <QComboBox>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QLineEdit>
+#include <QMenu>
 #include <QPainter>
 #include <array>
 #include <cmath>
+#include <optional>
 
 #include "app/viewer/GlyphButton.h"
+#include "app/viewer/ValueField.h"
+#include "widget/OpenFailure.h"
 
 namespace velko::viewer {
 
@@ -21,9 +23,17 @@ namespace {
 
 constexpr double kPercent = 100.0;
 constexpr std::array kPercentChoices{50, 75, 100, 125, 150, 200, 300, 400};
-const QString kFitPage = QStringLiteral("Fit page");
-const QString kFitWidth = QStringLiteral("Fit width");
-const QString kFitHeight = QStringLiteral("Fit height");
+
+QString PercentText(long nPercent) {
+    return QStringLiteral("%1 %").arg(nPercent);
+}
+
+// With a decimal point or comma, with or without the sign.
+std::optional<double> PercentOf(QString strText) {
+    bool bNumber = false;
+    const double dbPercent = strText.remove('%').replace(',', '.').trimmed().toDouble(&bNumber);
+    return bNumber && dbPercent > 0.0 ? std::optional(dbPercent) : std::nullopt;
+}
 
 // From what stays to what goes first.
 enum Rank { kStays, kPageButtons, kZoomField, kZoomButtons, kFits, kViews, kRotation };
@@ -74,40 +84,49 @@ void CommandBar::AddButton(Glyph eGlyph, Command eCommand, int nRank) {
 void CommandBar::MakePageParts() {
     constexpr int kPageFieldWidth = 52;
     AddButton(Glyph::Previous, Command::PreviousPage, kPageButtons);
-    m_pPage = new QLineEdit(this);
-    m_pPage->setFixedWidth(kPageFieldWidth);
-    m_pPage->setAlignment(Qt::AlignRight);
-    m_pPage->setAccessibleName("Page");
+    m_pPage = new ValueField("Page", kPageFieldWidth, this);
     m_pPage->setToolTip("Page number, or the name of a place (Ctrl+L)");
-    m_pPage->installEventFilter(this);
     Add(m_pPage, kStays);
     m_pCount = new QLabel(this);
     Add(m_pCount, kStays);
     AddButton(Glyph::Next, Command::NextPage, kPageButtons);
-    connect(m_pPage, &QLineEdit::returnPressed, this, &CommandBar::TakePage);
+    connect(m_pPage, &ValueField::Taken, this, &CommandBar::TakePage);
+    connect(m_pPage, &ValueField::Left, this, &CommandBar::ToPages);
 }
 
 void CommandBar::MakeZoomParts() {
-    constexpr int kZoomFieldWidth = 104;
+    constexpr int kZoomFieldWidth = 70;
+    constexpr int kChoicesWidth = 22;
     AddButton(Glyph::ZoomOut, Command::ZoomOut, kZoomButtons);
-    m_pZoom = new QComboBox(this);
-    m_pZoom->setEditable(true);
-    m_pZoom->setInsertPolicy(QComboBox::NoInsert);
-    m_pZoom->setCompleter(nullptr);
-    m_pZoom->setFixedWidth(kZoomFieldWidth);
-    m_pZoom->setAccessibleName("Zoom");
-    m_pZoom->addItems({kFitPage, kFitWidth, kFitHeight});
-    m_pZoom->insertSeparator(m_pZoom->count());
-    for (const int nPercent : kPercentChoices) {
-        m_pZoom->addItem(QStringLiteral("%1 %").arg(nPercent));
-    }
-    m_pZoom->setMaxVisibleItems(m_pZoom->count());
-    m_pZoom->lineEdit()->installEventFilter(this);
+    m_pZoom = new ValueField("Zoom", kZoomFieldWidth, this);
+    m_pZoom->setToolTip("Zoom in percent; the arrow down key has a choice");
+    m_pZoom->installEventFilter(this);
     Add(m_pZoom, kZoomField);
+    m_pChoices = new GlyphButton(Glyph::Down, nullptr, this);
+    m_pChoices->SetWidth(kChoicesWidth);
+    m_pChoices->setAccessibleName("Zoom choices");
+    m_pChoices->setToolTip("Zoom choices");
+    Add(m_pChoices, kZoomField);
     AddButton(Glyph::ZoomIn, Command::ZoomIn, kZoomButtons);
-    connect(m_pZoom, &QComboBox::textActivated, this, &CommandBar::TakeZoom);
-    connect(m_pZoom->lineEdit(), &QLineEdit::returnPressed, this,
-            [this] { TakeZoom(m_pZoom->currentText()); });
+    connect(m_pZoom, &ValueField::Taken, this, &CommandBar::TakeZoom);
+    connect(m_pZoom, &ValueField::Left, this, &CommandBar::ToPages);
+    connect(m_pChoices, &QToolButton::clicked, this, &CommandBar::OpenChoices);
+}
+
+QMenu* CommandBar::MakeChoices() {
+    auto* const pMenu = new QMenu(this);
+    pMenu->addActions({m_commands[Command::FitPage], m_commands[Command::FitWidth],
+                       m_commands[Command::FitHeight]});
+    pMenu->addSeparator();
+    for (const int nPercent : kPercentChoices) {
+        QAction* const pAction = pMenu->addAction(PercentText(nPercent));
+        connect(pAction, &QAction::triggered, this, [this, nPercent] {
+            m_view.ZoomTo(nPercent / kPercent);
+            ToPages();
+            emit Done();
+        });
+    }
+    return pMenu;
 }
 
 void CommandBar::MakeViewParts() {
@@ -150,61 +169,72 @@ void CommandBar::resizeEvent(QResizeEvent* /*pEvent*/) {
 
 // --- fields ----------------------------------------------------------------
 
-// What the reader types is left alone.
 void CommandBar::FollowView() {
     const bool bShown = m_view.PageCount() > 0;
     m_pPage->setEnabled(bShown);
     m_pZoom->setEnabled(bShown);
+    m_pChoices->setEnabled(bShown);
     m_pCount->setText(bShown ? QStringLiteral("of %1").arg(m_view.PageCount()) : QString());
-    if (!m_pPage->hasFocus() || !m_pPage->isModified()) {
-        m_pPage->setText(bShown ? QString::number(m_view.CurrentPage() + 1) : QString());
-    }
-    if (!m_pZoom->hasFocus() || !m_pZoom->lineEdit()->isModified()) {
-        m_pZoom->setEditText(
-            bShown ? QStringLiteral("%1 %").arg(std::lround(m_view.Zoom() * kPercent)) : QString());
-    }
+    m_pPage->Show(bShown ? QString::number(m_view.CurrentPage() + 1) : QString());
+    m_pZoom->Show(bShown ? PercentText(std::lround(m_view.Zoom() * kPercent)) : QString());
 }
 
-void CommandBar::TakePage() {
-    const QString strText = m_pPage->text().trimmed();
-    bool bNumber = false;
-    const int nPage = strText.toInt(&bNumber);
-    m_pPage->setModified(false);
+void CommandBar::ToPages() {
     m_view.setFocus();
+}
+
+// A number that is refused can be typed anew at once.
+void CommandBar::TakePage(const QString& strText) {
+    bool bNumber = false;
+    const qlonglong nPage = strText.toLongLong(&bNumber);
+    if (bNumber && (nPage < 1 || nPage > m_view.PageCount())) {
+        emit Refused(vkit::NoSuchPage(strText, m_view.PageCount()));
+        return;
+    }
+    ToPages();
+    emit Done(); // before a name is looked for, which may be refused
     if (bNumber) {
-        m_view.JumpToPage(nPage - 1);
-    } else if (!strText.isEmpty()) {
+        m_view.JumpToPage(static_cast<int>(nPage) - 1);
+    } else {
         m_view.JumpToName(strText);
     }
-    FollowView(); // also when the page asked for was the page shown
 }
 
 void CommandBar::TakeZoom(const QString& strText) {
-    bool bNumber = false;
-    const double dbPercent = QString(strText).remove('%').trimmed().toDouble(&bNumber);
-    m_pZoom->lineEdit()->setModified(false);
-    m_view.setFocus();
-    if (strText == kFitWidth) {
-        m_view.SetFit(VelkoPdfView::Fit::Width);
-    } else if (strText == kFitPage) {
-        m_view.SetFit(VelkoPdfView::Fit::Page);
-    } else if (strText == kFitHeight) {
-        m_view.SetFit(VelkoPdfView::Fit::Height);
-    } else if (bNumber && dbPercent > 0.0) {
-        m_view.ZoomTo(dbPercent / kPercent);
+    const auto dbPercent = PercentOf(strText);
+    if (!dbPercent) {
+        emit Refused(
+            QStringLiteral("“%1” is no zoom. Type a percentage, such as 120.").arg(strText));
+        return;
     }
-    FollowView();
+    m_view.ZoomTo(*dbPercent / kPercent);
+    ToPages();
+    emit Done();
 }
 
 bool CommandBar::eventFilter(QObject* pWatched, QEvent* pEvent) {
     if (pEvent->type() == QEvent::KeyPress &&
-        static_cast<QKeyEvent*>(pEvent)->key() == Qt::Key_Escape) {
-        qobject_cast<QLineEdit*>(pWatched)->setModified(false);
-        m_view.setFocus();
-        FollowView();
+        static_cast<QKeyEvent*>(pEvent)->key() == Qt::Key_Down) {
+        OpenChoices();
         return true;
     }
     return QWidget::eventFilter(pWatched, pEvent);
+}
+
+// From whatever of the bar has the keys.
+void CommandBar::keyPressEvent(QKeyEvent* pEvent) {
+    if (pEvent->key() == Qt::Key_Escape) {
+        ToPages();
+    } else {
+        QWidget::keyPressEvent(pEvent);
+    }
+}
+
+void CommandBar::OpenChoices() {
+    if (m_pChoicesMenu == nullptr) {
+        m_pChoicesMenu = MakeChoices();
+    }
+    m_pChoicesMenu->popup(m_pZoom->mapToGlobal(QPoint(0, m_pZoom->height() + 2)));
 }
 
 void CommandBar::OpenMenu() {

@@ -13,14 +13,13 @@
 #include "app/viewer/MainMenu.h"
 #include "widget/VelkoPdfView.h"
 
-class QComboBox;
 class QHBoxLayout;
 class QLabel;
-class QLineEdit;
 
 namespace velko::viewer {
 
 class GlyphButton;
+class ValueField;
 
 class CommandBar : public QWidget {
     Q_OBJECT
@@ -38,7 +37,12 @@ public:
     QString PageText() const;
     QString CountText() const;
 
+signals:
+    void Done();                            // what a field asked for
+    void Refused(const QString& strReason); // what a field asked for cannot be
+
 protected:
+    void keyPressEvent(QKeyEvent* pEvent) override;
     void paintEvent(QPaintEvent* pEvent) override;
     void resizeEvent(QResizeEvent* pEvent) override;
     bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
@@ -58,17 +62,22 @@ private:
     void FollowView();
     void ShowWhatFits();
     int WidthUpTo(int nRank) const;
-    void TakePage();
+    void TakePage(const QString& strText);
     void TakeZoom(const QString& strText);
+    void ToPages();
+    void OpenChoices();
+    QMenu* MakeChoices();
 
     vkit::VelkoPdfView& m_view;
     const Commands& m_commands;
     QHBoxLayout* m_pLayout;
     MainMenu* m_pMenu;                    // a child
     GlyphButton* m_pMenuButton = nullptr; // these too
-    QLineEdit* m_pPage = nullptr;
+    ValueField* m_pPage = nullptr;
     QLabel* m_pCount = nullptr;
-    QComboBox* m_pZoom = nullptr;
+    ValueField* m_pZoom = nullptr;
+    GlyphButton* m_pChoices = nullptr;
+    QMenu* m_pChoicesMenu = nullptr; // when first needed
     std::vector<Part> m_parts;
 };
 

@@ -127,6 +127,7 @@ Commands::Commands(VelkoPdfView& view, QWidget* pWindow) : QObject(pWindow), m_v
         connect(pAction, &QAction::triggered, this, [this, &entry] {
             if (entry.fnRun != nullptr) {
                 entry.fnRun(m_view);
+                emit Done();
             } else {
                 emit Wanted(entry.eCommand);
             }

@@ -56,6 +56,7 @@ public:
     void SetFullScreen(bool bFull);
 
 signals:
+    void Done(); // a command of the view's
     // A command that is the window's to carry out.
     void Wanted(velko::viewer::Command eCommand);
 

@@ -5,6 +5,8 @@
 #include <QPainter>
 #include <QToolTip>
 
+#include "app/viewer/FocusRing.h"
+
 namespace velko::viewer {
 
 namespace {
@@ -35,7 +37,7 @@ GlyphButton::GlyphButton(Glyph eGlyph, QAction* pAction, QWidget* pParent)
 }
 
 QSize GlyphButton::sizeHint() const {
-    return {kSide, kSide};
+    return {m_nWidth, kSide};
 }
 
 bool GlyphButton::event(QEvent* pEvent) {
@@ -53,13 +55,14 @@ void GlyphButton::paintEvent(QPaintEvent* /*pEvent*/) {
     const auto eGroup = isEnabled() ? QPalette::Active : QPalette::Disabled;
     const QColor color = palette().color(eGroup, QPalette::WindowText);
     const bool bLow = isDown() || isChecked();
-    if (bLow || (underMouse() && isEnabled()) || hasFocus()) {
+    if (bLow || (underMouse() && isEnabled())) {
         QColor back = color;
         back.setAlpha(bLow ? kPressAlpha : kHoverAlpha);
         painter.setPen(Qt::NoPen);
         painter.setBrush(back);
         painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), kCorner, kCorner);
     }
+    DrawFocusRing(painter, *this);
     painter.translate((width() - kGlyphSide) / 2.0, (height() - kGlyphSide) / 2.0);
     painter.setPen(QPen(color, kStroke, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.setBrush(Qt::NoBrush);

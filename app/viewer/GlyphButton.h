@@ -15,6 +15,7 @@ public:
     // Without an action the caller says what the button does.
     GlyphButton(Glyph eGlyph, QAction* pAction, QWidget* pParent);
 
+    void SetWidth(int nWidth) { m_nWidth = nWidth; } // Qt's units
     QSize sizeHint() const override;
 
 protected:
@@ -23,6 +24,7 @@ protected:
 
 private:
     const QPainterPath m_outline;
+    int m_nWidth = 30;
 };
 
 }

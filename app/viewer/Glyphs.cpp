@@ -114,6 +114,12 @@ QPainterPath FullScreen() {
     return path;
 }
 
+QPainterPath Down() {
+    QPainterPath path;
+    Line(path, {{6.5, 8.5}, {10.0, 12.0}, {13.5, 8.5}});
+    return path;
+}
+
 QPainterPath Close() {
     QPainterPath path;
     Line(path, {{5.5, 5.5}, {14.5, 14.5}});
@@ -153,6 +159,8 @@ QPainterPath OutlineOf(Glyph eGlyph) {
             return FullScreen();
         case Glyph::Close:
             return Close();
+        case Glyph::Down:
+            return Down();
     }
     return {};
 }

@@ -23,7 +23,8 @@ enum class Glyph {
     SinglePage,
     Night,
     FullScreen,
-    Close
+    Close,
+    Down
 };
 
 QPainterPath OutlineOf(Glyph eGlyph);

@@ -15,11 +15,15 @@
 
 #include "app/viewer/CommandBar.h"
 #include "app/viewer/DarkPalette.h"
+#include "app/viewer/Hint.h"
 #include "app/viewer/NoticeBar.h"
 #include "app/viewer/RecentMenu.h"
 #include "app/viewer/StartPane.h"
+#include "app/viewer/TopEdge.h"
 #include "app/viewer/ViewerSettings.h"
 #include "platform/qt/QtElementWindow.h"
+#include "platform/storage/ApplicationData.h"
+#include "widget/StoreNotice.h"
 #include "widget/VelkoRuntime.h"
 
 namespace velko::viewer {
@@ -46,7 +50,8 @@ std::vector<FilePath> DraggedFiles(const QMimeData& data) {
 }
 
 MainWindow::MainWindow(std::shared_ptr<vkit::PDFViewCtrl> pControl, QSize size)
-    : m_pView(new VelkoPdfView(std::move(pControl), this)) {
+    : m_pView(new VelkoPdfView(std::move(pControl), this)),
+      m_pTopEdge(new TopEdge(m_pView->Window(), CommandBar::kHeight, this)) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAcceptDrops(true);
     setFocusProxy(m_pView);
@@ -63,9 +68,14 @@ void MainWindow::ConnectView() {
     connect(m_pView, &VelkoPdfView::StateChanged, this, &MainWindow::OnState);
     connect(m_pView, &VelkoPdfView::OpenFailed, this, &MainWindow::OnOpenFailed);
     connect(m_pView, &VelkoPdfView::ViewChanged, this, &MainWindow::FollowColors);
-    connect(m_pView, &VelkoPdfView::Failed, this,
-            [this](const QString& strReason) { NoticeLine().Tell(strReason); });
+    connect(m_pView, &VelkoPdfView::Failed, this, &MainWindow::TellFailure);
+    connect(m_pView, &VelkoPdfView::PageChanged, this, [this] {
+        if (m_pNotice != nullptr) {
+            m_pNotice->OnPageChanged();
+        }
+    });
     m_pView->Window().installEventFilter(this);
+    connect(m_pTopEdge, &TopEdge::Changed, this, &MainWindow::PlaceParts);
     // After the paint with the first page; or when that one is slow to come.
     connect(
         m_pView, &VelkoPdfView::Painted, this,
@@ -99,22 +109,30 @@ void MainWindow::Begin(const FilePath& path, VelkoPdfView::Opening opening) {
 
 // --- places ----------------------------------------------------------------
 
+// In the full screen the bar, when it is called, lies over the pages; only with a
+// notice below it, it takes room.
 int MainWindow::BarHeight() const {
-    return isFullScreen() ? 0 : CommandBar::kHeight;
+    const bool bOver = isFullScreen() && (!m_pTopEdge->IsCalled() || Notice().isEmpty());
+    return bOver ? 0 : CommandBar::kHeight;
 }
 
 void MainWindow::PlaceParts() {
     const int nBar = BarHeight();
-    m_pView->setGeometry(0, nBar, width(), height() - nBar);
+    const int nNotice = Notice().isEmpty() ? 0 : m_pNotice->RoomFor(width());
+    m_pView->setGeometry(0, nBar + nNotice, width(), height() - nBar - nNotice);
+    if (m_pNotice != nullptr) {
+        m_pNotice->setGeometry(0, nBar, width(), nNotice);
+    }
     if (m_pBar != nullptr) {
         m_pBar->setGeometry(0, 0, width(), CommandBar::kHeight);
-        m_pBar->setVisible(nBar > 0);
+        m_pBar->setVisible(!isFullScreen() || m_pTopEdge->IsCalled());
+        m_pBar->raise();
     }
     if (m_pMessage != nullptr) {
         m_pMessage->setGeometry(m_pView->geometry());
     }
-    if (m_pNotice != nullptr) {
-        m_pNotice->setGeometry(0, nBar, width(), m_pNotice->RoomFor(width()));
+    if (m_pHint != nullptr) {
+        m_pHint->Place();
     }
     if (m_pTarget != nullptr) {
         const QSize size = m_pTarget->sizeHint().boundedTo({width() * 3 / 4, height()});
@@ -128,7 +146,9 @@ void MainWindow::resizeEvent(QResizeEvent* /*pEvent*/) {
 
 void MainWindow::changeEvent(QEvent* pEvent) {
     if (pEvent->type() == QEvent::WindowStateChange) {
+        m_pTopEdge->SetWatching(isFullScreen());
         PlaceParts();
+        SayHowToLeave();
         if (m_pCommands != nullptr) {
             m_pCommands->SetFullScreen(isFullScreen());
         }
@@ -138,7 +158,7 @@ void MainWindow::changeEvent(QEvent* pEvent) {
 
 void MainWindow::paintEvent(QPaintEvent* /*pEvent*/) {
     QPainter painter(this);
-    painter.fillRect(0, 0, width(), BarHeight(), palette().window());
+    painter.fillRect(0, 0, width(), m_pView->y(), palette().window());
 }
 
 void MainWindow::CompleteBar() {
@@ -147,7 +167,12 @@ void MainWindow::CompleteBar() {
     }
     m_pCommands = new Commands(*m_pView, this);
     connect(m_pCommands, &Commands::Wanted, this, &MainWindow::CarryOut);
+    connect(m_pCommands, &Commands::Done, this, &MainWindow::OnDone);
     m_pBar = new CommandBar(*m_pView, *m_pCommands, this);
+    connect(m_pBar, &CommandBar::Done, this, &MainWindow::OnDone);
+    connect(m_pBar, &CommandBar::Refused, this,
+            [this](const QString& strReason) { NoticeLine().Tell(strReason); });
+    m_pTopEdge->SetBar(m_pBar);
     RecentMenu& recent = m_pBar->Menu().Recent();
     connect(&recent, &RecentMenu::Wanted, this, &MainWindow::OpenFile);
     connect(&recent, &RecentMenu::Failed, this,
@@ -184,7 +209,7 @@ NoticeBar& MainWindow::NoticeLine() {
     if (m_pNotice == nullptr) {
         m_pNotice = new NoticeBar(this);
         connect(m_pNotice, &NoticeBar::Changed, this, &MainWindow::PlaceParts);
-        connect(m_pNotice, &NoticeBar::Closed, m_pView, qOverload<>(&QWidget::setFocus));
+        connect(m_pNotice, &NoticeBar::KeysFree, m_pView, qOverload<>(&QWidget::setFocus));
     }
     return *m_pNotice;
 }
@@ -210,7 +235,27 @@ void MainWindow::HideMessages() {
         m_pMessage->hide();
     }
     if (m_pNotice != nullptr) {
-        m_pNotice->Withdraw();
+        m_pNotice->OnDocument();
+    }
+}
+
+void MainWindow::OnDone() {
+    if (m_pNotice != nullptr) {
+        m_pNotice->OnDone();
+    }
+}
+
+// That settings cannot be stored is said as long as it is so.
+void MainWindow::TellFailure(const QString& strReason) {
+    using Windows::Storage::ApplicationData;
+    const auto failure = ApplicationData::Current()->Failure();
+    if (failure && vkit::StoreNotice::TextOf(*failure) == strReason) {
+        NoticeLine().TellWhile(strReason, [eCause = failure->eCause] {
+            const auto now = ApplicationData::Current()->Failure();
+            return now && now->eCause == eCause;
+        });
+    } else {
+        NoticeLine().Tell(strReason);
     }
 }
 
@@ -229,7 +274,7 @@ void MainWindow::OnState(VelkoPdfView::State eState) {
         ShowMessage("No document", "Press Ctrl+O to open a PDF document, or drop one here.");
     } else if (eState == VelkoPdfView::State::Opening) {
         if (m_pNotice != nullptr) {
-            m_pNotice->Withdraw();
+            m_pNotice->OnDocument();
         }
     } else if (eState == VelkoPdfView::State::Shown) {
         HideMessages();
@@ -301,12 +346,11 @@ void MainWindow::CarryOut(Command eCommand) {
             ToggleFullScreen();
             break;
         case Command::EnterPage:
-            if (isFullScreen()) {
-                ToggleFullScreen(); // the field is in the bar
-            }
+            m_pTopEdge->Call();
             m_pBar->EnterPage();
             break;
         case Command::Menu:
+            m_pTopEdge->Call();
             m_pBar->OpenMenu();
             break;
         default:
@@ -376,8 +420,19 @@ void MainWindow::RefuseAddress(const QString& strAddress) {
     }
 }
 
+// Of the full screen, which the desktop may have made: once in a program's life.
+void MainWindow::SayHowToLeave() {
+    static bool s_bSaid = false;
+    if (m_pHint != nullptr && !isFullScreen()) {
+        m_pHint->hide();
+    } else if (isFullScreen() && !std::exchange(s_bSaid, true)) {
+        m_pHint = new Hint(this);
+        m_pHint->Say("Esc or F11 leaves the full screen. The bar is at the top edge.");
+    }
+}
+
 bool MainWindow::LeaveWhatIsOpen() {
-    if (m_pNotice != nullptr && !m_pNotice->isHidden()) {
+    if (!Notice().isEmpty()) {
         m_pNotice->Dismiss();
         return true;
     }

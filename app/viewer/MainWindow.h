@@ -18,8 +18,10 @@ class QLabel;
 namespace velko::viewer {
 
 class CommandBar;
+class Hint;
 class NoticeBar;
 class StartPane;
+class TopEdge;
 
 class MainWindow : public QWidget {
     Q_OBJECT
@@ -75,7 +77,10 @@ private:
     void AskToBrowse(const QUrl& address);
     void ToggleFullScreen();
     bool LeaveWhatIsOpen(); // notice, then full screen; false when there is neither
-    int BarHeight() const;  // 0 while the window fills the screen
+    int BarHeight() const;  // what it takes of the pages' room
+    void SayHowToLeave();   // the full screen
+    void OnDone();          // a command has succeeded
+    void TellFailure(const QString& strReason);
     void ShowMessage(const QString& strTitle, const QString& strText);
     void HideMessages();
     void ShowTarget(const QString& strTarget);
@@ -87,10 +92,12 @@ private:
     void PlaceParts();
 
     vkit::VelkoPdfView* const m_pView;
+    TopEdge* const m_pTopEdge;
     Commands* m_pCommands = nullptr; // with the bar
     CommandBar* m_pBar = nullptr;    // after the first paint
     StartPane* m_pMessage = nullptr; // these are made when first needed
     NoticeBar* m_pNotice = nullptr;
+    Hint* m_pHint = nullptr;
     QLabel* m_pTarget = nullptr;   // of the link under the pointer
     bool m_bPasswordTried = false; // for the document that asks for one
 };

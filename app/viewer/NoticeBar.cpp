@@ -1,6 +1,7 @@
 #include "app/viewer/NoticeBar.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -8,19 +9,23 @@
 #include <QPushButton>
 #include <utility>
 
+#include "app/viewer/Announce.h"
+#include "app/viewer/FocusRing.h"
 #include "app/viewer/GlyphButton.h"
 
 namespace velko::viewer {
 
 namespace {
 constexpr int kAnswerWidth = 180;
+constexpr int kWatchMs = 2'000;
+constexpr int kOwnMoveMs = 700; // within which the notice's coming has moved the pages
 }
 
 NoticeBar::NoticeBar(QWidget* pParent)
     : QFrame(pParent),
       m_pText(new QLabel(this)),
       m_pAnswer(new QLineEdit(this)),
-      m_pYes(new QPushButton(this)) {
+      m_pYes(new TextButton(this)) {
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::ToolTipBase);
     setFrameStyle(QFrame::StyledPanel);
@@ -43,19 +48,24 @@ NoticeBar::NoticeBar(QWidget* pParent)
     connect(m_pYes, &QPushButton::clicked, this, &NoticeBar::Agree);
     connect(m_pAnswer, &QLineEdit::returnPressed, this, &NoticeBar::Agree);
     connect(pClose, &QToolButton::clicked, this, &NoticeBar::Dismiss);
+    m_watch.setInterval(kWatchMs);
+    connect(&m_watch, &QTimer::timeout, this, &NoticeBar::CheckStanding);
     hide();
 }
 
-void NoticeBar::Show(const QString& strText, const QString& strYes) {
+void NoticeBar::Show(Kind eKind, const QString& strText, const QString& strYes) {
+    m_eKind = eKind;
+    m_since.start();
     m_fnYes = nullptr;
     m_fnCancel = nullptr;
     m_pText->setText(strText);
     m_pYes->setText(strYes);
     m_pYes->setVisible(!strYes.isEmpty());
     m_pAnswer->hide();
-    emit Changed();
     show();
     raise();
+    emit Changed();
+    Announce(*this, strText);
 }
 
 int NoticeBar::RoomFor(int nWidth) const {
@@ -64,11 +74,31 @@ int NoticeBar::RoomFor(int nWidth) const {
 }
 
 void NoticeBar::Tell(const QString& strText) {
-    Show(strText, {});
+    Show(Kind::Told, strText, {});
+}
+
+void NoticeBar::TellWhile(const QString& strText, std::function<bool()> fnHolds) {
+    m_strStanding = strText;
+    m_fnHolds = std::move(fnHolds);
+    m_watch.start();
+    if (isHidden() || m_eKind == Kind::Standing) {
+        Show(Kind::Standing, strText, {});
+    }
+}
+
+void NoticeBar::CheckStanding() {
+    if (m_fnHolds && m_fnHolds()) {
+        return;
+    }
+    m_fnHolds = nullptr;
+    m_watch.stop();
+    if (m_eKind == Kind::Standing) {
+        Withdraw();
+    }
 }
 
 void NoticeBar::Ask(const QString& strText, const QString& strYes, std::function<void()> fnYes) {
-    Show(strText, strYes);
+    Show(Kind::Told, strText, strYes);
     m_fnYes = [this, fnYes = std::move(fnYes)] {
         Dismiss();
         fnYes();
@@ -78,7 +108,7 @@ void NoticeBar::Ask(const QString& strText, const QString& strYes, std::function
 
 void NoticeBar::AskPassword(const QString& strText, std::function<void(const QString&)> fnAnswer,
                             std::function<void()> fnCancel) {
-    Show(strText, "Open");
+    Show(Kind::Password, strText, "Open");
     m_fnYes = [this, fnAnswer = std::move(fnAnswer)] { fnAnswer(m_pAnswer->text()); };
     m_fnCancel = std::move(fnCancel);
     m_pAnswer->clear();
@@ -93,20 +123,53 @@ void NoticeBar::Agree() {
     }
 }
 
+// What stands comes up again behind it.
 void NoticeBar::Withdraw() {
     m_fnYes = nullptr;
     m_fnCancel = nullptr;
     m_pAnswer->clear();
+    if (isHidden()) {
+        return;
+    }
+    if (m_fnHolds && m_eKind != Kind::Standing) {
+        Show(Kind::Standing, m_strStanding, {});
+        return;
+    }
+    const bool bHadKeys = isAncestorOf(QApplication::focusWidget());
     hide();
+    emit Changed();
+    if (bHadKeys) {
+        emit KeysFree();
+    }
 }
 
 void NoticeBar::Dismiss() {
     const auto fnCancel = std::exchange(m_fnCancel, nullptr);
+    if (m_eKind == Kind::Standing) {
+        m_fnHolds = nullptr;
+    }
     Withdraw();
     if (fnCancel) {
         fnCancel();
     }
-    emit Closed();
+}
+
+void NoticeBar::OnDone() {
+    if (IsPassing()) {
+        Withdraw();
+    }
+}
+
+void NoticeBar::OnPageChanged() {
+    if (IsPassing() && m_since.hasExpired(kOwnMoveMs)) {
+        Withdraw();
+    }
+}
+
+void NoticeBar::OnDocument() {
+    if (m_eKind != Kind::Standing) {
+        Withdraw();
+    }
 }
 
 QString NoticeBar::Text() const {
@@ -116,6 +179,8 @@ QString NoticeBar::Text() const {
 void NoticeBar::keyPressEvent(QKeyEvent* pEvent) {
     if (pEvent->key() == Qt::Key_Escape) {
         Dismiss();
+    } else if (pEvent->key() == Qt::Key_Return || pEvent->key() == Qt::Key_Enter) {
+        Agree();
     } else {
         QFrame::keyPressEvent(pEvent);
     }

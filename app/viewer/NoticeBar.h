@@ -1,11 +1,18 @@
 // A line above the pages that tells the reader something, or asks: it waits
-// for the answer without keeping anything else from going on.
+// for the answer without keeping anything else from going on. What it says is
+// read out by a screen reader.
 //
-// Threads: UI thread only. A new notice takes the place of the one before, whose
-// question then stays without an answer.
+// A new notice takes the place of the one before, whose question then stays without
+// an answer. It goes when the reader closes it and, by its kind:
+//   Tell, Ask    with the next command that succeeds, or another document
+//   TellWhile    when it does not hold any more; others stand before it meanwhile
+//   AskPassword  with another document
+// Threads: UI thread only.
 #pragma once
 
+#include <QElapsedTimer>
 #include <QFrame>
+#include <QTimer>
 #include <functional>
 
 class QLabel;
@@ -22,18 +29,26 @@ public:
 
     void Tell(const QString& strText);
 
+    // `fnHolds` is asked from time to time.
+    void TellWhile(const QString& strText, std::function<bool()> fnHolds);
+
     // `fnYes` runs when the reader agrees; nothing does otherwise.
     void Ask(const QString& strText, const QString& strYes, std::function<void()> fnYes);
 
-    // `fnAnswer` gets what the reader enters; the bar stays until it is told
-    // something else. `fnCancel` runs when the reader gives up.
+    // `fnAnswer` gets what the reader enters. `fnCancel` runs when the reader gives
+    // up.
     void AskPassword(const QString& strText, std::function<void(const QString&)> fnAnswer,
                      std::function<void()> fnCancel);
 
     // As the reader does who gives up.
     void Dismiss();
-    // Takes the notice back; a question stays without an answer.
-    void Withdraw();
+
+    // A command has succeeded.
+    void OnDone();
+    // Another page is shown. The coming of a notice moves the pages itself.
+    void OnPageChanged();
+    // Another document, or none, is on its way or shown.
+    void OnDocument();
 
     // How high the bar is to be at a width.
     int RoomFor(int nWidth) const;
@@ -41,21 +56,31 @@ public:
     QString Text() const; // empty while nothing is told
 
 signals:
-    void Changed(); // it tells something else, or nothing more
-    void Closed();  // by the reader
+    void Changed();  // it tells something else, or nothing more
+    void KeysFree(); // it had the keys and is gone
 
 protected:
     void keyPressEvent(QKeyEvent* pEvent) override;
 
 private:
-    void Show(const QString& strText, const QString& strYes);
+    enum class Kind { Told, Standing, Password };
+
+    void Show(Kind eKind, const QString& strText, const QString& strYes);
+    void Withdraw(); // a question stays without an answer
+    void CheckStanding();
+    bool IsPassing() const { return !isHidden() && m_eKind == Kind::Told; }
     void Agree();
 
     QLabel* m_pText;
     QLineEdit* m_pAnswer;
     QPushButton* m_pYes;
+    Kind m_eKind = Kind::Told;
+    QElapsedTimer m_since; // this notice came
     std::function<void()> m_fnYes;
     std::function<void()> m_fnCancel;
+    QString m_strStanding;
+    std::function<bool()> m_fnHolds; // empty: nothing stands
+    QTimer m_watch;
 };
 
 }

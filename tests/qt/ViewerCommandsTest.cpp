@@ -11,6 +11,7 @@
 #include "app/viewer/CommandBar.h"
 #include "app/viewer/NoticeBar.h"
 #include "app/viewer/RecentMenu.h"
+#include "app/viewer/ValueField.h"
 #include "component/KeptView.h"
 #include "platform/qt/QtElementWindow.h"
 #include "surface/PDFViewCanvas.h"
@@ -31,6 +32,14 @@ protected:
     }
     View& TheView() { return m_pWindow->View(); }
     bool Settles() { return ViewFixture::Settles(TheView()); }
+    viewer::ValueField* Field(const QString& strName) {
+        for (auto* const pField : m_pWindow->findChildren<viewer::ValueField*>()) {
+            if (pField->accessibleName() == strName) {
+                return pField;
+            }
+        }
+        return nullptr;
+    }
     QAction* ActionOf(const QString& strText) {
         for (QAction* pAction : m_pWindow->actions()) {
             if (QString(pAction->text()).remove('&') == strText) {
@@ -96,6 +105,65 @@ TEST_F(ViewerCommandsTest, EachKeyDoesWhatTheMenuSaysAndTheMarksAreTrue) {
     EXPECT_TRUE(RunUntil([&] { return TheView().CurrentPage() == 5; }));
     Key(Qt::Key_W, Qt::ControlModifier);
     EXPECT_TRUE(RunUntil([&] { return !ActionOf("Fit page")->isEnabled(); }));
+}
+
+TEST_F(ViewerCommandsTest, TheFieldsTakeWhatIsTypedAndSayWhatCannotBe) {
+    ASSERT_TRUE(ShowUntilSharp(WritePages("pages.pdf", 9)));
+    auto* const pZoom = Field("Zoom");
+    const auto fnType = [&](viewer::ValueField* pField, const char* szText) {
+        pField->setFocus();
+        QTest::mouseClick(pField, Qt::LeftButton);
+        pField->selectAll();
+        QTest::keyClicks(pField, szText);
+        QTest::keyClick(pField, Qt::Key_Return);
+    };
+    for (const auto& [szTyped, szShown] : std::vector<std::pair<const char*, const char*>>{
+             {"150", "150 %"}, {"120", "120 %"}, {"100 %", "100 %"}, {"133,5", "134 %"}}) {
+        fnType(pZoom, szTyped);
+        EXPECT_TRUE(RunUntil([&] { return pZoom->text() == szShown; })) << szTyped;
+        ASSERT_TRUE(Settles());
+    }
+    EXPECT_NEAR(TheView().Zoom(), 1.335, 1e-6);
+    pZoom->setFocus();
+    QTest::keyClicks(pZoom, "70");
+    TheView().setFocus();
+    EXPECT_EQ(pZoom->text(), "134 %") << "what is left behind is no zoom";
+
+    auto* const pPage = Field("Page");
+    fnType(pPage, "99");
+    EXPECT_TRUE(m_pWindow->Notice().contains("from 1 to 9")) << "a page that there is not";
+    EXPECT_GT(TheView().y(), viewer::CommandBar::kHeight) << "the notice lies on no page";
+    EXPECT_EQ(TheView().CurrentPage(), 0);
+    fnType(pPage, "7");
+    EXPECT_TRUE(RunUntil([&] { return TheView().CurrentPage() == 6; }));
+    EXPECT_TRUE(m_pWindow->Notice().isEmpty()) << "what went well ends the notice";
+    EXPECT_EQ(TheView().y(), viewer::CommandBar::kHeight);
+    fnType(pPage, "chapter");
+    EXPECT_TRUE(RunUntil([&] { return m_pWindow->Notice().contains("from 1 to 9"); }));
+}
+
+TEST_F(ViewerCommandsTest, TheFullScreenHasTheBarWhenItIsCalled) {
+    ASSERT_TRUE(ShowUntilSharp(WritePages("pages.pdf", 15)));
+    const auto* pBar = m_pWindow->findChild<viewer::CommandBar*>();
+    Key(Qt::Key_F11);
+    ASSERT_TRUE(RunUntil([&] { return !pBar->isVisible(); }));
+    QTest::mouseMove(&TheView().Window(), {200, 300});
+    Key(Qt::Key_L, Qt::ControlModifier);
+    EXPECT_TRUE(m_pWindow->isFullScreen() && pBar->isVisible());
+    EXPECT_EQ(TheView().height(), m_pWindow->height()) << "it lies over the pages";
+    QTest::keyClicks(m_pWindow->focusWidget(), "12");
+    Key(Qt::Key_Return);
+    EXPECT_TRUE(RunUntil([&] { return TheView().CurrentPage() == 11; }));
+    EXPECT_FALSE(pBar->isVisible());
+    QTest::mouseMove(&TheView().Window(), {200, 0});
+    EXPECT_TRUE(RunUntil([&] { return pBar->isVisible(); }));
+    QTest::mouseMove(&TheView().Window(), {200, 300});
+    EXPECT_TRUE(RunUntil([&] { return !pBar->isVisible(); }));
+    Key(Qt::Key_L, Qt::ControlModifier);
+    Key(Qt::Key_Escape);
+    EXPECT_TRUE(m_pWindow->isFullScreen() && !pBar->isVisible()) << "first the field is left";
+    Key(Qt::Key_Escape);
+    EXPECT_FALSE(m_pWindow->isFullScreen());
 }
 
 TEST_F(ViewerCommandsTest, AFitOutlastsRotationAndAnOwnZoomIsKept) {
