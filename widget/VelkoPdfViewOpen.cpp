@@ -90,6 +90,9 @@ void VelkoPdfView::Follow(const FilePath& path, Opening opening) {
     if (!m_queue.IsIdle()) {
         Open(path); // both opens are the control's by now; this one has the last word
     } else if (Expect({path.Absolute(), {}})) {
+        if (!m_shown && m_pControl->GetPDFDoc()) { // it came before this view could hear of it
+            OnControlOpened(ErrorCode::e_ErrSuccess);
+        }
         Await(std::move(opening));
     }
 }

@@ -75,6 +75,19 @@ TEST_F(MainWindowTest, TheFirstLayoutHasTheWindowsFinalSizeBeforeItIsShown) {
     EXPECT_EQ(pControl->GetScale(), fScale);
 }
 
+TEST_F(MainWindowTest, ADocumentThatCameBeforeItsWindowIsShown) {
+    const QString strFile = WritePages("pages.pdf", 3);
+    auto pControl = vkit::VelkoPdfView::CreateControl();
+    auto opening = vkit::VelkoPdfView::BeginOpen(*pControl, strFile);
+    ASSERT_TRUE(RunUntil([&] { return opening.is_done(); }));
+    MainWindow window(pControl, QSize(600, 400));
+    window.Begin(strFile, std::move(opening));
+    window.show();
+    EXPECT_TRUE(RunUntil([&] { return window.View().IsSharp(); }));
+    EXPECT_EQ(window.View().ViewState(), State::Shown);
+    EXPECT_EQ(window.View().PageCount(), 3);
+}
+
 TEST_F(MainWindowTest, AFailedOpenShowsTheReasonAndTheFilesName) {
     Drop(Write("broken <b>.pdf", "no document"));
     ASSERT_TRUE(ShowsMessageWith("not a PDF"));
