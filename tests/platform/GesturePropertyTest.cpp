@@ -22,8 +22,13 @@ protected:
         m_pPanel->ManipulationStarted.add([this](auto& args) { OnStarted(args); });
         m_pPanel->ManipulationDelta.add([this](auto& args) { OnDelta(args); });
         m_pPanel->ManipulationCompleted.add([this](auto& args) { OnCompleted(args); });
-        m_pPanel->Tapped.add([this](auto&) { OnEvent(); });
-        m_pPanel->Holding.add([this](auto&) { OnEvent(); });
+        const auto fnOther = [this](auto&) {
+            OnEvent();
+            Misbehave(false); // a movement here is no longer the one that is being told
+        };
+        m_pPanel->Tapped.add(fnOther);
+        m_pPanel->Holding.add(fnOther);
+        m_pPanel->PointerPressed.add(fnOther);
         m_pPanel->PointerWheelChanged.add([this](auto& args) {
             OnEvent();
             EXPECT_EQ(args.MouseWheelDelta % 120, 0);
@@ -78,24 +83,27 @@ protected:
 
     int Any(int nLimit) { return static_cast<int>(m_random() % static_cast<unsigned>(nLimit)); }
 
-    void Misbehave() {
+    void Misbehave(bool bMayTouch = true) {
         if (m_bNested || Any(40) != 0) {
             return;
         }
         m_bNested = true;
-        switch (Any(4)) {
+        switch (Any(bMayTouch ? 5 : 4)) {
             case 0:
                 m_pInput->LosePointers(Gestures::PanelInput::Loss::Capture);
                 break;
             case 1:
                 m_pInput->Stop();
                 break;
-            case 2:
-                Touch();
+            case 2: // takes everything away, and begins anew
+                m_pInput->Close();
+                m_pInput = Gestures::PanelInput::Create(Platform::Environment(), m_pPanel);
                 break;
-            default:
+            case 3:
                 m_bNested = false;
                 throw std::runtime_error("a handler fails");
+            default:
+                Touch();
         }
         m_bNested = false;
     }

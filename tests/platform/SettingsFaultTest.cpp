@@ -1,16 +1,16 @@
 // What a reader keeps of the settings when the disk, another process or the
 // power does its worst.
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sqlite3.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
@@ -273,14 +273,17 @@ TEST(SettingsFaultTest, NobodyWaitsForTheDiskButTheLast) {
     pValues.reset();
     EXPECT_EQ(Stored(folder.Path(), "b"), 4);
 }
+
 constexpr const char* kFolderVariable = "VELKO_TEST_KILLED_WRITER_FOLDER";
 
-// The other process of the test below: writes pairs for ever and tells of each
-// with a byte on its standard output.
+// The other process of the test below: tells its id on descriptor 3, writes pairs
+// for ever and tells of each with a byte.
 TEST(SettingsFaultTest, DISABLED_WriterThatIsKilled) {
     const char* pszFolder = std::getenv(kFolderVariable);
     ASSERT_NE(pszFolder, nullptr) << "only to be started by KilledWriterLeavesWholePairs";
     const auto pData = OpenApplicationData(pszFolder);
+    const pid_t nSelf = ::getpid();
+    ASSERT_EQ(::write(3, &nSelf, sizeof nSelf), static_cast<ssize_t>(sizeof nSelf));
     for (std::int32_t n = 1;; ++n) {
         InsertPair(*pData, n);
         pData->Flush();
@@ -288,59 +291,34 @@ TEST(SettingsFaultTest, DISABLED_WriterThatIsKilled) {
     }
 }
 
-class Writer {
-public:
-    explicit Writer(const std::string& strFolder) {
-        int fds[2];
-        EXPECT_EQ(::pipe2(fds, O_CLOEXEC), 0);
-        posix_spawn_file_actions_t actions;
-        ::posix_spawn_file_actions_init(&actions);
-        ::posix_spawn_file_actions_adddup2(&actions, fds[1], 3);
-        ::posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-        ::setenv(kFolderVariable, strFolder.c_str(), 1);
-        std::string strProgram = "/proc/self/exe";
-        std::string strFilter = "--gtest_filter=*.DISABLED_WriterThatIsKilled";
-        std::string strDisabled = "--gtest_also_run_disabled_tests";
-        char* const arguments[] = {strProgram.data(), strFilter.data(), strDisabled.data(),
-                                   nullptr};
-        EXPECT_EQ(
-            ::posix_spawn(&m_nProcess, strProgram.c_str(), &actions, nullptr, arguments, environ),
-            0);
-        ::posix_spawn_file_actions_destroy(&actions);
-        ::unsetenv(kFolderVariable);
-        ::close(fds[1]);
-        m_nOutput = fds[0];
-    }
-    ~Writer() { ::close(m_nOutput); }
-    Writer(const Writer&) = delete;
-    Writer& operator=(const Writer&) = delete;
-
-    // Waits until so many pairs are stored; then kills it in whatever it does next.
-    int KillAfter(int nPairs) {
-        char byte = 0;
-        int nSeen = 0;
-        while (nSeen < nPairs && ::read(m_nOutput, &byte, 1) == 1) {
-            ++nSeen;
+// Lets it store so many pairs and kills it in whatever it does next. How many it
+// told of.
+int KillWriterAfter(int nPairs, const std::string& strFolder) {
+    ::setenv(kFolderVariable, strFolder.c_str(), 1);
+    const std::string strProgram = std::filesystem::read_symlink("/proc/self/exe");
+    std::FILE* const pTold = ::popen(("exec '" + strProgram +
+                                      "' --gtest_also_run_disabled_tests"
+                                      " --gtest_filter=*.DISABLED_WriterThatIsKilled"
+                                      " 3>&1 >/dev/null")
+                                         .c_str(),
+                                     "re");
+    ::unsetenv(kFolderVariable);
+    pid_t nWriter = 0;
+    EXPECT_EQ(std::fread(&nWriter, sizeof nWriter, 1, pTold), 1U);
+    int nTold = 0;
+    for (; std::fgetc(pTold) != EOF; ++nTold) {
+        if (nTold + 1 == nPairs) {
+            ::kill(nWriter, SIGKILL);
         }
-        ::kill(m_nProcess, SIGKILL);
-        int nStatus = 0;
-        ::waitpid(m_nProcess, &nStatus, 0);
-        EXPECT_TRUE(WIFSIGNALED(nStatus));
-        while (::read(m_nOutput, &byte, 1) == 1) {
-            ++nSeen;
-        }
-        return nSeen;
     }
-
-private:
-    pid_t m_nProcess = 0;
-    int m_nOutput = -1;
-};
+    EXPECT_TRUE(WIFSIGNALED(::pclose(pTold)));
+    return nTold;
+}
 
 TEST(SettingsFaultTest, KilledWriterLeavesWholePairs) {
     const TemporaryFolder folder;
     for (const int nPairs : {1, 2, 5, 9, 14}) {
-        const int nStored = Writer(folder.Path()).KillAfter(nPairs);
+        const int nStored = KillWriterAfter(nPairs, folder.Path());
         EXPECT_GE(nStored, nPairs);
         const auto pData = OpenApplicationData(folder.Path());
         const std::int32_t nA = Lookup(*pData, "a");

@@ -2,12 +2,13 @@
 #include <sqlite3.h>
 #include <sys/stat.h>
 
-#include <bit>
 #include <cmath>
 #include <filesystem>
 #include <limits>
+#include <sstream>
 #include <string>
 #include <thread>
+#include <variant>
 #include <vector>
 
 #include "platform/fake/TestHost.h"
@@ -51,30 +52,22 @@ std::vector<PropertyValue> OneOfEachType() {
             PropertyValue::Create<PropertyValue::Composite>(pComposite)};
 }
 
-void ExpectSame(const PropertyValue& actual, const PropertyValue& expected);
-
-void ExpectSameSet(const PropertySet& actual, const PropertySet& expected) {
-    ASSERT_EQ(actual.Size(), expected.Size());
-    for (const auto& [strKey, value] : expected) {
-        ASSERT_TRUE(actual.HasKey(strKey)) << strKey;
-        ExpectSame(actual.Lookup(strKey), value);
-    }
-}
-
-void ExpectSame(const PropertyValue& actual, const PropertyValue& expected) {
-    ASSERT_STREQ(actual.TypeName(), expected.TypeName());
-    if (expected.Is<PropertyValue::Composite>()) {
-        ExpectSameSet(*actual.Get<PropertyValue::Composite>(),
-                      *expected.Get<PropertyValue::Composite>());
-    } else if (expected.Is<double>()) {
-        EXPECT_EQ(std::bit_cast<std::uint64_t>(actual.Get<double>()),
-                  std::bit_cast<std::uint64_t>(expected.Get<double>()));
-    } else if (expected.Is<float>()) {
-        EXPECT_EQ(std::bit_cast<std::uint32_t>(actual.Get<float>()),
-                  std::bit_cast<std::uint32_t>(expected.Get<float>()));
-    } else {
-        EXPECT_EQ(actual.Value(), expected.Value());
-    }
+// Type and value as text; numbers with their last bit.
+std::string Text(const PropertyValue& value) {
+    std::ostringstream text;
+    text << value.TypeName() << std::hexfloat << ' ';
+    std::visit(
+        [&](const auto& held) {
+            if constexpr (requires { held->Lookup(""); }) {
+                for (const auto& [strKey, member] : *held) {
+                    text << '{' << strKey << ": " << Text(member) << '}';
+                }
+            } else {
+                text << held;
+            }
+        },
+        value.Value());
+    return text.str();
 }
 
 void SetNumber(ApplicationData& data, const std::string& strKey, std::int32_t nValue) {
@@ -104,16 +97,13 @@ TEST(SettingsTest, EveryTypeComesBackExactlyInAnotherLife) {
     }
     const auto pValues = OpenApplicationData(folder.Path())->LocalSettings()->Values();
     for (std::size_t n = 0; n < values.size(); ++n) {
-        SCOPED_TRACE(n);
         const auto value = pValues->TryLookup(std::to_string(n));
-        ASSERT_TRUE(value);
-        ExpectSame(*value, values[n]);
+        ASSERT_TRUE(value) << n;
+        EXPECT_EQ(Text(*value), Text(values[n]));
     }
-    EXPECT_TRUE(pValues->HasKey("0"));
     pValues->Remove("0");
     pValues->Remove("never there");
     EXPECT_FALSE(pValues->HasKey("0"));
-    EXPECT_FALSE(pValues->TryLookup("0"));
     EXPECT_THROW(pValues->Insert("x", PropertyValue::Create<PropertyValue::Composite>(nullptr)),
                  Platform::InvalidArgumentException);
 }
@@ -125,38 +115,28 @@ TEST(SettingsTest, ContainersAreApart) {
     const auto eAlways = ApplicationDataCreateDisposition::Always;
     const auto eExisting = ApplicationDataCreateDisposition::Existing;
     EXPECT_THROW(pRoot->CreateContainer("a", eExisting), Platform::FileNotFoundException);
-    const auto pFlat = pRoot->CreateContainer("a/b", eAlways)->Values();
-    const auto pNested = pRoot->CreateContainer("a", eAlways)->CreateContainer("b", eAlways);
+    const auto fnSet = [](const auto& pContainer, std::int32_t nValue) {
+        pContainer->Values()->Insert("key", PropertyValue::Create<std::int32_t>(nValue));
+    };
     // A composite and a container of one name are apart too.
     auto pSet = std::make_shared<PropertySet>();
     pSet->Insert("key", PropertyValue::Create<std::int32_t>(3));
-    pNested->Values()->Insert("key", PropertyValue::Create<std::int32_t>(2));
     pRoot->Values()->Insert("a", PropertyValue::Create<PropertyValue::Composite>(pSet));
-    pFlat->Insert("key", PropertyValue::Create<std::int32_t>(1));
+    fnSet(pRoot->CreateContainer("a/b", eAlways), 1);
+    fnSet(pRoot->CreateContainer("a", eAlways)->CreateContainer("b", eAlways), 2);
     EXPECT_FALSE(pRoot->Values()->HasKey("key"));
+    pRoot->Values()->Remove("a");
     pData->Flush();
-    const auto pAgainData = OpenApplicationData(folder.Path());
-    const auto pAgain = pAgainData->LocalSettings();
-    const auto pAgainNested =
-        pAgain->CreateContainer("a", eExisting)->CreateContainer("b", eExisting)->Values();
+    const auto pOther = OpenApplicationData(folder.Path());
+    const auto pAgain = pOther->LocalSettings();
+    const auto pNested = pAgain->CreateContainer("a", eExisting)->CreateContainer("b", eExisting);
     EXPECT_EQ(pAgain->CreateContainer("a/b", eExisting)->Values()->TryLookup("key")->Get<int>(), 1);
-    EXPECT_EQ(pAgainNested->TryLookup("key")->Get<int>(), 2);
-    pAgain->Values()->Remove("a");
-    pAgainData->Flush();
-    EXPECT_EQ(OpenApplicationData(folder.Path())
-                  ->LocalSettings()
-                  ->CreateContainer("a", eExisting)
-                  ->CreateContainer("b", eExisting)
-                  ->Values()
-                  ->TryLookup("key")
-                  ->Get<int>(),
-              2);
+    EXPECT_EQ(pNested->Values()->TryLookup("key")->Get<int>(), 2);
 }
 
 TEST(SettingsTest, NothingIsMadeBeforeTheFirstChange) {
     const TemporaryFolder folder;
     const auto pData = OpenApplicationData(folder / "new/deep");
-    EXPECT_EQ(pData->LocalFolder(), folder / "new/deep");
     const auto pValues = pData->LocalSettings()
                              ->CreateContainer("c", ApplicationDataCreateDisposition::Always)
                              ->Values();
@@ -173,7 +153,6 @@ TEST(SettingsTest, NothingIsMadeBeforeTheFirstChange) {
     struct stat status {};
     ASSERT_EQ(::stat(pData->LocalFolder().c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777U, 0700U);
-    EXPECT_EQ(pData->LocalStorageFolder()->Path(), pData->LocalFolder());
     const auto pNoStore = OpenApplicationData(folder / "other");
     pNoStore->LocalStorageFolder();
     EXPECT_TRUE(std::filesystem::exists(folder / "other"));
@@ -291,27 +270,19 @@ void Damage(const TemporaryFolder& folder) {
 
 TEST(SettingsTest, WhatCannotBeReadIsSetAsideByTheFirstChange) {
     TestHost host;
-    for (const bool bNoise : {true, false}) {
-        const TemporaryFolder folder;
+    const TemporaryFolder folder;
+    for (const int nTimes : {1, 2}) {
         StoreNumber(*OpenApplicationData(folder.Path()), "a", 1);
-        if (bNoise) {
-            folder.Write("settings.db", "not a store at all, but long enough to look like none");
-        } else {
-            Damage(folder);
-        }
+        Damage(folder);
         const std::string strBytes = folder.Read("settings.db");
-        host.ClearDebug();
+        const std::string strAside = "settings.db.corrupt" + std::to_string(nTimes);
         const auto pData = OpenApplicationData(folder.Path());
         EXPECT_EQ(NumberAt(*pData, "a"), -1);
         EXPECT_EQ(folder.Read("settings.db"), strBytes);
         StoreNumber(*pData, "b", 2);
-        EXPECT_TRUE(host.DebugContains("unreadable settings set aside as " +
-                                       (folder / "settings.db.corrupt1")));
-        EXPECT_EQ(folder.Read("settings.db.corrupt1"), strBytes);
+        EXPECT_TRUE(host.DebugContains("unreadable settings set aside as " + (folder / strAside)));
+        EXPECT_EQ(folder.Read(strAside), strBytes);
         EXPECT_EQ(NumberAt(*OpenApplicationData(folder.Path()), "b"), 2);
-        Damage(folder);
-        StoreNumber(*OpenApplicationData(folder.Path()), "a", 3);
-        EXPECT_TRUE(std::filesystem::exists(folder / "settings.db.corrupt2"));
     }
 }
 
@@ -353,23 +324,21 @@ TEST(RecentListTest, LatestFirstWithATokenThatStaysAtMostTwentyFive) {
         EXPECT_NE(pList->Add("/" + std::to_string(n), "m"), strFirst);
     }
     EXPECT_EQ(pList->Add("/0", "renewed"), strFirst);
-    auto entries = pList->Entries();
-    ASSERT_EQ(entries.size(), 25U);
-    EXPECT_EQ(entries[0].Token, strFirst);
-    EXPECT_EQ(entries[0].Metadata, "renewed");
+    EXPECT_EQ(pList->Entries().size(), 25U);
     pList->Add("/25", "newest"); // pushes out "/1", the oldest
     pData->Flush();
     const auto pAgain = OpenApplicationData(folder.Path());
-    entries = pAgain->MostRecentlyUsedList()->Entries();
-    EXPECT_EQ(NumberAt(*pData, strOldest), -1) << "a place that nobody can find";
-    EXPECT_EQ(NumberAt(*pAgain, strOldest), -1);
-    EXPECT_EQ(NumberAt(*pAgain, strFirst), 2);
-    ASSERT_EQ(entries.size(), 25U);
-    EXPECT_EQ(entries[0].Metadata, "newest");
-    EXPECT_EQ(entries[1].Token, strFirst);
+    for (const auto& pEither : {pData, pAgain}) {
+        EXPECT_EQ(NumberAt(*pEither, strOldest), -1) << "a place that nobody can find";
+        EXPECT_EQ(NumberAt(*pEither, strFirst), 2);
+        const auto entries = pEither->MostRecentlyUsedList()->Entries();
+        ASSERT_EQ(entries.size(), 25U);
+        EXPECT_EQ(entries[0].Metadata, "newest");
+        EXPECT_EQ(entries[1].Token, strFirst);
+        EXPECT_EQ(entries[1].Metadata, "renewed");
+    }
     pList->Remove(strFirst);
     EXPECT_EQ(pList->Entries().size(), 24U);
-    EXPECT_NE(pList->Add("/0", "again"), "");
 }
 
 }
