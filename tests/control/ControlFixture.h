@@ -15,6 +15,7 @@
 #include "control/VelkoViewControl.h"
 #include "platform/fake/CountingGraphicsFactory.h"
 #include "platform/fake/TestHost.h"
+#include "platform/ui/SwapChainPanel.h"
 #include "settings/AppConfig.h"
 #include "tests/control/ScriptedViewer.h"
 #include "tests/support/FileOnDisk.h"
@@ -23,6 +24,8 @@
 namespace velko::testing {
 
 using common::ErrorCode;
+namespace Input = Windows::UI::Xaml::Input;
+using Windows::Foundation::Point;
 using Windows::Storage::StorageFile;
 using Strings = std::vector<std::string>;
 
@@ -71,6 +74,40 @@ protected:
         auto pViewer = std::make_shared<ScriptedViewer>();
         Parts().PageViewMgr()->SetViewer(pViewer);
         return pViewer;
+    }
+
+    Windows::UI::Xaml::Controls::SwapChainPanel& Panel() {
+        return *Parts().ViewControl()->CanvasPanel();
+    }
+
+    // What a finger, two, or a wheel do over the panel.
+    void Start(Point pt) {
+        Input::ManipulationStartedRoutedEventArgs args;
+        args.Position = pt;
+        Panel().ManipulationStarted.raise(args);
+    }
+    bool Delta(Point pt, float fScale = 1, float fCumulative = 1, bool bInertial = false) {
+        Input::ManipulationDeltaRoutedEventArgs args;
+        args.Position = pt;
+        args.Delta.Scale = fScale;
+        args.Cumulative.Scale = fCumulative;
+        args.IsInertial = bInertial;
+        Panel().ManipulationDelta.raise(args);
+        return args.Handled;
+    }
+    void Complete(Point pt, float fCumulative = 1) {
+        Input::ManipulationCompletedRoutedEventArgs args;
+        args.Position = pt;
+        args.Cumulative.Scale = fCumulative;
+        Panel().ManipulationCompleted.raise(args);
+    }
+    void Wheel(Point pt, int nDelta, bool bControl, bool bHorizontal = false) {
+        host.Environment().SetControlKeyDown(bControl);
+        Input::PointerRoutedEventArgs args;
+        args.Position = pt;
+        args.MouseWheelDelta = nDelta;
+        args.IsHorizontalMouseWheel = bHorizontal;
+        Panel().PointerWheelChanged.raise(args);
     }
 
     void Listen(vkit::PDFViewCtrl& control) {

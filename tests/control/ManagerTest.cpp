@@ -3,7 +3,6 @@
 #include <set>
 #include <stdexcept>
 
-#include "surface/PDFViewCanvas.h"
 #include "tests/control/ControlFixture.h"
 
 namespace velko::testing {
@@ -21,19 +20,6 @@ protected:
     std::shared_ptr<ScriptedViewer> pViewer;
     std::shared_ptr<vkit::PDFViewerManager> pManager;
 };
-
-TEST_F(ManagerTest, PagesGoOutOfSightBeforeOthersComeIntoIt) {
-    pViewer->visiblePages = {1, 2, 3};
-    pViewer->fnDuringMove = [&] { pViewer->visiblePages = {3, 5, 4}; };
-    pManager->MoveScreen(1, 0);
-    EXPECT_EQ(events, (Strings{"PageInvisible 1", "PageInvisible 2", "PageVisible 5",
-                               "PageVisible 4", "PageChanged [1,2,3]->[3,5,4]"}));
-    events.clear();
-    pManager->GotoPage(4);
-    pManager->InitLayOut(0, 1, 0, 0);
-    pManager->PageScaled({0, 0}, 1, false, true);
-    EXPECT_EQ(events, (Strings(3, "PageChanged [3,5,4]->[3,5,4]")));
-}
 
 // The host's own list, kept by the events alone, is the truth after any of them.
 TEST_F(ManagerTest, AStepFromWithinAStepLeavesTheHostKnowingWhatShows) {
@@ -92,25 +78,6 @@ TEST_F(ManagerTest, AViewerThatIsClosedAtWorkEndsItsStepQuietly) {
     EXPECT_THROW(pManager->GotoPage(1), Platform::ObjectDisposedException);
 }
 
-TEST_F(ManagerTest, ChangingToTheSameModeRemakesTheViewer) {
-    const auto pCanvas = Parts().ViewControl()->ViewCtrl();
-    pManager->ChangeViewer(1, nullptr, pCanvas);
-    EXPECT_EQ(pViewer->calls, (Strings{"CloseViewer"}));
-    const auto pFirst = pManager->GetViewer();
-    ASSERT_NE(pFirst, nullptr);
-    pManager->ChangeViewer(1, nullptr, pCanvas);
-    EXPECT_NE(pManager->GetViewer(), pFirst);
-    const auto pSecond = pManager->GetViewer();
-    EXPECT_FALSE(pManager->ChangeViewer(9, nullptr, pCanvas)); // none for it: all stays
-    EXPECT_EQ(pManager->GetViewer(), pSecond);
-    EXPECT_EQ(pManager->LayoutMode(), 1);
-    pManager->SetViewer(nullptr);
-    EXPECT_TRUE(pManager->GetVisiblePages().empty());
-    EXPECT_EQ(pManager->DevicePointToPagePoint({4, 5})->pt, (Windows::Foundation::Point{4, 5}));
-    pManager->GotoPage(1);
-    EXPECT_TRUE(events.empty());
-}
-
 TEST_F(ManagerTest, UnloadingTakesTheManagerAndEndsItsViewer) {
     pManager.reset();
     pControl->RaiseUnloaded();
@@ -124,17 +91,6 @@ TEST_F(ManagerTest, UnloadingTakesTheManagerAndEndsItsViewer) {
     pControl->RaiseLoaded();
     EXPECT_EQ(Open("b.pdf"), ErrorCode::e_ErrSuccess);
     EXPECT_EQ(pControl->GetVisiblePages().front(), 0);
-}
-
-TEST_F(ManagerTest, RecordsKeepTheirListsAndTheEngineDocument) {
-    std::shared_ptr<vkit::PageChangedEventArgs> pKept;
-    pControl->PageChangedEvent.add([&](const auto&, const auto& pArgs) { pKept = pArgs; });
-    pViewer->visiblePages = {2};
-    pManager->MoveScreen(1, 0);
-    pViewer->visiblePages = {3};
-    EXPECT_EQ(pKept->OldVisiblePages, (std::vector<std::int32_t>{2}));
-    EXPECT_EQ(pKept->NewVisiblePages, (std::vector<std::int32_t>{2}));
-    EXPECT_EQ(pKept->Document, pControl->GetPDFDoc());
 }
 
 }

@@ -11,7 +11,6 @@
 #include <random>
 #include <stdexcept>
 
-#include "platform/ui/SwapChainPanel.h"
 #include "surface/PDFViewCanvas.h"
 #include "tests/control/ControlFixture.h"
 #include "tests/support/scripted_engine/ScriptedDestination.h"
@@ -21,8 +20,6 @@ namespace velko::testing {
 namespace {
 
 using namespace std::chrono_literals;
-namespace Input = Windows::UI::Xaml::Input;
-using Windows::Foundation::Point;
 using Pages = std::vector<std::int32_t>;
 
 class HostsOwnFailure : public std::runtime_error {
@@ -112,9 +109,6 @@ protected:
         Watch();
     }
 
-    Windows::UI::Xaml::Controls::SwapChainPanel& Panel() {
-        return *Parts().ViewControl()->CanvasPanel();
-    }
     int Below(int nLimit) { return static_cast<int>(random() % static_cast<unsigned>(nLimit)); }
     float Coordinate() { return static_cast<float>(Below(5000) - 500) / 3.0F; }
     Point AnyPoint() { return {Coordinate(), Coordinate()}; }
@@ -181,14 +175,14 @@ protected:
     void Act() {
         using Action = void (RandomCommandsTest::*)();
         static constexpr std::array<Action, 17> kActions = {
-            &RandomCommandsTest::Move,    &RandomCommandsTest::Move,
-            &RandomCommandsTest::Pan,     &RandomCommandsTest::Pan,
-            &RandomCommandsTest::Pinch,   &RandomCommandsTest::Pinch,
-            &RandomCommandsTest::Wheel,   &RandomCommandsTest::Wheel,
-            &RandomCommandsTest::Goto,    &RandomCommandsTest::Zoom,
-            &RandomCommandsTest::Resize,  &RandomCommandsTest::Look,
-            &RandomCommandsTest::Rework,  &RandomCommandsTest::ChangeMode,
-            &RandomCommandsTest::Convert, &RandomCommandsTest::Reopen,
+            &RandomCommandsTest::Move,      &RandomCommandsTest::Move,
+            &RandomCommandsTest::Pan,       &RandomCommandsTest::Pan,
+            &RandomCommandsTest::Pinch,     &RandomCommandsTest::Pinch,
+            &RandomCommandsTest::TurnWheel, &RandomCommandsTest::TurnWheel,
+            &RandomCommandsTest::Goto,      &RandomCommandsTest::Zoom,
+            &RandomCommandsTest::Resize,    &RandomCommandsTest::Look,
+            &RandomCommandsTest::Rework,    &RandomCommandsTest::ChangeMode,
+            &RandomCommandsTest::Convert,   &RandomCommandsTest::Reopen,
             &RandomCommandsTest::Fault,
         };
         const std::size_t nAction = random() % kActions.size();
@@ -201,35 +195,16 @@ protected:
             CheckEnds();
         }
     }
-    void Start(Point pt) {
-        Input::ManipulationStartedRoutedEventArgs args;
-        args.Position = pt;
-        Panel().ManipulationStarted.raise(args);
-    }
-    void Delta(Point pt, float fScale, float fCumulative, bool bInertial) {
-        Input::ManipulationDeltaRoutedEventArgs args;
-        args.Position = pt;
-        args.Delta.Scale = fScale;
-        args.Cumulative.Scale = fCumulative;
-        args.IsInertial = bInertial;
-        Panel().ManipulationDelta.raise(args);
-    }
-    void Complete(Point pt, float fCumulative) {
-        Input::ManipulationCompletedRoutedEventArgs args;
-        args.Position = pt;
-        args.Cumulative.Scale = fCumulative;
-        Panel().ManipulationCompleted.raise(args);
-    }
     void Pan() {
         Point pt = AnyPoint();
         Start(pt);
         const Point ptStep = {Coordinate() / 10, Coordinate() / 10};
         for (int n = Below(12); n > 0; --n) {
             pt = {pt.X + ptStep.X, pt.Y + ptStep.Y};
-            Delta(pt, 1.0F, 1.0F, n < 3);
+            Delta(pt, 1, 1, n < 3);
             MayRun();
         }
-        Complete(pt, 1.0F);
+        Complete(pt);
     }
     // Without an engine call, and with no stand-in left once it has ended.
     void Pinch() {
@@ -245,7 +220,7 @@ protected:
         const bool bHasPages = !pControl->GetVisiblePages().empty(); // else it lays out anew
         for (int n = Below(10); n > 0; --n) {
             fCumulative *= fStep;
-            Delta({pt.X + Coordinate() / 50, pt.Y}, fStep, fCumulative, false);
+            Delta({pt.X + Coordinate() / 50, pt.Y}, fStep, fCumulative);
         }
         if (!GetParam().bEvilHost) {
             host.Drain();
@@ -255,38 +230,21 @@ protected:
         }
         Complete(pt, fCumulative);
     }
-    void Wheel() {
-        host.Environment().SetControlKeyDown(Below(3) == 0);
-        Input::PointerRoutedEventArgs args;
-        args.Position = AnyPoint();
-        args.MouseWheelDelta = (Below(7) - 3) * 120;
-        args.IsHorizontalMouseWheel = Below(5) == 0;
-        Panel().PointerWheelChanged.raise(args);
+    void TurnWheel() {
+        const bool bControl = Below(3) == 0;
+        const Point pt = AnyPoint();
+        const int nNotches = Below(7) - 3;
+        Wheel(pt, nNotches * 120, bControl, Below(5) == 0);
         host.Clock().Advance(std::chrono::milliseconds(Below(400)));
     }
+    void OneOf(std::initializer_list<std::function<void()>> acts) {
+        acts.begin()[Below(static_cast<int>(acts.size()))]();
+    }
     void Goto() {
-        switch (Below(7)) {
-            case 0:
-                pControl->GotoFirstPage();
-                break;
-            case 1:
-                pControl->GotoLastPage();
-                break;
-            case 2:
-                pControl->GotoPrevPage();
-                break;
-            case 3:
-                pControl->GotoNextPage();
-                break;
-            case 4:
-                pControl->GotoExactlyPage(AnyPage(), AnyPoint());
-                break;
-            case 5:
-                GotoDestination();
-                break;
-            default:
-                pControl->GotoPage(AnyPage());
-        }
+        OneOf({[&] { pControl->GotoFirstPage(); }, [&] { pControl->GotoLastPage(); },
+               [&] { pControl->GotoPrevPage(); }, [&] { pControl->GotoNextPage(); },
+               [&] { pControl->GotoExactlyPage(AnyPage(), AnyPoint()); },
+               [&] { GotoDestination(); }, [&] { pControl->GotoPage(AnyPage()); }});
     }
     void GotoDestination() {
         const auto pDestination = std::make_shared<ScriptedDestination>();
@@ -299,19 +257,12 @@ protected:
         pControl->GotoDestination(std::make_shared<ScriptedAction>(pDestination));
     }
     void Zoom() {
-        switch (Below(4)) {
-            case 0:
-                pControl->SetScale(static_cast<float>(Below(80)) / 10);
-                break;
-            case 1:
-                pControl->SetZoomMode(Below(5));
-                break;
-            case 2:
-                pControl->RotateViewer(Below(9) - 4);
-                break;
-            default:
-                pControl->ZoomAtPoint(AnyPoint(), 0.1 + Below(80) / 10.0, false, Below(2) == 0);
-        }
+        OneOf({[&] { pControl->SetScale(static_cast<float>(Below(80)) / 10); },
+               [&] { pControl->SetZoomMode(Below(5)); },
+               [&] { pControl->RotateViewer(Below(9) - 4); },
+               [&] {
+                   pControl->ZoomAtPoint(AnyPoint(), 0.1 + Below(80) / 10.0, false, Below(2) == 0);
+               }});
     }
     void Resize() {
         static constexpr std::array<std::array<float, 2>, 6> kSizes = {
@@ -337,22 +288,9 @@ protected:
         MayRun();
     }
     void Rework() {
-        switch (Below(5)) {
-            case 0:
-                pControl->RedrawScreen();
-                break;
-            case 1:
-                pControl->NightMode(Below(2) == 0);
-                break;
-            case 2:
-                pControl->UpdatePageAfterAnnotEdit(AnyPage());
-                break;
-            case 3:
-                pControl->CancelRender();
-                break;
-            default:
-                pControl->UpdateViewer();
-        }
+        OneOf({[&] { pControl->RedrawScreen(); }, [&] { pControl->NightMode(Below(2) == 0); },
+               [&] { pControl->UpdatePageAfterAnnotEdit(AnyPage()); },
+               [&] { pControl->CancelRender(); }, [&] { pControl->UpdateViewer(); }});
     }
     void ChangeMode() { pControl->SetPageLayoutMode(1 + Below(2)); }
     void Convert() {
@@ -372,16 +310,9 @@ protected:
     }
     // A render that fails, a frame that fails, a device that is lost.
     void Fault() {
-        switch (Below(3)) {
-            case 0:
-                pEngine->FailCall(EngineOp::StartRender, 1 + Below(4));
-                break;
-            case 1:
-                pGraphics->FailCallOf(Platform::Fake::GraphicsCall::Present1, 1 + Below(3));
-                break;
-            default:
-                pGraphics->LoseDeviceAtPresent(1 + Below(3));
-        }
+        OneOf({[&] { pEngine->FailCall(EngineOp::StartRender, 1 + Below(4)); },
+               [&] { pGraphics->FailCallOf(Platform::Fake::GraphicsCall::Present1, 1 + Below(3)); },
+               [&] { pGraphics->LoseDeviceAtPresent(1 + Below(3)); }});
     }
     void MayRun() {
         for (int n = nDepth == 0 ? Below(30) : 0; n > 0; --n) {

@@ -17,16 +17,11 @@ public:
     // What it answers.
     std::int32_t nCurrentPage = 0;
     float fScale = 1.0F;
-    float fMinScale = 0.5F;
-    float fMaxScale = 4.0F;
     std::int32_t nRotate = 0;
     std::vector<std::int32_t> visiblePages;
     Rect rcPage;
     Point ptDevice;
-    PageRect pRectResult = std::make_shared<vkit::WrapperDeviceRect>();
     std::shared_ptr<vkit::PagePosition> pPosition;
-    Color background{255, 1, 2, 3};
-    Color foreground{255, 4, 5, 6};
 
     // What it was asked, "Name a b"; questions without effect are not kept.
     std::vector<std::string> calls;
@@ -34,49 +29,42 @@ public:
     std::function<void()> fnDuringMove;
 
     void PageScaled(Point pt, double dbScale, bool bInertial, bool bComplete) override {
-        Note("PageScaled %g %g %g %d %d", pt.X, pt.Y, dbScale, bInertial, bComplete);
         fScale = static_cast<float>(dbScale);
-        During();
+        Move("PageScaled %g %g %g %d %d", pt.X, pt.Y, dbScale, bInertial, bComplete);
     }
-    void MoveScreen(double dbY, double dbX) override {
-        Note("MoveScreen %g %g", dbY, dbX), During();
-    }
+    void MoveScreen(double dbY, double dbX) override { Move("MoveScreen %g %g", dbY, dbX); }
     void RotateViewer(std::int32_t n) override { Note("RotateViewer %d", n); }
     void InvaildateLayout() override { Note("InvaildateLayout"); }
     void InitLayOut(std::int32_t nPage, double dbScale, double dbX, double dbY) override {
-        Note("InitLayOut %d %g %g %g", nPage, dbScale, dbX, dbY);
-        During();
+        Move("InitLayOut %d %g %g %g", nPage, dbScale, dbX, dbY);
     }
     void UpdateViewer() override { Note("UpdateViewer"); }
     void OnRenderCanvas(const std::shared_ptr<vkit::WPRenderDC>&) override {}
     void CloseViewer() override { Note("CloseViewer"); }
-    void GotoPage(std::int32_t nPage) override { Note("GotoPage %d", nPage), During(); }
+    void GotoPage(std::int32_t nPage) override { Move("GotoPage %d", nPage); }
     std::int32_t GetCurrentPageIndex() override { return nCurrentPage; }
     float GetScale() override { return fScale; }
     void SetScale(float f) override { fScale = f; }
-    float GetMinScale() override { return fMinScale; }
-    float GetMaxScale() override { return fMaxScale; }
+    float GetMinScale() override { return 0.5F; }
+    float GetMaxScale() override { return 4.0F; }
     std::int32_t GetRotate() override { return nRotate; }
     void SetRotate(std::int32_t n) override { nRotate = n; }
     std::shared_ptr<vkit::PagePosition> GetPagePosition() override { return pPosition; }
     std::shared_ptr<vkit::PDFPagePoint> DevicePointToPagePoint(Point pt) override {
         auto p = std::make_shared<vkit::PDFPagePoint>();
-        p->nPageIndex = 7;
         p->pt = {pt.X + 1, pt.Y + 1};
         return p;
     }
     std::shared_ptr<vkit::Render_PageScreenOffsetInfo> GetPageScreenOffset(std::int32_t) override {
         return std::make_shared<vkit::Render_PageScreenOffsetInfo>();
     }
-    std::shared_ptr<vkit::WrapperDevicePoint> PagePointToDevicePoint(std::int32_t nPage,
-                                                                     Point) override {
+    std::shared_ptr<vkit::WrapperDevicePoint> PagePointToDevicePoint(std::int32_t, Point) override {
         auto p = std::make_shared<vkit::WrapperDevicePoint>();
         p->bIsValid = true;
-        p->nPageIndex = nPage;
         p->pt = ptDevice;
         return p;
     }
-    PageRect PageRectToDeviceRect(std::int32_t, const Rect&) override { return pRectResult; }
+    PageRect PageRectToDeviceRect(std::int32_t, const Rect&) override { return {}; }
     void AlignPageAfterScroll(double dbY, double dbX) override { Note("Align %g %g", dbY, dbX); }
     void ClearPagesBitmap() override {}
     void PageSizeChanged(double dbX, double dbY) override {
@@ -89,28 +77,22 @@ public:
     void SetNightMode(bool) override {}
     void RedrawScreen() override { Note("RedrawScreen"); }
     void UpdatePageAfterAnnotEdit(std::int32_t n) override { Note("AnnotEdit %d", n); }
-    PageRect PageRectToScreenRect(std::int32_t, const Rect&) override { return pRectResult; }
-    PageRect ScreenRectToPageRect(std::int32_t, const Rect&) override { return pRectResult; }
+    PageRect PageRectToScreenRect(std::int32_t, const Rect&) override { return {}; }
+    PageRect ScreenRectToPageRect(std::int32_t, const Rect&) override { return {}; }
     bool IsPointInPage(Point) override { return false; }
     std::int32_t GetPageIndexAtPoint(Point) override { return 7; }
     Point AdjustPointInPage(Point pt, std::int32_t) override { return pt; }
     Rect GetPageRectAtPoint(Point, std::int32_t) override { return rcPage; }
     void ClearCanvas(const std::shared_ptr<vkit::WPRenderDC>&) override {}
     void ClearScreen() override { Note("ClearScreen"); }
-    PageRect DeviceRectToPageRect(std::int32_t, const Rect&) override { return pRectResult; }
-    std::array<double, 6> GetDisplayMatrix(std::int32_t nPage) override {
-        return {2.0, 0.0, 0.0, 2.0, static_cast<double>(nPage), 0.0};
-    }
+    PageRect DeviceRectToPageRect(std::int32_t, const Rect&) override { return {}; }
+    std::array<double, 6> GetDisplayMatrix(std::int32_t) override { return {2, 0, 0, 2, 3, 0}; }
     void CancelRender() override { Note("CancelRender"); }
-    Color GetPageBackgroundColor() override { return background; }
-    void SetPageBackgroundColor(Color c) override { background = c; }
-    Color GetPageForegroundColor() override { return foreground; }
-    void SetPageForegroundColor(Color c) override { foreground = c; }
-    void SetPageColors(Color b, Color f) override {
-        Note("SetPageColors");
-        background = b;
-        foreground = f;
-    }
+    Color GetPageBackgroundColor() override { return {255, 1, 2, 3}; }
+    void SetPageBackgroundColor(Color) override {}
+    Color GetPageForegroundColor() override { return {255, 4, 5, 6}; }
+    void SetPageForegroundColor(Color) override {}
+    void SetPageColors(Color, Color) override { Note("SetPageColors"); }
     void SaveViewerState(PropertySet& values) override {
         values.Insert("OffsetX", Windows::Foundation::PropertyValue::Create<double>(77.0));
     }
@@ -125,7 +107,9 @@ private:
         calls.emplace_back(szText);
     }
     void Note(const char* szText) { calls.emplace_back(szText); }
-    void During() {
+    template <class... A>
+    void Move(A... args) {
+        Note(args...);
         if (fnDuringMove) {
             fnDuringMove();
         }
