@@ -122,8 +122,6 @@ TEST_F(ElementTest, AnElementHasOneParentAndNoCircle) {
     pOther->PositionInParent({10, 20});
     pChild->PositionInParent({1, 2});
     EXPECT_EQ(pChild->PositionInWindow(), (Windows::Foundation::Point{11, 22}));
-    EXPECT_EQ(pOther->FindName("child"), pChild);
-    EXPECT_EQ(pOther->FindName("root"), nullptr);
 }
 
 TEST_F(ElementTest, ScaleAndSizeComeTogetherScaleFirst) {
@@ -146,7 +144,7 @@ TEST_F(ElementTest, ScaleAndSizeComeTogetherScaleFirst) {
 }
 
 struct Templated final : Controls::ContentControl {
-    explicit Templated(const std::string& strKey) { DefaultStyleKey = strKey; }
+    Templated() { DefaultStyleKey = "test.style"; }
     void OnApplyTemplate() override {
         ++nApplied;
         pPart = GetTemplateChild("part");
@@ -161,8 +159,7 @@ struct Templated final : Controls::ContentControl {
 
 TEST_F(ElementTest, ATemplateIsAppliedOnceUntilItIsReapplied) {
     Markup::RegisterMarkup("test.style", [this] { return Make("part"); });
-    EXPECT_TRUE(Markup::HasMarkup("test.style"));
-    const auto pControl = std::make_shared<Templated>("test.style");
+    const auto pControl = std::make_shared<Templated>();
     pControl->bFail = true;
     EXPECT_THROW(pControl->ApplyTemplate(), std::runtime_error);
     EXPECT_TRUE(pControl->Children().empty());
@@ -175,8 +172,6 @@ TEST_F(ElementTest, ATemplateIsAppliedOnceUntilItIsReapplied) {
     pControl->ReapplyTemplate();
     EXPECT_NE(pControl->pPart, pFirst);
     EXPECT_EQ(pControl->Children().size(), 1U);
-    EXPECT_THROW(std::make_shared<Templated>("no.such.style")->ApplyTemplate(),
-                 Platform::FileNotFoundException);
 }
 
 }

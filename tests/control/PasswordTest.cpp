@@ -10,38 +10,29 @@ namespace {
 
 class PasswordTest : public ControlFixture {
 protected:
+    using Operation = vkit::InsertDocumentPasswdwordDlgUIOprateion;
     PasswordTest() {
         pEngine->SetPasswords("reader", "owner");
         Show();
+        EXPECT_EQ(Open("locked.pdf"), ErrorCode::e_ErrPassword);
+        pOperation = std::dynamic_pointer_cast<Operation>(pControl->PasswordJudge());
+        completed = pOperation->Record()->m_completion.get_task();
+        pOperation->SetCloseDialog([this] { ++nDialogsClosed; });
     }
-    std::shared_ptr<vkit::InsertDocumentPasswdwordDlgUIOprateion> Operation() {
-        return std::dynamic_pointer_cast<vkit::InsertDocumentPasswdwordDlgUIOprateion>(
-            pControl->PasswordJudge());
-    }
+    std::shared_ptr<Operation> pOperation;
+    decltype(pOperation->Record()->m_completion.get_task()) completed;
+    int nDialogsClosed = 0;
 };
 
-TEST_F(PasswordTest, ARightPasswordAsksNobody) {
-    EXPECT_EQ(Open("a.pdf", "reader"), ErrorCode::e_ErrSuccess);
-    EXPECT_EQ(pControl->PasswordJudge(), nullptr);
-    EXPECT_EQ(DocEvents(), (Strings{"Mode 1->1", "OpenDoc 0 0"}));
-}
-
 TEST_F(PasswordTest, TheOpenEndsWhileTheQuestionStands) {
-    EXPECT_EQ(Open("locked.pdf"), ErrorCode::e_ErrPassword);
     EXPECT_TRUE(DocEvents().empty());
     EXPECT_FALSE(Parts().IsProgressRingVisible());
     EXPECT_NE(pControl->GetPDFDoc(), nullptr);
     EXPECT_EQ(pControl->GetPageCount(), 0);
-    ASSERT_NE(pControl->PasswordJudge(), nullptr);
-    EXPECT_EQ(pControl->PasswordJudge()->GetFileName(), "locked.pdf");
+    EXPECT_EQ(pOperation->GetFileName(), "locked.pdf");
 }
 
 TEST_F(PasswordTest, AnAcceptedPasswordTellsFirstAndShowsThen) {
-    Open();
-    const auto pOperation = Operation();
-    const auto completed = pOperation->Record()->m_completion.get_task();
-    int nDialogsClosed = 0;
-    pOperation->SetCloseDialog([&] { ++nDialogsClosed; });
     EXPECT_FALSE(pOperation->JudgePassword("wrong"));
     EXPECT_EQ(pControl->GetPageCount(), 0);
     EXPECT_TRUE(pOperation->JudgePassword("reader"));
@@ -61,9 +52,6 @@ TEST_F(PasswordTest, AnAcceptedPasswordTellsFirstAndShowsThen) {
 }
 
 TEST_F(PasswordTest, AReaderWhoGivesUpLeavesTheDocumentAttached) {
-    Open();
-    const auto pOperation = Operation();
-    const auto completed = pOperation->Record()->m_completion.get_task();
     pOperation->OnPasswordCancel();
     EXPECT_EQ(DocEvents(), (Strings{"OpenDoc 6 1"}));
     EXPECT_NE(pControl->GetPDFDoc(), nullptr);
@@ -72,13 +60,9 @@ TEST_F(PasswordTest, AReaderWhoGivesUpLeavesTheDocumentAttached) {
 }
 
 TEST_F(PasswordTest, ClosingTheDocumentWithdrawsTheQuestion) {
-    Open();
-    const auto pOperation = Operation();
-    const auto completed = pOperation->Record()->m_completion.get_task();
-    bool bDialogClosed = false;
-    pOperation->SetCloseDialog([&] { bDialogClosed = true; });
-    Open("b.pdf", "owner");
-    EXPECT_TRUE(bDialogClosed);
+    EXPECT_EQ(Open("b.pdf", "owner"), ErrorCode::e_ErrSuccess); // which asks nobody
+    EXPECT_EQ(pControl->PasswordJudge(), nullptr);
+    EXPECT_EQ(nDialogsClosed, 1);
     EXPECT_TRUE(completed.is_done());
     events.clear();
     EXPECT_FALSE(pOperation->JudgePassword("reader"));
@@ -89,9 +73,6 @@ TEST_F(PasswordTest, ClosingTheDocumentWithdrawsTheQuestion) {
 }
 
 TEST_F(PasswordTest, AnAnswerAfterTheControlIsGoneOnlyEndsTheWait) {
-    Open();
-    const auto pOperation = Operation();
-    const auto completed = pOperation->Record()->m_completion.get_task();
     pControl.reset();
     host.Drain();
     pOperation->OnPasswordOK();
@@ -100,9 +81,6 @@ TEST_F(PasswordTest, AnAnswerAfterTheControlIsGoneOnlyEndsTheWait) {
 }
 
 TEST_F(PasswordTest, AHostThatClosesInTheEventGetsNoViewer) {
-    Open();
-    const auto pOperation = Operation();
-    const auto completed = pOperation->Record()->m_completion.get_task();
     ASSERT_TRUE(pOperation->JudgePassword("reader"));
     InEvent("OpenDoc", [&] { pControl->CloseDocument(); });
     pOperation->OnPasswordOK();
