@@ -4,6 +4,7 @@
 // Where the corpus is not at hand the test is skipped.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <fstream>
@@ -23,7 +24,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kWorkers = 2;
-constexpr ReplayProcess::Limit kLimit{60};
 
 struct Row {
     fs::path path;
@@ -47,44 +47,30 @@ std::string FirstPassword(const std::string& strField) {
     return strFirst == "(none)" ? "" : strFirst;
 }
 
-class Index {
-public:
-    explicit Index(const fs::path& folder) : m_folder(folder), m_file(folder / "INDEX.tsv") {
-        std::string strLine;
-        if (std::getline(m_file, strLine)) {
-            m_header = SplitTabs(strLine);
+std::vector<Row> RowsOf(const fs::path& folder) {
+    std::ifstream file(folder / "INDEX.tsv");
+    std::string strLine;
+    std::getline(file, strLine);
+    const std::vector<std::string> header = SplitTabs(strLine);
+    std::vector<Row> rows;
+    while (std::getline(file, strLine)) {
+        const std::vector<std::string> fields = SplitTabs(strLine);
+        // The column of that name, or one whose name begins with it.
+        const auto fnField = [&](const char* szName) {
+            const auto it = std::find_if(header.begin(), header.end(), [&](const auto& strColumn) {
+                return strColumn.rfind(szName, 0) == 0;
+            });
+            const auto nColumn = static_cast<std::size_t>(it - header.begin());
+            return nColumn < fields.size() ? fields[nColumn] : std::string();
+        };
+        const Row row{folder / fnField("file"), FirstPassword(fnField("password")),
+                      fnField("expected"), std::atoi(fnField("pages").c_str())};
+        if (fs::exists(row.path)) { // some are only made when they are needed
+            rows.push_back(row);
         }
     }
-
-    std::vector<Row> Rows() {
-        std::vector<Row> rows;
-        for (std::string strLine; std::getline(m_file, strLine);) {
-            const std::vector<std::string> fields = SplitTabs(strLine);
-            const Row row{m_folder / Field(fields, "file"),
-                          FirstPassword(Field(fields, "password")), Field(fields, "expected"),
-                          std::atoi(Field(fields, "pages").c_str())};
-            if (fs::exists(row.path)) { // some are only made when they are needed
-                rows.push_back(row);
-            }
-        }
-        return rows;
-    }
-
-private:
-    // The column of that name, or one whose name begins with it.
-    std::string Field(const std::vector<std::string>& fields, const std::string& strName) const {
-        for (std::size_t n = 0; n < m_header.size() && n < fields.size(); ++n) {
-            if (m_header[n].rfind(strName, 0) == 0) {
-                return fields[n];
-            }
-        }
-        return {};
-    }
-
-    fs::path m_folder;
-    std::ifstream m_file;
-    std::vector<std::string> m_header;
-};
+    return rows;
+}
 
 std::string Describe(const QJsonObject& answer) {
     return answer.contains("message") ? answer.value("message").toString().toStdString()
@@ -143,8 +129,8 @@ class Worker {
 public:
     std::string Run(const Row& row) {
         if (!m_pReplay) {
-            m_pReplay = std::make_unique<ReplayProcess>(
-                std::vector<std::string>{"--size", "600x800"}, kLimit);
+            m_pReplay =
+                std::make_unique<ReplayProcess>(std::vector<std::string>{"--size", "600x800"});
         }
         std::string strProblem = Check(*m_pReplay, row);
         if (!m_pReplay->Run({{"op", "close"}}).contains("op")) {
@@ -201,7 +187,7 @@ TEST_P(CorpusSweep, EachFileEndsAsItsIndexSays) {
     if (!fs::exists(folder / "INDEX.tsv")) {
         GTEST_SKIP() << "no corpus at " << folder;
     }
-    const std::vector<Row> rows = Index(folder).Rows();
+    const std::vector<Row> rows = RowsOf(folder);
     ASSERT_FALSE(rows.empty());
     RecordProperty("files", static_cast<int>(rows.size()));
     for (const std::string& strProblem : CheckAll(rows)) {

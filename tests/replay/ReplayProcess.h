@@ -4,26 +4,22 @@
 //     const QJsonObject opened = replay.Run({{"op", "open"}, {"path", strPath}});
 //     EXPECT_EQ(replay.Finish(), 0);
 //
-// A command that does not answer within the limit fails the test and ends the
+// A command that does not answer within a minute fails the test and ends the
 // process. Threads: one at a time.
 #pragma once
 
-#include <sys/types.h>
-
-#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include <QJsonObject>
+#include <QProcess>
 
 namespace velko::testing {
 
 class ReplayProcess {
 public:
-    using Limit = std::chrono::seconds;
-
-    explicit ReplayProcess(const std::vector<std::string>& arguments = {}, Limit limit = Limit(60));
+    explicit ReplayProcess(const std::vector<std::string>& arguments = {});
     ~ReplayProcess();
     ReplayProcess(const ReplayProcess&) = delete;
     ReplayProcess& operator=(const ReplayProcess&) = delete;
@@ -45,21 +41,13 @@ public:
     int Finish();
     // Lines that nobody asked for; after `Finish`.
     const std::vector<std::string>& RestOfOutput() const { return m_rest; }
-    std::string Errors() const; // standard error; after `Finish`
-    bool TimedOut() const { return m_bTimedOut; }
+    std::string Errors(); // standard error so far
 
 private:
     std::optional<std::string> ReadLine();
-    bool FillBuffer();
-    void Kill();
 
-    const Limit m_limit;
-    pid_t m_nPid = -1;
-    int m_nIn = -1;
-    int m_nOut = -1;
-    int m_nErr = -1; // an unnamed file
-    bool m_bTimedOut = false;
-    std::string m_strBuffer;
+    QProcess m_process;
+    std::string m_strErrors;
     std::vector<QJsonObject> m_events;
     std::vector<std::string> m_rest;
 };
