@@ -34,17 +34,9 @@ const Question kQuestions[] = {
          return c.GetPageIndexAtPoint({1, 1});
      },
      -1, 7},
-    {"visible", [](auto& c) { return double(c.GetVisiblePages().size()); }, 0, 2},
-    {"count", [](auto& c) { return c.GetPageCount(); }, 0, 5},
-    {"delete", [](auto& c) { return c.GetDeleteFileOnClose(); }, 0, 1},
-    {"flags", [](auto& c) { return c.GetRenderFlags(); }, 0, 1},
     {"scale", [](auto& c) { return c.GetScale(); }, 0, 2},
     {"least", [](auto& c) { return c.GetMinScale(); }, 0, 0.5},
-    {"most", [](auto& c) { return c.GetMaxScale(); }, 0, 4},
-    {"rotate", [](auto& c) { return c.GetRotate(); }, 0, 2},
     {"paper", [](auto& c) { return c.PageBgColor().R; }, 0, 1},
-    {"ink", [](auto& c) { return c.PageFgColor().R; }, 0, 4},
-    {"matrix", [](auto& c) { return c.GetDisplayMatrix(3, 5)[4]; }, 0, 3},
     {"to page",
      [](auto& c) {
          return c.DevicePointToPagePoint({3, 4})->pt.X;
@@ -52,9 +44,6 @@ const Question kQuestions[] = {
      3, 4},
     {"no rect", [](auto& c) { return c.PageRectToDeviceRect(1, Rect()).IsEmpty(); }, 0, 1},
     {"on screen", [](auto& c) { return c.GetPageScreenRect(6).has_value(); }, 0, 1},
-    {"canvas", [](auto& c) { return c.GetCanvasSize().Width; }, 0, 1000},
-    {"file", [](auto& c) { return c.GetDocumentFile() != nullptr; }, 0, 1},
-    {"engine", [](auto& c) { return c.GetPDFDoc() != nullptr; }, 0, 1},
 };
 
 TEST_F(CommandsTest, EachBearsThatAnyOfWhatItWorksOnIsMissing) {
@@ -84,9 +73,7 @@ TEST_F(CommandsTest, EachBearsThatAnyOfWhatItWorksOnIsMissing) {
     };
     const auto fnUseViewer = [&] {
         const auto pViewer = UseScriptedViewer();
-        pViewer->visiblePages = {0, 1};
         pViewer->nCurrentPage = 4;
-        pViewer->nRotate = 2;
     };
     const auto none = fnActAndAsk();
     pControl->SetPageLayoutMode(2);
@@ -224,17 +211,6 @@ TEST_F(CommandsTest, AModeChangeKeepsThePageAndTells) {
     EXPECT_EQ(DocEvents(), (Strings{"Mode 1->2"}));
     EXPECT_EQ(pControl->GetPageLayoutMode(), 2);
     EXPECT_EQ(pControl->GetCurrentPageIndex(), 2);
-}
-
-TEST_F(CommandsTest, AViewerWithoutADocumentIsBorne) {
-    Show();
-    pControl->SetPageLayoutMode(1);
-    ASSERT_NE(Parts().PageViewMgr()->GetViewer(), nullptr);
-    EXPECT_EQ(DocEvents(), (Strings{"Mode 0->1"}));
-    pControl->MoveScreen(100, 0);
-    pControl->Arrange({300, 900});
-    pControl->RedrawScreen();
-    EXPECT_EQ(Open(), ErrorCode::e_ErrSuccess);
 }
 
 }

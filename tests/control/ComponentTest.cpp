@@ -43,8 +43,8 @@ TEST_F(ComponentTest, MayUnloadOnceNoControlLives) {
 
 TEST_F(ComponentTest, AStyleOfTheHostNeedsTheRightParts) {
     namespace Xaml = Windows::UI::Xaml;
-    const auto fnMake = [](std::shared_ptr<Xaml::FrameworkElement> pViewControl) {
-        return [pViewControl] {
+    const auto fnRegister = [](std::shared_ptr<Xaml::FrameworkElement> pViewControl) {
+        Xaml::Markup::RegisterMarkup(vkit::kPDFViewCtrlStyle, [pViewControl] {
             const auto pRoot = std::make_shared<Xaml::Controls::Grid>();
             pRoot->Name("Layout");
             if (pViewControl) {
@@ -52,15 +52,12 @@ TEST_F(ComponentTest, AStyleOfTheHostNeedsTheRightParts) {
                 pRoot->AppendChild(pViewControl);
             }
             return pRoot;
-        };
-    };
-    const auto fnRegister = [&](auto pElement) {
-        Xaml::Markup::RegisterMarkup(vkit::kPDFViewCtrlStyle, fnMake(pElement));
+        });
     };
     fnRegister(std::make_shared<Xaml::Controls::Grid>());
     const auto pOther = vkit::PDFViewCtrl::Create();
     EXPECT_THROW(pOther->ApplyTemplate(), Platform::InvalidCastException);
-    fnRegister(std::shared_ptr<Xaml::FrameworkElement>());
+    fnRegister(nullptr);
     EXPECT_THROW(pOther->ApplyTemplate(), Platform::NullReferenceException);
     fnRegister(vkit::VelkoViewControl::Create());
     EXPECT_NO_THROW(pOther->ApplyTemplate()); // ring and bar may be missing

@@ -4,7 +4,6 @@
 
 #include <stdexcept>
 
-#include "platform/ui/Markup.h"
 #include "platform/ui/SwapChainPanel.h"
 
 namespace velko::testing {
@@ -141,37 +140,6 @@ TEST_F(ElementTest, ScaleAndSizeComeTogetherScaleFirst) {
     pPanel->CompositionScale(3, 2);
     EXPECT_EQ(log, (Strings{"scale 10 at 3"}));
     EXPECT_THROW(pPanel->CompositionScale(0, 1), Platform::InvalidArgumentException);
-}
-
-struct Templated final : Controls::ContentControl {
-    Templated() { DefaultStyleKey = "test.style"; }
-    void OnApplyTemplate() override {
-        ++nApplied;
-        pPart = GetTemplateChild("part");
-        if (bFail) {
-            throw std::runtime_error("template");
-        }
-    }
-    int nApplied = 0;
-    bool bFail = false;
-    std::shared_ptr<FrameworkElement> pPart;
-};
-
-TEST_F(ElementTest, ATemplateIsAppliedOnceUntilItIsReapplied) {
-    Markup::RegisterMarkup("test.style", [this] { return Make("part"); });
-    const auto pControl = std::make_shared<Templated>();
-    pControl->bFail = true;
-    EXPECT_THROW(pControl->ApplyTemplate(), std::runtime_error);
-    EXPECT_TRUE(pControl->Children().empty());
-    pControl->bFail = false;
-    pControl->ApplyTemplate();
-    pControl->ApplyTemplate();
-    EXPECT_EQ(pControl->nApplied, 2);
-    const auto pFirst = pControl->pPart;
-    ASSERT_NE(pFirst, nullptr);
-    pControl->ReapplyTemplate();
-    EXPECT_NE(pControl->pPart, pFirst);
-    EXPECT_EQ(pControl->Children().size(), 1U);
 }
 
 }

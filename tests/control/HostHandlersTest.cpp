@@ -12,8 +12,6 @@ struct HostFailure : std::runtime_error {
     HostFailure() : std::runtime_error("host") {}
 };
 
-const char* const kOpenEvents[] = {"PageLoaded", "PageVisible", "PageChanged", "Mode", "OpenDoc"};
-
 class HostHandlersTest : public ControlFixture {
 protected:
     HostHandlersTest() { Show(); }
@@ -35,11 +33,29 @@ protected:
     }
 };
 
-TEST_F(HostHandlersTest, AFailureInAnyEventOfAnOpenEndsTheOpen) {
-    for (const char* szEvent : kOpenEvents) {
+TEST_F(HostHandlersTest, AnyEventOfAnOpenMayFailCloseOrReplaceTheDocument) {
+    for (const char* szEvent : {"PageLoaded", "PageVisible", "PageChanged", "Mode", "OpenDoc"}) {
         SCOPED_TRACE(szEvent);
         InEvent(szEvent, [] { throw HostFailure(); });
         EXPECT_THROW(Open(), HostFailure);
+        ExpectUsable();
+        pControl->CloseDocument();
+
+        InEvent(szEvent, [&] { pControl->CloseDocument(); });
+        EXPECT_EQ(Open(), ErrorCode::e_ErrSuccess);
+        EXPECT_EQ(pControl->GetPDFDoc(), nullptr);
+        EXPECT_EQ(Parts().PageViewMgr()->GetViewer(), nullptr);
+        // Nothing is told of the document after it was told to be closed.
+        EXPECT_EQ(DocEvents().back(), "CloseDoc 0 0");
+        ExpectUsable();
+        pControl->CloseDocument();
+
+        const auto pOther = pEngine->MakeLoadedDoc();
+        InEvent(szEvent, [&] { pControl->SetPDFDoc(pOther); });
+        Open();
+        EXPECT_EQ(pControl->GetPDFDoc(), pOther);
+        ASSERT_NE(Parts().PageViewMgr()->GetViewer(), nullptr);
+        EXPECT_EQ(pControl->GetVisiblePages().front(), 0);
         ExpectUsable();
         pControl->CloseDocument();
     }
@@ -55,35 +71,6 @@ TEST_F(HostHandlersTest, FailuresWhileClosingReachTheCallerAndLeaveNothingOpen) 
         EXPECT_EQ(Parts().PageViewMgr()->GetViewer(), nullptr);
         EXPECT_EQ(events.back(), "CloseDoc 0 0");
         ExpectUsable();
-    }
-}
-
-TEST_F(HostHandlersTest, ClosingInAnyEventOfAnOpenStaysClosed) {
-    for (const char* szEvent : kOpenEvents) {
-        SCOPED_TRACE(szEvent);
-        events.clear();
-        InEvent(szEvent, [&] { pControl->CloseDocument(); });
-        EXPECT_EQ(Open(), ErrorCode::e_ErrSuccess);
-        EXPECT_EQ(pControl->GetPDFDoc(), nullptr);
-        EXPECT_EQ(Parts().PageViewMgr()->GetViewer(), nullptr);
-        // Nothing is told of the document after it was told to be closed.
-        EXPECT_EQ(DocEvents().back(), "CloseDoc 0 0");
-        ExpectUsable();
-        pControl->CloseDocument();
-    }
-}
-
-TEST_F(HostHandlersTest, AnotherDocumentFromAnyEventOfAnOpenIsTheOneShown) {
-    for (const char* szEvent : kOpenEvents) {
-        SCOPED_TRACE(szEvent);
-        const auto pOther = pEngine->MakeLoadedDoc();
-        InEvent(szEvent, [&] { pControl->SetPDFDoc(pOther); });
-        Open();
-        EXPECT_EQ(pControl->GetPDFDoc(), pOther);
-        ASSERT_NE(Parts().PageViewMgr()->GetViewer(), nullptr);
-        EXPECT_EQ(pControl->GetVisiblePages().front(), 0);
-        ExpectUsable();
-        pControl->CloseDocument();
     }
 }
 
@@ -124,21 +111,28 @@ TEST_F(HostHandlersTest, AHostThatReplacesEveryDocumentDoesNotHangAnOpen) {
     EXPECT_EQ(pControl->GetDocumentFile()->Name(), "new.pdf");
 }
 
-TEST_F(HostHandlersTest, LettingGoInAnyEventEndsTheControlAfterIt) {
+TEST_F(HostHandlersTest, LettingGoOrDisposingInAnyEventEndsTheControlAfterIt) {
     for (const char* szEvent : {"PageLoaded", "PageVisible", "PageChanged", "Mode", "OpenDoc",
                                 "PageUnloaded", "CloseDoc"}) {
-        SCOPED_TRACE(szEvent);
-        auto pShort = Short();
-        const std::weak_ptr<vkit::PDFViewCtrl> wkShort = pShort;
-        InEvent(szEvent, [&] { pShort.reset(); });
-        const auto opening = pShort->OpenPdfDocument(File(), "");
-        host.Drain();
-        EXPECT_EQ(opening.get(), ErrorCode::e_ErrSuccess);
-        if (pShort) {
-            pShort->CloseDocument();
+        for (const bool bDispose : {false, true}) {
+            SCOPED_TRACE(std::string(szEvent) + (bDispose ? " disposing" : " letting go"));
+            auto pShort = Short();
+            const std::weak_ptr<vkit::PDFViewCtrl> wkShort = pShort;
+            InEvent(szEvent, [&] { bDispose ? pShort->Dispose() : pShort.reset(); });
+            const auto opening = pShort->OpenPdfDocument(File(), "");
+            host.Drain();
+            EXPECT_EQ(opening.get(), ErrorCode::e_ErrSuccess);
+            if (pShort && fnHook) { // it has not come to that event
+                pShort->CloseDocument();
+            }
+            EXPECT_FALSE(fnHook);
+            if (pShort) {
+                EXPECT_THROW(pShort->GetPageCount(), Platform::ObjectDisposedException);
+            }
+            pShort.reset();
+            host.Drain();
+            EXPECT_TRUE(wkShort.expired());
         }
-        host.Drain();
-        EXPECT_TRUE(wkShort.expired());
     }
     EXPECT_EQ(pEngine->LiveDocs(), 0);
 }
@@ -178,18 +172,6 @@ TEST_F(HostHandlersTest, AnEventTakesNoHandlerOnceTheControlIsDisposed) {
                  Platform::ObjectDisposedException);
 }
 
-TEST_F(HostHandlersTest, DisposingInAnyEventOfAnOpenEndsQuietly) {
-    for (const char* szEvent : kOpenEvents) {
-        SCOPED_TRACE(szEvent);
-        auto pShort = Short();
-        InEvent(szEvent, [&] { pShort->Dispose(); });
-        const auto opening = pShort->OpenPdfDocument(File(), "");
-        host.Drain();
-        EXPECT_EQ(opening.get(), ErrorCode::e_ErrSuccess);
-        EXPECT_THROW(pShort->GetPageCount(), Platform::ObjectDisposedException);
-    }
-}
-
 TEST_F(HostHandlersTest, AnOpenThatOutlivesItsControlLeavesNothing) {
     auto pShort = vkit::PDFViewCtrl::Create();
     const auto forgotten = pShort->OpenPdfDocument(File(), "");
@@ -203,22 +185,6 @@ TEST_F(HostHandlersTest, AnOpenThatOutlivesItsControlLeavesNothing) {
     EXPECT_EQ(pEngine->LiveDocs(), 0);
     EXPECT_THROW(pControl->OpenPdfDocument(File(), ""), Platform::ObjectDisposedException);
     EXPECT_NO_THROW(pControl->Dispose());
-}
-
-TEST_F(HostHandlersTest, HandlersOfAFrameMayClose) {
-    Open();
-    bool bClosed = false;
-    pControl->RenderCanvasEvent.add([&](const auto& pSender, const auto&) {
-        if (!bClosed) {
-            bClosed = true;
-            pSender->CloseDocument();
-        }
-    });
-    pControl->UpdateViewer();
-    host.Drain();
-    EXPECT_TRUE(bClosed);
-    EXPECT_EQ(Parts().PageViewMgr()->GetViewer(), nullptr);
-    ExpectUsable();
 }
 
 TEST_F(HostHandlersTest, DisconnectedSubscribersAreRemovedOthersFailTheStep) {
