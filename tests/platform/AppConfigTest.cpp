@@ -31,6 +31,7 @@ protected:
 
 TEST_F(AppConfigTest, AValueIsStoredAsItsTypeAndAForeignTypeGivesAFallback) {
     EXPECT_TRUE(AppConfig::IsAutoSave()) << "before Init";
+    EXPECT_THROW(AppConfig::IsAutoSave(false), Platform::NullReferenceException);
     AppConfig::Init();
     AppConfig::IsAutoSave(false);
     EXPECT_FALSE(AppConfig::IsAutoSave());
@@ -44,27 +45,6 @@ TEST_F(AppConfigTest, AValueIsStoredAsItsTypeAndAForeignTypeGivesAFallback) {
     EXPECT_TRUE(AppConfig::IsAutoSave());
     EXPECT_EQ(AppConfig::PageBackgroundColor(), Windows::UI::Colors::White);
     EXPECT_TRUE(AppConfig::IsAllowLanchUrlForForm());
-}
-
-TEST_F(AppConfigTest, ASetterIsInForceWhateverTheStore) {
-    EXPECT_THROW(AppConfig::IsAutoSave(false), Platform::NullReferenceException);
-    StorageCalls calls;
-    calls.Fail("", ENOSPC, 1, true);
-    AppConfig::Init();
-    AppConfig::IsAutoSave(false);
-    host.Data().Flush();
-    EXPECT_FALSE(AppConfig::IsAutoSave());
-    EXPECT_TRUE(host.Data().Failure());
-}
-
-TEST_F(AppConfigTest, WhatIsSetTogetherHoldsWholeOrNotAtAll) {
-    AppConfig::Init();
-    EXPECT_THROW(AppConfig::SetTogether([] {
-                     AppConfig::IsAutoSave(false);
-                     throw Platform::ReadFaultException();
-                 }),
-                 Platform::ReadFaultException);
-    EXPECT_TRUE(AppConfig::IsAutoSave());
 }
 
 TEST_F(AppConfigTest, TheFirstInitHolds) {

@@ -170,7 +170,11 @@ TEST(SettingsFaultTest, AStoreInTroubleIsReadWithoutATouchAndToldOnce) {
         {"of a later version",
          [](const auto& folder) { Sqlite(folder / "settings.db").Run("PRAGMA user_version=3"); },
          nullptr, -1, Cause::LaterVersion, false},
-        {"damaged", [](const auto& folder) { folder.Write("settings.db", std::string(9000, 'Z')); },
+        {"damaged",
+         [](const auto& folder) {
+             folder.Write("settings.db", std::string(9000, 'Z'));
+             folder.Write("settings.db.corrupt1", "set aside before");
+         },
          nullptr, -1, Cause::Damaged},
         {"of 0 bytes", [](const auto& folder) { folder.Write("settings.db", ""); }, nullptr},
         {"without tables",
@@ -235,6 +239,10 @@ TEST(SettingsFaultTest, AStoreInTroubleIsReadWithoutATouchAndToldOnce) {
         EXPECT_EQ(Stored(folder.Path(), "d"), 4);
         const bool bKept = trouble.told == Cause::Locked || trouble.nRead == 1;
         EXPECT_EQ(Stored(folder.Path(), "a"), bKept ? 1 : -1);
+        if (trouble.told == Cause::Damaged) {
+            EXPECT_EQ(folder.Read("settings.db.corrupt1"), "set aside before");
+            EXPECT_EQ(folder.Read("settings.db.corrupt2"), strBefore);
+        }
     }
 }
 

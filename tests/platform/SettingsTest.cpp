@@ -268,24 +268,6 @@ void Damage(const TemporaryFolder& folder) {
     folder.Write("settings.db", strBytes);
 }
 
-TEST(SettingsTest, WhatCannotBeReadIsSetAsideByTheFirstChange) {
-    TestHost host;
-    const TemporaryFolder folder;
-    for (const int nTimes : {1, 2}) {
-        StoreNumber(*OpenApplicationData(folder.Path()), "a", 1);
-        Damage(folder);
-        const std::string strBytes = folder.Read("settings.db");
-        const std::string strAside = "settings.db.corrupt" + std::to_string(nTimes);
-        const auto pData = OpenApplicationData(folder.Path());
-        EXPECT_EQ(NumberAt(*pData, "a"), -1);
-        EXPECT_EQ(folder.Read("settings.db"), strBytes);
-        StoreNumber(*pData, "b", 2);
-        EXPECT_TRUE(host.DebugContains("unreadable settings set aside as " + (folder / strAside)));
-        EXPECT_EQ(folder.Read(strAside), strBytes);
-        EXPECT_EQ(NumberAt(*OpenApplicationData(folder.Path()), "b"), 2);
-    }
-}
-
 // What is shown outlives the file: whoever begins it anew stores all of it.
 TEST(SettingsTest, AStoreThatBreaksOrGoesWhileItIsInUseIsMadeAgainWhole) {
     const TestHost host;

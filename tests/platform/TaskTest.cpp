@@ -13,7 +13,6 @@
 
 namespace {
 
-using concurrency::cancellation_token;
 using concurrency::cancellation_token_source;
 using concurrency::create_task;
 using concurrency::resume_background;
@@ -58,35 +57,26 @@ TEST(TaskTest, ThreeOutcomesPassThroughACoroutineAndAContinuation) {
     EXPECT_EQ(NameOfOutcome(ends[2]).get(), "canceled");
 }
 
-struct Trace {
-    std::vector<std::string> steps;
-    void Here(const TestHost& host, const char* pszStep) {
-        steps.push_back(std::string(pszStep) +
-                        (host.Dispatcher().HasThreadAccess() ? " on UI" : " off UI"));
-    }
-};
-
-task<void> GoThere(const TestHost& host, Trace& trace, task<int> wait) {
-    trace.Here(host, "start");
-    co_await wait;
-    trace.Here(host, "after wait");
-    co_await resume_background();
-    trace.Here(host, "background");
-    co_await resume_foreground(host.Environment().MainDispatcher());
-    trace.Here(host, "foreground");
-}
-
 TEST(TaskTest, ACoroutineResumesWhereItWaited) {
     TestHost host;
-    Trace trace;
-    const task_completion_event<int> wait;
-    const task<void> whole = GoThere(host, trace, wait.get_task());
-    std::thread([&] { wait.set(1); }).join();
-    EXPECT_EQ(trace.steps, std::vector<std::string>{"start on UI"}); // posted, not run elsewhere
+    std::string strTrace;
+    const auto fnHere = [&] { strTrace += host.Dispatcher().HasThreadAccess() ? " UI" : " pool"; };
+    const task_completion_event<int> event;
+    const auto fnGo = [&](task<int> wait) -> task<void> {
+        fnHere();
+        co_await wait;
+        fnHere();
+        co_await resume_background();
+        fnHere();
+        co_await resume_foreground(host.Environment().MainDispatcher());
+        fnHere();
+    };
+    const task<void> whole = fnGo(event.get_task());
+    std::thread([&] { event.set(1); }).join();
+    EXPECT_EQ(strTrace, " UI"); // posted, not run elsewhere
     EXPECT_EQ(host.Dispatcher().Pending(), 1U);
     host.Drain();
-    EXPECT_EQ(trace.steps, (std::vector<std::string>{"start on UI", "after wait on UI",
-                                                     "background off UI", "foreground on UI"}));
+    EXPECT_EQ(strTrace, " UI UI pool UI");
     EXPECT_TRUE(whole.is_value());
 }
 
@@ -163,76 +153,59 @@ TEST(TaskTest, TheHandlerOfAnOperationHearsEveryStatusAndItsOwnFailureIsLogged) 
 
 TEST(TaskTest, WhenAllWaitsForAllAndTellsTheFirstFailure) {
     const TestHost host;
-    using Events = std::vector<task_completion_event<void>>;
-    const auto fnAll = [](const Events& events, cancellation_token token) {
-        std::vector<task<void>> tasks;
-        for (const auto& event : events) {
-            tasks.push_back(event.get_task());
-        }
-        return concurrency::when_all(tasks, token);
-    };
-    const auto none = cancellation_token::none();
-
-    const Events failing(3);
-    const task<void> first = fnAll(failing, none);
+    const cancellation_token_source source;
+    const task_completion_event<void> failing[3];
+    const task_completion_event<void> canceled[2];
+    const task_completion_event<void> good;
+    const task<void> first = concurrency::when_all(
+        {failing[0].get_task(), failing[1].get_task(), failing[2].get_task()});
+    const task<void> second =
+        concurrency::when_all({canceled[0].get_task(), canceled[1].get_task()});
+    const task<void> third = concurrency::when_all({good.get_task()}, source.get_token());
     failing[2].set_exception(std::make_exception_ptr(std::runtime_error("third")));
     failing[1].set_exception(std::make_exception_ptr(Platform::DiskFullException()));
     EXPECT_FALSE(first.is_done());
     failing[0].set_canceled();
     EXPECT_THROW(first.get(), Platform::DiskFullException); // in list order, and before cancelled
-
-    const Events canceled(2);
-    const task<void> second = fnAll(canceled, none);
     canceled[0].set_canceled();
+    EXPECT_FALSE(second.is_done());
     canceled[1].set();
     EXPECT_TRUE(second.is_canceled());
-
-    const cancellation_token_source source;
-    const Events good(1);
-    const task<void> third = fnAll(good, source.get_token());
     source.cancel();
     EXPECT_FALSE(third.is_done()); // cancelling only asks
-    good[0].set();
+    good.set();
     EXPECT_TRUE(third.is_canceled());
-
     EXPECT_TRUE(concurrency::when_all({}).is_value());
 }
 
 TEST(TaskTest, CancellationBeforeTheStartDuringAndAfter) {
     TestHost host;
     int nRuns = 0;
-    cancellation_token_source early;
-    early.cancel();
-    const auto never = create_task([&] { return ++nRuns; }, early.get_token());
-    EXPECT_TRUE(never.is_canceled()); // needs no thread to know it
-    EXPECT_EQ(host.Pool().Pending(), 0U);
-
-    cancellation_token_source queued;
-    const auto skipped = create_task([&] { return ++nRuns; }, queued.get_token());
-    queued.cancel();
+    cancellation_token_source source;
+    const auto fnStart = [&](bool bCancel) {
+        return create_task(
+            [&, bCancel, token = source.get_token()] {
+                ++nRuns;
+                if (bCancel) {
+                    source.cancel();
+                    token.throw_if_canceled();
+                }
+                return ++nRuns;
+            },
+            source.get_token());
+    };
+    const auto done = fnStart(false);
     host.Drain();
-    EXPECT_TRUE(skipped.is_canceled());
-    EXPECT_EQ(nRuns, 0);
-
-    cancellation_token_source during;
-    const auto token = during.get_token();
-    const auto stopped = create_task(
-        [&, token] {
-            ++nRuns;
-            during.cancel();
-            token.throw_if_canceled();
-            return ++nRuns;
-        },
-        token);
+    EXPECT_EQ(nRuns, 2);
+    const auto stopped = fnStart(true);
+    const auto skipped = fnStart(false);
     host.Drain();
+    EXPECT_EQ(done.get(), 2); // long ended
     EXPECT_TRUE(stopped.is_canceled());
-    EXPECT_EQ(nRuns, 1);
-
-    cancellation_token_source late;
-    const auto done = create_task([&] { return ++nRuns; }, late.get_token());
-    host.Drain();
-    late.cancel();
-    EXPECT_EQ(done.get(), 2);
+    EXPECT_TRUE(skipped.is_canceled());        // while it waited
+    EXPECT_TRUE(fnStart(false).is_canceled()); // needs no thread to know it
+    EXPECT_EQ(host.Pool().Pending(), 0U);
+    EXPECT_EQ(nRuns, 3);
 }
 
 TEST(TaskTest, ARenewedSourceLeavesOldTokensCancelledAndGivesFreshOnes) {

@@ -8,7 +8,6 @@
 
 #include "platform/concurrency/CriticalSection.h"
 #include "platform/concurrency/SerialQueue.h"
-#include "platform/concurrency/Task.h"
 #include "platform/concurrency/ThreadPool.h"
 #include "platform/fake/TestHost.h"
 #include "tests/platform/Eventually.h"
@@ -96,34 +95,6 @@ TEST(ThreadPoolTest, AThreadThatHangsInASystemCallHoldsNoEnd) {
     auto pToken = std::make_shared<int>(0);
     s_pPool->schedule([pToken] {});
     EXPECT_EQ(pToken.use_count(), 1) << "what comes later is dropped";
-}
-
-TEST(ThreadPoolTest, ChainsOverManyThreadsAllEnd) {
-    TestHost host(TestHost::RealPool{3});
-    constexpr int kChains = 200;
-    std::atomic<int> nSum{0};
-    critical_section lock;
-    int nGuarded = 0;
-    const auto fnChain = [&](int n) -> concurrency::task<void> {
-        co_await concurrency::resume_background();
-        {
-            const critical_section::scoped_lock guard(lock);
-            ++nGuarded;
-        }
-        nSum += n;
-        co_await concurrency::resume_foreground(host.Environment().MainDispatcher());
-        EXPECT_TRUE(host.Dispatcher().HasThreadAccess());
-    };
-    std::vector<concurrency::task<void>> chains;
-    for (int n = 0; n < kChains; ++n) {
-        chains.push_back(fnChain(n));
-    }
-    const auto all = concurrency::when_all(chains);
-    EXPECT_TRUE(host.WaitUntil([&] { return all.is_done(); }));
-    EXPECT_TRUE(all.is_value());
-    EXPECT_EQ(nSum, kChains * (kChains - 1) / 2);
-    const critical_section::scoped_lock guard(lock);
-    EXPECT_EQ(nGuarded, kChains);
 }
 
 TEST(SerialQueueTest, WorksOfManyThreadsRunOneByOneInTheOrderOfTheirComing) {
