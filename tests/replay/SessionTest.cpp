@@ -50,62 +50,57 @@ TEST_F(SessionTest, AnOpenTellsOfPagesAndIsDescribedAndACloseUnloadsThem) {
     EXPECT_EQ(replay.Finish(), 0);
 }
 
-TEST_F(SessionTest, WheelAndManipulationsReachTheControlAndTheHostsSink) {
-    ReplayProcess replay;
-    ExpectOpens(replay, 3);
-    replay.ClearEvents();
-    replay.Run({{"op", "wheel"}, {"x", 10}, {"y", 10}, {"delta", -120}});
-    EXPECT_EQ(FirstItem(State(replay)).value("y").toDouble(), -120.0);
-    const auto nCalls = [&](const char* szName) {
-        return std::count_if(
-            replay.Events().begin(), replay.Events().end(),
-            [&](const QJsonObject& event) { return event.value("name").toString() == szName; });
-    };
-    EXPECT_EQ(nCalls("OnPointerWheelChanged"), 1);
-
-    replay.Run({{"op", "manip"}, {"phase", "started"}, {"x", 500}, {"y", 500}});
-    const QJsonObject moved =
-        replay.Run({{"op", "manip"}, {"phase", "delta"}, {"x", 500}, {"y", 470}});
-    EXPECT_TRUE(moved.value("handled").toBool());
-    EXPECT_EQ(FirstItem(State(replay)).value("y").toDouble(), -150.0);
-    EXPECT_EQ(nCalls("OnManipulationStarted"), 2);
-    EXPECT_EQ(nCalls("OnManipulationDelta"), 1);
-}
-
-TEST_F(SessionTest, WaitCountsTheSettlingOfAWheelZoomAndSaysWhatIsBusy) {
-    ReplayProcess replay;
-    ExpectOpens(replay, 1);
-    replay.Run({{"op", "wheel"}, {"x", 500}, {"y", 500}, {"delta", 120}, {"ctrl", true}});
-    const QJsonObject hurried = replay.Run({{"op", "wait"}, {"timeout_ms", 0}});
-    EXPECT_FALSE(hurried.value("idle").toBool(true));
-    EXPECT_FALSE(hurried.value("busy").toArray().isEmpty());
-    ExpectIdle(replay);
-}
-
-TEST_F(SessionTest, DragsMoveAsFarAsTheySayAFlingGoesOnInTheWaitAndTwoFingersZoom) {
+TEST_F(SessionTest, WheelManipulationsAndDragsMoveAndReachTheHostsSink) {
     ReplayProcess replay;
     ExpectOpens(replay, 9);
     const auto fnTop = [&] {
         const QJsonObject item = FirstItem(State(replay));
         return item.value("y").toDouble() - 1309.0 * item.value("page").toInt();
     };
+    const auto fnCalls = [&](const char* szName) {
+        return std::count_if(
+            replay.Events().begin(), replay.Events().end(),
+            [&](const QJsonObject& event) { return event.value("name").toString() == szName; });
+    };
+    replay.Run({{"op", "wheel"}, {"x", 10}, {"y", 10}, {"delta", -120}});
+    EXPECT_EQ(fnTop(), -120.0);
+    EXPECT_EQ(fnCalls("OnPointerWheelChanged"), 1);
+    replay.Run({{"op", "manip"}, {"phase", "started"}, {"x", 500}, {"y", 500}});
+    const QJsonObject moved =
+        replay.Run({{"op", "manip"}, {"phase", "delta"}, {"x", 500}, {"y", 470}});
+    EXPECT_TRUE(moved.value("handled").toBool());
+    EXPECT_EQ(fnTop(), -150.0);
+    EXPECT_EQ(fnCalls("OnManipulationStarted"), 2);
+    EXPECT_EQ(fnCalls("OnManipulationDelta"), 1);
+    replay.Run({{"op", "manip"}, {"phase", "completed"}, {"x", 500}, {"y", 470}});
+
     QJsonObject drag{{"op", "drag"}, {"x0", 500},  {"y0", 900},        {"x1", 500},
                      {"y1", 800},    {"steps", 5}, {"device", "mouse"}};
     replay.Run(drag);
-    EXPECT_EQ(fnTop(), -100.0);
+    EXPECT_EQ(fnTop(), -250.0);
     drag.insert("device", "touch");
     drag.insert("fling", true);
     replay.Run(drag);
-    EXPECT_EQ(fnTop(), -200.0);
+    EXPECT_EQ(fnTop(), -350.0);
     const QJsonObject waited = replay.Run({{"op", "wait"}, {"timeout_ms", 30}});
     EXPECT_TRUE(waited.value("busy").toArray().contains("the inertia of a pan"));
     ExpectIdle(replay);
     // 100 in 48 ms; the rest is what such a speed covers until it fades.
-    EXPECT_NEAR(fnTop(), -200.0 - (100.0 / 0.048 - 40.0) * 0.325, 1.0);
+    EXPECT_NEAR(fnTop(), -350.0 - (100.0 / 0.048 - 40.0) * 0.325, 1.0);
+}
+
+TEST_F(SessionTest, TwoFingersZoomAndTheWaitCountsTheSettlingOfAWheelZoom) {
+    ReplayProcess replay;
+    ExpectOpens(replay, 1);
     const double dbBefore = State(replay).value("scale").toDouble();
     replay.Run({{"op", "pinch"}, {"x", 500}, {"y", 700}, {"from", 200}, {"to", 400}});
     ExpectIdle(replay);
     EXPECT_GT(State(replay).value("scale").toDouble(), dbBefore * 1.5);
+    replay.Run({{"op", "wheel"}, {"x", 500}, {"y", 500}, {"delta", 120}, {"ctrl", true}});
+    const QJsonObject hurried = replay.Run({{"op", "wait"}, {"timeout_ms", 0}});
+    EXPECT_FALSE(hurried.value("idle").toBool(true));
+    EXPECT_FALSE(hurried.value("busy").toArray().isEmpty());
+    ExpectIdle(replay);
 }
 
 TEST_F(SessionTest, ASavedViewAndSettingsOutliveTheProcess) {
@@ -138,12 +133,9 @@ TEST_F(SessionTest, StatsFollowTheLifeOfBitmaps) {
     const QJsonObject shown = replay.Run({{"op", "stats"}});
     EXPECT_EQ(shown.value("engine_opens").toInt(), 1);
     EXPECT_EQ(shown.value("engine_renders").toInt(), 2);
-    EXPECT_EQ(shown.value("blocks_created").toInt(), 2);
-    EXPECT_EQ(shown.value("bitmaps_live").toInt(), 2);
     EXPECT_EQ(shown.value("bitmap_bytes_live").toInt(), 2 * 1000 * 1294 * 4);
     EXPECT_GE(shown.value("presents").toInt(), 1);
     EXPECT_GE(shown.value("paints").toInt(), shown.value("presents").toInt());
-    EXPECT_GT(shown.value("peak_rss_kb").toInt(), 10000);
     replay.Run({{"op", "move"}, {"dy", 100}, {"dx", 0}});
     ExpectIdle(replay);
     EXPECT_EQ(replay.Run({{"op", "stats"}}).value("engine_renders").toInt(), 2)
