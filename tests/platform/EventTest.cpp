@@ -42,16 +42,9 @@ TEST(EventTest, AThrowingSubscriberStopsTheRaiseAndLeavesTheEventUsable) {
 
 TEST(EventTest, WhatARemovedSubscriberOwnsMayUseTheEventWhileItGoes) {
     Event<> event;
-    struct Leaver {
-        Event<>& event;
-        EventRegistrationToken other;
-        ~Leaver() { event.remove(other); }
-    };
     const auto other = event.add([] {});
-    auto pLeaver = std::make_shared<Leaver>(Leaver{event, other});
-    pLeaver->other = other;
-    const auto token = event.add([pLeaver] {});
-    pLeaver.reset();
+    std::shared_ptr<void> pOwned(nullptr, [&](void*) { event.remove(other); });
+    const auto token = event.add([pOwned = std::move(pOwned)] {});
     event.remove(token);
     EXPECT_TRUE(event.empty());
 }

@@ -14,7 +14,6 @@
 #include "platform/fake/TestHost.h"
 #include "platform/foundation/Exception.h"
 #include "platform/storage/ApplicationData.h"
-#include "platform/storage/StorageFolder.h"
 #include "tests/support/FileOnDisk.h"
 
 namespace {
@@ -153,9 +152,6 @@ TEST(SettingsTest, NothingIsMadeBeforeTheFirstChange) {
     struct stat status {};
     ASSERT_EQ(::stat(pData->LocalFolder().c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777U, 0700U);
-    const auto pNoStore = OpenApplicationData(folder / "other");
-    pNoStore->LocalStorageFolder();
-    EXPECT_TRUE(std::filesystem::exists(folder / "other"));
 }
 
 TEST(SettingsTest, ATransactionIsShownAndStoredWholeOrNotAtAll) {
