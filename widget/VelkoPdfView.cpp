@@ -6,8 +6,8 @@
 #include "platform/qt/QtElementWindow.h"
 #include "platform/system/Debug.h"
 #include "widget/FlingLimit.h"
+#include "widget/LinkFocus.h"
 #include "widget/LinkFollower.h"
-#include "widget/LinkTarget.h"
 #include "widget/OpenFailure.h"
 #include "widget/PageNotices.h"
 #include "widget/PlaceKeeper.h"
@@ -29,7 +29,8 @@ VelkoPdfView::VelkoPdfView(std::shared_ptr<PDFViewCtrl> pControl, QWidget* pPare
     : QWidget(pParent),
       m_pControl(std::move(pControl)),
       m_pWindow(new Platform::Qt::QtElementWindow(VelkoRuntime::Environment(), m_pControl, this)),
-      m_pLinks(std::make_unique<LinkFollower>(*m_pControl, *m_pWindow)),
+      m_pPageLinks(std::make_unique<PageLinks>(*m_pControl)),
+      m_pLinks(std::make_unique<LinkFollower>(*m_pControl, *m_pWindow, *m_pPageLinks)),
       m_pFlingLimit(std::make_unique<FlingLimit>(*m_pControl, *m_pWindow)),
       m_pStoreNotice(std::make_unique<StoreNotice>(
           [this](const auto& failure) { emit Failed(StoreNotice::TextOf(failure)); })) {
@@ -48,6 +49,7 @@ VelkoPdfView::~VelkoPdfView() {
         m_pPlace->End();
         m_pPlace.reset();
     }
+    m_pLinkFocus.reset();
     m_pLinks.reset();
     m_pFlingLimit.reset();
     m_pWheel.reset();
@@ -84,16 +86,6 @@ void VelkoPdfView::ConnectWindow() {
             pView->QueueRefresh();
         }
     });
-}
-
-void VelkoPdfView::ConnectLinks() {
-    m_pLinks->OnFollow = [this](const LinkFollower::Link& link) { FollowLink(link); };
-    m_pLinks->OnHover = [this](const LinkFollower::Link* pLink) {
-        const QString strTarget =
-            pLink != nullptr ? TextOf(*pLink, *m_pControl->GetPDFDoc()) : QString();
-        QMetaObject::invokeMethod(
-            this, [this, strTarget] { emit LinkHovered(strTarget); }, Qt::QueuedConnection);
-    };
 }
 
 void VelkoPdfView::ConnectWheel() {

@@ -49,7 +49,9 @@ class QtElementWindow;
 namespace velko::vkit {
 
 class FlingLimit;
+class LinkFocus;
 class LinkFollower;
+class PageLinks;
 class PageNotices;
 class PlaceKeeper;
 class StoreNotice;
@@ -172,7 +174,8 @@ signals:
     void WebLinkWanted(const QUrl& address);
     // A link that is not followed, with the reason.
     void LinkRefused(const QString& strReason);
-    // What the link under the pointer leads to; empty when there is none.
+    // What the link under the pointer leads to, or else the one that has the
+    // focus of the keyboard; empty when there is none.
     void LinkHovered(const QString& strTarget);
 
 protected:
@@ -197,6 +200,8 @@ private:
     // Opening.
     void ConnectWindow();
     void ConnectLinks();
+    void UpdateLinks();
+    void TellLinkTarget();
     void ConnectWheel();
     bool Expect(const OpeningQueue::Request& request);
     void Await(Opening opening);
@@ -267,7 +272,9 @@ private:
 
     const std::shared_ptr<PDFViewCtrl> m_pControl;
     Platform::Qt::QtElementWindow* m_pWindow; // a child
+    std::unique_ptr<PageLinks> m_pPageLinks;
     std::unique_ptr<LinkFollower> m_pLinks;
+    std::unique_ptr<LinkFocus> m_pLinkFocus;
     std::unique_ptr<FlingLimit> m_pFlingLimit;
     std::unique_ptr<WheelReader> m_pWheel;
     std::unique_ptr<PageNotices> m_pNotices;

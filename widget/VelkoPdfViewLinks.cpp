@@ -1,9 +1,11 @@
-// Following links.
+// Links: which one is meant, and following it.
 #include <utility>
 
 #include "control/PDFViewCtrl.h"
 #include "document/engine/PDFDoc.h"
 #include "platform/concurrency/Task.h"
+#include "widget/LinkFocus.h"
+#include "widget/LinkFollower.h"
 #include "widget/LinkTarget.h"
 #include "widget/OpenFailure.h"
 #include "widget/VelkoPdfView.h"
@@ -28,6 +30,37 @@ struct Cases : Ts... {
     using Ts::operator()...;
 };
 
+}
+
+void VelkoPdfView::ConnectLinks() {
+    m_pLinks->OnFollow = [this](const LinkRecord& link) { FollowLink(link); };
+    m_pLinks->OnHover = [this] { TellLinkTarget(); };
+    LinkFocus::Hands hands;
+    hands.fnFollow = [this](const LinkRecord& link) { FollowLink(link); };
+    hands.fnGotoPage = [this](int nPage) { GotoPage(nPage); };
+    hands.fnScroll = [this](double dbX, double dbY) { ScrollBy(dbX, dbY); };
+    hands.fnChanged = [this] { TellLinkTarget(); };
+    m_pLinkFocus =
+        std::make_unique<LinkFocus>(*m_pControl, *m_pWindow, *m_pPageLinks, std::move(hands));
+}
+
+void VelkoPdfView::UpdateLinks() {
+    if (!m_pPageLinks->IsSameDocument()) {
+        m_pLinks->Forget();
+        m_pLinkFocus->Forget();
+    }
+    m_pLinks->Update();
+    m_pLinkFocus->Update();
+}
+
+// From the event loop: a host may do anything when it hears of it.
+void VelkoPdfView::TellLinkTarget() {
+    const LinkRecord* const pHovered = m_pLinks->Hovered();
+    const auto pDocument = m_pPageLinks->Document();
+    const QString strTarget =
+        pHovered != nullptr && pDocument ? TextOf(*pHovered, *pDocument) : m_pLinkFocus->Text();
+    QMetaObject::invokeMethod(
+        this, [this, strTarget] { emit LinkHovered(strTarget); }, Qt::QueuedConnection);
 }
 
 void VelkoPdfView::FollowLink(const LinkRecord& link) {

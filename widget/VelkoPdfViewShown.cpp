@@ -8,7 +8,6 @@
 #include "component/KeptView.h"
 #include "platform/qt/QtElementWindow.h"
 #include "settings/SavedView.h"
-#include "widget/LinkFollower.h"
 #include "widget/VelkoPdfView.h"
 
 namespace velko::vkit {
@@ -73,7 +72,7 @@ bool VelkoPdfView::Refresh() {
             m_pWindow->ReleaseFrame();
         }
         NoteFitLeft();
-        m_pLinks->Update();
+        UpdateLinks();
         m_facts = ReadFacts();
     });
     if (m_eState == State::Shown && !HasDocument() && m_queue.IsIdle()) {

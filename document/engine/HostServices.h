@@ -33,7 +33,7 @@ public:
     virtual ~ILinkSource() = default;
 
     // In the order in which the page draws them: where areas overlap, the last
-    // one lies on top. Links that lead nowhere are left out. An index out of
+    // one lies on top. Links that lead nowhere or are hidden are left out. An index out of
     // range raises e_ErrParam.
     virtual std::vector<LinkRecord> GetLinks(std::int32_t nPageIndex) = 0;
 

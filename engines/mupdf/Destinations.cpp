@@ -7,6 +7,8 @@
 #include <optional>
 #include <utility>
 
+#include "engines/mupdf/LinkBorder.h"
+
 namespace velko::engines::mupdf {
 
 namespace {
@@ -207,7 +209,7 @@ std::shared_ptr<pdf::IAction> MakeAction(const RawDestination& raw, const PageTo
     return std::make_shared<GoToAction>(std::make_shared<Destination>(raw, fnPageTop(raw.nPage)));
 }
 
-// The link of one entry; nothing for other annotations and for broken ones.
+// The link of one entry; nothing for other annotations, hidden and broken ones.
 std::optional<RawLink> LinkAt(OpenedFile& file, pdf_obj* pArray, int nEntry, std::int32_t nPages) {
     fz_context* const ctx = ThreadContext();
     RawLink link;
@@ -215,8 +217,7 @@ std::optional<RawLink> LinkAt(OpenedFile& file, pdf_obj* pArray, int nEntry, std
     try {
         file.Use([&] {
             pdf_obj* const pAnnot = pdf_array_get(ctx, pArray, nEntry);
-            bLink =
-                pdf_name_eq(ctx, pdf_dict_get(ctx, pAnnot, PDF_NAME(Subtype)), PDF_NAME(Link)) != 0;
+            bLink = IsShownLink(ctx, file.Document(), pAnnot);
             if (bLink) {
                 link = ReadLink(ctx, file.Document(), pAnnot, nPages);
             }

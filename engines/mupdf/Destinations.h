@@ -21,7 +21,7 @@ namespace velko::engines::mupdf {
 using PageTop = std::function<float(std::int32_t nPage)>;
 
 // The links of a page that lead somewhere or ask for another kind of action.
-// Broken ones are left out. Raises `EngineException` for a failed read.
+// Broken and hidden ones are left out. Raises `EngineException` for a failed read.
 std::vector<pdf::LinkRecord> ReadLinks(OpenedFile& file, std::int32_t nPage, std::int32_t nPages,
                                        const PageTop& fnPageTop);
 

@@ -19,15 +19,6 @@ float NumberAt(fz_context* ctx, pdf_obj* pArray, int nIndex) {
     return std::isfinite(fNumber) ? std::max(fNumber, 0.0F) : 0.0F;
 }
 
-bool IsShownLink(fz_context* ctx, pdf_document* pDocument, pdf_obj* pEntry) {
-    constexpr int kHidden = PDF_ANNOT_IS_HIDDEN | PDF_ANNOT_IS_NO_VIEW;
-    return pdf_name_eq(ctx, pdf_dict_get(ctx, pEntry, PDF_NAME(Subtype)), PDF_NAME(Link)) != 0 &&
-           (pdf_dict_get_int(ctx, pEntry, PDF_NAME(F)) & kHidden) == 0 &&
-           pdf_dict_get(ctx, pEntry, PDF_NAME(AP)) == nullptr &&
-           pdf_is_ocg_hidden(ctx, pDocument, nullptr, "View",
-                             pdf_dict_get(ctx, pEntry, PDF_NAME(OC))) == 0;
-}
-
 // Dashes of no length at all leave nothing of the line.
 void ReadDashes(fz_context* ctx, pdf_obj* pDashes, LinkBorder& border) {
     const int nDashes = std::min(pdf_array_len(ctx, pDashes), LinkBorder::kMostDashes);
@@ -142,9 +133,18 @@ fz_colorspace* ColorsOf(fz_context* ctx, const LinkBorder& border) {
 
 }
 
+bool IsShownLink(fz_context* ctx, pdf_document* pDocument, pdf_obj* pEntry) {
+    constexpr int kHidden = PDF_ANNOT_IS_HIDDEN | PDF_ANNOT_IS_NO_VIEW;
+    return pdf_name_eq(ctx, pdf_dict_get(ctx, pEntry, PDF_NAME(Subtype)), PDF_NAME(Link)) != 0 &&
+           (pdf_dict_get_int(ctx, pEntry, PDF_NAME(F)) & kHidden) == 0 &&
+           pdf_is_ocg_hidden(ctx, pDocument, nullptr, "View",
+                             pdf_dict_get(ctx, pEntry, PDF_NAME(OC))) == 0;
+}
+
 LinkBorder ReadLinkBorder(fz_context* ctx, pdf_document* pDocument, pdf_obj* pEntry) {
     LinkBorder border;
-    if (!IsShownLink(ctx, pDocument, pEntry)) {
+    if (!IsShownLink(ctx, pDocument, pEntry) ||
+        pdf_dict_get(ctx, pEntry, PDF_NAME(AP)) != nullptr) {
         return border;
     }
     border.rcArea = pdf_dict_get_rect(ctx, pEntry, PDF_NAME(Rect));

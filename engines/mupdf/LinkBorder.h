@@ -28,8 +28,12 @@ struct LinkBorder {
     std::array<float, kMostColors> color{};
 };
 
-// What the file says of the border of an entry of a page's annotation list; none
-// for what is no link, is hidden or brings an appearance of its own. May throw as
+// Whether an entry of a page's annotation list is a link, and not a hidden one. May
+// throw as the library does.
+bool IsShownLink(fz_context* ctx, pdf_document* pDocument, pdf_obj* pEntry);
+
+// What the file says of the border of such an entry; none for what is no such
+// link or brings an appearance of its own. May throw as
 // the library does.
 LinkBorder ReadLinkBorder(fz_context* ctx, pdf_document* pDocument, pdf_obj* pEntry);
 
