@@ -6,24 +6,44 @@ namespace velko::vkit {
 
 namespace {
 
-constexpr int kFirstMs = 1'000; // the file stands in the recently used list from here on
-constexpr int kLaterMs = 30'000;
+constexpr int kRestMs = 2'000;     // without a change
+constexpr int kLongestMs = 10'000; // while the reader goes on and on
 
 }
 
 PlaceKeeper::PlaceKeeper(Take fnTake, QObject* pParent)
     : QObject(pParent), m_fnTake(std::move(fnTake)) {
-    connect(&m_timer, &QTimer::timeout, this,
-            [this] { m_timer.start(Keep(false) ? kLaterMs : kFirstMs); });
+    m_timer.setSingleShot(true);
+    connect(&m_timer, &QTimer::timeout, this, [this] {
+        m_changing.invalidate();
+        if (!Keep(false)) {
+            m_timer.start(kRestMs);
+        }
+    });
 }
 
 void PlaceKeeper::Begin() {
     m_last.reset();
-    m_timer.start(kFirstMs);
+    m_changing.invalidate();
+    m_bRunning = true;
+    Changed(); // the file stands in the recently used list from then on
+}
+
+void PlaceKeeper::Changed() {
+    if (!m_bRunning) {
+        return;
+    }
+    if (!m_changing.isValid()) {
+        m_changing.start();
+    }
+    if (!m_timer.isActive() || m_changing.elapsed() < kLongestMs) {
+        m_timer.start(kRestMs);
+    }
 }
 
 void PlaceKeeper::End() {
     m_timer.stop();
+    m_bRunning = false;
     Keep(true);
 }
 

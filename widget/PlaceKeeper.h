@@ -1,11 +1,12 @@
-// Keeps the reader's place while a document is read: soon after it is shown,
-// every half minute when something has changed, and when it is left.
+// Keeps the reader's place while a document is read: when it has rested for two
+// seconds, every ten while it goes on and on, and when the document is left.
 //
 // Keeping waits for no disk; see `ApplicationData` for when it is stored, and for
 // the failures of that. Threads: UI thread only. Errors: a place that cannot be
 // taken is told by `OnFailure`, once until one can be taken again.
 #pragma once
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 #include <exception>
@@ -24,8 +25,9 @@ public:
 
     explicit PlaceKeeper(Take fnTake, QObject* pParent = nullptr);
 
-    void Begin(); // a document is shown
-    void End();   // it is about to be left
+    void Begin();   // a document is shown
+    void Changed(); // what is shown, perhaps
+    void End();     // it is about to be left
 
     std::function<void(const std::exception_ptr&)> OnFailure;
 
@@ -35,6 +37,8 @@ private:
 
     const Take m_fnTake;
     QTimer m_timer;
+    QElapsedTimer m_changing;       // since the first change that is not kept
+    bool m_bRunning = false;        // between `Begin` and `End`
     std::optional<KeptView> m_last; // kept last
     bool m_bFailing = false;
 };

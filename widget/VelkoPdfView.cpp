@@ -28,6 +28,7 @@ VelkoPdfView::VelkoPdfView(QWidget* pParent) : VelkoPdfView(CreateControl(), pPa
 VelkoPdfView::VelkoPdfView(std::shared_ptr<PDFViewCtrl> pControl, QWidget* pParent)
     : QWidget(pParent),
       m_pControl(std::move(pControl)),
+      m_steps(*m_pControl),
       m_pWindow(new Platform::Qt::QtElementWindow(VelkoRuntime::Environment(), m_pControl, this)),
       m_pPageLinks(std::make_unique<PageLinks>(*m_pControl)),
       m_pLinks(std::make_unique<LinkFollower>(*m_pControl, *m_pWindow, *m_pPageLinks)),
@@ -81,6 +82,9 @@ void VelkoPdfView::ConnectWindow() {
     });
     m_pControl->CloseDocEvent.add([pView](const auto&, const auto&) {
         if (pView) {
+            if (!pView->m_queue.IsIdle()) {
+                pView->Hold(); // until the next one is there
+            }
             pView->m_shown.reset();
             pView->m_bPlaceWaits = false;
             pView->QueueRefresh();
@@ -91,12 +95,12 @@ void VelkoPdfView::ConnectWindow() {
 void VelkoPdfView::ConnectWheel() {
     WheelReader::Hands hands;
     hands.fnTakes = [this] { return HasDocument() && m_pControl->IsCanScrollPageViewEnabled(); };
-    hands.fnTurnsPages = [this] { return ShowsSinglePage(); };
+    hands.fnTurnsPages = [this] { return m_steps.ShowsSinglePage(); };
     hands.fnZoom = [this](QPointF pt, double dbFactor) { ZoomByWheel(pt, dbFactor); };
     hands.fnSettle = [this] { SettleWheel(); };
     hands.fnScroll = [this](double dbX, double dbY) { ScrollBy(dbX, dbY); };
-    hands.fnIsAtEdge = [this](int nDirection) { return IsAtEdge(nDirection, false); };
-    hands.fnTurn = [this](int nDirection) { TurnPage(nDirection, false); };
+    hands.fnIsAtEdge = [this](int nDirection) { return m_steps.IsAtEdge(nDirection, false); };
+    hands.fnTurn = [this](int nDirection) { Command([&] { m_steps.Turn(nDirection, false); }); };
     m_pWheel = std::make_unique<WheelReader>(*m_pWindow, std::move(hands));
 }
 

@@ -13,9 +13,10 @@
 // while another is under way is carried out after it; of several only the last.
 // Units: pages from 0; zoom 1.0 is 100 %; scrolling in device pixels.
 // Threads: UI thread only.
-// Errors: nothing is raised. A failed open is told by `OpenFailed`, a failure of
-// a command or inside the control by `Failed`, both in words for the reader; what
-// failed is in the debug output. A handler of a signal may destroy the view,
+// Errors: nothing is raised. A failed open is told by `OpenFailed`, after the
+// document that was shown before is back at its place; a failure of a command or
+// inside the control by `Failed`, both in words for the reader; what failed is in
+// the debug output. A handler of a signal may destroy the view,
 // except where it is said.
 //
 // What the reader sees is kept over a change of size, rotation or layout: the
@@ -39,6 +40,7 @@
 #include "widget/FilePath.h"
 #include "widget/OpeningQueue.h"
 #include "widget/PageColors.h"
+#include "widget/PageSteps.h"
 #include "widget/ViewHistory.h"
 #include "widget/ViewKeeper.h"
 
@@ -101,6 +103,8 @@ public:
     void Open(const FilePath& path, const QString& strPassword = {});
     // Takes up an open that was begun on the control.
     void Follow(const FilePath& path, Opening opening);
+    // In the state `PasswordNeeded` it gives up that document only: the one that was
+    // shown before comes back.
     void CloseDocument();
 
     State ViewState() const { return m_eState; }
@@ -124,14 +128,17 @@ public:
     void GoForward();
 
     void ScrollBy(double dbX, double dbY); // positive: towards the end of the document
-    // In the layout of one page at a time a page that ends is turned.
+    // In the layout of one page at a time a page that ends is turned; where a page
+    // fits the view, it goes from the top of a page to the top of the next.
     void ScrollByScreen(int nScreens);
 
     // --- zoom, rotation, layout ---
     double Zoom() const { return m_facts.dbZoom; }
     double LeastZoom() const;
     double MostZoom() const;
-    void ZoomTo(double dbZoom); // brought into the limits; the middle of the view stays
+    // Brought into the limits. The view's top line stays while the page's top is in
+    // sight, else its middle.
+    void ZoomTo(double dbZoom);
     void ZoomIn();
     void ZoomOut();
     Fit FitMode() const { return m_facts.eFit; }
@@ -183,6 +190,13 @@ protected:
     void keyPressEvent(QKeyEvent* pEvent) override;
 
 private:
+    // A file that was not opened, and the reader's reason; empty when it is the
+    // reader who gave up.
+    struct Refused {
+        FilePath path;
+        QString strReason;
+    };
+
     // What hosts are told of; read after each frame.
     struct Facts {
         int nPageCount = 0;
@@ -203,7 +217,9 @@ private:
     void UpdateLinks();
     void TellLinkTarget();
     void ConnectWheel();
+    void Begin(const OpeningQueue::Request& request);
     bool Expect(const OpeningQueue::Request& request);
+    void RememberShown();
     void Await(Opening opening);
     void OnControlOpened(velko::common::ErrorCode eCode);
     void BeginShowing();
@@ -215,6 +231,7 @@ private:
     void OnPasswordNeeded();
     void OnShown();
     void ShowWhatIsLeft(const QString& strReason);
+    void Return(Refused refused);
     bool HasDocument() const { return m_shown.has_value(); }
 
     // These tell hosts. False when a handler has destroyed this view, or has set
@@ -248,29 +265,35 @@ private:
     // Commands.
     void ApplyZoom(double dbZoom);
     void ApplyFit();
-    double FitZoom(Fit eFit) const;
+    Windows::Foundation::Point ZoomCentre() const; // device pixels
+    double FittedZoom() const;                     // of the fit in force
+    void NoteFit();
+    void FollowFit(bool bTurned);
     double Limited(double dbZoom) const;
     double ZoomFor(const ViewKeeper& keeper) const;
-    void NoteFitLeft();
+    bool NoteFitLeft();
     void Travel(const std::function<void()>& fnGo);
-    bool ShowsSinglePage();
-    double ScreenLength(bool bAcross);
-    bool IsAtEdge(int nDirection, bool bAcross);
-    void TurnPage(int nDirection, bool bAcross);
-    bool TurnsPage(int nDirection, bool bAcross);
+    void StepLine(int nDirection, bool bAcross);
     void ZoomByWheel(QPointF ptWindow, double dbFactor);
     void SettleWheel();
     bool HandleKey(const QKeyEvent& event);
-    bool HandleArrow(int nKey);
+    bool HandleLineKey(int nKey);
+    bool HandlePageKey(int nKey, bool bBack);
+    bool HandleZoomKey(int nKey);
 
     // Links.
     void FollowLink(const velko::pdf::LinkRecord& link);
     void FollowAction(const std::shared_ptr<velko::pdf::IAction>& pAction);
     void FollowPage(const LinkToPage& target);
+    bool KeepsZoom(const velko::pdf::IDestination& target);
+    Fit FitOf(const velko::pdf::IDestination& target) const;
+    void ShowDestination(const velko::pdf::IDestination& target);
+    void ShowPlaceOf(const velko::pdf::IDestination& target, std::int32_t nPage);
     void FollowStep(LinkStep eStep);
     void Find(const QString& strName, const QString& strRefusal);
 
     const std::shared_ptr<PDFViewCtrl> m_pControl;
+    const PageSteps m_steps;
     Platform::Qt::QtElementWindow* m_pWindow; // a child
     std::unique_ptr<PageLinks> m_pPageLinks;
     std::unique_ptr<LinkFollower> m_pLinks;
@@ -282,11 +305,14 @@ private:
     std::unique_ptr<StoreNotice> m_pStoreNotice;
     State m_eState = State::Empty;
     OpeningQueue m_queue;
-    FilePath m_path;                 // asked for last
-    std::optional<FilePath> m_shown; // of the document that the control shows, as it tells
+    FilePath m_path;                    // asked for last
+    std::optional<FilePath> m_shown;    // of the document that the control shows, as it tells
+    std::unique_ptr<KeptView> m_before; // the document shown before the open under way
+    std::optional<Refused> m_return;    // that document is being brought back, because of this
     Facts m_facts;
     Fit m_eFit = Fit::None;               // kept over a change of size
     float m_fFitScale = 0.0F;             // to which the fit has led; another one ends it
+    double m_dbFitAim = 0.0;              // the scale that the fit asked for then
     Windows::Foundation::Point m_ptWheel; // of the wheel's zoom that may be open yet
     float m_fWheelZoom = 0.0F;
     ViewHistory m_history;

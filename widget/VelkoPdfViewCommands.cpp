@@ -6,6 +6,8 @@
 
 #include "platform/qt/QtElementWindow.h"
 #include "settings/AppConfig.h"
+#include "viewers/core/Modes.h"
+#include "widget/FitZoom.h"
 #include "widget/VelkoPdfView.h"
 
 namespace velko::vkit {
@@ -14,17 +16,11 @@ using Windows::Foundation::Point;
 
 namespace {
 
-constexpr double kLineScroll = 60.0;  // Qt's units
-constexpr double kScreenScroll = 0.9; // of the screen's height: a line or two stay in sight
+constexpr double kLineScroll = 60.0; // Qt's units
 constexpr std::array kZoomSteps{0.25, 0.33, 0.5,  0.67, 0.75, 0.8, 0.9, 1.0, 1.1,
                                 1.25, 1.5,  1.75, 2.0,  2.5,  3.0, 4.0, 5.0, 6.0};
-constexpr double kSameZoom = 0.005;
-constexpr double kSamePlace = 1.0; // device pixels
+constexpr double kVisibleStep = 1.08; // a lesser factor is hardly seen
 
-}
-
-bool VelkoPdfView::ShowsSinglePage() {
-    return HasDocument() && m_pControl->GetPageLayoutMode() == std::int32_t(Layout::SinglePage);
 }
 
 // --- pages -----------------------------------------------------------------
@@ -83,52 +79,12 @@ void VelkoPdfView::ScrollBy(double dbX, double dbY) {
     Command([&] { ScrollAndSettle(*m_pControl, dbY, dbX); });
 }
 
-// Where one page is shown at a time, and its edge on that side is in sight.
-bool VelkoPdfView::IsAtEdge(int nDirection, bool bAcross) {
-    if (!ShowsSinglePage()) {
-        return false;
-    }
-    const auto place = m_pControl->GetPageScreenRect(m_pControl->GetCurrentPageIndex());
-    if (!place) {
-        return false;
-    }
-    const double dbNear = bAcross ? place->dbOffsetX : place->dbOffsetY;
-    const double dbFar = dbNear + (bAcross ? place->nWidth : place->nHeight);
-    return nDirection > 0 ? dbFar <= ScreenLength(bAcross) + kSamePlace : dbNear >= -kSamePlace;
-}
-
-double VelkoPdfView::ScreenLength(bool bAcross) {
-    const auto size = m_pControl->GetCanvasSize();
-    return bAcross ? size.Width * m_pControl->CompositionScaleX()
-                   : size.Height * m_pControl->CompositionScaleY();
-}
-
-// Upward to the end of the page before.
-void VelkoPdfView::TurnPage(int nDirection, bool bAcross) {
-    const int nNext = m_pControl->GetCurrentPageIndex() + nDirection;
-    if (nNext < 0 || nNext >= m_pControl->GetPageCount()) {
-        return;
-    }
-    GotoPage(nNext);
-    const auto place = m_pControl->GetPageScreenRect(nNext);
-    if (nDirection < 0 && !bAcross && place && place->nHeight > ScreenLength(false)) {
-        ScrollBy(0.0, place->dbOffsetY + place->nHeight - ScreenLength(false));
-    }
-}
-
-// A step past the page's edge turns it.
-bool VelkoPdfView::TurnsPage(int nDirection, bool bAcross) {
-    if (!IsAtEdge(nDirection, bAcross)) {
-        return false;
-    }
-    TurnPage(nDirection, bAcross);
-    return true;
-}
-
 void VelkoPdfView::ScrollByScreen(int nScreens) {
-    if (!TurnsPage(nScreens > 0 ? 1 : -1, false)) {
-        ScrollBy(0.0, nScreens * kScreenScroll * height() * devicePixelRatioF());
-    }
+    Command([&] {
+        for (int n = 0; n < std::abs(nScreens); ++n) {
+            m_steps.StepScreen(nScreens > 0 ? 1 : -1);
+        }
+    });
 }
 
 // --- zoom ------------------------------------------------------------------
@@ -136,7 +92,7 @@ void VelkoPdfView::ScrollByScreen(int nScreens) {
 // In a small window a whole page may need less than the control's limit, and
 // then the reader may come back there too.
 double VelkoPdfView::LeastZoom() const {
-    return std::min<double>(m_pControl->GetMinScale(), FitZoom(Fit::Page));
+    return std::min<double>(m_pControl->GetMinScale(), FitZoom(*m_pControl, ZoomMode::kFitPage));
 }
 
 double VelkoPdfView::MostZoom() const {
@@ -148,11 +104,19 @@ double VelkoPdfView::Limited(double dbZoom) const {
     return std::clamp(dbZoom, dbLeast, std::max(dbLeast, MostZoom()));
 }
 
-void VelkoPdfView::ApplyZoom(double dbZoom) {
+// While the page's top is in view the line at the window's top stays, so that a
+// title is not thrown out of sight; else the middle.
+Point VelkoPdfView::ZoomCentre() const {
     const auto size = m_pControl->GetCanvasSize();
-    const Point ptMiddle{size.Width * m_pControl->CompositionScaleX() / 2.0F,
-                         size.Height * m_pControl->CompositionScaleY() / 2.0F};
-    m_pControl->ZoomAtPoint(ptMiddle, Limited(dbZoom), false, true);
+    const float fHeight = size.Height * m_pControl->CompositionScaleY();
+    const auto place = m_pControl->GetPageScreenRect(m_pControl->GetCurrentPageIndex());
+    const bool bTopInView = place && place->dbOffsetY > -1.0 && place->dbOffsetY < fHeight;
+    return {size.Width * m_pControl->CompositionScaleX() / 2.0F,
+            bTopInView ? 0.0F : fHeight / 2.0F};
+}
+
+void VelkoPdfView::ApplyZoom(double dbZoom) {
+    m_pControl->ZoomAtPoint(ZoomCentre(), Limited(dbZoom), false, true);
 }
 
 void VelkoPdfView::ZoomTo(double dbZoom) {
@@ -186,41 +150,39 @@ void VelkoPdfView::SettleWheel() {
 }
 
 void VelkoPdfView::ZoomIn() {
-    const double dbZoom = m_pControl->GetScale();
-    const auto it = std::find_if(kZoomSteps.begin(), kZoomSteps.end(),
-                                 [dbZoom](double dbStep) { return dbStep > dbZoom + kSameZoom; });
+    const double dbLeast = m_pControl->GetScale() * kVisibleStep;
+    const auto it = std::lower_bound(kZoomSteps.begin(), kZoomSteps.end(), dbLeast);
     ZoomTo(it == kZoomSteps.end() ? kZoomSteps.back() : *it);
 }
 
 void VelkoPdfView::ZoomOut() {
-    const double dbZoom = m_pControl->GetScale();
-    const auto it = std::find_if(kZoomSteps.rbegin(), kZoomSteps.rend(),
-                                 [dbZoom](double dbStep) { return dbStep < dbZoom - kSameZoom; });
-    ZoomTo(it == kZoomSteps.rend() ? kZoomSteps.front() : *it);
+    const double dbMost = m_pControl->GetScale() / kVisibleStep;
+    const auto it = std::upper_bound(kZoomSteps.begin(), kZoomSteps.end(), dbMost);
+    ZoomTo(it == kZoomSteps.begin() ? kZoomSteps.front() : *std::prev(it));
 }
 
-// The control fits a turned page by one of its sides alone; a whole page has to
-// fit by both.
-double VelkoPdfView::FitZoom(Fit eFit) const {
-    const double dbWidth = m_pControl->GetFitScale(std::int32_t(Fit::Width));
-    const double dbHeight = m_pControl->GetFitScale(std::int32_t(Fit::Height));
-    const double dbFit = eFit == Fit::Width    ? dbWidth
-                         : eFit == Fit::Height ? dbHeight
-                                               : std::min(dbWidth, dbHeight);
-    return std::min<double>(dbFit, m_pControl->GetMaxScale());
+double VelkoPdfView::FittedZoom() const {
+    return FitZoom(*m_pControl, std::int32_t(m_eFit));
 }
 
 double VelkoPdfView::ZoomFor(const ViewKeeper& keeper) const {
-    return m_eFit == Fit::None ? keeper.Zoom() : FitZoom(m_eFit);
+    return m_eFit == Fit::None ? keeper.Zoom() : FittedZoom();
 }
 
 void VelkoPdfView::ApplyFit() {
     const int nPage = m_pControl->GetCurrentPageIndex();
-    ApplyZoom(FitZoom(m_eFit));
+    ApplyZoom(FittedZoom());
     if (m_eFit != Fit::Width) {
         m_pControl->GotoPage(nPage);
     }
+    NoteFit();
+}
+
+// What the fit has led to: another scale means that somebody has left it, another
+// aim that it has to follow.
+void VelkoPdfView::NoteFit() {
     m_fFitScale = m_pControl->GetScale();
+    m_dbFitAim = m_eFit == Fit::None ? 0.0 : FittedZoom();
 }
 
 void VelkoPdfView::SetFit(Fit eFit) {
@@ -248,7 +210,7 @@ void VelkoPdfView::RotateBy(int nQuarterTurns) {
             m_pControl->ZoomAtPoint({fMiddle * m_pControl->CompositionScaleX(), 0.0F},
                                     ZoomFor(*keeper), false, true);
         }
-        m_fFitScale = m_pControl->GetScale();
+        NoteFit();
     });
 }
 
@@ -267,7 +229,7 @@ void VelkoPdfView::SetLayoutMode(Layout eLayout) {
         if (keeper) {
             keeper->RestoreTurned(*m_pControl, ZoomFor(*keeper));
         }
-        m_fFitScale = m_pControl->GetScale();
+        NoteFit();
     });
 }
 
@@ -296,38 +258,64 @@ void VelkoPdfView::SetNightMode(bool bOn) {
 
 // --- keys ------------------------------------------------------------------
 
-bool VelkoPdfView::HandleArrow(int nKey) {
-    const double dbLine = kLineScroll * devicePixelRatioF();
-    const bool bAcross = nKey == Qt::Key_Left || nKey == Qt::Key_Right;
-    const int nDirection = nKey == Qt::Key_Right || nKey == Qt::Key_Down ? 1 : -1;
-    if (!TurnsPage(nDirection, bAcross)) {
-        ScrollBy(bAcross ? nDirection * dbLine : 0.0, bAcross ? 0.0 : nDirection * dbLine);
+bool VelkoPdfView::HandleLineKey(int nKey) {
+    switch (nKey) {
+        case Qt::Key_Down:
+        case Qt::Key_J:
+            StepLine(1, false);
+            return true;
+        case Qt::Key_Up:
+        case Qt::Key_K:
+            StepLine(-1, false);
+            return true;
+        case Qt::Key_Right:
+            StepLine(1, true);
+            return true;
+        case Qt::Key_Left:
+            StepLine(-1, true);
+            return true;
+        default:
+            return false;
     }
-    return true;
 }
 
-bool VelkoPdfView::HandleKey(const QKeyEvent& event) {
-    switch (event.key()) {
+void VelkoPdfView::StepLine(int nDirection, bool bAcross) {
+    Command([&] { m_steps.StepLine(nDirection, bAcross, kLineScroll * devicePixelRatioF()); });
+}
+
+bool VelkoPdfView::HandlePageKey(int nKey, bool bBack) {
+    switch (nKey) {
         case Qt::Key_PageDown:
             ScrollByScreen(1);
             return true;
         case Qt::Key_PageUp:
+        case Qt::Key_Backspace:
             ScrollByScreen(-1);
             return true;
         case Qt::Key_Space:
-            ScrollByScreen(event.modifiers().testFlag(Qt::ShiftModifier) ? -1 : 1);
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            ScrollByScreen(bBack ? -1 : 1);
             return true;
-        case Qt::Key_Down:
-        case Qt::Key_Up:
-        case Qt::Key_Right:
-        case Qt::Key_Left:
-            return HandleArrow(event.key());
+        case Qt::Key_N:
+            GotoNextPage();
+            return true;
+        case Qt::Key_P:
+            GotoPrevPage();
+            return true;
         case Qt::Key_Home:
             GotoFirstPage();
             return true;
         case Qt::Key_End:
             GotoLastPage();
             return true;
+        default:
+            return false;
+    }
+}
+
+bool VelkoPdfView::HandleZoomKey(int nKey) {
+    switch (nKey) {
         case Qt::Key_Plus:
         case Qt::Key_Equal:
             ZoomIn();
@@ -338,6 +326,12 @@ bool VelkoPdfView::HandleKey(const QKeyEvent& event) {
         default:
             return false;
     }
+}
+
+bool VelkoPdfView::HandleKey(const QKeyEvent& event) {
+    const bool bShift = event.modifiers().testFlag(Qt::ShiftModifier);
+    return HandleLineKey(event.key()) || HandlePageKey(event.key(), bShift) ||
+           HandleZoomKey(event.key());
 }
 
 void VelkoPdfView::keyPressEvent(QKeyEvent* pEvent) {

@@ -4,6 +4,7 @@
 #include "control/PDFViewCtrl.h"
 #include "document/engine/PDFDoc.h"
 #include "platform/concurrency/Task.h"
+#include "viewers/core/Destinations.h"
 #include "widget/LinkFocus.h"
 #include "widget/LinkFollower.h"
 #include "widget/LinkTarget.h"
@@ -13,9 +14,12 @@
 namespace velko::vkit {
 
 using velko::pdf::IAction;
+using velko::pdf::IDestination;
 using velko::pdf::ILinkSource;
 using velko::pdf::LinkRecord;
 using velko::pdf::PDFDoc;
+using Fit = VelkoPdfView::Fit;
+using Windows::Foundation::Point;
 
 namespace {
 
@@ -83,11 +87,77 @@ void VelkoPdfView::FollowPage(const LinkToPage& target) {
 }
 
 void VelkoPdfView::FollowAction(const std::shared_ptr<IAction>& pAction) {
+    const auto pTarget = pAction->GetDestination();
     Command([&] {
         m_history.Leave(*m_pControl);
-        m_pControl->GotoDestination(pAction);
+        if (pTarget && KeepsZoom(*pTarget)) {
+            ShowDestination(*pTarget);
+        } else {
+            m_pControl->GotoDestination(pAction);
+        }
         NoteFitLeft();
     });
+}
+
+// Fits are the reader's commands, and stay in force; a place without a zoom leaves
+// the zoom as it is. The rest is the control's.
+bool VelkoPdfView::KeepsZoom(const IDestination& target) {
+    const std::int32_t nPage = target.GetPageIndex(*m_pControl->GetPDFDoc());
+    if (nPage < 0 || nPage >= m_pControl->GetPageCount()) {
+        return false;
+    }
+    switch (target.GetZoomMode()) {
+        case kExplicit:
+            return !(target.GetRight() > 0.0F);
+        case kFitPage:
+        case kFitWidth:
+        case kFitHeight:
+            return true;
+        default:
+            return false;
+    }
+}
+
+Fit VelkoPdfView::FitOf(const IDestination& target) const {
+    switch (target.GetZoomMode()) {
+        case kFitPage:
+            return Fit::Page;
+        case kFitWidth:
+            return Fit::Width;
+        case kFitHeight:
+            return Fit::Height;
+        default:
+            return m_eFit;
+    }
+}
+
+void VelkoPdfView::ShowDestination(const IDestination& target) {
+    const std::int32_t nPage = target.GetPageIndex(*m_pControl->GetPDFDoc());
+    const double dbZoom = m_pControl->GetScale();
+    m_eFit = FitOf(target);
+    m_pControl->GotoPage(nPage);
+    if (m_eFit != Fit::None) {
+        ApplyFit();
+    } else if (m_pControl->GetScale() != static_cast<float>(dbZoom)) {
+        ApplyZoom(dbZoom);
+    }
+    if (m_eFit != Fit::Page) { // a whole page is in sight with all of its places
+        ShowPlaceOf(target, nPage);
+    }
+}
+
+// At the view's top left, as far as the target names it and the document reaches.
+void VelkoPdfView::ShowPlaceOf(const IDestination& target, std::int32_t nPage) {
+    const Point pt = m_pControl->PagePointToDevicePoint(nPage, {target.GetLeft(), target.GetTop()});
+    const bool bExplicit = target.GetZoomMode() == kExplicit;
+    const bool bDown = bExplicit || target.GetZoomMode() == kFitWidth;
+    const bool bAcross =
+        (bExplicit && !target.IsLeftAbsent()) || target.GetZoomMode() == kFitHeight;
+    const auto place = m_pControl->GetPageScreenRect(nPage);
+    const double dbScreen = m_pControl->GetCanvasSize().Width * m_pControl->CompositionScaleX();
+    const bool bWide = place && place->nWidth > dbScreen;
+    ScrollAndSettle(*m_pControl, bDown ? pt.Y * m_pControl->CompositionScaleY() : 0.0,
+                    bAcross && bWide ? pt.X * m_pControl->CompositionScaleX() : 0.0);
 }
 
 void VelkoPdfView::FollowStep(LinkStep eStep) {

@@ -74,11 +74,16 @@ void VelkoPdfView::Open(const FilePath& path, const QString& strPassword) {
         m_queue.Replace(std::move(request));
         return;
     }
+    m_return.reset();
+    Begin(request);
+}
+
+void VelkoPdfView::Begin(const OpeningQueue::Request& request) {
     if (!Expect(request)) { // first: a quick open raises the control's events within the call
         return;
     }
     try {
-        Await(BeginOpen(*m_pControl, request.path, strPassword));
+        Await(BeginOpen(*m_pControl, request.path, request.strPassword));
     } catch (...) {
         const std::exception_ptr pError = std::current_exception();
         Await(
@@ -99,8 +104,11 @@ void VelkoPdfView::Follow(const FilePath& path, Opening opening) {
 
 // False when a handler has taken this view away.
 bool VelkoPdfView::Expect(const OpeningQueue::Request& request) {
-    if (m_pPlace && HasDocument()) {
-        m_pPlace->End(); // the document goes as soon as the next one is there
+    if (HasDocument()) { // it goes as soon as the outcome is there
+        RememberShown();
+        if (m_pPlace) {
+            m_pPlace->End();
+        }
     }
     m_queue.Begin(request);
     m_path = request.path;
@@ -108,6 +116,16 @@ bool VelkoPdfView::Expect(const OpeningQueue::Request& request) {
     const QPointer<VelkoPdfView> pThis(this);
     SetState(State::Opening);
     return !pThis.isNull();
+}
+
+// For an open that fails: the control lets go of its document whatever comes.
+void VelkoPdfView::RememberShown() {
+    m_before.reset();
+    Guard([this] {
+        if (auto view = PlaceNow(true)) {
+            m_before = std::make_unique<KeptView>(std::move(*view));
+        }
+    });
 }
 
 void VelkoPdfView::Await(Opening opening) {
@@ -139,7 +157,7 @@ void VelkoPdfView::BeginShowing() {
     m_history.Clear();
     m_bSeen = false;
     m_eFit = Fit::Page;
-    m_fFitScale = m_pControl->GetScale();
+    NoteFit();
     ShowAround();
     m_bPlaceWaits = !m_pControl->HasViewer();
     if (!m_bPlaceWaits) {
@@ -172,7 +190,8 @@ void VelkoPdfView::OnOpenEnded(const Opening& opening) {
     m_pWindow->ShowBusyMark(false);
     const OpeningQueue::Ended ended = m_queue.End();
     if (ended.next) {
-        Open(ended.next->path, ended.next->strPassword);
+        m_return.reset();
+        Begin(*ended.next);
     } else if (ended.eState == Arrival::Dropped) {
         Guard([this] { m_pControl->CloseDocument(); });
     } else {
@@ -204,18 +223,27 @@ void VelkoPdfView::TakeOutcome(const OpeningQueue::Ended& ended, const Opening& 
 
 void VelkoPdfView::OnShown() {
     m_path = m_shown.value_or(FilePath());
+    m_before.reset();
+    const auto refused = std::exchange(m_return, std::nullopt);
     if (!SetState(State::Shown) || !Refresh()) {
         return;
     }
     if (m_pPlace) {
         m_pPlace->Begin();
     }
+    const QPointer<VelkoPdfView> pThis(this);
     emit Opened(PageCount());
+    if (pThis && refused && !refused->strReason.isEmpty()) {
+        emit OpenFailed(refused->path.Text(), refused->strReason);
+    }
 }
 
 // The document waits in the control for its password; nothing of it is shown.
 void VelkoPdfView::OnPasswordNeeded() {
     const FilePath path = m_path;
+    if (std::exchange(m_return, std::nullopt)) {
+        m_before.reset(); // it is the one from before that asks
+    }
     if (SetState(State::PasswordNeeded) && Refresh()) {
         emit OpenFailed(path.Text(), ReasonOf(ErrorCode::e_ErrPassword));
     }
@@ -236,22 +264,36 @@ void VelkoPdfView::OnOpenBroken(const OpeningQueue::Ended& ended,
 }
 
 // After an open that failed: the document from before, where the control still
-// shows that one, else none.
+// shows that one, else brought back, else none.
 void VelkoPdfView::ShowWhatIsLeft(const QString& strReason) {
     if (!HasDocument()) { // what the control holds besides is laid out by nobody
         Guard([this] { m_pControl->CloseDocument(); });
     }
-    const FilePath refused = std::exchange(m_path, m_shown.value_or(m_path));
+    if (!HasDocument() && m_before && !m_return) {
+        Return({m_path, strReason});
+        return;
+    }
+    const Refused refused =
+        std::exchange(m_return, std::nullopt).value_or(Refused{m_path, strReason});
+    m_before.reset();
+    m_path = m_shown.value_or(refused.path);
     if (!SetState(HasDocument() ? State::Shown : State::Failed) || !Refresh()) {
         return;
     }
     if (m_pPlace && HasDocument()) {
         m_pPlace->Begin();
     }
-    emit OpenFailed(refused.Text(), strReason);
+    emit OpenFailed(refused.path.Text(), refused.strReason);
+}
+
+void VelkoPdfView::Return(Refused refused) {
+    m_return = std::move(refused);
+    Begin({FilePath(m_before->strPath), {}});
 }
 
 void VelkoPdfView::CloseDocument() {
+    const bool bGivesUp = m_eState == State::PasswordNeeded && m_queue.IsIdle() && m_before &&
+                          m_before->strPath != m_path.Bytes(); // which would ask again
     m_queue.Drop();
     m_pWindow->ShowBusyMark(false);
     if (m_pPlace && HasDocument()) {
@@ -260,6 +302,12 @@ void VelkoPdfView::CloseDocument() {
     Guard([this] { m_pControl->CloseDocument(); });
     m_path = {};
     m_history.Clear();
+    m_return.reset();
+    if (bGivesUp) {
+        Return({});
+        return;
+    }
+    m_before.reset();
     if (SetState(State::Empty)) {
         Refresh();
     }

@@ -8,6 +8,7 @@
 #include "component/KeptView.h"
 #include "platform/qt/QtElementWindow.h"
 #include "settings/SavedView.h"
+#include "widget/PlaceKeeper.h"
 #include "widget/VelkoPdfView.h"
 
 namespace velko::vkit {
@@ -19,6 +20,7 @@ using Windows::Foundation::Collections::PropertySet;
 namespace {
 
 constexpr int kLongestHoldMs = 300; // of the old frame while the new one renders
+constexpr double kSameZoom = 0.001; // as a share
 
 // How the zoom follows the window, besides what the control keeps itself.
 constexpr const char* kFitKey = "Widget.Fit";
@@ -71,8 +73,11 @@ bool VelkoPdfView::Refresh() {
         if (m_pWindow->IsFrameHeld() && IsSharp()) {
             m_pWindow->ReleaseFrame();
         }
-        NoteFitLeft();
+        FollowFit(NoteFitLeft());
         UpdateLinks();
+        if (m_pPlace) {
+            m_pPlace->Changed();
+        }
         m_facts = ReadFacts();
     });
     if (m_eState == State::Shown && !HasDocument() && m_queue.IsIdle()) {
@@ -103,20 +108,38 @@ bool VelkoPdfView::TellChanges(const Facts& before) {
     return !pThis.isNull();
 }
 
-// A gesture that zooms leaves the fit. A page that is turned to may be fitted at
-// another scale than the one before.
-void VelkoPdfView::NoteFitLeft() {
+// A gesture that zooms leaves the fit. A page that is turned to may have been
+// brought up at another scale than the one before; true then.
+bool VelkoPdfView::NoteFitLeft() {
     if (!HasDocument() || m_eFit == Fit::None) {
-        return;
+        return false;
     }
     const float fScale = m_pControl->GetScale();
-    const bool bTurned = m_pControl->GetPageLayoutMode() != std::int32_t(Layout::Continuous) &&
-                         m_pControl->GetCurrentPageIndex() != m_facts.nPage;
+    const bool bTurned =
+        m_steps.ShowsSinglePage() && m_pControl->GetCurrentPageIndex() != m_facts.nPage;
     if (bTurned) {
         m_fFitScale = fScale;
     } else if (fScale != m_fFitScale) {
         m_eFit = Fit::None;
     }
+    return bTurned;
+}
+
+// One page at a time is fitted as it comes, once it rests; the widest page of a
+// column may become known later than the fit was asked for.
+void VelkoPdfView::FollowFit(bool bTurned) {
+    const bool bFollows = m_eFit == Fit::Width || m_steps.ShowsSinglePage();
+    if (!HasDocument() || m_eFit == Fit::None || !bFollows ||
+        (m_steps.ShowsSinglePage() && m_pControl->GetVisiblePages().size() > 1)) {
+        return;
+    }
+    const double dbAim = FittedZoom();
+    const bool bElsewhere =
+        std::abs(dbAim - (bTurned ? m_pControl->GetScale() : m_dbFitAim)) > kSameZoom * dbAim;
+    if (bElsewhere) {
+        ApplyFit();
+    }
+    m_dbFitAim = dbAim;
 }
 
 void VelkoPdfView::OnPainted() {
@@ -179,7 +202,7 @@ void VelkoPdfView::BeforeArrange() {
 void VelkoPdfView::AfterArrange() {
     if (const auto keeper = std::exchange(m_keeper, std::nullopt)) {
         keeper->Restore(*m_pControl, ZoomFor(*keeper));
-        m_fFitScale = m_pControl->GetScale();
+        NoteFit();
     } else if (HasDocument() && !m_bSeen) {
         ShowKeptPlace();
     }
@@ -188,8 +211,9 @@ void VelkoPdfView::AfterArrange() {
 
 // --- the place -------------------------------------------------------------
 
-// Asking the viewer of single pages for its place ends a turn, which is not to
-// happen under the reader's finger.
+// Of the page that counts as the one being read; the topmost may be the one before,
+// of which a hair's breadth is left. Asking the viewer of single pages for its place
+// ends a turn, which is not to happen under the reader's finger.
 std::optional<KeptView> VelkoPdfView::PlaceNow(bool bLeft) {
     const bool bTurning =
         LayoutMode() == Layout::SinglePage && m_pControl->GetVisiblePages().size() > 1;
@@ -199,15 +223,27 @@ std::optional<KeptView> VelkoPdfView::PlaceNow(bool bLeft) {
     NoteFitLeft();
     PropertySet values;
     values.Insert(kFitKey, PropertyValue::Create(static_cast<std::int32_t>(m_eFit)));
-    return TakeView(*m_pControl, values);
+    auto view = TakeView(*m_pControl, values);
+    const int nPage = m_pControl->GetCurrentPageIndex();
+    if (const auto place = m_pControl->GetPageScreenRect(nPage); place && view) {
+        auto pValues = std::make_shared<PropertySet>(*view->pValues);
+        WriteSavedPlace(*pValues, nPage, place->dbOffsetX, place->dbOffsetY);
+        view->pValues = std::move(pValues);
+    }
+    return view;
 }
 
 void VelkoPdfView::ShowKeptPlace() {
+    if (m_return && m_before) {
+        ShowPlace(*m_before);
+        NoteFit();
+        return;
+    }
     const auto pFile = m_pPlace ? m_pControl->GetDocumentFile() : nullptr;
     if (const auto kept = pFile ? FindView(pFile->Path()) : std::nullopt) {
         ShowPlace(*kept);
     }
-    m_fFitScale = m_pControl->GetScale();
+    NoteFit();
 }
 
 // Zoom and offsets mean something only on a screen that lies the same way.
@@ -230,7 +266,7 @@ void VelkoPdfView::ShowPlace(const KeptView& kept) {
         return;
     }
     m_eFit = static_cast<Fit>(std::clamp(ValueOr<std::int32_t>(values, kFitKey, 0), 0, 3));
-    ApplyZoom(m_eFit == Fit::None ? dbScale : FitZoom(m_eFit));
+    ApplyZoom(m_eFit == Fit::None ? dbScale : FittedZoom());
     const double dbGrown = m_pControl->GetScale() / dbScale;
     PutPage(nPage, state.OffsetX * dbGrown, state.OffsetY * dbGrown);
 }

@@ -46,6 +46,18 @@ Place PageBelow(PDFViewCtrl& control, double dbAnchorY, std::int32_t& nPage) {
     return best;
 }
 
+// The page that counts as the one being read, where it is laid out: the first one
+// on the screen may be the one before, of which a hair's breadth is left.
+Place CurrentPage(PDFViewCtrl& control, std::int32_t& nPage) {
+    const std::int32_t nCurrent = control.GetCurrentPageIndex();
+    const Place place = control.GetPageScreenRect(nCurrent);
+    if (!place) {
+        return PageBelow(control, 0.0, nPage);
+    }
+    nPage = nCurrent;
+    return place;
+}
+
 bool ShowsSinglePage(PDFViewCtrl& control) {
     return control.GetPageLayoutMode() == LayoutMode::kSinglePage;
 }
@@ -84,7 +96,8 @@ void ScrollAndSettle(PDFViewCtrl& control, double dbY, double dbX) {
 std::optional<ViewKeeper> ViewKeeper::Remember(PDFViewCtrl& control, Anchor eAnchor) {
     const ScreenPoint anchor = AnchorPoint(control, eAnchor);
     ViewKeeper keeper;
-    const Place place = PageBelow(control, anchor.dbY, keeper.m_nPage);
+    const Place place = eAnchor == Anchor::Middle ? PageBelow(control, anchor.dbY, keeper.m_nPage)
+                                                  : CurrentPage(control, keeper.m_nPage);
     if (!place) {
         return std::nullopt;
     }

@@ -2,9 +2,9 @@
 // control itself uses. A host asks for an interface with a dynamic cast on the
 // engine's document and does without it when the cast fails.
 //
-// Threads: any, but not the UI thread: calls may wait for the engine and for
-// the file. Errors: `EngineException`, with e_ErrNotLoaded before `Load`, and
-// the codes of `PDFPage::StartParse` for what cannot be read.
+// Threads: any, but where it is not said otherwise not the UI thread: calls may
+// wait for the engine and for the file. Errors: `EngineException`, with e_ErrNotLoaded before
+// `Load`, and the codes of `PDFPage::StartParse` for what cannot be read.
 #pragma once
 
 #include <cstdint>
@@ -26,6 +26,22 @@ struct LinkRecord {
     std::string strUri;
     std::string strOtherKind;  // as the file names it, such as "Named" or "Launch"
     std::string strOtherValue; // the command of "Named", the file of "Launch" and "GoToR"
+};
+
+// Points, as the pages lie in the file.
+struct PageExtent {
+    float fWidth = 0.0F;
+    float fHeight = 0.0F;
+};
+
+class IPageExtents {
+public:
+    virtual ~IPageExtents() = default;
+
+    // The largest width and the largest height among the pages whose sizes are
+    // known by now, which may be of two pages; it grows as more are read. Waits
+    // for nothing, so the UI thread may ask, and does not fail.
+    virtual PageExtent LargestPage() const = 0;
 };
 
 class ILinkSource {

@@ -203,6 +203,11 @@ void Document::ReadFactsAround(Loaded& loaded, std::int32_t nPage) {
     ReadSlice(*m_pSizesFile, loaded.table, nPage / kSlice * kSlice);
 }
 
+pdf::PageExtent Document::LargestPage() const {
+    const auto pState = State();
+    return pState ? pState->table.Largest() : pdf::PageExtent();
+}
+
 // On the task pool, so that whoever jumps to a far page, which a UI thread
 // does, finds its size. A failure is met again by whoever asks for the page.
 void Document::ReadSizesAhead() {

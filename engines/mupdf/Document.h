@@ -28,6 +28,7 @@ namespace velko::engines::mupdf {
 
 class Document final : public pdf::PDFDoc,
                        public pdf::ILinkSource,
+                       public pdf::IPageExtents,
                        public std::enable_shared_from_this<Document> {
 public:
     explicit Document(std::shared_ptr<common::vxbase::IFileReaderCallback> pReader);
@@ -45,6 +46,8 @@ public:
 
     std::vector<pdf::LinkRecord> GetLinks(std::int32_t nPageIndex) override;
     std::shared_ptr<pdf::IAction> FindNamedDestination(const std::string& strName) override;
+
+    pdf::PageExtent LargestPage() const override; // nothing until loaded
 
     // For pages and renderers. What a page draws, from the cache or made now;
     // `pAbort` may be empty. Raises `EngineException` and `task_canceled`.

@@ -130,7 +130,14 @@ void PageTable::Put(std::int32_t nPage, const PageFacts& facts) {
     if (!entry) {
         entry = facts;
         ++m_nKnown;
+        m_largest = {std::max(m_largest.fWidth, facts.fWidth),
+                     std::max(m_largest.fHeight, facts.fHeight)};
     }
+}
+
+pdf::PageExtent PageTable::Largest() const {
+    const Lock lock(m_lock);
+    return m_largest;
 }
 
 }

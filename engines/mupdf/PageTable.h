@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "document/engine/Geometry.h"
+#include "document/engine/HostServices.h"
 #include "engines/mupdf/OpenedFile.h"
 #include "platform/concurrency/CriticalSection.h"
 
@@ -40,6 +41,7 @@ public:
     bool IsFull() const;
     std::optional<PageFacts> Find(std::int32_t nPage) const; // index in range
     void Put(std::int32_t nPage, const PageFacts& facts);
+    pdf::PageExtent Largest() const; // of the pages known
 
 private:
     static constexpr std::int32_t kChunk = 128;
@@ -48,6 +50,7 @@ private:
     std::int32_t m_nPages;
     mutable concurrency::critical_section m_lock;
     std::int32_t m_nKnown VLK_GUARDED_BY(m_lock) = 0;
+    pdf::PageExtent m_largest VLK_GUARDED_BY(m_lock);
     std::vector<std::unique_ptr<Chunk>> m_chunks VLK_GUARDED_BY(m_lock);
 };
 

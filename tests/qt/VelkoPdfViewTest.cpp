@@ -119,7 +119,7 @@ TEST_F(VelkoPdfViewTest, TellsInWordsWhyADocumentDoesNotOpen) {
     EXPECT_TRUE(OpenUntilSharp(*m_pView, WritePages("good.pdf", 1))) << "after all that";
 }
 
-TEST_F(VelkoPdfViewTest, AfterAFailedOpenItShowsWhatTheControlHolds) {
+TEST_F(VelkoPdfViewTest, AFailedOpenEndsWithTheDocumentFromBeforeAtItsPlace) {
     const QString strGood = WritePages("good.pdf", 5);
     const QString strOther = WritePages("other.pdf", 1);
     m_pView->KeepPlace(true);
@@ -138,14 +138,17 @@ TEST_F(VelkoPdfViewTest, AfterAFailedOpenItShowsWhatTheControlHolds) {
     ASSERT_TRUE(FailsToOpen(m_folder.filePath("missing.pdf")));
     EXPECT_TRUE(fnShowsGood()) << "the control never came to the new file";
     ASSERT_TRUE(FailsToOpen(Write("text.pdf", "hello")));
-    EXPECT_TRUE(fnShowsNothing()) << "the old document is closed";
-
-    ASSERT_TRUE(OpenUntilSharp(*m_pView, strGood));
-    EXPECT_EQ(m_pView->CurrentPage(), 4);
+    EXPECT_TRUE(fnShowsGood()) << "the control has closed it, and it is brought back";
+    testing::PdfOptions locked;
+    locked.strUserPassword = "secret";
+    m_pView->Open(Write("locked.pdf", testing::MakePdf({testing::PdfPage()}, locked)));
+    ASSERT_TRUE(RunUntil([&] { return m_pView->ViewState() == State::PasswordNeeded; }));
+    m_pView->CloseDocument();
+    EXPECT_TRUE(RunUntil(fnShowsGood)) << "the reader gave up";
     const auto token = Control().PageLayoutModeChangedEvent.add(
         [](const auto&, const auto&) { throw std::runtime_error("host failed"); });
     ASSERT_TRUE(FailsToOpen(strOther));
-    EXPECT_TRUE(fnShowsNothing()) << "the new one was attached, but not opened";
+    EXPECT_TRUE(fnShowsNothing()) << "it failed for both";
     Control().PageLayoutModeChangedEvent.remove(token);
     const auto tokenOpen = Control().OpenDocEvent.add(
         [](const auto&, const auto&) { throw std::runtime_error("host failed"); });
@@ -258,10 +261,13 @@ TEST_F(VelkoPdfViewTest, AViewMayGoWhileADocumentOpens) {
     EXPECT_TRUE(m_opened.isEmpty());
 }
 
-TEST_F(VelkoPdfViewTest, ZoomsAroundTheMiddleWithinTheLimits) {
+TEST_F(VelkoPdfViewTest, AZoomKeepsTheTopWhileItIsInSightElseTheMiddle) {
     ASSERT_TRUE(OpenUntilSharp(*m_pView, WritePages("pages.pdf", 5)));
     m_pView->GotoPage(2);
     ASSERT_TRUE(SettlesSharp());
+    m_pView->FitWidth();
+    EXPECT_NEAR(OnScreen(2, 0.0F, 792.0F).Y, 0.0F, 1.0F);
+    m_pView->ScrollBy(0.0, 200.0);
     const auto pAtMiddle = Control().DevicePointToPagePoint({250.0F, 300.0F});
     m_pView->ZoomTo(2.0);
     EXPECT_TRUE(RunUntil([&] { return m_pView->Zoom() == 2.0; }));
