@@ -76,7 +76,7 @@ struct Device final : public ID3D11Device1 {
         pState->Require(GraphicsCall::Other, pLife.get());
         return std::make_shared<ImmediateContext>();
     }
-    void SetMaximumFrameLatency(std::uint32_t /*nFrames*/) override {
+    void SetMaximumFrameLatency(std::uint32_t) override {
         pState->Require(GraphicsCall::Other, pLife.get());
     }
     void Trim() override { pState->Require(GraphicsCall::Trim); }
@@ -104,9 +104,8 @@ public:
         m_pBuffers->size = size;
     }
 
-    Platform::HRESULT ResizeBuffers(std::uint32_t /*nBufferCount*/, std::uint32_t nWidth,
-                                    std::uint32_t nHeight, std::uint32_t /*nFormat*/,
-                                    std::uint32_t /*nFlags*/) override {
+    Platform::HRESULT ResizeBuffers(std::uint32_t, std::uint32_t nWidth, std::uint32_t nHeight,
+                                    std::uint32_t, std::uint32_t) override {
         const Platform::HRESULT nResult = m_pState->Try(GraphicsCall::ResizeBuffers, m_pLife.get());
         const bool bInUse = m_pBuffers.use_count() > 1;
         if (nResult >= 0 && (bInUse || nWidth == 0 || nHeight == 0)) {
@@ -117,14 +116,14 @@ public:
         }
         return nResult;
     }
-    Platform::HRESULT Present1(std::uint32_t /*nSyncInterval*/, std::uint32_t /*nFlags*/) override {
+    Platform::HRESULT Present1(std::uint32_t, std::uint32_t) override {
         return m_pState->Try(GraphicsCall::Present1, m_pLife.get());
     }
     void SetMatrixTransform(const D2D_MATRIX_3X2_F& matrix) override {
         m_pState->Require(GraphicsCall::Other, m_pLife.get());
         m_pState->matrix = matrix;
     }
-    std::shared_ptr<IDXGISurface> GetBuffer(std::uint32_t /*nIndex*/) override {
+    std::shared_ptr<IDXGISurface> GetBuffer(std::uint32_t) override {
         m_pState->Require(GraphicsCall::Other, m_pLife.get());
         return std::make_shared<Surface>(m_pBuffers, m_pLife);
     }
@@ -184,17 +183,17 @@ class Context final : public ID2D1DeviceContext {
 public:
     Context(State pState, Life pLife) : m_pState(std::move(pState)), m_pLife(std::move(pLife)) {}
 
-    void SetUnitMode(std::uint32_t /*nMode*/) override {}
-    void SetTextAntialiasMode(std::uint32_t /*nMode*/) override {}
+    void SetUnitMode(std::uint32_t) override {}
+    void SetTextAntialiasMode(std::uint32_t) override {}
     void SetDpi(float fDpiX, float fDpiY) override { m_pState->dpi = {fDpiX, fDpiY}; }
     void SetTarget(std::shared_ptr<ID2D1Bitmap> pTarget) override {
         m_pTarget = std::move(pTarget);
     }
     std::shared_ptr<ID2D1Bitmap> GetTarget() const override { return m_pTarget; }
 
-    std::shared_ptr<ID2D1Bitmap> CreateBitmap(
-        D2D_SIZE_U size, std::span<const std::uint8_t> /*pixels*/, std::uint32_t /*nPitch*/,
-        const D2D1_BITMAP_PROPERTIES& /*properties*/) override {
+    std::shared_ptr<ID2D1Bitmap> CreateBitmap(D2D_SIZE_U size, std::span<const std::uint8_t>,
+                                              std::uint32_t,
+                                              const D2D1_BITMAP_PROPERTIES&) override {
         m_pState->Require(GraphicsCall::CreateBitmap, m_pLife.get());
         if (size.width == 0 || size.height == 0) {
             throw Platform::InvalidArgumentException("a bitmap without pixels");
@@ -220,21 +219,17 @@ public:
     }
     bool IsDrawing() const override { return m_bDrawing; }
 
-    void Clear(const D2D_COLOR_F& /*color*/) override { RequireFrame(); }
-    void SetTransform(const D2D_MATRIX_3X2_F& /*matrix*/) override {}
-    void DrawBitmap(const std::shared_ptr<ID2D1Bitmap>& /*pBitmap*/,
-                    const D2D_RECT_F& /*rcDestination*/, float /*fOpacity*/,
-                    D2D1_INTERPOLATION_MODE /*eInterpolation*/,
-                    const D2D_RECT_F& /*rcSource*/) override {
+    void Clear(const D2D_COLOR_F&) override { RequireFrame(); }
+    void SetTransform(const D2D_MATRIX_3X2_F&) override {}
+    void DrawBitmap(const std::shared_ptr<ID2D1Bitmap>&, const D2D_RECT_F&, float,
+                    D2D1_INTERPOLATION_MODE, const D2D_RECT_F&) override {
         RequireFrame();
     }
-    void FillRectangle(const D2D_RECT_F& /*rc*/,
-                       const std::shared_ptr<ID2D1SolidColorBrush>& /*pBrush*/) override {
+    void FillRectangle(const D2D_RECT_F&, const std::shared_ptr<ID2D1SolidColorBrush>&) override {
         RequireFrame();
     }
-    void DrawRectangle(const D2D_RECT_F& /*rc*/,
-                       const std::shared_ptr<ID2D1SolidColorBrush>& /*pBrush*/,
-                       float /*fStrokeWidth*/) override {
+    void DrawRectangle(const D2D_RECT_F&, const std::shared_ptr<ID2D1SolidColorBrush>&,
+                       float) override {
         RequireFrame();
     }
 
@@ -276,15 +271,14 @@ public:
         return std::make_shared<DrawingDevice>(m_pState, pLife);
     }
     std::shared_ptr<ID2D1Bitmap> CreateBitmapFromDxgiSurface(
-        ID2D1DeviceContext& /*context*/, const std::shared_ptr<IDXGISurface>& pSurface,
-        const D2D1_BITMAP_PROPERTIES& /*properties*/) override {
+        ID2D1DeviceContext&, const std::shared_ptr<IDXGISurface>& pSurface,
+        const D2D1_BITMAP_PROPERTIES&) override {
         const auto& surface = dynamic_cast<Surface&>(*pSurface);
         m_pState->Require(GraphicsCall::Other, surface.pLife.get());
         return std::make_shared<Bitmap>(m_pState, surface);
     }
-    std::shared_ptr<ID2D1StrokeStyle> CreateStrokeStyle(
-        const D2D1_STROKE_STYLE_PROPERTIES& /*properties*/,
-        std::span<const float> /*dashes*/) override {
+    std::shared_ptr<ID2D1StrokeStyle> CreateStrokeStyle(const D2D1_STROKE_STYLE_PROPERTIES&,
+                                                        std::span<const float>) override {
         m_pState->Require(GraphicsCall::Other);
         return std::make_shared<ID2D1StrokeStyle>();
     }
@@ -296,11 +290,9 @@ private:
 class TextFactory final : public IDWriteFactory {
 public:
     explicit TextFactory(State pState) : m_pState(std::move(pState)) {}
-    std::shared_ptr<IDWriteTextFormat> CreateTextFormat(const char* /*szFamily*/,
-                                                        std::uint32_t /*nWeight*/,
-                                                        std::uint32_t /*nStyle*/,
-                                                        std::uint32_t /*nStretch*/, float /*fSize*/,
-                                                        const char* /*szLocale*/) override {
+    std::shared_ptr<IDWriteTextFormat> CreateTextFormat(const char*, std::uint32_t, std::uint32_t,
+                                                        std::uint32_t, float,
+                                                        const char*) override {
         m_pState->Require(GraphicsCall::Other);
         return std::make_shared<IDWriteTextFormat>();
     }

@@ -5,35 +5,21 @@
 #include <new>
 
 namespace {
-
 std::atomic<std::uint64_t> g_nAllocations{0};
+}
 
-void* Allocate(std::size_t nSize) {
+// The other forms of the operators go by these two.
+void* operator new(std::size_t nSize) {
     g_nAllocations.fetch_add(1, std::memory_order_relaxed);
     if (void* const pMemory = std::malloc(nSize == 0 ? 1 : nSize)) {
         return pMemory;
     }
     throw std::bad_alloc();
 }
-
-}
-
-void* operator new(std::size_t nSize) {
-    return Allocate(nSize);
-}
-void* operator new[](std::size_t nSize) {
-    return Allocate(nSize);
-}
 void operator delete(void* pMemory) noexcept {
     std::free(pMemory);
 }
-void operator delete[](void* pMemory) noexcept {
-    std::free(pMemory);
-}
-void operator delete(void* pMemory, std::size_t) noexcept {
-    std::free(pMemory);
-}
-void operator delete[](void* pMemory, std::size_t) noexcept {
+void operator delete(void* pMemory, std::size_t) noexcept { // asked for by a warning
     std::free(pMemory);
 }
 

@@ -16,6 +16,11 @@ namespace Platform::Fake {
 
 using Windows::Storage::ApplicationData;
 
+struct TestHost::Log {
+    std::mutex lock;
+    std::vector<std::string> texts;
+};
+
 namespace {
 
 std::shared_ptr<ApplicationData> MakeData() {
@@ -28,34 +33,22 @@ std::shared_ptr<ApplicationData> MakeData() {
 
 }
 
-struct TestHost::Log {
-    std::mutex lock;
-    std::vector<std::string> texts;
-};
-
-TestHost::TestHost(ManualPool /*eKind*/)
-    : m_pDispatcher(std::make_shared<ManualDispatcher>()),
-      m_pClock(std::make_shared<ManualClock>(m_pDispatcher)),
-      m_pEnvironment(std::make_shared<FakeEnvironment>(m_pDispatcher, m_pClock)),
-      m_pData(MakeData()),
-      m_pLog(std::make_shared<Log>()),
-      m_pManualPool(std::make_shared<ManualScheduler>()) {
-    concurrency::set_task_pool(m_pManualPool);
-    Install();
-}
+TestHost::TestHost(ManualPool /*eKind*/) : TestHost(std::make_shared<ManualScheduler>(), nullptr) {}
 
 TestHost::TestHost(RealPool pool)
-    : m_pDispatcher(std::make_shared<ManualDispatcher>()),
-      m_pClock(std::make_shared<ManualClock>(m_pDispatcher)),
-      m_pEnvironment(std::make_shared<FakeEnvironment>(m_pDispatcher, m_pClock)),
-      m_pData(MakeData()),
-      m_pLog(std::make_shared<Log>()),
-      m_pRealPool(std::make_shared<concurrency::ThreadPool>(pool.nThreads)) {
-    concurrency::set_task_pool(m_pRealPool);
-    Install();
-}
+    : TestHost(nullptr, std::make_shared<concurrency::ThreadPool>(pool.nThreads)) {}
 
-void TestHost::Install() {
+TestHost::TestHost(std::shared_ptr<ManualScheduler> pManualPool,
+                   std::shared_ptr<concurrency::ThreadPool> pRealPool)
+    : m_pData(MakeData()),
+      m_pLog(std::make_shared<Log>()),
+      m_pManualPool(std::move(pManualPool)),
+      m_pRealPool(std::move(pRealPool)) {
+    if (m_pManualPool) {
+        concurrency::set_task_pool(m_pManualPool);
+    } else {
+        concurrency::set_task_pool(m_pRealPool);
+    }
     m_fnSinkBefore = Debug::SetSink([pLog = m_pLog](std::string_view strText) {
         const std::lock_guard<std::mutex> lock(pLog->lock);
         pLog->texts.emplace_back(strText);

@@ -72,17 +72,19 @@ public:
 private:
     struct Log;
 
-    void Install();
+    TestHost(std::shared_ptr<ManualScheduler> pManualPool,
+             std::shared_ptr<concurrency::ThreadPool> pRealPool);
     bool Step();
     bool IsPoolIdle() const;
 
-    const std::shared_ptr<ManualDispatcher> m_pDispatcher;
-    const std::shared_ptr<ManualClock> m_pClock;
-    const std::shared_ptr<FakeEnvironment> m_pEnvironment;
+    const std::shared_ptr<ManualDispatcher> m_pDispatcher = std::make_shared<ManualDispatcher>();
+    const std::shared_ptr<ManualClock> m_pClock = std::make_shared<ManualClock>(m_pDispatcher);
+    const std::shared_ptr<FakeEnvironment> m_pEnvironment =
+        std::make_shared<FakeEnvironment>(m_pDispatcher, m_pClock);
     const std::shared_ptr<Windows::Storage::ApplicationData> m_pData;
     const std::shared_ptr<Log> m_pLog;
-    std::shared_ptr<ManualScheduler> m_pManualPool;
-    std::shared_ptr<concurrency::ThreadPool> m_pRealPool;
+    const std::shared_ptr<ManualScheduler> m_pManualPool; // one of the two
+    const std::shared_ptr<concurrency::ThreadPool> m_pRealPool;
     std::function<void(std::string_view)> m_fnSinkBefore;
     std::optional<concurrency::context::scope> m_context;
 };

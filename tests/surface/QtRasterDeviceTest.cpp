@@ -1,8 +1,6 @@
-// The raster device on Qt: pixels on their grid, sharp and seamless blocks,
-// frames that are not copied, counters.
+// The raster device on Qt: pixels on their grid, frames that are not copied, counters.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstring>
 #include <functional>
 #include <random>
@@ -143,42 +141,6 @@ TEST(QtRasterDeviceTest, ALinearStretchIsSmoothAndStaysWithinItsEdges) {
     }
     EXPECT_GE(nBetween, 3) << "an edge four times as wide has steps in between";
     EXPECT_LE(nBetween, 4);
-}
-
-// Four blocks as a page has them, at offsets as a scroll gives them.
-TEST(QtRasterDeviceTest, BlocksAreSharpAndLeaveNoSeamAtAnyOffset) {
-    QtGraphicsFactory factory;
-    const Screen screen(factory);
-    std::mt19937 random(7);
-    std::uniform_real_distribution<double> offset(-3.0, 3.0);
-    const auto bytes = Noise(16, 12, true);
-    const auto pBlock = screen.pContext->CreateBitmap({16, 12}, bytes, 64, {});
-    for (int nRound = 0; nRound < 200; ++nRound) {
-        const double dbX = 10.0 + (nRound < 8 ? nRound / 8.0 : offset(random));
-        const double dbY = 10.0 + (nRound < 8 ? nRound / 8.0 : offset(random));
-        screen.Frame([&](Graphics::ID2D1DeviceContext& context) {
-            context.Clear({1, 0, 0, 1});
-            for (int nBlock = 0; nBlock < 4; ++nBlock) {
-                const auto fX = static_cast<float>(dbX + (nBlock % 2) * 16.0);
-                const auto fY = static_cast<float>(dbY + (nBlock / 2) * 12.0);
-                const auto fRight = static_cast<float>(dbX + (nBlock % 2) * 16.0 + 16.0);
-                const auto fBottom = static_cast<float>(dbY + (nBlock / 2) * 12.0 + 12.0);
-                context.DrawBitmap(pBlock, {fX, fY, fRight, fBottom}, 1.0F,
-                                   D2D1_INTERPOLATION_MODE::LINEAR, {0, 0, 16, 12});
-            }
-        });
-        const auto pixels = screen.pContext->GetTarget()->ReadPixels();
-        const auto nLeft = static_cast<std::size_t>(std::floor(dbX + 0.5));
-        const auto nTop = static_cast<std::size_t>(std::floor(dbY + 0.5));
-        for (std::size_t nY = 0; nY < 24; ++nY) {
-            for (std::size_t nX = 0; nX < 32; ++nX) {
-                ASSERT_EQ(std::memcmp(&pixels[((nTop + nY) * 64 + nLeft + nX) * 4],
-                                      &bytes[(nY % 12 * 16 + nX % 16) * 4], 4),
-                          0)
-                    << "offset " << dbX << ", " << dbY << " at " << nX << ", " << nY;
-            }
-        }
-    }
 }
 
 TEST(QtRasterDeviceTest, AFrameIsShownWithoutACopyAndStaysWhatItWas) {

@@ -24,43 +24,77 @@ protected:
     }
 };
 
-TEST_F(DestinationTest, AnExplicitPlaceAndZoom) {
-    Go(3, kExplicit, {0, 300, 0}); // 100 points below the top, the zoom stays
-    EXPECT_EQ(Of(3), (Place{3, 50, -100, 200, 400}));
-    Go(3, kExplicit, {60, 300, 2}); // wider than the screen: the left counts too
-    EXPECT_EQ(Of(3), (Place{3, -100, -200, 400, 800}));
-    EXPECT_EQ(w.Viewer().GetScale(), 2.0F);
-    Go(2, kExplicit, {20, 400, 2});
-    EXPECT_EQ(Of(2), (Place{2, -40, 0, 400, 800}));
-    Go(8, kExplicit, {0, 10, 1}); // the document's end limits it
-    EXPECT_EQ(Of(8).dbY, 100.0);
-    EXPECT_THROW(w.Viewer().GotoDestination(3, kExplicit, {1, 2}), Platform::OutOfBoundsException);
-    EXPECT_EQ(Of(8).dbY, 100.0);
+TEST_F(DestinationTest, WhereEachKindLeads) {
+    struct Case {
+        Layout eLayout;
+        Kind eKind;
+        std::vector<float> values;
+        float fScale;
+        Place expected;
+    };
+    constexpr auto kColumn = Layout::Continuous;
+    constexpr auto kSingle = Layout::Single;
+    const Case cases[] = {
+        // 100 points below the top, the zoom stays; wider than the screen, the
+        // left counts too; the document's end limits both.
+        {kColumn, kExplicit, {0, 300, 0}, 1.0F, {3, 50, -100, 200, 400}},
+        {kColumn, kExplicit, {60, 300, 2}, 2.0F, {3, -100, -200, 400, 800}},
+        {kColumn, kExplicit, {20, 400, 2}, 2.0F, {2, -40, 0, 400, 800}},
+        {kColumn, kExplicit, {0, 10, 1}, 1.0F, {8, 50, 100, 200, 400}},
+        {kColumn, kPage, {}, 1.0F, {4, 50, 0, 200, 400}},
+        {kColumn, kWidth, {100, 100}, 1.5F, {4, 0, 0, 300, 600}},
+        {kColumn, kHeight, {40, 40}, 1.0F, {2, 50, 0, 200, 400}},
+        // 100 x 125 points, so 3 times across and 4 times down: 3 it is.
+        {kColumn, kRectangle, {50, 300, 150, 175}, 3.0F, {3, -150, -300, 600, 1200}},
+        {kColumn, kRectangle, {0, 400, 100, 275}, 3.0F, {3, 0, 0, 600, 1200}},
+        {kColumn, kBoxWidth, {330, 330}, 1.5F, {4, 0, -150, 300, 600}}, // 100 below the box's top
+        {kColumn, kBoxHeight, {0, 0}, 1.25F, {4, 25, 0, 250, 500}},
+        {kColumn, kBoxHeight, {}, 1.25F, {8, 25, 0, 250, 500}},
+        {kSingle, kExplicit, {0, 700, 2}, 1.0F, {3, 50, -100, 200, 800}}, // it comes up at 1.0
+        {kSingle, kExplicit, {50, 100, 0}, 1.0F, {3, 50, -300, 200, 800}},
+        {kSingle, kPage, {}, 1.0F, {3, 50, 0, 200, 800}},
+        {kSingle, kWidth, {600}, 1.0F, {3, 50, -200, 200, 800}},
+        {kSingle, kHeight, {150}, 1.0F, {3, 50, 0, 200, 800}},
+        {kSingle, kRectangle, {1, 2, 3, 4}, 1.0F, {3, 50, 0, 200, 800}},
+        {kSingle, kBox, {}, 0.625F, {3, 87.5, 0, 125, 500}}, // as large as the page: fits like it
+        {kSingle, kBoxWidth, {500}, 1.5F, {3, 0, -450, 300, 1200}},
+        {kSingle, kBoxHeight, {}, 0.625F, {3, 87.5, 0, 125, 500}}, // stored as it is shown
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(::testing::Message() << "kind " << c.eKind << ", " << c.expected);
+        ScriptedPage page = MakePage(200, c.eLayout == kSingle ? 800 : 400);
+        if (c.eLayout == kSingle) {
+            page.rcBox = {0, 0, 200, 800};
+        } else if (c.eKind >= kBox) {
+            page.rcBox = {20, 30, 220, 430};
+        }
+        w.SetLayout(c.eLayout);
+        w.Open(std::vector<ScriptedPage>(9, page), 300, 500);
+        w.Settle();
+        Go(c.expected.nPage, c.eKind, c.values);
+        const Place place = Of(c.expected.nPage);
+        EXPECT_NEAR(place.dbX, c.expected.dbX, 1.0);
+        EXPECT_NEAR(place.dbY, c.expected.dbY, 1.0);
+        EXPECT_EQ(place.nWidth, c.expected.nWidth);
+        EXPECT_EQ(place.nHeight, c.expected.nHeight);
+        EXPECT_NEAR(w.Viewer().GetScale(), c.fScale, 1e-5);
+        EXPECT_THROW(w.Viewer().GotoDestination(3, kExplicit, {1, 2}),
+                     Platform::OutOfBoundsException);
+        EXPECT_EQ(Of(c.expected.nPage), place);
+    }
 }
 
-TEST_F(DestinationTest, FitsOfThePage) {
-    Go(4, kPage, {});
-    EXPECT_EQ(Of(4), (Place{4, 50, 0, 200, 400}));
-    Go(4, kWidth, {100, 100});
-    EXPECT_EQ(w.Viewer().GetScale(), 1.5F);
-    EXPECT_EQ(Of(4), (Place{4, 0, 0, 300, 600}));
-    Go(2, kHeight, {40, 40});
-    EXPECT_EQ(w.Viewer().GetScale(), 1.0F);
-    EXPECT_EQ(Of(2), (Place{2, 50, 0, 200, 400}));
-}
-
-TEST_F(DestinationTest, ARectangleFillsTheScreen) {
-    // 100 x 125 points, so 3 times across and 4 times down: 3 it is.
-    Go(3, kRectangle, {50, 300, 150, 175});
-    EXPECT_EQ(w.Viewer().GetScale(), 3.0F);
-    EXPECT_EQ(Of(3), (Place{3, -150, -300, 600, 1200}));
-    // At the page's corner nothing is left to move, and it renders all the same.
-    Go(3, kRectangle, {0, 400, 100, 275});
-    EXPECT_EQ(Of(3), (Place{3, 0, 0, 600, 1200}));
-    Go(3, kRectangle, {10, 10, 10, 10}); // without an area: as far in as it goes
+TEST_F(DestinationTest, RectanglesWithoutAnAreaAndBeyondThePage) {
+    Go(3, kRectangle, {10, 10, 10, 10}); // as far in as it goes
     EXPECT_EQ(w.Viewer().GetScale(), 4.0F);
-    Go(3, kRectangle, {-100, 500, 300, -100}); // beyond the page all around: like the page
+    Go(3, kRectangle, {-100, 500, 300, -100}); // like the page
     EXPECT_EQ(w.Viewer().GetScale(), 1.25F);
+    // An only page never hangs below the top.
+    w.Open(MakePages(1, 200, 300), 300, 500);
+    Go(0, kRectangle, {20, 250, 120, 150});
+    EXPECT_LE(Of(0).dbY, 0.0);
+    Go(0, kBoxHeight, {});
+    EXPECT_LE(Of(0).dbY, 0.0);
 }
 
 TEST_F(DestinationTest, TheBoxWaitsForItsPage) {
@@ -86,37 +120,6 @@ TEST_F(DestinationTest, TheBoxWaitsForItsPage) {
     w.Settle();
     EXPECT_TRUE(w.Laid().empty());
     EXPECT_EQ(w.pOwner->loaded.size(), 2U);
-}
-
-TEST_F(DestinationTest, ABoxThatIsKnownIsShownAtOnce) {
-    ScriptedPage page = MakePage(200, 400);
-    page.rcBox = {20, 30, 220, 430};
-    w.Open(std::vector<ScriptedPage>(9, page), 300, 500);
-    Go(4, kBoxWidth, {330, 330}); // 100 below the top of the box
-    EXPECT_EQ(w.Viewer().GetScale(), 1.5F);
-    EXPECT_EQ(Of(4).nWidth, 300);
-    EXPECT_NEAR(Of(4).dbY, -150.0, 1.0);
-    w.pOwner->loaded.clear();
-    Go(4, kBoxHeight, {0, 0});
-    EXPECT_TRUE(w.pOwner->loaded.empty());
-    EXPECT_EQ(w.Viewer().GetScale(), 1.25F); // as high as the page
-    EXPECT_EQ(Of(4), (Place{4, 25, 0, 250, 500}));
-}
-
-TEST_F(DestinationTest, ADocumentOfOnePageNeverHangsBelowTheTop) {
-    w.Open(MakePages(1, 200, 300), 300, 500);
-    Go(0, kRectangle, {20, 250, 120, 150});
-    EXPECT_EQ(w.State().items.size(), 1U);
-    EXPECT_LE(Of(0).dbY, 0.0);
-    Go(0, kBoxHeight, {});
-    EXPECT_LE(Of(0).dbY, 0.0);
-}
-
-TEST_F(DestinationTest, TheLastPageDoesNotEndAboveTheBottom) {
-    Go(8, kBoxHeight, {});
-    const Place last = Of(8);
-    EXPECT_GE(last.dbY + last.nHeight, 500.0 - 1.0);
-    EXPECT_LE(w.Laid().front().dbY, 0.0);
 }
 
 TEST_F(DestinationTest, AFailedPageLoadEndsQuietly) {

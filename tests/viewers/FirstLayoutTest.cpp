@@ -124,26 +124,9 @@ TEST_F(FirstLayoutTest, APlaceOffTheScreenIsBroughtBack) {
     EXPECT_EQ(w.Laid().front().dbX, -399.0);
 }
 
-TEST_F(FirstLayoutTest, DegenerateScreensAndDocuments) {
+TEST_F(FirstLayoutTest, ADocumentWithoutPages) {
     for (const Layout eLayout : {Layout::Continuous, Layout::Single}) {
         w.SetLayout(eLayout);
-        for (const char* szFamily : {"Windows.Desktop", "Windows.Mobile", "Windows.Holographic"}) {
-            w.SetFamily(szFamily);
-            for (const float fSide : {0.0F, 1.0F}) {
-                SCOPED_TRACE(::testing::Message() << szFamily << fSide);
-                w.Open(MakePages(3, 612, 792), fSide, fSide);
-                EXPECT_LT(w.CountBlocks([](const auto&) { return true; }), 5000U);
-                w.Viewer().MoveScreen(100, 100);
-                w.Viewer().AlignPageAfterScroll(100, 100);
-                w.Zoom({0, 0}, 2.0, true);
-                w.Viewer().GotoPage(2);
-                w.Viewer().RotateViewer(1);
-                w.Resize(300, 500);
-                w.Viewer().InvaildateLayout();
-                EXPECT_FALSE(w.Laid().empty());
-                w.ExpectSharp();
-            }
-        }
         w.Make({}, 300, 500);
         w.Viewer().InitLayOut(0, 0.0, 0.0, 0.0);
         w.Viewer().GotoPage(3);

@@ -81,35 +81,6 @@ TEST_F(MoveTest, TheLastPageNeverEndsAboveTheBottom) {
     }
 }
 
-TEST_F(MoveTest, ADocumentThatFitsTheScreenStays) {
-    w.Open(MakePages(2, 100, 200), 300, 500);
-    const Places both = {{0, 100, 0, 100, 200}, {1, 100, 215, 100, 200}};
-    EXPECT_EQ(w.Laid(), both);
-    EXPECT_EQ(After({{100, 0}, {-100, 0}, {0, 40}, {1e7, -1e7}}), both);
-}
-
-TEST_F(MoveTest, AnOnlyPageMovesWithinItself) {
-    w.Open(MakePages(1, 100, 800), 300, 500);
-    EXPECT_EQ(After({{200, 0}}), (Places{{0, 100, -200, 100, 800}}));
-    EXPECT_EQ(After({{200, 0}}), (Places{{0, 100, -300, 100, 800}}));
-    EXPECT_EQ(After({{-1000, 0}}), (Places{{0, 100, 0, 100, 800}}));
-    EXPECT_EQ(After({{1e6, 0}}), (Places{{0, 100, -300, 100, 800}}));
-
-    w.Open(MakePages(1, 100, 80), 300, 500);
-    EXPECT_EQ(After({{30, 0}, {-30, 0}}), (Places{{0, 100, 0, 100, 80}}));
-}
-
-TEST_F(MoveTest, SidewaysWithinTheWidestPage) {
-    w.Open(MakePages(4, 400, 200), 300, 500);
-    EXPECT_EQ(w.Laid().front().dbX, 0.0);
-    EXPECT_EQ(After({{0, 60}}).front().dbX, -60.0);
-    EXPECT_EQ(After({{0, 60}}).front().dbX, -100.0);
-    EXPECT_EQ(After({{0, -30}}).back().dbX, -70.0);
-    // A page that comes in takes the offset of the one before it.
-    EXPECT_EQ(After({{300, 0}}).back(), (Place{3, -70, 345, 400, 200}));
-    EXPECT_EQ(After({{0, -500}}).front().dbX, 0.0);
-}
-
 TEST_F(MoveTest, PagesWithoutASizeAreSkippedOver) {
     w.Open({MakePage(100, 200), MakePage(0, 0), MakePage(100, 200)}, 300, 500);
     EXPECT_EQ(w.Laid(), (Places{{0, 100, 0, 100, 200}, {2, 100, 230, 100, 200}}));

@@ -1,4 +1,4 @@
-// The viewer of single pages at rest: layouts, zoom, destinations.
+// The viewer of single pages at rest: pages, sizes, turns.
 #include "tests/viewers/ViewerFixture.h"
 
 namespace velko::testing {
@@ -62,52 +62,6 @@ TEST_F(SinglePageTest, AZoomInTheMiddleOfATurnKeepsTheNearerPage) {
     w.Zoom({200, 10}, 1.0, true);
     EXPECT_EQ(w.Laid(), (Places{{3, 0, 0, 300, 500}}));
     w.ExpectSharp();
-}
-
-// --- destinations ---
-
-TEST_F(SinglePageTest, Destinations) {
-    struct Case {
-        std::int32_t nKind;
-        std::vector<float> values;
-        Place expected;
-        float fScale;
-    };
-    ScriptedPage page = MakePage(200, 800);
-    page.rcBox = {0, 0, 200, 800};
-    const Case cases[] = {
-        {1, {0, 700, 2}, {3, 50, -100, 200, 800}, 1.0F}, // the page comes up at 1.0
-        {1, {50, 100, 0}, {3, 50, -300, 200, 800}, 1.0F},
-        {2, {}, {3, 50, 0, 200, 800}, 1.0F},
-        {3, {600}, {3, 50, -200, 200, 800}, 1.0F},
-        {4, {150}, {3, 50, 0, 200, 800}, 1.0F},
-        {5, {1, 2, 3, 4}, {3, 50, 0, 200, 800}, 1.0F},
-        {6, {}, {3, 87.5, 0, 125, 500}, 0.625F}, // as large as the page: fits like it
-        {7, {500}, {3, 0, -450, 300, 1200}, 1.5F},
-        {8, {}, {3, 87.5, 0, 125, 500}, 0.625F}, // stored as it is shown
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.nKind);
-        w.Open(std::vector<ScriptedPage>(5, page), 300, 500, 1);
-        w.Viewer().GotoDestination(3, c.nKind, c.values);
-        w.Settle();
-        ASSERT_EQ(w.Laid().size(), 1U);
-        const Place place = w.Laid().front();
-        EXPECT_EQ(place.nPage, 3);
-        EXPECT_NEAR(place.dbX, c.expected.dbX, 1.0);
-        EXPECT_NEAR(place.dbY, c.expected.dbY, 1.0);
-        EXPECT_EQ(place.nWidth, c.expected.nWidth);
-        EXPECT_EQ(place.nHeight, c.expected.nHeight);
-        EXPECT_NEAR(w.Viewer().GetScale(), c.fScale, 1e-5);
-        w.ExpectSharp();
-    }
-    EXPECT_THROW(w.Viewer().GotoDestination(3, 1, {1, 2}), Platform::OutOfBoundsException);
-    w.Viewer().GotoDestination(9, 2, {});
-    EXPECT_EQ(w.Laid().front().nPage, 3);
-    w.Viewer().GotoDestination(4, 6, {}); // who goes elsewhere meanwhile is not called back
-    w.Viewer().GotoPage(0);
-    w.Settle();
-    EXPECT_EQ(w.Laid(), (Places{{0, 50, 0, 200, 800}}));
 }
 
 }
