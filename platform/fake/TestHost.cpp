@@ -87,10 +87,6 @@ bool TestHost::Step() {
     return m_pDispatcher->RunOne() || (m_pManualPool && m_pManualPool->RunOne());
 }
 
-bool TestHost::IsPoolIdle() const {
-    return !m_pRealPool || m_pRealPool->is_idle();
-}
-
 bool TestHost::RunUntil(const std::function<bool()>& fnDone) {
     constexpr std::size_t kLimit = 1'000'000;
     for (std::size_t nStep = 0; nStep < kLimit; ++nStep) {
@@ -124,7 +120,8 @@ void TestHost::AwaitFiles() {
 void TestHost::Drain() {
     const auto fnNothingLeft = [this] {
         // In this order: each may post to those after it, and the pool to files.
-        return !Windows::Storage::AreFileOperationsPending() && IsPoolIdle() &&
+        return !Windows::Storage::AreFileOperationsPending() &&
+               (!m_pRealPool || m_pRealPool->is_idle()) &&
                !Windows::Storage::AreFileOperationsPending() &&
                (!m_pManualPool || m_pManualPool->Pending() == 0) && m_pDispatcher->Pending() == 0;
     };
@@ -139,14 +136,13 @@ std::vector<std::string> TestHost::DebugOutput() const {
 }
 
 std::size_t TestHost::CountDebug(const std::string& strText) const {
-    const std::lock_guard<std::mutex> lock(m_pLog->lock);
-    return static_cast<std::size_t>(
-        std::count(m_pLog->texts.begin(), m_pLog->texts.end(), strText));
+    const std::vector<std::string> texts = DebugOutput();
+    return static_cast<std::size_t>(std::count(texts.begin(), texts.end(), strText));
 }
 
 bool TestHost::DebugContains(const std::string& strPart) const {
-    const std::lock_guard<std::mutex> lock(m_pLog->lock);
-    return std::any_of(m_pLog->texts.begin(), m_pLog->texts.end(), [&](const std::string& strText) {
+    const std::vector<std::string> texts = DebugOutput();
+    return std::any_of(texts.begin(), texts.end(), [&](const std::string& strText) {
         return strText.find(strPart) != std::string::npos;
     });
 }

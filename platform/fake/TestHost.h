@@ -75,7 +75,6 @@ private:
     TestHost(std::shared_ptr<ManualScheduler> pManualPool,
              std::shared_ptr<concurrency::ThreadPool> pRealPool);
     bool Step();
-    bool IsPoolIdle() const;
 
     const std::shared_ptr<ManualDispatcher> m_pDispatcher = std::make_shared<ManualDispatcher>();
     const std::shared_ptr<ManualClock> m_pClock = std::make_shared<ManualClock>(m_pDispatcher);

@@ -102,17 +102,16 @@ TEST_F(FrameTest, ARequestOfAClientThatIsGoneIsDropped) {
 }
 
 TEST_F(FrameTest, AClientIsKeptForItsFrameEvenWhenItsOwnerLetsGo) {
-    class SharedClient final : public vkit::ICanvasClient,
-                               public std::enable_shared_from_this<SharedClient> {
-    public:
+    struct SharedClient final : public vkit::ICanvasClient,
+                                public std::enable_shared_from_this<SharedClient> {
         void OnRenderCanvas(const std::shared_ptr<vkit::WPRenderDC>& /*pDc*/) override {
+            const std::weak_ptr<SharedClient> wkSelf = weak_from_this();
             pOwner->reset();
-            nValue = 7; // a use after the end, were it not kept
+            EXPECT_FALSE(wkSelf.expired()) << "gone within its own frame";
         }
         void ClearCanvas(const std::shared_ptr<vkit::WPRenderDC>& /*pDc*/) override {}
         std::shared_ptr<void> KeepAlive() override { return shared_from_this(); }
         std::shared_ptr<SharedClient>* pOwner = nullptr;
-        int nValue = 0;
     };
     auto pClient = std::make_shared<SharedClient>();
     pClient->pOwner = &pClient;

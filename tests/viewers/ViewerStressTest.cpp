@@ -34,9 +34,7 @@ TEST(ViewerStressTest, SettlesWithEveryDisplayedBlockSharp) {
         }
     }
     w.Viewer().PageScaled({32, 64}, 1.5, false, true);
-    w.Settle();
-    EXPECT_EQ(w.CountBlocks([](const auto& b) { return b.bIsDisplay && !b.bHasBitmap; }), 0U);
-    EXPECT_EQ(w.CountBlocks([](const auto& b) { return b.bIsRendering; }), 0U);
+    w.ExpectSharp();
     EXPECT_EQ(w.pEngine->PeakRenders(), 1); // of one document, one after the other
 }
 
