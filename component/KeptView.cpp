@@ -73,6 +73,17 @@ std::vector<std::string> RecentFiles() {
     return files;
 }
 
+void ForgetViews(const std::vector<std::string>& paths) {
+    const auto pData = ApplicationData::Current();
+    pData->InTransaction([&] {
+        for (const AccessListEntry& entry : pData->MostRecentlyUsedList()->Entries()) {
+            if (std::find(paths.begin(), paths.end(), entry.Metadata) != paths.end()) {
+                pData->MostRecentlyUsedList()->Remove(entry.Token);
+            }
+        }
+    });
+}
+
 void ForgetAllViews() {
     const auto pData = ApplicationData::Current();
     pData->InTransaction([&] {

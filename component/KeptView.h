@@ -42,7 +42,8 @@ bool ForgetUnreadableView(const std::string& strPath);
 // The files of the recently used list, latest first. Threads: any.
 std::vector<std::string> RecentFiles();
 
-// Forgets all of them, with their places. Threads: any.
+// Forgets some of them, or all, with their places. Threads: any.
+void ForgetViews(const std::vector<std::string>& paths);
 void ForgetAllViews();
 
 // True when the two differ in nothing but the time. Threads: any.

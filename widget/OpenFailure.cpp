@@ -1,14 +1,33 @@
 #include "widget/OpenFailure.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
 #include <new>
+#include <string>
+#include <string_view>
+#include <system_error>
 
 #include "platform/foundation/Exception.h"
+#include "platform/storage/FileChangedException.h"
+#include "widget/FilePath.h"
 
 namespace velko::vkit {
 
 namespace {
 
 using velko::common::ErrorCode;
+
+constexpr std::uintmax_t kLook = 1024; // bytes in which a document's first and last words stand
+
+bool Holds(std::ifstream& file, std::uintmax_t nFrom, std::string_view strWord) {
+    std::string strBytes(kLook, '\0');
+    file.clear();
+    file.seekg(static_cast<std::streamoff>(nFrom));
+    file.read(strBytes.data(), static_cast<std::streamsize>(strBytes.size()));
+    return strBytes.find(strWord) != std::string::npos;
+}
 
 // Of the many codes several are one and the same to a reader.
 const char* WordsOf(ErrorCode eCode) {
@@ -18,8 +37,9 @@ const char* WordsOf(ErrorCode eCode) {
                    "connected, and open it again.";
         case ErrorCode::e_ErrFormat:
         case ErrorCode::e_ErrInvalidData:
-            return "This is not a PDF document, or it is damaged beyond repair: ask for it anew "
-                   "where it came from.";
+            return "The document is damaged beyond repair: ask for it anew where it came from.";
+        case ErrorCode::e_ErrConflict:
+            return "The file was changed while it was opened: open it again.";
         case ErrorCode::e_ErrPassword:
             return "The document is protected with a password: enter it to read the document.";
         case ErrorCode::e_ErrUnsupported:
@@ -74,6 +94,36 @@ QString ReasonOf(ErrorCode eCode) {
     return QString::fromLatin1(WordsOf(eCode));
 }
 
+QString TroubleWith(const FilePath& path) {
+    std::error_code error;
+    const auto status = std::filesystem::status(path.Bytes(), error);
+    if (std::filesystem::is_directory(status)) {
+        return QStringLiteral("It is a folder: open one of the files in it.");
+    }
+    if (!error && !std::filesystem::is_regular_file(status)) { // reading one may never end
+        return QStringLiteral("It is no file that holds a document: open another one.");
+    }
+    const auto nSize = std::filesystem::file_size(path.Bytes(), error);
+    std::ifstream file(path.Bytes(), std::ios::binary);
+    if (error || !file) {
+        return QStringLiteral("You may not read this file: ask its owner for the right to do so.");
+    }
+    if (nSize == 0) {
+        return QStringLiteral(
+            "The file is empty: fetch it again, as it was perhaps not copied to its end.");
+    }
+    if (!Holds(file, 0, "%PDF-")) {
+        return QStringLiteral(
+            "This is not a PDF document: open it with a program for files of its kind.");
+    }
+    if (!Holds(file, nSize - std::min(nSize, kLook), "%%EOF")) {
+        return QStringLiteral(
+            "The end of the document is missing: fetch it again, as it was perhaps not copied to "
+            "its end.");
+    }
+    return ReasonOf(ErrorCode::e_ErrFormat);
+}
+
 QString NoSuchPage(const QString& strTyped, int nPageCount) {
     const QString strNone = QStringLiteral("There is no page “%1”. ").arg(strTyped);
     return nPageCount == 1
@@ -89,8 +139,9 @@ QString ReasonOf(const std::exception_ptr& pError) {
     } catch (const Platform::FileNotFoundException&) {
         return QStringLiteral("There is no such file: perhaps it was moved or has another name.");
     } catch (const Platform::AccessDeniedException&) {
-        return QStringLiteral(
-            "It is a folder, or you may not read it: ask its owner for the right to do so.");
+        return QStringLiteral("You may not read this file: ask its owner for the right to do so.");
+    } catch (const Platform::FileChangedException&) {
+        return ReasonOf(ErrorCode::e_ErrConflict);
     } catch (const Platform::ReadFaultException&) {
         return ReasonOf(ErrorCode::e_ErrFile);
     } catch (const Platform::WriteFaultException&) {

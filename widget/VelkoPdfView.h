@@ -225,9 +225,11 @@ private:
     void BeginShowing();
     void OnControlLaidOut();
     void OnGiven();
-    void OnOpenEnded(const Opening& opening);
-    void TakeOutcome(const OpeningQueue::Ended& ended, const Opening& opening);
-    void OnOpenBroken(const OpeningQueue::Ended& ended, const std::exception_ptr& pError);
+    void OnOpenEnded(const Opening& opening, const QString& strTrouble);
+    void TakeOutcome(const OpeningQueue::Ended& ended, const Opening& opening,
+                     const QString& strTrouble);
+    void OnOpenBroken(const OpeningQueue::Ended& ended, const std::exception_ptr& pError,
+                      const QString& strTrouble);
     void OnPasswordNeeded();
     void OnShown();
     void ShowWhatIsLeft(const QString& strReason);

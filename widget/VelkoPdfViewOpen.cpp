@@ -14,12 +14,28 @@ using Arrival = OpeningQueue::State;
 
 namespace {
 
+// What failed is the same for files of several kinds, which the file itself tells.
+bool HangsOnTheFile(const VelkoPdfView::Opening& opening) {
+    try {
+        return opening.get() == ErrorCode::e_ErrFormat;
+    } catch (const Platform::AccessDeniedException&) {
+        return true;
+    } catch (...) {
+        return false;
+    }
+}
+
 concurrency::task<void> AwaitOpen(
-    QPointer<VelkoPdfView> pView, VelkoPdfView::Opening opening,
-    std::function<void(VelkoPdfView&, const VelkoPdfView::Opening&)> fnEnded) {
+    QPointer<VelkoPdfView> pView, VelkoPdfView::Opening opening, FilePath path,
+    std::function<void(VelkoPdfView&, const VelkoPdfView::Opening&, const QString&)> fnEnded) {
     co_await opening.settled();
+    QString strTrouble;
+    if (HangsOnTheFile(opening)) {
+        const auto looking = concurrency::create_task([path] { return TroubleWith(path); });
+        strTrouble = co_await looking;
+    }
     if (pView) {
-        fnEnded(*pView, opening);
+        fnEnded(*pView, opening, strTrouble);
     }
 }
 
@@ -129,8 +145,10 @@ void VelkoPdfView::RememberShown() {
 }
 
 void VelkoPdfView::Await(Opening opening) {
-    AwaitOpen(this, std::move(opening),
-              [](VelkoPdfView& view, const Opening& ended) { view.OnOpenEnded(ended); });
+    AwaitOpen(this, std::move(opening), m_path,
+              [](VelkoPdfView& view, const Opening& ended, const QString& strTrouble) {
+                  view.OnOpenEnded(ended, strTrouble);
+              });
 }
 
 // --- the control's events --------------------------------------------------
@@ -186,7 +204,7 @@ void VelkoPdfView::OnGiven() {
 
 // --- the end of an open ----------------------------------------------------
 
-void VelkoPdfView::OnOpenEnded(const Opening& opening) {
+void VelkoPdfView::OnOpenEnded(const Opening& opening, const QString& strTrouble) {
     m_pWindow->ShowBusyMark(false);
     const OpeningQueue::Ended ended = m_queue.End();
     if (ended.next) {
@@ -195,22 +213,23 @@ void VelkoPdfView::OnOpenEnded(const Opening& opening) {
     } else if (ended.eState == Arrival::Dropped) {
         Guard([this] { m_pControl->CloseDocument(); });
     } else {
-        TakeOutcome(ended, opening);
+        TakeOutcome(ended, opening, strTrouble);
     }
 }
 
-void VelkoPdfView::TakeOutcome(const OpeningQueue::Ended& ended, const Opening& opening) {
+void VelkoPdfView::TakeOutcome(const OpeningQueue::Ended& ended, const Opening& opening,
+                               const QString& strTrouble) {
     ErrorCode eCode = ErrorCode::e_ErrUnknown;
     try {
         eCode = opening.get();
     } catch (...) {
-        OnOpenBroken(ended, std::current_exception());
+        OnOpenBroken(ended, std::current_exception(), strTrouble);
         return;
     }
     if (eCode == ErrorCode::e_ErrPassword) {
         OnPasswordNeeded();
     } else if (eCode != ErrorCode::e_ErrSuccess) {
-        ShowWhatIsLeft(ReasonOf(eCode));
+        ShowWhatIsLeft(strTrouble.isEmpty() ? ReasonOf(eCode) : strTrouble);
     } else if (m_pControl->GetPageCount() == 0) {
         Guard([this] { m_pControl->CloseDocument(); });
         ShowWhatIsLeft(
@@ -251,15 +270,15 @@ void VelkoPdfView::OnPasswordNeeded() {
 
 // A failure on the way. The control may not have come to the new document, may
 // hold it without a layout, or may even show it, when a later handler failed.
-void VelkoPdfView::OnOpenBroken(const OpeningQueue::Ended& ended,
-                                const std::exception_ptr& pError) {
+void VelkoPdfView::OnOpenBroken(const OpeningQueue::Ended& ended, const std::exception_ptr& pError,
+                                const QString& strTrouble) {
     if (ended.eState == Arrival::Arrived && HasDocument()) {
         TellLater(ReasonOf(pError));
         OnShown();
     } else if (IsUnreadablePlace(pError) && ForgetPlaceIn(ended.request.path)) {
         Open(ended.request.path, ended.request.strPassword);
     } else {
-        ShowWhatIsLeft(ReasonOf(pError));
+        ShowWhatIsLeft(strTrouble.isEmpty() ? ReasonOf(pError) : strTrouble);
     }
 }
 

@@ -17,6 +17,7 @@
 #include "app/viewer/DarkPalette.h"
 #include "app/viewer/Hint.h"
 #include "app/viewer/NoticeBar.h"
+#include "app/viewer/RecentFiles.h"
 #include "app/viewer/RecentMenu.h"
 #include "app/viewer/StartPane.h"
 #include "app/viewer/TopEdge.h"
@@ -175,8 +176,7 @@ void MainWindow::CompleteBar() {
     m_pTopEdge->SetBar(m_pBar);
     RecentMenu& recent = m_pBar->Menu().Recent();
     connect(&recent, &RecentMenu::Wanted, this, &MainWindow::OpenFile);
-    connect(&recent, &RecentMenu::Failed, this,
-            [this](const QString& strReason) { NoticeLine().Tell(strReason); });
+    connect(&recent, &RecentMenu::ClearWanted, this, &MainWindow::AskToClear);
     m_pCommands->SetFullScreen(isFullScreen());
     PlaceParts();
 }
@@ -201,8 +201,12 @@ void MainWindow::ShowMessage(const QString& strTitle, const QString& strText) {
         connect(m_pMessage, &StartPane::FileWanted, this, &MainWindow::OpenFile);
     }
     PlaceParts();
-    m_pMessage->Show(strTitle, strText, RecentMenu::Files());
+    m_pMessage->Show(strTitle, strText);
     CompleteBar();
+    if (const QWidget* const pKeys = focusWidget();
+        pKeys == nullptr || pKeys == m_pView || pKeys == &m_pView->Window()) {
+        m_pMessage->TakeKeys();
+    }
 }
 
 NoticeBar& MainWindow::NoticeLine() {
@@ -285,7 +289,8 @@ void MainWindow::OnState(VelkoPdfView::State eState) {
 
 void MainWindow::OnOpenFailed(const QString& strFile, const QString& strReason) {
     UpdateTitle();
-    const QString strTitle = QStringLiteral("“%1” was not opened").arg(FilePath(strFile).Name());
+    const FilePath file(strFile);
+    const QString strTitle = QStringLiteral("“%1” was not opened").arg(file.Name());
     if (m_pView->ViewState() == VelkoPdfView::State::PasswordNeeded) {
         ShowMessage(m_pView->File().Name(), strReason);
         AskForPassword();
@@ -293,9 +298,10 @@ void MainWindow::OnOpenFailed(const QString& strFile, const QString& strReason) 
     }
     m_bPasswordTried = false;
     if (m_pView->ViewState() == VelkoPdfView::State::Shown) {
-        NoticeLine().Tell(QStringLiteral("%1. %2").arg(strTitle, strReason));
+        NoticeLine().Tell(
+            QStringLiteral("%1. %2 Its folder: %3").arg(strTitle, strReason, file.Folder()));
     } else {
-        ShowMessage(strTitle, strReason);
+        ShowMessage(strTitle, QStringLiteral("%1\nIts folder: %2").arg(strReason, file.Folder()));
     }
 }
 
@@ -310,6 +316,15 @@ void MainWindow::AskForPassword() {
             m_bPasswordTried = false;
             m_pView->CloseDocument();
         });
+}
+
+void MainWindow::AskToClear() {
+    NoticeLine().Ask("Forget all files of the list, and your places in them?", "Clear", [this] {
+        RecentFiles::ForgetAll();
+        if (m_pMessage != nullptr) {
+            m_pMessage->FillList();
+        }
+    });
 }
 
 void MainWindow::AskToBrowse(const QUrl& address) {

@@ -74,6 +74,7 @@ private:
     void AskForFile(bool bOwnWindow);
     void CloseDocument();
     void AskForPassword();
+    void AskToClear(); // the recent files
     void AskToBrowse(const QUrl& address);
     void ToggleFullScreen();
     bool LeaveWhatIsOpen(); // notice, then full screen; false when there is neither

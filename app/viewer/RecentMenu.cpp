@@ -1,12 +1,6 @@
 #include "app/viewer/RecentMenu.h"
 
-#include <QPointer>
-#include <filesystem>
-#include <system_error>
-
-#include "component/KeptView.h"
-#include "platform/concurrency/Task.h"
-#include "widget/OpenFailure.h"
+#include "app/viewer/RecentFiles.h"
 
 namespace velko::viewer {
 
@@ -14,19 +8,16 @@ using vkit::FilePath;
 
 namespace {
 
+constexpr std::size_t kMostFiles = 12;
 constexpr int kLongestText = 60; // characters
-
-std::vector<bool> AreThere(const std::vector<FilePath>& files) {
-    std::vector<bool> there;
-    for (const FilePath& file : files) {
-        std::error_code error;
-        there.push_back(std::filesystem::is_regular_file(file.Bytes(), error));
-    }
-    return there;
-}
+constexpr int kLongestFolder = 40;
 
 QString Shortened(const QString& strText) {
     return strText.size() <= kLongestText ? strText : "…" + strText.right(kLongestText - 1);
+}
+
+QString ForMenu(QString strText) {
+    return strText.replace('&', "&&").replace('\t', ' ');
 }
 
 }
@@ -36,24 +27,9 @@ RecentMenu::RecentMenu(QWidget* pParent) : QMenu("Open &recent", pParent) {
     connect(this, &QMenu::aboutToShow, this, &RecentMenu::Fill);
 }
 
-std::vector<FilePath> RecentMenu::Files() {
-    std::vector<FilePath> files;
-    try {
-        for (std::string& strFile : vkit::RecentFiles()) {
-            files.emplace_back(std::move(strFile));
-            if (files.size() == kMostFiles) {
-                break;
-            }
-        }
-    } catch (...) { // a viewer without its list is still a viewer
-    }
-    return files;
-}
-
 void RecentMenu::Fill() {
     clear();
-    m_files = Files();
-    ++m_nFilling;
+    m_files = RecentFiles::Latest(kMostFiles);
     for (std::size_t n = 0; n < m_files.size(); ++n) {
         AddFile(static_cast<int>(n) + 1, m_files[n]);
     }
@@ -61,44 +37,41 @@ void RecentMenu::Fill() {
         addAction("No files yet")->setEnabled(false);
     }
     addSeparator();
-    QAction* const pForget = addAction("&Clear this list", this, &RecentMenu::Forget);
-    pForget->setEnabled(!m_files.empty());
+    m_pForgetGone = addAction("Take out those &not found");
+    m_pForgetGone->setVisible(false);
+    QAction* const pClear = addAction("&Clear this list…", this, &RecentMenu::ClearWanted);
+    pClear->setEnabled(!m_files.empty());
     MarkMissing();
 }
 
+// The folder stands where other entries have their keys.
 void RecentMenu::AddFile(int nNumber, const FilePath& path) {
-    QString strName = path.Name();
     QAction* const pAction = addAction(
-        QStringLiteral("&%1  %2").arg(nNumber).arg(Shortened(strName.replace('&', "&&"))));
+        QStringLiteral("&%1  %2\t%3")
+            .arg(nNumber)
+            .arg(ForMenu(Shortened(path.Name())), ForMenu(ShortFolder(path, kLongestFolder))));
     pAction->setToolTip(path.Text());
     connect(pAction, &QAction::triggered, this, [this, path] { emit Wanted(path); });
 }
 
 void RecentMenu::MarkMissing() {
-    const auto fnLook = [files = m_files] { return AreThere(files); };
-    concurrency::create_task(fnLook).then(
-        [pMenu = QPointer<RecentMenu>(this),
-         nFilling = m_nFilling](const concurrency::task<std::vector<bool>>& looking) {
-            if (!pMenu || pMenu->m_nFilling != nFilling || !looking.is_value()) {
-                return;
+    const auto fnMark = [this, nFilling = ++m_nFilling](const std::vector<bool>& there) {
+        if (nFilling != m_nFilling) {
+            return;
+        }
+        std::vector<FilePath> gone;
+        for (std::size_t n = 0; n < there.size(); ++n) {
+            if (!there[n]) {
+                QAction* const pAction = actions().at(static_cast<qsizetype>(n));
+                pAction->setText(pAction->text().section('\t', 0, 0) + "\tnot found");
+                pAction->setEnabled(false);
+                gone.push_back(m_files[n]);
             }
-            const std::vector<bool>& there = looking.get();
-            for (std::size_t n = 0; n < there.size(); ++n) {
-                QAction* const pAction = pMenu->actions().at(static_cast<qsizetype>(n));
-                if (!there[n]) {
-                    pAction->setText(pAction->text() + " – not found");
-                    pAction->setEnabled(false);
-                }
-            }
-        });
-}
-
-void RecentMenu::Forget() {
-    try {
-        vkit::ForgetAllViews();
-    } catch (...) {
-        emit Failed("The list could not be cleared: " + vkit::ReasonOf(std::current_exception()));
-    }
+        }
+        m_pForgetGone->setVisible(!gone.empty());
+        connect(m_pForgetGone, &QAction::triggered, this, [gone] { RecentFiles::Forget(gone); });
+    };
+    RecentFiles::AskWhichAreThere(m_files, this, fnMark);
 }
 
 }

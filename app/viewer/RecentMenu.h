@@ -17,25 +17,20 @@ class RecentMenu : public QMenu {
     Q_OBJECT
 
 public:
-    static constexpr int kMostFiles = 12;
-
     explicit RecentMenu(QWidget* pParent);
-
-    // Latest first; empty when the settings cannot be read.
-    static std::vector<vkit::FilePath> Files();
 
     void Fill();
 
 signals:
     void Wanted(const velko::vkit::FilePath& path);
-    void Failed(const QString& strReason);
+    void ClearWanted(); // all of them; to be asked for
 
 private:
     void AddFile(int nNumber, const vkit::FilePath& path);
     void MarkMissing();
-    void Forget();
 
     std::vector<vkit::FilePath> m_files; // one for each of the first actions
+    QAction* m_pForgetGone = nullptr;    // of this filling
     int m_nFilling = 0;
 };
 

@@ -1,11 +1,11 @@
 // What stands in place of the pages when there are none: a word about why, a
-// button to open a document, and those read lately.
+// button to open a document, and those read lately. It scrolls where it has not
+// the room.
 //
 // Threads: UI thread only.
 #pragma once
 
-#include <QWidget>
-#include <vector>
+#include <QScrollArea>
 
 #include "widget/FilePath.h"
 
@@ -14,15 +14,21 @@ class QPushButton;
 
 namespace velko::viewer {
 
-class StartPane : public QWidget {
+class RecentList;
+
+class StartPane : public QScrollArea {
     Q_OBJECT
 
 public:
     explicit StartPane(QWidget* pParent);
 
-    // Plain text; a long one may be selected. `recent` may be empty.
-    void Show(const QString& strTitle, const QString& strText,
-              const std::vector<vkit::FilePath>& recent);
+    // Plain text, lines parted by "\n"; a long one may be selected.
+    void Show(const QString& strTitle, const QString& strText);
+
+    void FillList(); // anew
+
+    // The list's first file gets the keys, without one the button.
+    void TakeKeys();
 
     QString Text() const; // title and text, as they are marked up
 
@@ -31,10 +37,9 @@ signals:
     void FileWanted(const velko::vkit::FilePath& path);
 
 private:
-    QLabel* m_pText;
+    QLabel* m_pText; // these are children
     QPushButton* m_pOpen;
-    QLabel* m_pRecent;
-    std::vector<vkit::FilePath> m_recent;
+    RecentList* m_pRecent;
 };
 
 }

@@ -106,7 +106,8 @@ TEST_F(VelkoPdfViewTest, TellsInWordsWhyADocumentDoesNotOpen) {
         {m_folder.filePath("missing.pdf"), "no such file", State::Failed},
         {m_folder.path(), "folder", State::Failed},
         {Write("text.pdf", "hello"), "not a PDF", State::Failed},
-        {Write("empty.pdf", ""), "not a PDF", State::Failed},
+        {Write("empty.pdf", ""), "file is empty", State::Failed},
+        {Write("cut.pdf", "%PDF-1.7 1 0 obj"), "end of the document", State::Failed},
         {WriteLocked(), "password", State::PasswordNeeded},
     };
     for (const Case& item : cases) {

@@ -3,6 +3,7 @@
 
 #include <QAction>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTest>
 #include <cmath>
 #include <functional>
@@ -10,7 +11,9 @@
 
 #include "app/viewer/CommandBar.h"
 #include "app/viewer/NoticeBar.h"
+#include "app/viewer/RecentList.h"
 #include "app/viewer/RecentMenu.h"
+#include "app/viewer/RecentRow.h"
 #include "app/viewer/ValueField.h"
 #include "component/KeptView.h"
 #include "platform/qt/QtElementWindow.h"
@@ -285,10 +288,19 @@ TEST_F(ViewerCommandsTest, RecentFilesOpenFromTheMenuAndMissingOnesAreMarked) {
     menu.Fill();
     ASSERT_GE(menu.actions().size(), 2);
     EXPECT_TRUE(RunUntil([&] { return !menu.actions()[1]->isEnabled(); }));
-    EXPECT_TRUE(menu.actions()[1]->text().contains("gone.pdf – not found"));
+    EXPECT_TRUE(menu.actions()[1]->text().endsWith("gone.pdf\tnot found"));
+    auto* const pList = m_pWindow->findChild<viewer::RecentList*>();
+    ASSERT_EQ(pList->Rows().size(), 2U);
+    EXPECT_EQ(m_pWindow->focusWidget(), pList->Rows()[0]) << "the keys are at the latest";
+    QTest::keyClick(pList->Rows()[1], Qt::Key_Delete);
+    ASSERT_EQ(vkit::RecentFiles(), std::vector<std::string>{strKept.toStdString()});
+    pList->ClearButton()->click();
+    EXPECT_EQ(vkit::RecentFiles().size(), 1U) << "it asks first";
     menu.actions()[0]->trigger();
     ASSERT_TRUE(RunUntil([&] { return TheView().PageCount() == 3; }));
-    menu.actions().last()->trigger(); // clears the list
+    menu.actions().last()->trigger(); // asks whether the list is to be cleared
+    EXPECT_FALSE(vkit::RecentFiles().empty());
+    QTest::keyClick(m_pWindow->focusWidget(), Qt::Key_Return);
     EXPECT_TRUE(vkit::RecentFiles().empty());
 }
 

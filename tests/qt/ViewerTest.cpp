@@ -92,6 +92,7 @@ TEST_F(MainWindowTest, AFailedOpenShowsTheReasonAndTheFilesName) {
     Drop(Write("broken <b>.pdf", "no document"));
     ASSERT_TRUE(ShowsMessageWith("not a PDF"));
     EXPECT_TRUE(m_pWindow->Message().contains("broken &lt;b&gt;.pdf"));
+    EXPECT_TRUE(m_pWindow->Message().contains(m_folder.path())) << "where it was looked for";
     Drop(WriteLocked());
     ASSERT_TRUE(ShowsMessageWith("password"));
     EXPECT_TRUE(m_pWindow->Message().contains("locked.pdf"));
