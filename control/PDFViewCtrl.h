@@ -179,8 +179,9 @@ public:
     // Where a page lies on the canvas, in device pixels; empty also for a page
     // that is not laid out.
     std::optional<Render_PageScreenOffsetInfo> GetPageScreenRect(std::int32_t nPageIndex);
-    bool HasInk();  // something of a page's contents shows, be it blurred; none: false
-    bool IsSharp(); // all in sight is rendered for its place; none: false
+    bool HasInk(); // something of a page's contents shows, be it blurred; none: false
+    bool HasInk(std::int32_t nPageIndex); // the same of one page; not laid out: false
+    bool IsSharp();                       // all in sight is rendered for its place; none: false
 
     // --- events; each record's header says when and on which thread ---
     ControlEvent<RenderCanvasEventArgs> RenderCanvasEvent;

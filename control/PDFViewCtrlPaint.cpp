@@ -17,22 +17,38 @@ struct Ink {
     bool bAll = false;  // each block for its scale and the page's present state
 };
 
-Ink InkOf(const IPDFViewer& viewer) {
+ViewerState StateOf(const IPDFViewer& viewer) {
     const auto* const pInspection = dynamic_cast<const IViewerInspection*>(&viewer);
-    if (pInspection == nullptr) {
-        return {};
+    return pInspection != nullptr ? pInspection->Inspect() : ViewerState();
+}
+
+void Add(Ink& ink, const PageItemState& item) {
+    ink.bSome = ink.bSome || !item.standIns.empty();
+    for (const BlockState& block : item.blocks) {
+        ink.bSome = ink.bSome || (block.bIsDisplay && block.bHasBitmap);
+        ink.bAll = ink.bAll && (!block.bIsDisplay || block.bIsSharp);
     }
-    const ViewerState state = pInspection->Inspect();
+}
+
+Ink InkOf(const IPDFViewer& viewer) {
+    const ViewerState state = StateOf(viewer);
     Ink ink{false, !state.bShowScaleSnapshot};
     for (const PageItemState& item : state.items) {
-        ink.bSome = ink.bSome || !item.standIns.empty();
-        for (const BlockState& block : item.blocks) {
-            ink.bSome = ink.bSome || (block.bIsDisplay && block.bHasBitmap);
-            ink.bAll = ink.bAll && (!block.bIsDisplay || block.bIsSharp);
-        }
+        Add(ink, item);
     }
     ink.bAll = ink.bAll && ink.bSome;
     return ink;
+}
+
+bool HasInkOn(const IPDFViewer& viewer, std::int32_t nPageIndex) {
+    const ViewerState state = StateOf(viewer);
+    Ink ink{state.bShowScaleSnapshot, true};
+    for (const PageItemState& item : state.items) {
+        if (item.nPageIndex == nPageIndex) {
+            Add(ink, item);
+        }
+    }
+    return ink.bSome;
 }
 
 }
@@ -91,6 +107,10 @@ void PDFViewCtrl::CancelRender() {
 
 bool PDFViewCtrl::HasInk() {
     return WithViewer(false, [](IPDFViewer& viewer) { return InkOf(viewer).bSome; });
+}
+
+bool PDFViewCtrl::HasInk(std::int32_t nPageIndex) {
+    return WithViewer(false, [&](IPDFViewer& viewer) { return HasInkOn(viewer, nPageIndex); });
 }
 
 bool PDFViewCtrl::IsSharp() {

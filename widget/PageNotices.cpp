@@ -1,7 +1,5 @@
 #include "widget/PageNotices.h"
 
-#include <QPainter>
-#include <algorithm>
 #include <utility>
 
 #include "control/PDFViewCtrl.h"
@@ -10,30 +8,10 @@
 namespace velko::vkit {
 
 using velko::common::ErrorCode;
-using namespace Windows::Graphics;
 
 namespace {
 
-constexpr int kWidest = 420; // these are Qt's units
-constexpr int kMargin = 12;
-const QColor kPaper(255, 244, 206);
-const QColor kInk(60, 45, 0);
-
-// The words in a box, in device pixels.
-QImage PictureOf(const QString& strText, int nWidth, double dbRatio) {
-    const QFont font;
-    const QRect rcText = QFontMetrics(font).boundingRect(
-        QRect(0, 0, std::max(1, nWidth - 2 * kMargin), 1'000), Qt::TextWordWrap, strText);
-    const QSize size = rcText.size() + QSize(2 * kMargin, 2 * kMargin);
-    QImage picture(size * dbRatio, QImage::Format_RGB32);
-    picture.setDevicePixelRatio(dbRatio);
-    picture.fill(kPaper);
-    QPainter painter(&picture);
-    painter.setPen(kInk);
-    painter.drawText(QRect({kMargin, kMargin}, rcText.size()), Qt::TextWordWrap, strText);
-    painter.drawRect(QRect({0, 0}, size - QSize(1, 1)));
-    return picture;
-}
+const PageSign::Look kWarning{QColor(255, 244, 206), QColor(60, 45, 0), true};
 
 }
 
@@ -79,34 +57,14 @@ PageNotices::~PageNotices() {
     m_control.PageFailureEvent.remove(m_changeToken);
 }
 
-// At the top of the page, or of what of it is on the screen.
 void PageNotices::Draw(const RenderCanvasEventArgs& args) {
     const auto failure = m_control.PageFailureOf(args.nPageIndex);
     const auto place = failure ? m_control.GetPageScreenRect(args.nPageIndex) : std::nullopt;
     if (!place) {
         return;
     }
-    const double dbRatio = m_fnPixelRatio();
-    const int nWidth = std::min(kWidest, static_cast<int>(place->nWidth / dbRatio) - 2 * kMargin);
-    const QString strText = ReasonOf(*failure);
-    if (m_strDrawn != strText || m_picture.devicePixelRatio() != dbRatio ||
-        m_picture.width() > nWidth * dbRatio) {
-        m_strDrawn = strText;
-        m_picture = PictureOf(strText, nWidth, dbRatio);
-    }
-    const auto pContext = args.Canvas->GetDeviceContext();
-    const auto size = D2D_SIZE_U{static_cast<std::uint32_t>(m_picture.width()),
-                                 static_cast<std::uint32_t>(m_picture.height())};
-    const auto pBitmap = pContext->CreateBitmap(
-        size, {m_picture.constBits(), static_cast<std::size_t>(m_picture.sizeInBytes())},
-        static_cast<std::uint32_t>(m_picture.bytesPerLine()), {});
-    const auto fLeft =
-        static_cast<float>(place->dbOffsetX + (place->nWidth - m_picture.width()) / 2);
-    const auto fTop = static_cast<float>(std::max(place->dbOffsetY, 0.0) + kMargin * dbRatio);
-    const auto fWidth = static_cast<float>(size.width);
-    const auto fHeight = static_cast<float>(size.height);
-    pContext->DrawBitmap(pBitmap, {fLeft, fTop, fLeft + fWidth, fTop + fHeight}, 1.0F,
-                         D2D1_INTERPOLATION_MODE::NEAREST_NEIGHBOR, {0, 0, fWidth, fHeight});
+    m_sign.Show(ReasonOf(*failure), kWarning, m_fnPixelRatio());
+    m_sign.Draw(*args.Canvas->GetDeviceContext(), *place);
 }
 
 }

@@ -5,12 +5,12 @@
 // Threads: UI thread only. Errors: a failure of drawing fails the frame.
 #pragma once
 
-#include <QImage>
 #include <QString>
 #include <functional>
 
 #include "document/PageFailure.h"
 #include "platform/foundation/Event.h"
+#include "widget/PageSign.h"
 
 namespace velko::vkit {
 
@@ -35,8 +35,7 @@ private:
     const std::function<double()> m_fnPixelRatio;
     Windows::Foundation::EventRegistrationToken m_drawToken;
     Windows::Foundation::EventRegistrationToken m_changeToken;
-    QString m_strDrawn; // in `m_picture`
-    QImage m_picture;
+    PageSign m_sign;
 };
 
 }

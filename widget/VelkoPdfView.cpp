@@ -8,9 +8,11 @@
 #include "widget/FlingLimit.h"
 #include "widget/LinkFocus.h"
 #include "widget/LinkFollower.h"
+#include "widget/MiddleDrag.h"
 #include "widget/OpenFailure.h"
 #include "widget/PageNotices.h"
 #include "widget/PlaceKeeper.h"
+#include "widget/SlowPages.h"
 #include "widget/StoreNotice.h"
 #include "widget/VelkoRuntime.h"
 #include "widget/WheelReader.h"
@@ -40,7 +42,9 @@ VelkoPdfView::VelkoPdfView(std::shared_ptr<PDFViewCtrl> pControl, QWidget* pPare
     ConnectWindow();
     ConnectLinks();
     ConnectWheel();
-    m_pNotices = std::make_unique<PageNotices>(*m_pControl, [this] { return devicePixelRatioF(); });
+    const auto fnPixelRatio = [this] { return devicePixelRatioF(); };
+    m_pNotices = std::make_unique<PageNotices>(*m_pControl, fnPixelRatio);
+    m_pSlowPages = std::make_unique<SlowPages>(*m_pControl, fnPixelRatio);
     m_facts = ReadFacts();
     ShowAround();
 }
@@ -53,7 +57,9 @@ VelkoPdfView::~VelkoPdfView() {
     m_pLinkFocus.reset();
     m_pLinks.reset();
     m_pFlingLimit.reset();
+    m_pMiddleDrag.reset();
     m_pWheel.reset();
+    m_pSlowPages.reset();
     m_pNotices.reset();
     delete m_pWindow; // unloads the tree while the control still lives
     m_pWindow = nullptr;
@@ -102,6 +108,9 @@ void VelkoPdfView::ConnectWheel() {
     hands.fnIsAtEdge = [this](int nDirection) { return m_steps.IsAtEdge(nDirection, false); };
     hands.fnTurn = [this](int nDirection) { Command([&] { m_steps.Turn(nDirection, false); }); };
     m_pWheel = std::make_unique<WheelReader>(*m_pWindow, std::move(hands));
+    m_pMiddleDrag = std::make_unique<MiddleDrag>(*m_pWindow, [this](double dbX, double dbY) {
+        ScrollBy(dbX * devicePixelRatioF(), dbY * devicePixelRatioF());
+    });
 }
 
 // --- failures --------------------------------------------------------------

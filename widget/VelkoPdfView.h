@@ -54,8 +54,10 @@ class FlingLimit;
 class LinkFocus;
 class LinkFollower;
 class PageLinks;
+class MiddleDrag;
 class PageNotices;
 class PlaceKeeper;
+class SlowPages;
 class StoreNotice;
 class WheelReader;
 enum class LinkStep;
@@ -302,7 +304,9 @@ private:
     std::unique_ptr<LinkFocus> m_pLinkFocus;
     std::unique_ptr<FlingLimit> m_pFlingLimit;
     std::unique_ptr<WheelReader> m_pWheel;
+    std::unique_ptr<MiddleDrag> m_pMiddleDrag;
     std::unique_ptr<PageNotices> m_pNotices;
+    std::unique_ptr<SlowPages> m_pSlowPages;
     std::unique_ptr<PlaceKeeper> m_pPlace; // empty: places are not kept
     std::unique_ptr<StoreNotice> m_pStoreNotice;
     State m_eState = State::Empty;
