@@ -282,6 +282,46 @@ TEST_F(VelkoPdfViewTest, AZoomKeepsTheTopWhileItIsInSightElseTheMiddle) {
     EXPECT_TRUE(RunUntil([&] { return m_pView->Zoom() == Control().GetMinScale(); }));
 }
 
+TEST_F(VelkoPdfViewTest, PageKeysGoFromTopToTopWhereAPageFits) {
+    ASSERT_TRUE(OpenUntilSharp(*m_pView, WritePages("pages.pdf", 4)));
+    const auto fnAtTop = [&](int nPage) { // of the view, as far as the document's end lets it
+        return Control().GetCurrentPageIndex() == nPage &&
+               std::fabs(OnScreen(nPage, 0.0F, 792.0F).Y) < 1.5F;
+    };
+    for (const int nKey : {Qt::Key_PageDown, Qt::Key_Space, Qt::Key_Right}) {
+        const int nBefore = Control().GetCurrentPageIndex();
+        Key(nKey);
+        EXPECT_TRUE(fnAtTop(nBefore + 1)) << nKey;
+    }
+    Key(Qt::Key_PageUp);
+    EXPECT_TRUE(fnAtTop(2));
+    m_pView->ScrollBy(0.0, -50.0);
+    Key(Qt::Key_Return);
+    EXPECT_TRUE(fnAtTop(2)) << "not past the page that begins further down";
+    m_pView->ZoomTo(1.5);
+    const float fBefore = OnScreen(2, 0.0F, 792.0F).Y;
+    Key(Qt::Key_PageDown);
+    EXPECT_NEAR(OnScreen(2, 0.0F, 792.0F).Y, fBefore - 540.0F, 1.5F) << "nine tenths of a screen";
+}
+
+// The page before may reach into the view by less than a pixel.
+TEST_F(VelkoPdfViewTest, ThePageThatIsReadStaysOverSizesAndLayouts) {
+    ASSERT_TRUE(OpenUntilSharp(*m_pView, WritePages("pages.pdf", 20)));
+    m_pView->GotoPage(9);
+    ASSERT_TRUE(SettlesSharp());
+    for (const QSize size : {QSize(377, 255), QSize(500, 600), QSize(431, 283), QSize(500, 600)}) {
+        m_pView->resize(size);
+        ASSERT_TRUE(SettlesSharp());
+        EXPECT_EQ(Control().GetCurrentPageIndex(), 9);
+        EXPECT_NEAR(OnScreen(9, 0.0F, 792.0F).Y, 0.0F, 1.0F);
+    }
+    m_pView->ScrollBy(0.0, 400.0); // more of the next one than of this
+    for (const auto eLayout : {View::Layout::SinglePage, View::Layout::Continuous}) {
+        m_pView->SetLayoutMode(eLayout);
+        EXPECT_EQ(Control().GetCurrentPageIndex(), 10);
+    }
+}
+
 struct Resize {
     QSize before;
     QSize after;

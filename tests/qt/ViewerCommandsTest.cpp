@@ -252,6 +252,30 @@ TEST_F(LinkTest, AClickFollowsADragDoesNotAndBackReturns) {
     EXPECT_TRUE(RunUntil([&] { return TheView().CurrentPage() == 5; }));
 }
 
+TEST_F(LinkTest, AFitThatALinkAsksForStaysInForceAndAPlaceAloneLeavesTheZoom) {
+    ASSERT_TRUE(ShowUntilSharp(
+        WriteLinks({"/Dest [3 /FitH 400]", "/Dest [4 /Fit]", "/Dest [2 /XYZ null 600 0]"})));
+    const auto fnFollow = [&](int nLink, int nPage) {
+        TheView().GotoPage(0);
+        ASSERT_TRUE(Settles());
+        Click(nLink);
+        ASSERT_TRUE(RunUntil([&] { return TheView().CurrentPage() == nPage; }));
+        ASSERT_TRUE(Settles());
+    };
+    const auto fnTop = [&](int nPage, float fY) {
+        return TheView().Control()->PagePointToDevicePoint(nPage, {0.0F, fY}).Y;
+    };
+    fnFollow(0, 3);
+    EXPECT_EQ(TheView().FitMode(), View::Fit::Width);
+    EXPECT_NEAR(fnTop(3, 400.0F), 0.0F, 1.5F);
+    fnFollow(1, 4);
+    EXPECT_EQ(TheView().FitMode(), View::Fit::Page);
+    TheView().ZoomTo(1.25);
+    fnFollow(2, 2);
+    EXPECT_NEAR(TheView().Zoom(), 1.25, 1e-3);
+    EXPECT_NEAR(fnTop(2, 600.0F), 0.0F, 1.5F);
+}
+
 // --- passwords, recent files, the dark -------------------------------------
 
 TEST_F(ViewerCommandsTest, APasswordIsAskedForInTheWindow) {
