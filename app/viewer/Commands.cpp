@@ -103,13 +103,15 @@ const std::vector<Entry>& Entries() {
          [](const View& view) { return view.NightMode(); }},
         {Command::FullScreen, "&Full screen", "F11", Needs::Nothing},
         {Command::Menu, "Menu", "F10", Needs::Nothing},
+        {Command::Keys, "&Keys", "F1", Needs::Nothing},
+        {Command::About, "&About Velko Viewer", "", Needs::Nothing},
     };
     return s_entries;
 }
 
 QList<QKeySequence> KeysOf(const Entry& entry) {
     QList<QKeySequence> keys;
-    for (const QString& strKey : QString::fromLatin1(entry.szKeys).split(' ')) {
+    for (const QString& strKey : QString::fromLatin1(entry.szKeys).split(' ', Qt::SkipEmptyParts)) {
         keys << QKeySequence(strKey);
     }
     return keys;

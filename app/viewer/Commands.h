@@ -38,6 +38,8 @@ enum class Command {
     Night,
     FullScreen,
     Menu,
+    Keys,
+    About,
     kCount
 };
 

@@ -26,6 +26,8 @@ MainMenu::MainMenu(vkit::VelkoPdfView& view, const Commands& commands, QWidget* 
     addMenu(new ColorMenu(view, commands[Command::Night], this));
     addAction(commands[Command::FullScreen]);
     addSeparator();
+    addActions({commands[Command::Keys], commands[Command::About]});
+    addSeparator();
     addAction(commands[Command::Quit]);
 }
 

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QContextMenuEvent>
 #include <QDesktopServices>
 #include <QDragEnterEvent>
 #include <QFileDialog>
@@ -15,8 +16,10 @@
 
 #include "app/viewer/CommandBar.h"
 #include "app/viewer/DarkPalette.h"
+#include "app/viewer/Help.h"
 #include "app/viewer/Hint.h"
 #include "app/viewer/NoticeBar.h"
+#include "app/viewer/PageMenu.h"
 #include "app/viewer/RecentFiles.h"
 #include "app/viewer/RecentMenu.h"
 #include "app/viewer/StartPane.h"
@@ -219,6 +222,7 @@ NoticeBar& MainWindow::NoticeLine() {
 }
 
 void MainWindow::ShowTarget(const QString& strTarget) {
+    m_strTarget = strTarget;
     if (m_pTarget == nullptr) {
         m_pTarget = new QLabel(this);
         m_pTarget->setMargin(5);
@@ -368,6 +372,12 @@ void MainWindow::CarryOut(Command eCommand) {
             m_pTopEdge->Call();
             m_pBar->OpenMenu();
             break;
+        case Command::Keys:
+            ShowKeys(*m_pCommands, this);
+            break;
+        case Command::About:
+            ShowAbout(this);
+            break;
         default:
             break;
     }
@@ -460,8 +470,12 @@ bool MainWindow::LeaveWhatIsOpen() {
 
 // --- input -----------------------------------------------------------------
 
-// The buttons of a mouse that go back and forth.
+// The buttons of a mouse that go back and forth, and the one for the menu.
 bool MainWindow::eventFilter(QObject* pWatched, QEvent* pEvent) {
+    if (pEvent->type() == QEvent::ContextMenu) {
+        OpenPageMenu(static_cast<QContextMenuEvent*>(pEvent)->globalPos());
+        return true;
+    }
     if (pEvent->type() == QEvent::MouseButtonPress) {
         const auto eButton = static_cast<QMouseEvent*>(pEvent)->button();
         if (eButton == Qt::BackButton) {
@@ -474,6 +488,14 @@ bool MainWindow::eventFilter(QObject* pWatched, QEvent* pEvent) {
         }
     }
     return QWidget::eventFilter(pWatched, pEvent);
+}
+
+void MainWindow::OpenPageMenu(QPoint ptGlobal) {
+    CompleteBar();
+    auto* const pMenu = new PageMenu(*m_pCommands, m_strTarget, this);
+    pMenu->setAttribute(Qt::WA_DeleteOnClose);
+    connect(pMenu, &PageMenu::BrowseWanted, this, &MainWindow::AskToBrowse);
+    pMenu->popup(ptGlobal);
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* pEvent) {

@@ -74,6 +74,7 @@ private:
     void AskForFile(bool bOwnWindow);
     void CloseDocument();
     void AskForPassword();
+    void OpenPageMenu(QPoint ptGlobal);
     void AskToClear(); // the recent files
     void AskToBrowse(const QUrl& address);
     void ToggleFullScreen();
@@ -99,6 +100,7 @@ private:
     StartPane* m_pMessage = nullptr; // these are made when first needed
     NoticeBar* m_pNotice = nullptr;
     Hint* m_pHint = nullptr;
+    QString m_strTarget;           // of the link under the pointer
     QLabel* m_pTarget = nullptr;   // of the link under the pointer
     bool m_bPasswordTried = false; // for the document that asks for one
 };

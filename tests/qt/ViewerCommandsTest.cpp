@@ -2,6 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
@@ -11,6 +14,7 @@
 
 #include "app/viewer/CommandBar.h"
 #include "app/viewer/NoticeBar.h"
+#include "app/viewer/PageMenu.h"
 #include "app/viewer/RecentList.h"
 #include "app/viewer/RecentMenu.h"
 #include "app/viewer/RecentRow.h"
@@ -274,6 +278,25 @@ TEST_F(LinkTest, AFitThatALinkAsksForStaysInForceAndAPlaceAloneLeavesTheZoom) {
     fnFollow(2, 2);
     EXPECT_NEAR(TheView().Zoom(), 1.25, 1e-3);
     EXPECT_NEAR(fnTop(2, 600.0F), 0.0F, 1.5F);
+}
+
+TEST_F(LinkTest, TheMenuAtAWebLinkCopiesItsAddress) {
+    ASSERT_TRUE(ShowUntilSharp(WriteLinks({"/A << /S /URI /URI (https://example.org/a) >>"})));
+    auto& window = TheView().Window();
+    const QPoint ptLink = OnPage(100.0F, 590.0F);
+    QString strTarget;
+    QObject::connect(&TheView(), &View::LinkHovered, &TheView(),
+                     [&](const QString& strText) { strTarget = strText; });
+    ASSERT_TRUE(RunUntil([&] {
+        Mouse(QEvent::MouseMove, ptLink, false);
+        return !strTarget.isEmpty();
+    }));
+    QContextMenuEvent event(QContextMenuEvent::Mouse, ptLink, window.mapToGlobal(ptLink));
+    QCoreApplication::sendEvent(&window, &event);
+    const auto* pMenu = m_pWindow->findChild<viewer::PageMenu*>();
+    ASSERT_TRUE(pMenu != nullptr && pMenu->actions()[1]->text().contains("address"));
+    pMenu->actions()[1]->trigger();
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), "https://example.org/a");
 }
 
 // --- passwords, recent files, the dark -------------------------------------

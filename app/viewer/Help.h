@@ -1,0 +1,16 @@
+// What the reader may want to know of the program: its keys, its version and its
+// licence, each in a window that can stay beside the pages.
+//
+// Threads: UI thread only.
+#pragma once
+
+class QWidget;
+
+namespace velko::viewer {
+
+class Commands;
+
+void ShowKeys(const Commands& commands, QWidget* pParent);
+void ShowAbout(QWidget* pParent);
+
+}
