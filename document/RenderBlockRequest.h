@@ -10,6 +10,7 @@
 
 #include "document/engine/Bitmap.h"
 #include "document/engine/PDFPage.h"
+#include "document/engine/ScanColors.h"
 #include "platform/concurrency/Cancellation.h"
 
 namespace velko::vkit {
@@ -26,6 +27,7 @@ struct RenderBlockRequest {
     float fScale = 1.0F;
     std::uint32_t nBackColor = 0xFFFFFFFFU; // 0xAARRGGBB
     std::uint32_t nForeColor = 0xFF000000U;
+    velko::common::ScanColors eScanColors = velko::common::ScanColors::Turned;
     std::uint32_t nRenderFlags = 3; // as the document's render flags
     std::vector<std::int32_t> hiddenAnnotTypes;
     concurrency::cancellation_token token = concurrency::cancellation_token::none();

@@ -56,6 +56,7 @@ std::shared_ptr<Renderer> MakeRenderer(const RenderBlockRequest& request,
     } else {
         pRenderer->SetColorMode(Renderer::kColorModeMapped);
         pRenderer->SetMappingModeColors(request.nBackColor, request.nForeColor);
+        pRenderer->SetScanColors(request.eScanColors);
     }
     return pRenderer;
 }

@@ -96,6 +96,13 @@ void AppConfig::PageForegroundColor(Color crValue) {
     Write<std::uint32_t>("PageForegroundColor", crValue.ToArgb());
 }
 
+std::int32_t AppConfig::PageScanColors() {
+    return Read<std::int32_t>("PageScanColors", 0);
+}
+void AppConfig::PageScanColors(std::int32_t nValue) {
+    Write<std::int32_t>("PageScanColors", nValue);
+}
+
 bool AppConfig::IsAutoSave() {
     return Read<bool>("IsAutoSave", true);
 }

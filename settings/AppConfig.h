@@ -44,6 +44,11 @@ public:
     static Windows::UI::Color PageForegroundColor();
     static void PageForegroundColor(Windows::UI::Color crValue);
 
+    // What becomes of scans in such colours: 0 turned, 1 dimmed, 2 left. In force for
+    // what is rendered from then on.
+    static std::int32_t PageScanColors();
+    static void PageScanColors(std::int32_t nValue);
+
     static bool IsAutoSave();
     static void IsAutoSave(bool bValue);
 

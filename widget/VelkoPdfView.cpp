@@ -5,6 +5,7 @@
 #include "platform/foundation/Describe.h"
 #include "platform/qt/QtElementWindow.h"
 #include "platform/system/Debug.h"
+#include "settings/AppConfig.h"
 #include "widget/FlingLimit.h"
 #include "widget/LinkFocus.h"
 #include "widget/LinkFollower.h"
@@ -36,7 +37,8 @@ VelkoPdfView::VelkoPdfView(std::shared_ptr<PDFViewCtrl> pControl, QWidget* pPare
       m_pLinks(std::make_unique<LinkFollower>(*m_pControl, *m_pWindow, *m_pPageLinks)),
       m_pFlingLimit(std::make_unique<FlingLimit>(*m_pControl, *m_pWindow)),
       m_pStoreNotice(std::make_unique<StoreNotice>(
-          [this](const auto& failure) { emit Failed(StoreNotice::TextOf(failure)); })) {
+          [this](const auto& failure) { emit Failed(StoreNotice::TextOf(failure)); })),
+      m_eScanColors(velko::common::ToScanColors(AppConfig::PageScanColors())) {
     m_pWindow->ShowBusyMark(false);
     setFocusProxy(m_pWindow);
     ConnectWindow();

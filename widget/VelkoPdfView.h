@@ -37,6 +37,7 @@
 
 #include "control/PDFViewCtrl.h"
 #include "document/engine/HostServices.h"
+#include "document/engine/ScanColors.h"
 #include "widget/FilePath.h"
 #include "widget/OpeningQueue.h"
 #include "widget/PageColors.h"
@@ -158,6 +159,9 @@ public:
     void SetColors(const PageColors& colors);
     bool NightMode() const { return Colors() == NightPageColors(); }
     void SetNightMode(bool bOn);
+    // What becomes of scans in colours other than black on white; kept likewise.
+    velko::common::ScanColors ScanColors() const { return m_facts.eScanColors; }
+    void SetScanColors(velko::common::ScanColors eColors);
 
     // True when every part of a page on the screen shows its final pixels.
     bool IsSharp() const;
@@ -208,6 +212,7 @@ private:
         int nRotate = 0;
         Layout eLayout = Layout::Continuous;
         PageColors colors;
+        velko::common::ScanColors eScanColors = velko::common::ScanColors::Turned;
         bool bBack = false;
         bool bForward = false;
         friend bool operator==(const Facts&, const Facts&) = default;
@@ -322,6 +327,7 @@ private:
     Windows::Foundation::Point m_ptWheel; // of the wheel's zoom that may be open yet
     float m_fWheelZoom = 0.0F;
     ViewHistory m_history;
+    velko::common::ScanColors m_eScanColors; // as last drawn
     bool m_bRefreshQueued = false;
     bool m_bSeen = false;               // the reader has seen a page of this document
     bool m_bPlaceWaits = false;         // for the viewer of a document that is told of already

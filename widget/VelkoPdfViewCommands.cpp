@@ -252,6 +252,16 @@ void VelkoPdfView::SetColors(const PageColors& colors) {
     });
 }
 
+void VelkoPdfView::SetScanColors(velko::common::ScanColors eColors) {
+    m_eScanColors = eColors;
+    Guard([&] { AppConfig::PageScanColors(static_cast<std::int32_t>(eColors)); });
+    Command([this] {
+        Hold();
+        m_pControl->RedrawScreen();
+    });
+    QueueRefresh();
+}
+
 void VelkoPdfView::SetNightMode(bool bOn) {
     SetColors(bOn ? NightPageColors() : DayPageColors());
 }

@@ -51,6 +51,7 @@ void VelkoPdfView::QueueRefresh() {
 
 VelkoPdfView::Facts VelkoPdfView::ReadFacts() {
     Facts facts;
+    facts.eScanColors = m_eScanColors;
     if (!HasDocument()) {
         facts.colors = StoredPageColors();
         return facts;

@@ -1,9 +1,11 @@
 #include "app/viewer/ColorMenu.h"
 
 #include <QColorDialog>
+#include <utility>
 
 namespace velko::viewer {
 
+using velko::common::ScanColors;
 using vkit::PageColors;
 using vkit::VelkoPdfView;
 
@@ -24,6 +26,7 @@ ColorMenu::ColorMenu(VelkoPdfView& view, QAction* pNight, QWidget* pParent)
     addSeparator();
     AddOwn("Own &page colour…", &PageColors::background);
     AddOwn("Own &text colour…", &PageColors::foreground);
+    AddScans();
     connect(this, &QMenu::aboutToShow, this, &ColorMenu::FollowView);
 }
 
@@ -38,6 +41,20 @@ void ColorMenu::AddOwn(const QString& strName, QColor PageColors::*pColor) {
     QAction* const pAction = addAction(strName);
     connect(pAction, &QAction::triggered, this,
             [this, strName, pColor] { AskFor(QString(strName).remove('&').remove("…"), pColor); });
+}
+
+void ColorMenu::AddScans() {
+    QMenu* const pMenu = addMenu("S&canned pages");
+    m_pScans = new QActionGroup(pMenu);
+    for (const auto& [eColors, szText] :
+         {std::pair{ScanColors::Turned, "&In these colours"},
+          std::pair{ScanColors::Dimmed, "&Dimmed"}, std::pair{ScanColors::Left, "&As they are"}}) {
+        QAction* const pAction = m_pScans->addAction(pMenu->addAction(szText));
+        pAction->setCheckable(true);
+        pAction->setData(static_cast<int>(eColors));
+        connect(pAction, &QAction::triggered, this,
+                [this, eColors = eColors] { m_view.SetScanColors(eColors); });
+    }
 }
 
 // The pages show each colour that is tried; giving up brings the old one back.
@@ -58,6 +75,9 @@ void ColorMenu::AskFor(const QString& strTitle, QColor PageColors::*pColor) {
 
 void ColorMenu::FollowView() {
     const PageColors now = m_view.Colors();
+    for (QAction* const pAction : m_pScans->actions()) {
+        pAction->setChecked(pAction->data().toInt() == static_cast<int>(m_view.ScanColors()));
+    }
     for (QAction* const pAction : actions()) {
         const QVariantList colors = pAction->data().toList();
         if (!colors.isEmpty()) {

@@ -80,7 +80,11 @@ QSize WindowList::SizeOfNext() const {
 
 void WindowList::ShareColors(const MainWindow& from) {
     const vkit::PageColors colors = from.View().Colors();
+    const auto eScanColors = from.View().ScanColors();
     for (const MainWindow* const pWindow : m_windows) {
+        if (pWindow->View().ScanColors() != eScanColors) {
+            pWindow->View().SetScanColors(eScanColors);
+        }
         if (pWindow->View().Colors() != colors) {
             pWindow->View().SetColors(colors);
         }

@@ -12,6 +12,7 @@
 #include "document/engine/Geometry.h"
 #include "document/engine/PDFPage.h"
 #include "document/engine/Progressive.h"
+#include "document/engine/ScanColors.h"
 #include "platform/system/Activation.h"
 
 namespace velko::pdf {
@@ -29,9 +30,14 @@ public:
     virtual ~Renderer() = default;
 
     // Mapped: black becomes the foreground and white the background of
-    // `SetMappingModeColors`, greys lie between; hues stay, photographs stay.
+    // `SetMappingModeColors`, greys lie between; hues stay, and so do
+    // photographs but for scans.
     virtual void SetColorMode(std::int32_t nMode) = 0;
     virtual void SetMappingModeColors(std::uint32_t nBackColor, std::uint32_t nForeColor) = 0;
+
+    // For scans in the mapped mode; `Turned` at first. An engine that does not tell
+    // a scan from other pages leaves it as it is.
+    virtual void SetScanColors(ScanColors /*eColors*/) {}
 
     // `kRenderContent` or nothing: without the bit `StartRender` draws nothing.
     // Other bits mean nothing.

@@ -46,6 +46,13 @@ ColorMapping::ColorMapping(std::uint32_t nBackColor, std::uint32_t nForeColor) {
     }
 }
 
+// At seven tenths of a usual ink, black letters still stand out by 7 to 1.
+ColorMapping ColorMapping::Dimming(std::uint32_t nBackColor, std::uint32_t nForeColor) {
+    constexpr std::int32_t kShare = 255 * 7 / 10;
+    const bool bDark = Brightness(nBackColor) < Brightness(nForeColor);
+    return {bDark ? MixPixels(kOpaque, nForeColor, kShare) : nBackColor, kOpaque};
+}
+
 std::uint32_t ColorMapping::Map(std::uint32_t nPixel) const {
     if (IsGrey(nPixel)) { // most of a page: paper and letters
         return m_greys[nPixel & 0xFFU];

@@ -18,6 +18,10 @@ public:
     // Colours 0xAARRGGBB; alpha is ignored.
     ColorMapping(std::uint32_t nBackColor, std::uint32_t nForeColor);
 
+    // Keeps what is black and brings white down to where such colours are no longer
+    // glaring: the paper's own colour, or where that is dark, a part of the ink's.
+    static ColorMapping Dimming(std::uint32_t nBackColor, std::uint32_t nForeColor);
+
     std::uint32_t Map(std::uint32_t nPixel) const;
 
     // Maps a row of opaque pixels (blue, green, red, alpha) into `target`, which

@@ -30,6 +30,7 @@ struct Drawing {
         DisplayListHandle list; // empty for nothing to show
         fz_rect rcBounds = fz_infinite_rect;
         bool bHasPictures = false; // sampled images of more than one bit
+        bool bIsScan = false;      // one of them is all there is to see
     };
 
     std::shared_ptr<OpenedFile> pFile; // the lists may point into its fonts

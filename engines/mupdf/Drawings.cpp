@@ -67,9 +67,10 @@ PageHandle LoadPage(OpenedFile& file, std::int32_t nPage) {
     return page;
 }
 
-// Records what `fnRun` draws into the device that it is given.
+// Records what `fnRun` draws into the device that it is given, on a page of that
+// area; empty for a part of one.
 template <class Run>
-Drawing::Part Record(OpenedFile& file, Run&& fnRun) {
+Drawing::Part Record(OpenedFile& file, const fz_rect& rcPage, Run&& fnRun) {
     fz_context* const ctx = ThreadContext();
     Drawing::Part part;
     DeviceHandle device;
@@ -79,7 +80,9 @@ Drawing::Part Record(OpenedFile& file, Run&& fnRun) {
     });
     UseLeniently(file, [&] { fnRun(ctx, device.Get()); });
     UseLeniently(file, [&] { fz_close_device(ctx, device.Get()); });
-    part.bHasPictures = HasPictures(part.list.Get());
+    const PictureFacts pictures = ProbePictures(part.list.Get(), rcPage);
+    part.bHasPictures = pictures.bHas;
+    part.bIsScan = pictures.bIsScan;
     return part;
 }
 
@@ -192,7 +195,9 @@ std::shared_ptr<const Drawing> DrawContent(std::shared_ptr<OpenedFile> pFile, st
     auto pDrawing = std::make_shared<Drawing>();
     pDrawing->pFile = pFile;
     const PageHandle page = LoadPage(*pFile, nPage);
-    pDrawing->parts.push_back(Record(*pFile, [&](fz_context* ctx, fz_device* pDevice) {
+    fz_rect rcPage = fz_empty_rect;
+    UseLeniently(*pFile, [&] { rcPage = pdf_bound_page(ThreadContext(), page.Get()); });
+    pDrawing->parts.push_back(Record(*pFile, rcPage, [&](fz_context* ctx, fz_device* pDevice) {
         pdf_run_page_contents(ctx, page.Get(), pDevice, fz_identity, operation.Cookie());
     }));
     return Finish(std::move(pDrawing), watch, operation);
@@ -212,7 +217,7 @@ std::shared_ptr<const Drawing> DrawAnnots(std::shared_ptr<OpenedFile> pFile, std
             continue;
         }
         Drawing::Part& part = pDrawing->parts[i];
-        part = Record(*pFile, [&](fz_context* ctx, fz_device* pDevice) {
+        part = Record(*pFile, fz_empty_rect, [&](fz_context* ctx, fz_device* pDevice) {
             if (annots[i] != nullptr) {
                 pdf_run_annot(ctx, annots[i], pDevice, fz_identity, operation.Cookie());
             } else {

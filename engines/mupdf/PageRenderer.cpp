@@ -92,6 +92,7 @@ PageRenderer::PageRenderer(std::shared_ptr<common::Bitmap> pBitmap)
 
 void PageRenderer::SetMappingModeColors(std::uint32_t nBackColor, std::uint32_t nForeColor) {
     m_mapping = ColorMapping(nBackColor, nForeColor);
+    m_dimming = ColorMapping::Dimming(nBackColor, nForeColor);
 }
 
 std::shared_ptr<common::Progressive> PageRenderer::StartRender(std::shared_ptr<pdf::PDFPage> pPage,
@@ -103,6 +104,7 @@ std::shared_ptr<common::Progressive> PageRenderer::StartRender(std::shared_ptr<p
     }
     if ((m_nContentFlags & kRenderContent) != 0) {
         const Layer layer{pOwn->Content(m_pAbort), 0, Place(pOwn->Facts(), matrix)};
+        m_bDims = layer.Part().bIsScan && m_eScanColors == common::ScanColors::Dimmed;
         Draw(layer, pOwn->Facts().nAnnots == 0);
     }
     return std::make_shared<FinishedProgress>();
@@ -201,12 +203,16 @@ void PageRenderer::DrawTrueColors(const Layer& layer, std::uint32_t* pPixels) {
         return;
     }
     Run(layer, pPixels);
-    if (layer.Part().bHasPictures) {
+    if (KeepsPictures(layer.Part())) {
         if (m_pictures.empty()) {
             m_pictures = MakePixels(PixelCount(), std::uint8_t{0});
         }
         RunPictures(layer);
     }
+}
+
+bool PageRenderer::KeepsPictures(const Drawing::Part& part) const {
+    return part.bHasPictures && (!part.bIsScan || m_eScanColors == common::ScanColors::Left);
 }
 
 template <class MakeDevice>
@@ -257,14 +263,14 @@ void PageRenderer::RunPictures(const Layer& layer) {
 
 void PageRenderer::Map(const fz_irect& area, const std::uint32_t* pTrueColors) {
     const auto nWidth = static_cast<std::size_t>(area.x1 - area.x0);
+    const ColorMapping& mapping = m_bDims ? m_dimming : m_mapping;
     for (int y = area.y0; y < area.y1; ++y) {
         const std::size_t nFirst = IndexOf({area.x0, y, area.x1, y + 1});
         std::span<const std::uint8_t> pictures;
         if (!m_pictures.empty()) {
             pictures = std::span(m_pictures).subspan(nFirst, nWidth);
         }
-        m_mapping.MapRow({pTrueColors + nFirst, nWidth}, pictures,
-                         {BitmapPixels() + nFirst, nWidth});
+        mapping.MapRow({pTrueColors + nFirst, nWidth}, pictures, {BitmapPixels() + nFirst, nWidth});
     }
 }
 

@@ -29,6 +29,7 @@ public:
 
     void SetColorMode(std::int32_t nMode) override { m_nColorMode = nMode; }
     void SetMappingModeColors(std::uint32_t nBackColor, std::uint32_t nForeColor) override;
+    void SetScanColors(common::ScanColors eColors) override { m_eScanColors = eColors; }
     void SetRenderContentFlags(std::uint32_t nFlags) override { m_nContentFlags = nFlags; }
     std::shared_ptr<common::Progressive> StartRender(std::shared_ptr<pdf::PDFPage> pPage,
                                                      const common::vxbase::Matrix2D& matrix,
@@ -67,6 +68,7 @@ private:
     void DrawMapped(const Layer& layer, bool bAlone);
     void KeepTrueColors();
     void DrawTrueColors(const Layer& layer, std::uint32_t* pPixels);
+    bool KeepsPictures(const Drawing::Part& part) const;
     void Map(const fz_irect& area, const std::uint32_t* pTrueColors);
 
     // Run the list into pixels of the bitmap's size, or its pictures into the mask.
@@ -80,6 +82,9 @@ private:
     std::int32_t m_nHeight;
     std::int32_t m_nColorMode = kColorModeNormal;
     ColorMapping m_mapping{0xFFFFFFFFU, 0xFF000000U};
+    ColorMapping m_dimming{0xFFFFFFFFU, 0xFF000000U}; // for a scan that is dimmed
+    common::ScanColors m_eScanColors = common::ScanColors::Turned;
+    bool m_bDims = false; // the page is such a scan
     std::uint32_t m_nContentFlags = kRenderContent;
     Operation::AbortFlag m_pAbort;
     bool m_bIncomplete = false;

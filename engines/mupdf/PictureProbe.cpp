@@ -1,5 +1,9 @@
 #include "engines/mupdf/PictureProbe.h"
 
+#include <algorithm>
+#include <bitset>
+#include <cstddef>
+
 #include "engines/mupdf/Guard.h"
 
 namespace velko::engines::mupdf {
@@ -10,16 +14,123 @@ bool IsPicture(const fz_image* pImage) {
     return pImage->imagemask == 0 && pImage->bpc > 1;
 }
 
-struct ProbeDevice {
-    fz_device base;
-    bool* pFound;
+// Which parts of a page are covered, in cells; a scan may come in strips or layers.
+class Coverage {
+public:
+    explicit Coverage(const fz_rect& rcPage) : m_rcPage(rcPage) {}
+
+    // Marks the cells whose middles lie in the unit square under `ctm` and in
+    // `rcScissor`. Returns how many those are.
+    int Mark(const fz_matrix& ctm, const fz_rect& rcScissor);
+
+    int Marked() const { return static_cast<int>(m_cells.count()); }
+
+    static constexpr int kSide = 32;
+    static constexpr int kNearlyAll = kSide * kSide * 9 / 10;
+
+private:
+    static int First(float fFrom, float fPage, float fCell) {
+        return std::clamp(static_cast<int>((fFrom - fPage) / fCell), 0, kSide);
+    }
+
+    const fz_rect m_rcPage;
+    std::bitset<std::size_t{kSide} * kSide> m_cells;
 };
 
-void ProbeImage(fz_context*, fz_device* pDevice, fz_image* pImage, fz_matrix, float,
-                fz_color_params) {
-    if (IsPicture(pImage)) {
-        *reinterpret_cast<ProbeDevice*>(pDevice)->pFound = true;
+int Coverage::Mark(const fz_matrix& ctm, const fz_rect& rcScissor) {
+    const fz_rect rcBox = fz_intersect_rect(
+        fz_intersect_rect(fz_transform_rect(fz_unit_rect, ctm), rcScissor), m_rcPage);
+    fz_matrix toUnit;
+    if (fz_is_empty_rect(rcBox) || fz_try_invert_matrix(&toUnit, ctm) != 0) {
+        return 0;
     }
+    const float fCellX = (m_rcPage.x1 - m_rcPage.x0) / kSide;
+    const float fCellY = (m_rcPage.y1 - m_rcPage.y0) / kSide;
+    int nMarked = 0;
+    for (int y = First(rcBox.y0, m_rcPage.y0, fCellY); y < kSide; ++y) {
+        const float fY = m_rcPage.y0 + (static_cast<float>(y) + 0.5F) * fCellY;
+        for (int x = First(rcBox.x0, m_rcPage.x0, fCellX); x < kSide && fY < rcBox.y1; ++x) {
+            const float fX = m_rcPage.x0 + (static_cast<float>(x) + 0.5F) * fCellX;
+            const fz_point pt = fz_transform_point_xy(fX, fY, toUnit);
+            if (fX >= rcBox.x1) {
+                break;
+            }
+            if (fY >= rcBox.y0 && fX >= rcBox.x0 && fz_is_point_inside_rect(pt, fz_unit_rect)) {
+                m_cells.set(static_cast<std::size_t>(y * kSide + x));
+                ++nMarked;
+            }
+        }
+    }
+    return nMarked;
+}
+
+struct Probe {
+    Coverage coverage;
+    int nMaskDepth = 0; // what defines a mask is not seen itself
+    bool bPictures = false;
+    bool bText = false; // on top of the pictures so far
+};
+
+struct ProbeDevice {
+    fz_device base;
+    Probe* pProbe;
+};
+
+Probe& ProbeOf(fz_device* pDevice) {
+    return *reinterpret_cast<ProbeDevice*>(pDevice)->pProbe;
+}
+
+// What an opaque picture covers as a whole is not seen any more: some scans have
+// the text that was read from them below.
+void ProbeImage(fz_context* ctx, fz_device* pDevice, fz_image* pImage, fz_matrix ctm, float fAlpha,
+                fz_color_params) {
+    Probe& probe = ProbeOf(pDevice);
+    if (!IsPicture(pImage)) {
+        return;
+    }
+    probe.bPictures = true;
+    if (probe.nMaskDepth == 0) {
+        const int nCells = probe.coverage.Mark(ctm, fz_device_current_scissor(ctx, pDevice));
+        const bool bOpaque = fAlpha == 1.0F && pImage->mask == nullptr;
+        probe.bText = probe.bText && !(bOpaque && nCells >= Coverage::kNearlyAll);
+    }
+}
+
+void SeeText(fz_device* pDevice, float fAlpha) {
+    Probe& probe = ProbeOf(pDevice);
+    probe.bText = probe.bText || (probe.nMaskDepth == 0 && fAlpha > 0.0F);
+}
+
+void ProbeText(fz_context*, fz_device* pDevice, const fz_text*, fz_matrix, fz_colorspace*,
+               const float*, float fAlpha, fz_color_params) {
+    SeeText(pDevice, fAlpha);
+}
+
+void ProbeStrokeText(fz_context*, fz_device* pDevice, const fz_text*, const fz_stroke_state*,
+                     fz_matrix, fz_colorspace*, const float*, float fAlpha, fz_color_params) {
+    SeeText(pDevice, fAlpha);
+}
+
+void ProbeClipText(fz_context*, fz_device* pDevice, const fz_text*, fz_matrix, fz_rect) {
+    SeeText(pDevice, 1.0F);
+}
+
+void ProbeBeginMask(fz_context*, fz_device* pDevice, fz_rect, int, fz_colorspace*, const float*,
+                    fz_color_params) {
+    ++ProbeOf(pDevice).nMaskDepth;
+}
+
+void ProbeEndMask(fz_context*, fz_device* pDevice) {
+    --ProbeOf(pDevice).nMaskDepth;
+}
+
+void SetProbeHooks(fz_device& device) {
+    device.fill_image = &ProbeImage;
+    device.fill_text = &ProbeText;
+    device.stroke_text = &ProbeStrokeText;
+    device.clip_text = &ProbeClipText;
+    device.begin_mask = &ProbeBeginMask;
+    device.end_mask = &ProbeEndMask;
 }
 
 // Forwards clips to a drawing device over the mask, and fills there what
@@ -127,22 +238,22 @@ void SetHooks(fz_device& device) {
 
 }
 
-bool HasPictures(fz_display_list* pList) noexcept {
+PictureFacts ProbePictures(fz_display_list* pList, const fz_rect& rcPage) noexcept {
     try {
         fz_context* const ctx = ThreadContext();
-        bool bFound = false;
+        Probe probe{Coverage(rcPage)};
         DeviceHandle device;
         Guard(ctx, [&] {
-            auto* const pProbe = fz_new_derived_device(ctx, ProbeDevice);
-            pProbe->base.fill_image = &ProbeImage;
-            pProbe->pFound = &bFound;
-            device.Out() = &pProbe->base;
+            auto* const pDevice = fz_new_derived_device(ctx, ProbeDevice);
+            SetProbeHooks(pDevice->base);
+            pDevice->pProbe = &probe;
+            device.Out() = &pDevice->base;
             fz_run_display_list(ctx, pList, device.Get(), fz_identity, fz_infinite_rect, nullptr);
             fz_close_device(ctx, device.Get());
         });
-        return bFound;
+        return {probe.bPictures, !probe.bText && probe.coverage.Marked() >= Coverage::kNearlyAll};
     } catch (const std::exception&) {
-        return true;
+        return {true, false};
     }
 }
 

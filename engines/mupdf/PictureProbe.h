@@ -10,8 +10,14 @@
 
 namespace velko::engines::mupdf {
 
-// Whether the list draws a picture; true where it cannot be told. Never raises.
-bool HasPictures(fz_display_list* pList) noexcept;
+struct PictureFacts {
+    bool bHas = false;    // a picture is drawn
+    bool bIsScan = false; // pictures cover the page, or nearly, and no text shows on them
+};
+
+// What the list draws of pictures, on a page of that area; where it cannot be told
+// it has some. An empty area is no page. Never raises.
+PictureFacts ProbePictures(fz_display_list* pList, const fz_rect& rcPage) noexcept;
 
 // A device that fills the areas of pictures in `pMask`, as far as the clips of
 // the drawing leave them visible, and draws nothing else. `pMask` has an alpha

@@ -50,6 +50,7 @@ std::shared_ptr<common::Bitmap> Render(const std::shared_ptr<pdf::PDFPage>& pPag
     if (view.nBackColor != kWhite || view.nForeColor != kBlack) {
         pRenderer->SetColorMode(common::Renderer::kColorModeMapped);
         pRenderer->SetMappingModeColors(view.nBackColor, view.nForeColor);
+        pRenderer->SetScanColors(view.eScanColors);
     }
     pRenderer->SetAbortFlag(view.pAbort);
     if (view.bContent) {

@@ -39,6 +39,7 @@ struct View {
     std::int32_t nHeight = 0;
     std::uint32_t nBackColor = kWhite;
     std::uint32_t nForeColor = kBlack;
+    common::ScanColors eScanColors = common::ScanColors::Turned;
     bool bContent = true;
     bool bAnnots = false;
     std::shared_ptr<const std::atomic<bool>> pAbort;

@@ -35,6 +35,9 @@ public:
     void SetMappingModeColors(std::uint32_t nBackColor, std::uint32_t nForeColor) override {
         m_pInner->SetMappingModeColors(nBackColor, nForeColor);
     }
+    void SetScanColors(velko::common::ScanColors eColors) override {
+        m_pInner->SetScanColors(eColors);
+    }
     void SetRenderContentFlags(std::uint32_t nFlags) override {
         m_pInner->SetRenderContentFlags(nFlags);
     }

@@ -68,10 +68,11 @@ constexpr Setting IntSetting(const char* szKey) {
 
 #define VLK_SETTING(KIND, KEY) KIND<&AppConfig::KEY, &AppConfig::KEY>(#KEY)
 
-constexpr std::array<Setting, 15> kSettings{{
+constexpr std::array<Setting, 16> kSettings{{
     VLK_SETTING(BoolSetting, IsAnalyticsEnable),
     VLK_SETTING(ColorSetting, PageBackgroundColor),
     VLK_SETTING(ColorSetting, PageForegroundColor),
+    VLK_SETTING(IntSetting, PageScanColors),
     VLK_SETTING(BoolSetting, IsAutoSave),
     VLK_SETTING(BoolSetting, IsHighlightFormField),
     VLK_SETTING(TextSetting, VwsServerUrl),

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "document/VLK_Document.h"
+#include "settings/AppConfig.h"
 #include "viewers/core/IPageItemHost.h"
 #include "viewers/core/ViewerPageItemBlock.h"
 
@@ -63,6 +64,7 @@ RenderBlockRequest PageBlockRenderer::MakeRequest(const ViewerPageItemBlock& blo
     request.nRotate = block.m_nRotate;
     request.nBackColor = colors.nBackground;
     request.nForeColor = colors.nForeground;
+    request.eScanColors = velko::common::ToScanColors(AppConfig::PageScanColors());
     request.token = std::move(token);
     document.FillRenderState(request);
     return request;
