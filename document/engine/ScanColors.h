@@ -5,8 +5,8 @@
 
 namespace velko::common {
 
-// A scan is a page that a picture covers all over, or nearly, and on which no text
-// shows; invisible text, for searching, does not count.
+// A scan is a page that a picture covers all over, or nearly, bright as paper is, and
+// on which no text shows; invisible text, for searching, does not count.
 enum class ScanColors : std::int32_t {
     Turned = 0, // mapped as paper and ink are
     Dimmed = 1, // its own colours, no brighter than the mapped ones

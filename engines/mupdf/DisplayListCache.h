@@ -30,13 +30,17 @@ struct Drawing {
         DisplayListHandle list; // empty for nothing to show
         fz_rect rcBounds = fz_infinite_rect;
         bool bHasPictures = false; // sampled images of more than one bit
-        bool bIsScan = false;      // one of them is all there is to see
+        bool bIsPicture = false;   // they are all there is to see of the page
     };
 
     std::shared_ptr<OpenedFile> pFile; // the lists may point into its fonts
     std::vector<Part> parts;
     std::size_t nBytes = 1; // what it took to make, resources included; above 0
     bool bCutShort = false; // its time ran out: the rest is missing
+
+    enum class Brightness { Unknown, Dark, Bright };
+    // Of a page that is a picture, once somebody needed it.
+    mutable std::atomic<Brightness> eBrightness = Brightness::Unknown;
 };
 
 class DisplayListCache {

@@ -82,7 +82,8 @@ Drawing::Part Record(OpenedFile& file, const fz_rect& rcPage, Run&& fnRun) {
     UseLeniently(file, [&] { fz_close_device(ctx, device.Get()); });
     const PictureFacts pictures = ProbePictures(part.list.Get(), rcPage);
     part.bHasPictures = pictures.bHas;
-    part.bIsScan = pictures.bIsScan;
+    part.bIsPicture = pictures.bIsAll;
+    part.rcBounds = pictures.bIsAll ? rcPage : part.rcBounds;
     return part;
 }
 

@@ -104,7 +104,7 @@ std::shared_ptr<common::Progressive> PageRenderer::StartRender(std::shared_ptr<p
     }
     if ((m_nContentFlags & kRenderContent) != 0) {
         const Layer layer{pOwn->Content(m_pAbort), 0, Place(pOwn->Facts(), matrix)};
-        m_bDims = layer.Part().bIsScan && m_eScanColors == common::ScanColors::Dimmed;
+        m_bDims = false;
         Draw(layer, pOwn->Facts().nAnnots == 0);
     }
     return std::make_shared<FinishedProgress>();
@@ -203,16 +203,14 @@ void PageRenderer::DrawTrueColors(const Layer& layer, std::uint32_t* pPixels) {
         return;
     }
     Run(layer, pPixels);
-    if (KeepsPictures(layer.Part())) {
+    const bool bFollows = m_eScanColors != common::ScanColors::Left && IsScan(layer);
+    m_bDims = m_bDims || (bFollows && m_eScanColors == common::ScanColors::Dimmed);
+    if (layer.Part().bHasPictures && !bFollows) {
         if (m_pictures.empty()) {
             m_pictures = MakePixels(PixelCount(), std::uint8_t{0});
         }
         RunPictures(layer);
     }
-}
-
-bool PageRenderer::KeepsPictures(const Drawing::Part& part) const {
-    return part.bHasPictures && (!part.bIsScan || m_eScanColors == common::ScanColors::Left);
 }
 
 template <class MakeDevice>
@@ -251,6 +249,48 @@ void PageRenderer::Run(const Layer& layer, std::uint32_t* pPixels) {
         LimitTiles(pDevice);
         return pDevice;
     });
+}
+
+// What it takes is mostly the decoding of the picture, which a drawing of the page
+// has just done and the library keeps for a while.
+bool PageRenderer::IsScan(const Layer& layer) {
+    using Brightness = Drawing::Brightness;
+    if (!layer.Part().bIsPicture) {
+        return false;
+    }
+    const Brightness eKnown = layer.pDrawing->eBrightness;
+    if (eKnown != Brightness::Unknown) {
+        return eKnown == Brightness::Bright;
+    }
+    const bool bBright = IsBright(layer);
+    if (!m_bIncomplete) {
+        layer.pDrawing->eBrightness = bBright ? Brightness::Bright : Brightness::Dark;
+    }
+    return bBright;
+}
+
+// Whether most of the page is: what is dark by itself is not to glare when turned.
+bool PageRenderer::IsBright(const Layer& layer) {
+    constexpr int kSide = 64;
+    constexpr std::uint8_t kPaper = 160;
+    constexpr std::size_t kChannels = 2; // grey, and full opacity
+    auto greys = MakePixels(std::size_t{kSide} * kSide * kChannels, std::uint8_t{0xFF});
+    const fz_rect& rcPage = layer.Part().rcBounds;
+    Layer small = layer;
+    small.placement.area = fz_make_irect(0, 0, kSide, kSide);
+    small.placement.toBitmap =
+        fz_concat(fz_translate(-rcPage.x0, -rcPage.y0),
+                  fz_scale(kSide / (rcPage.x1 - rcPage.x0), kSide / (rcPage.y1 - rcPage.y0)));
+    RunList(small, small.placement.area, [&](fz_context* ctx, fz_pixmap*& pPixmap) {
+        pPixmap = PixmapOver(ctx, fz_device_gray(ctx), small.placement.area,
+                             std::ptrdiff_t{kSide} * kChannels, greys.data());
+        return fz_new_draw_device(ctx, fz_identity, pPixmap);
+    });
+    int nBright = 0;
+    for (std::size_t n = 0; n < greys.size(); n += kChannels) {
+        nBright += greys[n] >= kPaper ? 1 : 0;
+    }
+    return nBright > kSide * kSide / 2;
 }
 
 void PageRenderer::RunPictures(const Layer& layer) {

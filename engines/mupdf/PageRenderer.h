@@ -68,7 +68,8 @@ private:
     void DrawMapped(const Layer& layer, bool bAlone);
     void KeepTrueColors();
     void DrawTrueColors(const Layer& layer, std::uint32_t* pPixels);
-    bool KeepsPictures(const Drawing::Part& part) const;
+    bool IsScan(const Layer& layer);
+    bool IsBright(const Layer& layer);
     void Map(const fz_irect& area, const std::uint32_t* pTrueColors);
 
     // Run the list into pixels of the bitmap's size, or its pictures into the mask.
@@ -84,7 +85,7 @@ private:
     ColorMapping m_mapping{0xFFFFFFFFU, 0xFF000000U};
     ColorMapping m_dimming{0xFFFFFFFFU, 0xFF000000U}; // for a scan that is dimmed
     common::ScanColors m_eScanColors = common::ScanColors::Turned;
-    bool m_bDims = false; // the page is such a scan
+    bool m_bDims = false; // the page is such a one
     std::uint32_t m_nContentFlags = kRenderContent;
     Operation::AbortFlag m_pAbort;
     bool m_bIncomplete = false;

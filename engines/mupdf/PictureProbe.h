@@ -11,8 +11,8 @@
 namespace velko::engines::mupdf {
 
 struct PictureFacts {
-    bool bHas = false;    // a picture is drawn
-    bool bIsScan = false; // pictures cover the page, or nearly, and no text shows on them
+    bool bHas = false;   // a picture is drawn
+    bool bIsAll = false; // they cover the page, or nearly, and no text shows on them
 };
 
 // What the list draws of pictures, on a page of that area; where it cannot be told

@@ -13,7 +13,7 @@ constexpr std::uint32_t kPaper = 0xFF202020U;
 constexpr std::uint32_t kInk = 0xFFC8C8C8U;
 
 struct ScanCase {
-    const char* szContent; // of a page of 100 by 100; /I1 is a bright picture
+    const char* szContent; // of a page of 100 by 100; /I1 is a bright picture, /I2 a dark one
     bool bScan;
 };
 
@@ -24,7 +24,7 @@ protected:
     static std::uint32_t MiddleOf(const std::string& strContent, ScanColors eColors,
                                   std::uint32_t nBack = kPaper, std::uint32_t nFore = kInk) {
         PdfOptions options;
-        options.images = {{1, 1, "\xF0\xF0\xF0"}};
+        options.images = {{1, 1, "\xF0\xF0\xF0"}, {1, 1, "\x30\x30\x30"}};
         options.extraObjects = {FormObject(4, 4, "1 1 1")};
         PdfPage page;
         page.mediaBox = {0, 0, 100, 100};
@@ -59,6 +59,8 @@ TEST_F(ScanColorsTest, AScanFollowsTheColoursAsChosenAndOtherPicturesStay) {
         {"q 20 20 60 60 re W n 100 0 0 100 0 0 cm /I1 Do Q", false}, // cut off by a clip
     };
     constexpr std::uint32_t kBright = 0xF0;
+    constexpr const char* kDark = "q 100 0 0 100 0 0 cm /I2 Do Q";
+    EXPECT_EQ(MiddleOf(kDark, ScanColors::Turned), 0x30U) << "else it would glare";
     for (const ScanCase& c : cases) {
         SCOPED_TRACE(c.szContent);
         const std::uint32_t nTurned = MiddleOf(c.szContent, ScanColors::Turned);
