@@ -1,5 +1,6 @@
 #include "app/viewer/FocusRing.h"
 
+#include <QKeyEvent>
 #include <QPainter>
 
 namespace velko::viewer {
@@ -24,6 +25,20 @@ void DrawFocusRing(QPainter& painter, const QWidget& widget) {
     painter.drawRoundedRect(QRectF(widget.rect()).adjusted(kInset, kInset, -kInset, -kInset),
                             kCorner, kCorner);
     painter.restore();
+}
+
+bool PressByReturn(QAbstractButton& button, const QKeyEvent& event) {
+    const bool bReturn = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+    if (bReturn) {
+        button.click();
+    }
+    return bReturn;
+}
+
+void TextButton::keyPressEvent(QKeyEvent* pEvent) {
+    if (!PressByReturn(*this, *pEvent)) {
+        QPushButton::keyPressEvent(pEvent);
+    }
 }
 
 void TextButton::paintEvent(QPaintEvent* pEvent) {

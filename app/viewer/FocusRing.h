@@ -6,6 +6,7 @@
 
 #include <QPushButton>
 
+class QKeyEvent;
 class QPainter;
 
 namespace velko::viewer {
@@ -13,12 +14,17 @@ namespace velko::viewer {
 // Just within the widget's edges, when it has the focus.
 void DrawFocusRing(QPainter& painter, const QWidget& widget);
 
-// A button with words and that ring.
+// Presses the button when the key is Return, which Qt leaves to dialogs. False for
+// other keys.
+bool PressByReturn(QAbstractButton& button, const QKeyEvent& event);
+
+// A button with words and that ring; Return presses it.
 class TextButton : public QPushButton {
 public:
     using QPushButton::QPushButton;
 
 protected:
+    void keyPressEvent(QKeyEvent* pEvent) override;
     void paintEvent(QPaintEvent* pEvent) override;
 };
 

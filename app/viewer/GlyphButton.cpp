@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QToolTip>
 
@@ -38,6 +39,12 @@ GlyphButton::GlyphButton(Glyph eGlyph, QAction* pAction, QWidget* pParent)
 
 QSize GlyphButton::sizeHint() const {
     return {m_nWidth, kSide};
+}
+
+void GlyphButton::keyPressEvent(QKeyEvent* pEvent) {
+    if (!PressByReturn(*this, *pEvent)) {
+        QToolButton::keyPressEvent(pEvent);
+    }
 }
 
 bool GlyphButton::event(QEvent* pEvent) {

@@ -323,7 +323,7 @@ void MainWindow::AskForPassword() {
 }
 
 void MainWindow::AskToClear() {
-    NoticeLine().Ask("Forget all files of the list, and your places in them?", "Clear", [this] {
+    NoticeLine().Ask("Forget all recent files, and your places in them?", "Clear", [this] {
         RecentFiles::ForgetAll();
         if (m_pMessage != nullptr) {
             m_pMessage->FillList();
@@ -384,6 +384,7 @@ void MainWindow::CarryOut(Command eCommand) {
 }
 
 void MainWindow::ToggleFullScreen() {
+    OnDone();
     setWindowState(windowState() ^ Qt::WindowFullScreen);
     m_pView->setFocus();
 }

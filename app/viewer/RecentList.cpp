@@ -22,7 +22,7 @@ constexpr std::size_t kMostRows = 8;
 RecentList::RecentList(QWidget* pParent)
     : QWidget(pParent),
       m_pRowLayout(new QVBoxLayout),
-      m_pQuestion(new QLabel("All files of the list, and your places in them?", this)),
+      m_pQuestion(new QLabel("Forget all recent files, and your places in them?", this)),
       m_pClear(new TextButton(this)),
       m_pKeep(new TextButton("Keep", this)) {
     m_pQuestion->setWordWrap(true);
@@ -37,7 +37,10 @@ RecentList::RecentList(QWidget* pParent)
     pLayout->setContentsMargins(0, 0, 0, 0);
     pLayout->addLayout(m_pRowLayout);
     pLayout->addLayout(pQuestion);
-    connect(m_pKeep, &QPushButton::clicked, this, [this] { Ask(false); });
+    connect(m_pKeep, &QPushButton::clicked, this, [this] {
+        m_pClear->setFocus(Qt::TabFocusReason);
+        Ask(false);
+    });
     connect(m_pClear, &QPushButton::clicked, this, [this] {
         if (m_bAsking) {
             RecentFiles::ForgetAll();
@@ -56,6 +59,10 @@ void RecentList::Fill() {
     const std::vector<FilePath> files = RecentFiles::Latest(kMostRows);
     for (const FilePath& path : files) {
         AddRow(path);
+    }
+    if (!m_rows.empty()) {
+        setTabOrder(m_rows.back()->RemoveButton(), m_pClear);
+        setTabOrder(m_pClear, m_pKeep);
     }
     Ask(false);
     setVisible(!m_rows.empty());

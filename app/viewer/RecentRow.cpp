@@ -12,6 +12,7 @@ namespace velko::viewer {
 namespace {
 
 constexpr int kWidth = 460;
+constexpr int kLeastWidth = 160;
 constexpr int kMargin = 10;
 constexpr int kButton = 30;
 constexpr int kHoverAlpha = 22;
@@ -32,6 +33,7 @@ RecentRow::RecentRow(const vkit::FilePath& path, QWidget* pParent)
     setAccessibleName(path.Name());
     setAccessibleDescription(path.Folder());
     setFocusPolicy(Qt::StrongFocus);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setAttribute(Qt::WA_Hover);
     connect(pRemove, &QToolButton::clicked, this, &RecentRow::Removed);
 }
@@ -47,16 +49,19 @@ QSize RecentRow::sizeHint() const {
     return {kWidth, 2 * fontMetrics().height() + kMargin};
 }
 
+QSize RecentRow::minimumSizeHint() const {
+    return {kLeastWidth, sizeHint().height()};
+}
+
 void RecentRow::resizeEvent(QResizeEvent* /*pEvent*/) {
     m_pRemove->setGeometry(width() - kButton, (height() - kButton) / 2, kButton, kButton);
 }
 
 void RecentRow::keyPressEvent(QKeyEvent* pEvent) {
+    if (PressByReturn(*this, *pEvent)) {
+        return;
+    }
     switch (pEvent->key()) {
-        case Qt::Key_Return:
-        case Qt::Key_Enter:
-            click();
-            break;
         case Qt::Key_Delete:
             emit Removed();
             break;

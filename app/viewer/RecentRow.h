@@ -18,10 +18,12 @@ public:
     RecentRow(const vkit::FilePath& path, QWidget* pParent);
 
     const vkit::FilePath& File() const { return m_path; }
+    QWidget* RemoveButton() const { return m_pRemove; }
     void MarkGone();
     bool IsGone() const { return m_bGone; }
 
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
 
 signals:
     void Removed();          // by the reader

@@ -19,6 +19,7 @@ constexpr int kWidestList = 560;
 StartPane::StartPane(QWidget* pParent) : QScrollArea(pParent) {
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFocusPolicy(Qt::NoFocus);
     auto* const pInner = new QWidget(this);
     m_pText = new QLabel(pInner);
