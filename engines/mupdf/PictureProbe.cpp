@@ -41,7 +41,8 @@ int Coverage::Mark(const fz_matrix& ctm, const fz_rect& rcScissor) {
     const fz_rect rcBox = fz_intersect_rect(
         fz_intersect_rect(fz_transform_rect(fz_unit_rect, ctm), rcScissor), m_rcPage);
     fz_matrix toUnit;
-    if (fz_is_empty_rect(rcBox) || fz_try_invert_matrix(&toUnit, ctm) != 0) {
+    const bool bAny = rcBox.x0 < rcBox.x1 && rcBox.y0 < rcBox.y1; // false for what is no number
+    if (!bAny || fz_try_invert_matrix(&toUnit, ctm) != 0) {
         return 0;
     }
     const float fCellX = (m_rcPage.x1 - m_rcPage.x0) / kSide;
