@@ -32,6 +32,7 @@ VelkoPdfView::VelkoPdfView(std::shared_ptr<PDFViewCtrl> pControl, QWidget* pPare
     : QWidget(pParent),
       m_pControl(std::move(pControl)),
       m_steps(*m_pControl),
+      m_zoom(*m_pControl, m_steps),
       m_pWindow(new Platform::Qt::QtElementWindow(VelkoRuntime::Environment(), m_pControl, this)),
       m_pPageLinks(std::make_unique<PageLinks>(*m_pControl)),
       m_pLinks(std::make_unique<LinkFollower>(*m_pControl, *m_pWindow, *m_pPageLinks)),

@@ -44,6 +44,7 @@
 #include "widget/PageSteps.h"
 #include "widget/ViewHistory.h"
 #include "widget/ViewKeeper.h"
+#include "widget/ViewZoom.h"
 
 namespace Platform::Qt {
 class QtElementWindow;
@@ -260,6 +261,7 @@ private:
     Facts ReadFacts();
     void OnPainted();
     void Hold();
+    void FollowFit();
     void BeforeArrange();
     void AfterArrange();
     void ShowAround();
@@ -272,15 +274,6 @@ private:
     void PutPage(int nPage, double dbLeft, double dbTop);
 
     // Commands.
-    void ApplyZoom(double dbZoom);
-    void ApplyFit();
-    Windows::Foundation::Point ZoomCentre() const; // device pixels
-    double FittedZoom() const;                     // of the fit in force
-    void NoteFit();
-    void FollowFit(bool bTurned);
-    double Limited(double dbZoom) const;
-    double ZoomFor(const ViewKeeper& keeper) const;
-    bool NoteFitLeft();
     void Travel(const std::function<void()>& fnGo);
     void StepLine(int nDirection, bool bAcross);
     void ZoomByWheel(QPointF ptWindow, double dbFactor);
@@ -295,7 +288,6 @@ private:
     void FollowAction(const std::shared_ptr<velko::pdf::IAction>& pAction);
     void FollowPage(const LinkToPage& target);
     bool KeepsZoom(const velko::pdf::IDestination& target);
-    Fit FitOf(const velko::pdf::IDestination& target) const;
     void ShowDestination(const velko::pdf::IDestination& target);
     void ShowPlaceOf(const velko::pdf::IDestination& target, std::int32_t nPage);
     void FollowStep(LinkStep eStep);
@@ -303,6 +295,7 @@ private:
 
     const std::shared_ptr<PDFViewCtrl> m_pControl;
     const PageSteps m_steps;
+    ViewZoom m_zoom;
     Platform::Qt::QtElementWindow* m_pWindow; // a child
     std::unique_ptr<PageLinks> m_pPageLinks;
     std::unique_ptr<LinkFollower> m_pLinks;
@@ -321,9 +314,6 @@ private:
     std::unique_ptr<KeptView> m_before; // the document shown before the open under way
     std::optional<Refused> m_return;    // that document is being brought back, because of this
     Facts m_facts;
-    Fit m_eFit = Fit::None;               // kept over a change of size
-    float m_fFitScale = 0.0F;             // to which the fit has led; another one ends it
-    double m_dbFitAim = 0.0;              // the scale that the fit asked for then
     Windows::Foundation::Point m_ptWheel; // of the wheel's zoom that may be open yet
     float m_fWheelZoom = 0.0F;
     ViewHistory m_history;

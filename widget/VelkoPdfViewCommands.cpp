@@ -7,7 +7,6 @@
 #include "platform/qt/QtElementWindow.h"
 #include "settings/AppConfig.h"
 #include "viewers/core/Modes.h"
-#include "widget/FitZoom.h"
 #include "widget/VelkoPdfView.h"
 
 namespace velko::vkit {
@@ -17,9 +16,6 @@ using Windows::Foundation::Point;
 namespace {
 
 constexpr double kLineScroll = 60.0; // Qt's units
-constexpr std::array kZoomSteps{0.25, 0.33, 0.5,  0.67, 0.75, 0.8, 0.9, 1.0, 1.1,
-                                1.25, 1.5,  1.75, 2.0,  2.5,  3.0, 4.0, 5.0, 6.0};
-constexpr double kVisibleStep = 1.08; // a lesser factor is hardly seen
 
 }
 
@@ -57,7 +53,7 @@ void VelkoPdfView::Travel(const std::function<void()>& fnGo) {
     Command([&] {
         Hold();
         fnGo();
-        NoteFitLeft();
+        m_zoom.NoteFitLeft(m_facts.nPage);
     });
 }
 
@@ -89,40 +85,18 @@ void VelkoPdfView::ScrollByScreen(int nScreens) {
 
 // --- zoom ------------------------------------------------------------------
 
-// In a small window a whole page may need less than the control's limit, and
-// then the reader may come back there too.
 double VelkoPdfView::LeastZoom() const {
-    return std::min<double>(m_pControl->GetMinScale(), FitZoom(*m_pControl, ZoomMode::kFitPage));
+    return m_zoom.Least();
 }
 
 double VelkoPdfView::MostZoom() const {
-    return m_pControl->GetMaxScale();
-}
-
-double VelkoPdfView::Limited(double dbZoom) const {
-    const double dbLeast = LeastZoom();
-    return std::clamp(dbZoom, dbLeast, std::max(dbLeast, MostZoom()));
-}
-
-// While the page's top is in view the line at the window's top stays, so that a
-// title is not thrown out of sight; else the middle.
-Point VelkoPdfView::ZoomCentre() const {
-    const auto size = m_pControl->GetCanvasSize();
-    const float fHeight = size.Height * m_pControl->CompositionScaleY();
-    const auto place = m_pControl->GetPageScreenRect(m_pControl->GetCurrentPageIndex());
-    const bool bTopInView = place && place->dbOffsetY > -1.0 && place->dbOffsetY < fHeight;
-    return {size.Width * m_pControl->CompositionScaleX() / 2.0F,
-            bTopInView ? 0.0F : fHeight / 2.0F};
-}
-
-void VelkoPdfView::ApplyZoom(double dbZoom) {
-    m_pControl->ZoomAtPoint(ZoomCentre(), Limited(dbZoom), false, true);
+    return m_zoom.Most();
 }
 
 void VelkoPdfView::ZoomTo(double dbZoom) {
     Command([&] {
-        m_eFit = Fit::None;
-        ApplyZoom(dbZoom);
+        m_zoom.SetFitMode(ZoomMode::kNone);
+        m_zoom.ZoomTo(dbZoom);
     });
 }
 
@@ -134,8 +108,8 @@ void VelkoPdfView::ZoomByWheel(QPointF ptWindow, double dbFactor) {
         const QPointF pt = ptWindow * devicePixelRatioF();
         m_ptWheel = {static_cast<float>(pt.x()), static_cast<float>(pt.y())};
         m_fWheelZoom =
-            static_cast<float>(dbFactor < 1.0 ? std::min(dbNow, Limited(dbNow * dbFactor))
-                                              : Limited(dbNow * dbFactor));
+            static_cast<float>(dbFactor < 1.0 ? std::min(dbNow, m_zoom.Limited(dbNow * dbFactor))
+                                              : m_zoom.Limited(dbNow * dbFactor));
         m_pWindow->StopInertia();
         m_pControl->ZoomAtPoint(m_ptWheel, m_fWheelZoom, false, false);
     });
@@ -150,46 +124,18 @@ void VelkoPdfView::SettleWheel() {
 }
 
 void VelkoPdfView::ZoomIn() {
-    const double dbLeast = m_pControl->GetScale() * kVisibleStep;
-    const auto it = std::lower_bound(kZoomSteps.begin(), kZoomSteps.end(), dbLeast);
-    ZoomTo(it == kZoomSteps.end() ? kZoomSteps.back() : *it);
+    ZoomTo(m_zoom.StepIn());
 }
 
 void VelkoPdfView::ZoomOut() {
-    const double dbMost = m_pControl->GetScale() / kVisibleStep;
-    const auto it = std::upper_bound(kZoomSteps.begin(), kZoomSteps.end(), dbMost);
-    ZoomTo(it == kZoomSteps.begin() ? kZoomSteps.front() : *std::prev(it));
-}
-
-double VelkoPdfView::FittedZoom() const {
-    return FitZoom(*m_pControl, std::int32_t(m_eFit));
-}
-
-double VelkoPdfView::ZoomFor(const ViewKeeper& keeper) const {
-    return m_eFit == Fit::None ? keeper.Zoom() : FittedZoom();
-}
-
-void VelkoPdfView::ApplyFit() {
-    const int nPage = m_pControl->GetCurrentPageIndex();
-    ApplyZoom(FittedZoom());
-    if (m_eFit != Fit::Width) {
-        m_pControl->GotoPage(nPage);
-    }
-    NoteFit();
-}
-
-// What the fit has led to: another scale means that somebody has left it, another
-// aim that it has to follow.
-void VelkoPdfView::NoteFit() {
-    m_fFitScale = m_pControl->GetScale();
-    m_dbFitAim = m_eFit == Fit::None ? 0.0 : FittedZoom();
+    ZoomTo(m_zoom.StepOut());
 }
 
 void VelkoPdfView::SetFit(Fit eFit) {
     Command([&] {
-        m_eFit = eFit;
-        if (eFit != Fit::None) {
-            ApplyFit();
+        m_zoom.SetFitMode(std::int32_t(eFit));
+        if (m_zoom.HasFit()) {
+            m_zoom.ZoomToFit();
         }
     });
 }
@@ -204,13 +150,13 @@ void VelkoPdfView::RotateBy(int nQuarterTurns) {
         const int nTurn = (m_pControl->GetRotate() + nQuarterTurns) % kTurns;
         m_pControl->RotateViewer((nTurn + kTurns) % kTurns);
         if (keeper && keeper->Page() == m_pControl->GetCurrentPageIndex()) {
-            keeper->RestoreTurned(*m_pControl, ZoomFor(*keeper));
+            keeper->RestoreTurned(*m_pControl, m_zoom.FitOr(keeper->Zoom()));
         } else if (keeper) { // the page that is read is not the one at the top
             const float fMiddle = m_pControl->GetCanvasSize().Width / 2.0F;
             m_pControl->ZoomAtPoint({fMiddle * m_pControl->CompositionScaleX(), 0.0F},
-                                    ZoomFor(*keeper), false, true);
+                                    m_zoom.FitOr(keeper->Zoom()), false, true);
         }
-        NoteFit();
+        m_zoom.NoteFit();
     });
 }
 
@@ -227,9 +173,9 @@ void VelkoPdfView::SetLayoutMode(Layout eLayout) {
             m_pControl->RotateViewer(nRotate);
         }
         if (keeper) {
-            keeper->RestoreTurned(*m_pControl, ZoomFor(*keeper));
+            keeper->RestoreTurned(*m_pControl, m_zoom.FitOr(keeper->Zoom()));
         }
-        NoteFit();
+        m_zoom.NoteFit();
     });
 }
 

@@ -5,6 +5,7 @@
 #include "document/engine/PDFDoc.h"
 #include "platform/concurrency/Task.h"
 #include "viewers/core/Destinations.h"
+#include "viewers/core/Modes.h"
 #include "widget/LinkFocus.h"
 #include "widget/LinkFollower.h"
 #include "widget/LinkTarget.h"
@@ -18,7 +19,6 @@ using velko::pdf::IDestination;
 using velko::pdf::ILinkSource;
 using velko::pdf::LinkRecord;
 using velko::pdf::PDFDoc;
-using Fit = VelkoPdfView::Fit;
 using Windows::Foundation::Point;
 
 namespace {
@@ -27,6 +27,19 @@ std::shared_ptr<IAction> FindName(const std::shared_ptr<PDFDoc>& pDocument,
                                   const std::string& strName) {
     const auto pSource = std::dynamic_pointer_cast<ILinkSource>(pDocument);
     return pSource ? pSource->FindNamedDestination(strName) : nullptr;
+}
+
+std::int32_t FitOf(const IDestination& target, std::int32_t nFallback) {
+    switch (target.GetZoomMode()) {
+        case kFitPage:
+            return ZoomMode::kFitPage;
+        case kFitWidth:
+            return ZoomMode::kFitWidth;
+        case kFitHeight:
+            return ZoomMode::kFitHeight;
+        default:
+            return nFallback;
+    }
 }
 
 template <class... Ts>
@@ -95,7 +108,7 @@ void VelkoPdfView::FollowAction(const std::shared_ptr<IAction>& pAction) {
         } else {
             m_pControl->GotoDestination(pAction);
         }
-        NoteFitLeft();
+        m_zoom.NoteFitLeft(m_facts.nPage);
     });
 }
 
@@ -118,30 +131,17 @@ bool VelkoPdfView::KeepsZoom(const IDestination& target) {
     }
 }
 
-Fit VelkoPdfView::FitOf(const IDestination& target) const {
-    switch (target.GetZoomMode()) {
-        case kFitPage:
-            return Fit::Page;
-        case kFitWidth:
-            return Fit::Width;
-        case kFitHeight:
-            return Fit::Height;
-        default:
-            return m_eFit;
-    }
-}
-
 void VelkoPdfView::ShowDestination(const IDestination& target) {
     const std::int32_t nPage = target.GetPageIndex(*m_pControl->GetPDFDoc());
     const double dbZoom = m_pControl->GetScale();
-    m_eFit = FitOf(target);
+    m_zoom.SetFitMode(FitOf(target, m_zoom.FitMode()));
     m_pControl->GotoPage(nPage);
-    if (m_eFit != Fit::None) {
-        ApplyFit();
+    if (m_zoom.HasFit()) {
+        m_zoom.ZoomToFit();
     } else if (m_pControl->GetScale() != static_cast<float>(dbZoom)) {
-        ApplyZoom(dbZoom);
+        m_zoom.ZoomTo(dbZoom);
     }
-    if (m_eFit != Fit::Page) { // a whole page is in sight with all of its places
+    if (m_zoom.FitMode() != ZoomMode::kFitPage) { // else all of its places are in sight
         ShowPlaceOf(target, nPage);
     }
 }

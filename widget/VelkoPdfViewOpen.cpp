@@ -3,6 +3,7 @@
 
 #include "component/KeptView.h"
 #include "platform/qt/QtElementWindow.h"
+#include "viewers/core/Modes.h"
 #include "widget/OpenFailure.h"
 #include "widget/PlaceKeeper.h"
 #include "widget/VelkoPdfView.h"
@@ -174,8 +175,8 @@ void VelkoPdfView::OnControlOpened(ErrorCode eCode) {
 void VelkoPdfView::BeginShowing() {
     m_history.Clear();
     m_bSeen = false;
-    m_eFit = Fit::Page;
-    NoteFit();
+    m_zoom.SetFitMode(ZoomMode::kFitPage);
+    m_zoom.NoteFit();
     ShowAround();
     m_bPlaceWaits = !m_pControl->HasViewer();
     if (!m_bPlaceWaits) {

@@ -20,7 +20,6 @@ using Windows::Foundation::Collections::PropertySet;
 namespace {
 
 constexpr int kLongestHoldMs = 300; // of the old frame while the new one renders
-constexpr double kSameZoom = 0.001; // as a share
 
 // How the zoom follows the window, besides what the control keeps itself.
 constexpr const char* kFitKey = "Widget.Fit";
@@ -59,7 +58,7 @@ VelkoPdfView::Facts VelkoPdfView::ReadFacts() {
     facts.nPageCount = m_pControl->GetPageCount();
     facts.nPage = m_pControl->GetCurrentPageIndex();
     facts.dbZoom = m_pControl->GetScale();
-    facts.eFit = m_eFit;
+    facts.eFit = static_cast<Fit>(m_zoom.FitMode());
     facts.nRotate = m_pControl->GetRotate();
     facts.eLayout = static_cast<Layout>(m_pControl->GetPageLayoutMode());
     facts.colors = {ToQColor(m_pControl->PageBgColor()), ToQColor(m_pControl->PageFgColor())};
@@ -74,7 +73,7 @@ bool VelkoPdfView::Refresh() {
         if (m_pWindow->IsFrameHeld() && IsSharp()) {
             m_pWindow->ReleaseFrame();
         }
-        FollowFit(NoteFitLeft());
+        FollowFit();
         UpdateLinks();
         if (m_pPlace) {
             m_pPlace->Changed();
@@ -109,38 +108,10 @@ bool VelkoPdfView::TellChanges(const Facts& before) {
     return !pThis.isNull();
 }
 
-// A gesture that zooms leaves the fit. A page that is turned to may have been
-// brought up at another scale than the one before; true then.
-bool VelkoPdfView::NoteFitLeft() {
-    if (!HasDocument() || m_eFit == Fit::None) {
-        return false;
+void VelkoPdfView::FollowFit() {
+    if (HasDocument()) {
+        m_zoom.FollowFit(m_zoom.NoteFitLeft(m_facts.nPage));
     }
-    const float fScale = m_pControl->GetScale();
-    const bool bTurned =
-        m_steps.ShowsSinglePage() && m_pControl->GetCurrentPageIndex() != m_facts.nPage;
-    if (bTurned) {
-        m_fFitScale = fScale;
-    } else if (fScale != m_fFitScale) {
-        m_eFit = Fit::None;
-    }
-    return bTurned;
-}
-
-// One page at a time is fitted as it comes, once it rests; the widest page of a
-// column may become known later than the fit was asked for.
-void VelkoPdfView::FollowFit(bool bTurned) {
-    const bool bFollows = m_eFit == Fit::Width || m_steps.ShowsSinglePage();
-    if (!HasDocument() || m_eFit == Fit::None || !bFollows ||
-        (m_steps.ShowsSinglePage() && m_pControl->GetVisiblePages().size() > 1)) {
-        return;
-    }
-    const double dbAim = FittedZoom();
-    const bool bElsewhere =
-        std::abs(dbAim - (bTurned ? m_pControl->GetScale() : m_dbFitAim)) > kSameZoom * dbAim;
-    if (bElsewhere) {
-        ApplyFit();
-    }
-    m_dbFitAim = dbAim;
 }
 
 void VelkoPdfView::OnPainted() {
@@ -202,8 +173,8 @@ void VelkoPdfView::BeforeArrange() {
 
 void VelkoPdfView::AfterArrange() {
     if (const auto keeper = std::exchange(m_keeper, std::nullopt)) {
-        keeper->Restore(*m_pControl, ZoomFor(*keeper));
-        NoteFit();
+        keeper->Restore(*m_pControl, m_zoom.FitOr(keeper->Zoom()));
+        m_zoom.NoteFit();
     } else if (HasDocument() && !m_bSeen) {
         ShowKeptPlace();
     }
@@ -221,9 +192,9 @@ std::optional<KeptView> VelkoPdfView::PlaceNow(bool bLeft) {
     if (!HasDocument() || (bTurning && !bLeft)) {
         return std::nullopt;
     }
-    NoteFitLeft();
+    m_zoom.NoteFitLeft(m_facts.nPage);
     PropertySet values;
-    values.Insert(kFitKey, PropertyValue::Create(static_cast<std::int32_t>(m_eFit)));
+    values.Insert(kFitKey, PropertyValue::Create(m_zoom.FitMode()));
     auto view = TakeView(*m_pControl, values);
     const int nPage = m_pControl->GetCurrentPageIndex();
     if (const auto place = m_pControl->GetPageScreenRect(nPage); place && view) {
@@ -237,14 +208,14 @@ std::optional<KeptView> VelkoPdfView::PlaceNow(bool bLeft) {
 void VelkoPdfView::ShowKeptPlace() {
     if (m_return && m_before) {
         ShowPlace(*m_before);
-        NoteFit();
+        m_zoom.NoteFit();
         return;
     }
     const auto pFile = m_pPlace ? m_pControl->GetDocumentFile() : nullptr;
     if (const auto kept = pFile ? FindView(pFile->Path()) : std::nullopt) {
         ShowPlace(*kept);
     }
-    NoteFit();
+    m_zoom.NoteFit();
 }
 
 // Zoom and offsets mean something only on a screen that lies the same way.
@@ -266,8 +237,8 @@ void VelkoPdfView::ShowPlace(const KeptView& kept) {
         m_pControl->GotoPage(nPage);
         return;
     }
-    m_eFit = static_cast<Fit>(std::clamp(ValueOr<std::int32_t>(values, kFitKey, 0), 0, 3));
-    ApplyZoom(m_eFit == Fit::None ? dbScale : FittedZoom());
+    m_zoom.SetFitMode(std::clamp(ValueOr<std::int32_t>(values, kFitKey, 0), 0, 3));
+    m_zoom.ZoomTo(m_zoom.FitOr(dbScale));
     const double dbGrown = m_pControl->GetScale() / dbScale;
     PutPage(nPage, state.OffsetX * dbGrown, state.OffsetY * dbGrown);
 }
