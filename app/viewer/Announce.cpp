@@ -8,10 +8,10 @@ namespace velko::viewer {
 
 namespace {
 
-constexpr const char* kAlert = "alert"; // on parts that have announced something
+constexpr const char* kAlert = "alert"; // a property of such parts
 
 // Screen readers speak what comes up as an alert without having the keys.
-QAccessibleInterface* MakeAlert(const QString& /*strClass*/, QObject* pObject) {
+QAccessibleInterface* InterfaceOf(const QString& /*strClass*/, QObject* pObject) {
     auto* const pWidget = qobject_cast<QWidget*>(pObject);
     return pWidget != nullptr && pWidget->property(kAlert).toBool()
                ? new QAccessibleWidget(pWidget, QAccessible::AlertMessage)
@@ -20,14 +20,14 @@ QAccessibleInterface* MakeAlert(const QString& /*strClass*/, QObject* pObject) {
 
 }
 
-void Announce(QWidget& part, const QString& strText) {
-    static const bool s_bInstalled = (QAccessible::installFactory(MakeAlert), true);
+void MakeAlert(QWidget& part) {
+    static const bool s_bInstalled = (QAccessible::installFactory(InterfaceOf), true);
     Q_UNUSED(s_bInstalled);
     part.setProperty(kAlert, true);
+}
+
+void Announce(QWidget& part, const QString& strText) {
     part.setAccessibleName(strText);
-    if (!QAccessible::isActive()) {
-        return;
-    }
     // A part that stays shown with another text is an alert of its own.
     for (const auto eEvent : {QAccessible::ObjectShow, QAccessible::Alert}) {
         QAccessibleEvent event(&part, eEvent);

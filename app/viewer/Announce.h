@@ -9,7 +9,11 @@ class QWidget;
 
 namespace velko::viewer {
 
-// The part counts as an alert from then on, with the text as its name. It is shown.
+// The part is to announce something: it counts as an alert. To be called before it
+// is shown for the first time.
+void MakeAlert(QWidget& part);
+
+// The part, which is shown, says this text.
 void Announce(QWidget& part, const QString& strText);
 
 }

@@ -13,6 +13,7 @@ constexpr int kFromTop = 72; // below the bar, should that come too
 }
 
 Hint::Hint(QWidget* pParent) : QLabel(pParent) {
+    MakeAlert(*this);
     setMargin(kMargin);
     setTextFormat(Qt::PlainText);
     setWordWrap(true);

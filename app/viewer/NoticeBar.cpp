@@ -26,6 +26,7 @@ NoticeBar::NoticeBar(QWidget* pParent)
       m_pText(new QLabel(this)),
       m_pAnswer(new QLineEdit(this)),
       m_pYes(new TextButton(this)) {
+    MakeAlert(*this);
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::ToolTipBase);
     setFrameStyle(QFrame::StyledPanel);

@@ -25,6 +25,7 @@ RecentList::RecentList(QWidget* pParent)
       m_pQuestion(new QLabel("Forget all recent files, and your places in them?", this)),
       m_pClear(new TextButton(this)),
       m_pKeep(new TextButton("Keep", this)) {
+    MakeAlert(*m_pQuestion);
     m_pQuestion->setWordWrap(true);
     m_pRowLayout->setSpacing(2);
     auto* const pQuestion = new QHBoxLayout;

@@ -23,6 +23,7 @@ StartPane::StartPane(QWidget* pParent) : QScrollArea(pParent) {
     setFocusPolicy(Qt::NoFocus);
     auto* const pInner = new QWidget(this);
     m_pText = new QLabel(pInner);
+    MakeAlert(*m_pText);
     m_pText->setAlignment(Qt::AlignHCenter);
     m_pText->setWordWrap(true);
     m_pText->setTextFormat(Qt::RichText);

@@ -1,6 +1,7 @@
 // The desktop viewer's commands by real keys, clicks and menus.
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QAction>
 #include <QClipboard>
 #include <QContextMenuEvent>
@@ -138,6 +139,10 @@ TEST_F(ViewerCommandsTest, TheFieldsTakeWhatIsTypedAndSayWhatCannotBe) {
 
     auto* const pPage = Field("Page");
     fnType(pPage, "99");
+    auto* const pAlert =
+        QAccessible::queryAccessibleInterface(m_pWindow->findChild<viewer::NoticeBar*>());
+    EXPECT_EQ(pAlert->role(), QAccessible::AlertMessage) << "screen readers speak what comes up";
+    EXPECT_EQ(pAlert->text(QAccessible::Name), m_pWindow->Notice());
     EXPECT_TRUE(m_pWindow->Notice().contains("from 1 to 9")) << "a page that there is not";
     EXPECT_GT(TheView().y(), viewer::CommandBar::kHeight) << "the notice lies on no page";
     EXPECT_EQ(TheView().CurrentPage(), 0);
