@@ -28,7 +28,9 @@ void MakeAlert(QWidget& part) {
 
 void Announce(QWidget& part, const QString& strText) {
     part.setAccessibleName(strText);
-    // A part that stays shown with another text is an alert of its own.
+    if (!part.isVisible()) {
+        return; // its coming up is told by Qt
+    }
     for (const auto eEvent : {QAccessible::ObjectShow, QAccessible::Alert}) {
         QAccessibleEvent event(&part, eEvent);
         QAccessible::updateAccessibility(&event);

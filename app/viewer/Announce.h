@@ -13,7 +13,7 @@ namespace velko::viewer {
 // is shown for the first time.
 void MakeAlert(QWidget& part);
 
-// The part, which is shown, says this text.
+// What the part says: at once when it is shown already, else when it comes up.
 void Announce(QWidget& part, const QString& strText);
 
 }

@@ -32,9 +32,9 @@ Hint::Hint(QWidget* pParent) : QLabel(pParent) {
 void Hint::Say(const QString& strText) {
     setText(strText);
     Place();
+    Announce(*this, strText);
     show();
     raise();
-    Announce(*this, strText);
     m_timer.start();
 }
 

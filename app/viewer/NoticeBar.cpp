@@ -63,10 +63,10 @@ void NoticeBar::Show(Kind eKind, const QString& strText, const QString& strYes) 
     m_pYes->setText(strYes);
     m_pYes->setVisible(!strYes.isEmpty());
     m_pAnswer->hide();
+    Announce(*this, strText);
     show();
     raise();
     emit Changed();
-    Announce(*this, strText);
 }
 
 int NoticeBar::RoomFor(int nWidth) const {

@@ -105,12 +105,12 @@ void RecentList::Remove(RecentRow* pRow) {
 
 void RecentList::Ask(bool bAsk) {
     m_bAsking = bAsk;
+    Announce(*m_pQuestion, m_pQuestion->text());
     m_pQuestion->setVisible(bAsk);
     m_pKeep->setVisible(bAsk);
     m_pClear->setText(bAsk ? "Clear" : "Clear this list…");
     if (bAsk) {
         m_pKeep->setFocus(Qt::TabFocusReason);
-        Announce(*m_pQuestion, m_pQuestion->text());
     }
 }
 

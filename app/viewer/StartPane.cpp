@@ -54,9 +54,9 @@ void StartPane::Show(const QString& strTitle, const QString& strText) {
                          .arg(strTitle.toHtmlEscaped(),
                               strText.toHtmlEscaped().replace('\n', QStringLiteral("<br>"))));
     FillList();
+    Announce(*m_pText, QStringLiteral("%1. %2").arg(strTitle, strText));
     show();
     raise();
-    Announce(*m_pText, QStringLiteral("%1. %2").arg(strTitle, strText));
 }
 
 void StartPane::FillList() {
