@@ -88,6 +88,9 @@ void WindowList::ShareColors(const MainWindow& from) {
         if (pWindow->View().Colors() != colors) {
             pWindow->View().SetColors(colors);
         }
+        if (pWindow->View().ScanColors() != from.View().ScanColors()) {
+            pWindow->View().SetScanColors(from.View().ScanColors());
+        }
     }
 }
 
