@@ -24,6 +24,7 @@ constexpr double kLineScroll = 60.0; // Qt's units
 void VelkoPdfView::GotoPage(int nPage) {
     Command([&] {
         m_pControl->GotoPage(std::clamp(nPage, 0, std::max(0, m_pControl->GetPageCount() - 1)));
+        m_zoom.FollowPage();
     });
 }
 
@@ -79,6 +80,7 @@ void VelkoPdfView::ScrollByScreen(int nScreens) {
     Command([&] {
         for (int n = 0; n < std::abs(nScreens); ++n) {
             m_steps.StepScreen(nScreens > 0 ? 1 : -1);
+            m_zoom.FollowPage();
         }
     });
 }

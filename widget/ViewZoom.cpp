@@ -98,6 +98,13 @@ void ViewZoom::FollowFit(bool bTurned) {
     m_dbAim = dbAim;
 }
 
+void ViewZoom::FollowPage() {
+    const bool bFollows = HasFit() && m_nFit != ZoomMode::kFitWidth && !m_steps.ShowsSinglePage();
+    if (bFollows && std::abs(Fitted() - m_dbAim) > kSameZoom * m_dbAim) {
+        ZoomToFit();
+    }
+}
+
 void ViewZoom::ZoomToFit() {
     const std::int32_t nPage = m_control.GetCurrentPageIndex();
     ZoomTo(Fitted());

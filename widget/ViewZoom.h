@@ -2,9 +2,10 @@
 // follows.
 //
 // A fit stays in force until something else than its own steps zooms. It follows
-// the view's size, and the pages: one page at a time is fitted as it comes, and the
-// width in a column is the one of the widest page that is known by now, so that no
-// page on the way is wider than the window. A whole page is fitted by both of its
+// the view's size, and the pages: one page at a time is fitted as it comes; in a
+// column the width is the one of the widest page that is known by now, so that no
+// page on the way is wider than the window, and a whole page the one that a command
+// goes to. A whole page is fitted by both of its
 // sides, also a turned one.
 // Units: 1.0 is 100 %. Fits are the zoom modes of viewers/core/Modes.h.
 // Threads: UI thread only. Errors: failures of the control are raised. All but
@@ -52,6 +53,8 @@ public:
     // `nPageBefore` may have come at another scale; true then.
     bool NoteFitLeft(std::int32_t nPageBefore);
     void FollowFit(bool bTurned);
+    // After a command that went to a page: in a column it decides what fits whole.
+    void FollowPage();
 
 private:
     double Fitted() const;
