@@ -1,0 +1,316 @@
+#include "engines/mupdf/reflow/Capture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "engines/mupdf/Allocator.h"
+#include "engines/mupdf/reflow/Characters.h"
+#include "engines/mupdf/reflow/LogicalOrder.h"
+#include "engines/mupdf/reflow/StyleTable.h"
+
+namespace velko::engines::mupdf::reflow {
+
+namespace {
+
+void DropText(fz_context* ctx, fz_stext_page* pText) {
+    fz_drop_stext_page(ctx, pText);
+}
+using TextHandle = Handle<fz_stext_page, DropText>;
+
+constexpr float kLeastSize = 0.5F; // points; what is smaller is set as if it had that
+constexpr float kMostSize = 2000.0F;
+constexpr float kAscent = 0.75F; // of a line's box above its baseline, in its size
+constexpr float kDescent = 0.25F;
+constexpr float kLightest = 150.0F; // of letters on white paper, 255 is white
+
+// Calls `fnRun` for each list that takes part in the page.
+template <class Run>
+void ForEachList(const PageModel& model, Run&& fnRun) {
+    for (const auto& pDrawing : {model.pContent, model.pAnnots}) {
+        if (!pDrawing) {
+            continue;
+        }
+        for (const Drawing::Part& part : pDrawing->parts) {
+            if (part.list) {
+                fnRun(part.list.Get());
+            }
+        }
+    }
+}
+
+// A fault within a list leaves out the rest of it and nothing else.
+template <class Body>
+void Leniently(Body&& body) {
+    try {
+        Guard(ThreadContext(), std::forward<Body>(body));
+    } catch (const LibraryError& error) {
+        if (error.Kind() == FZ_ERROR_MEMORY) {
+            throw;
+        }
+    }
+}
+
+TextHandle ExtractText(const PageModel& model, const fz_rect& rcPage, fz_cookie* pCookie) {
+    fz_context* const ctx = ThreadContext();
+    TextHandle text;
+    DeviceHandle device;
+    const fz_stext_options options = {FZ_STEXT_PRESERVE_LIGATURES, 1.0F};
+    Guard(ctx, [&] {
+        text.Out() = fz_new_stext_page(ctx, rcPage);
+        device.Out() = fz_new_stext_device(ctx, text.Get(), &options);
+    });
+    ForEachList(model, [&](fz_display_list* pList) {
+        Leniently([&] {
+            fz_run_display_list(ctx, pList, device.Get(), fz_identity, fz_infinite_rect, pCookie);
+        });
+    });
+    Leniently([&] { fz_close_device(ctx, device.Get()); });
+    return text;
+}
+
+Direction DirectionOf(fz_point dir) {
+    constexpr float kStraight = 0.998F; // within some three degrees
+    if (dir.x > kStraight) {
+        return Direction::kRight;
+    }
+    if (dir.y > kStraight) {
+        return Direction::kDown;
+    }
+    if (dir.x < -kStraight) {
+        return Direction::kLeft;
+    }
+    return dir.y < -kStraight ? Direction::kUp : Direction::kOblique;
+}
+
+// Turns the page so that the direction points right and the next line is below.
+fz_matrix Upright(Direction eDirection, fz_point dir) {
+    switch (eDirection) {
+        case Direction::kRight:
+            return fz_identity;
+        case Direction::kDown:
+            return fz_make_matrix(0.0F, -1.0F, 1.0F, 0.0F, 0.0F, 0.0F);
+        case Direction::kLeft:
+            return fz_make_matrix(-1.0F, 0.0F, 0.0F, -1.0F, 0.0F, 0.0F);
+        case Direction::kUp:
+            return fz_make_matrix(0.0F, 1.0F, -1.0F, 0.0F, 0.0F, 0.0F);
+        default:
+            return fz_make_matrix(dir.x, -dir.y, dir.y, dir.x, 0.0F, 0.0F);
+    }
+}
+
+// Letters that are too light for white paper become darker.
+std::uint32_t Readable(int nColor) {
+    std::uint32_t nReadable = 0;
+    const auto fnChannel = [&](unsigned nShift) {
+        return static_cast<float>((static_cast<unsigned>(nColor) >> nShift) & 0xFFU);
+    };
+    const float fLight = 0.3F * fnChannel(16) + 0.59F * fnChannel(8) + 0.11F * fnChannel(0);
+    const float fFactor = fLight > 240.0F ? 0.0F : fLight > kLightest ? kLightest / fLight : 1.0F;
+    for (const unsigned nShift : {0U, 8U, 16U}) {
+        nReadable |= static_cast<std::uint32_t>(fnChannel(nShift) * fFactor) << nShift;
+    }
+    return nReadable;
+}
+
+float Kept(float f, float fLeast, float fMost) {
+    return f >= fLeast ? std::min(f, fMost) : fLeast; // not a number is the least
+}
+
+// Type 3 fonts choose their own unit; their box tells what a letter's height is.
+float UnitOf(fz_font* pFont) {
+    if (pFont->t3procs == nullptr) {
+        return 1.0F;
+    }
+    const float fHeight = pFont->bbox.y1 - pFont->bbox.y0;
+    const bool bLikely = fHeight > 0.5F && fHeight < 2.5F;
+    return bLikely || !(fHeight > 1.0E-4F && fHeight < 1.0E4F) ? 1.0F : fHeight / 1.2F;
+}
+
+class LineReader {
+public:
+    LineReader(PageModel& model, GlyphRecorder& recorder, const fz_rect& rcPage)
+        : m_styles(model), m_recorder(recorder), m_rcPage(rcPage) {}
+
+    // A line without glyphs for one that has nothing to read on the page.
+    TextLine Read(const fz_stext_line& line) {
+        TextLine result;
+        result.eDirection = DirectionOf(line.dir);
+        m_toUpright = Upright(result.eDirection, line.dir);
+        CollectCharacters(line);
+        if (m_characters.empty()) {
+            return result;
+        }
+        MeasureLine(result);
+        result.bRightToLeft = ToLogicalOrder(m_order);
+        for (const PlacedCharacter& placed : m_order) {
+            Append(result, *m_characters[placed.nIndex]);
+        }
+        if (!result.glyphs.empty() && IsSpace(result.glyphs.back().nUnicode)) {
+            result.glyphs.pop_back();
+        }
+        return result;
+    }
+
+private:
+    void CollectCharacters(const fz_stext_line& line) {
+        m_characters.clear();
+        m_order.clear();
+        for (const fz_stext_char* p = line.first_char; p != nullptr; p = p->next) {
+            if (IsOnPage(*p)) {
+                const fz_rect rc = fz_rect_from_quad(fz_transform_quad(p->quad, m_toUpright));
+                m_order.push_back(
+                    {static_cast<char32_t>(p->c), (rc.x0 + rc.x1) / 2.0F, m_characters.size()});
+                m_characters.push_back(p);
+            }
+        }
+    }
+
+    bool IsOnPage(const fz_stext_char& c) const {
+        const fz_rect rc = fz_rect_from_quad(c.quad);
+        return std::isfinite(c.origin.x) && std::isfinite(c.origin.y) && std::isfinite(c.size) &&
+               rc.x1 >= m_rcPage.x0 && rc.x0 <= m_rcPage.x1 && rc.y1 >= m_rcPage.y0 &&
+               rc.y0 <= m_rcPage.y1;
+    }
+
+    void MeasureLine(TextLine& line) {
+        std::vector<float> sizes;
+        std::vector<float> baselines;
+        line.rc = fz_empty_rect;
+        float fStart = INFINITY;
+        float fEnd = -INFINITY;
+        for (const fz_stext_char* p : m_characters) {
+            line.rcOnPage = fz_union_rect(line.rcOnPage, fz_rect_from_quad(p->quad));
+            if (IsSpace(static_cast<char32_t>(p->c))) {
+                continue;
+            }
+            const fz_rect rc = fz_rect_from_quad(fz_transform_quad(p->quad, m_toUpright));
+            fStart = std::min(fStart, rc.x0);
+            fEnd = std::max(fEnd, rc.x1);
+            sizes.push_back(Kept(p->size, kLeastSize, kMostSize));
+            baselines.push_back(fz_transform_point(p->origin, m_toUpright).y);
+        }
+        if (sizes.empty()) {
+            return;
+        }
+        std::nth_element(sizes.begin(), sizes.begin() + sizes.size() / 2, sizes.end());
+        std::nth_element(baselines.begin(), baselines.begin() + baselines.size() / 2,
+                         baselines.end());
+        line.fSize = sizes[sizes.size() / 2];
+        line.fBaseline = baselines[baselines.size() / 2];
+        line.rc = fz_make_rect(fStart, line.fBaseline - kAscent * line.fSize, fEnd,
+                               line.fBaseline + kDescent * line.fSize);
+    }
+
+    void Append(TextLine& line, const fz_stext_char& c) {
+        const auto nUnicode = static_cast<char32_t>(c.c);
+        if (IsSpace(nUnicode)) {
+            if (!line.glyphs.empty() && !IsSpace(line.glyphs.back().nUnicode)) {
+                line.glyphs.push_back({U' ', Glyph::kNone, line.glyphs.back().nStyle, false});
+            }
+            return;
+        }
+        RecordedGlyph* const pRecorded = m_recorder.Take(c.origin);
+        if (pRecorded == nullptr && m_recorder.HasAt(c.origin) && !line.glyphs.empty()) {
+            line.glyphs.push_back({nUnicode, Glyph::kNone, line.glyphs.back().nStyle, true});
+            return;
+        }
+        line.glyphs.push_back(MakeGlyph(line, c, nUnicode, pRecorded));
+    }
+
+    Glyph MakeGlyph(const TextLine& line, const fz_stext_char& c, char32_t nUnicode,
+                    const RecordedGlyph* pRecorded) {
+        Style style;
+        style.nColor = Readable(c.color);
+        style.fSize = Kept(c.size, kLeastSize, kMostSize);
+        style.fRise = RiseOf(line, c);
+        const bool bOwn = pRecorded != nullptr && pRecorded->bVisible &&
+                          (pRecorded->nGlyph != 0 || pRecorded->pFont->t3procs != nullptr);
+        if (!bOwn) {
+            const StandIn standIn = FindStandIn(c.font, nUnicode);
+            if (standIn.pFont != nullptr) {
+                style.nFont = m_styles.FontIndex(standIn.pFont);
+                return {nUnicode, standIn.nGlyph, m_styles.Index(style), false};
+            }
+        }
+        if (pRecorded == nullptr || (!bOwn && !pRecorded->bVisible)) {
+            style.nFont = m_styles.FontIndex(c.font);
+            return {nUnicode, Glyph::kNone, m_styles.Index(style), false};
+        }
+        TakeShape(style, *pRecorded);
+        style.nFont = m_styles.FontIndex(pRecorded->pFont);
+        return {nUnicode, pRecorded->nGlyph, m_styles.Index(style), false};
+    }
+
+    // A raised or lowered sign; what little a line wavers is none.
+    float RiseOf(const TextLine& line, const fz_stext_char& c) const {
+        const float fRise = line.fBaseline - fz_transform_point(c.origin, m_toUpright).y;
+        return std::abs(fRise) > 0.08F * line.fSize ? Kept(fRise, -line.fSize, line.fSize) : 0.0F;
+    }
+
+    void TakeShape(Style& style, const RecordedGlyph& glyph) const {
+        const fz_matrix m = fz_concat(glyph.shape, m_toUpright);
+        const float fWidth = std::hypot(m.a, m.b);
+        const float fHeight = std::abs(m.a * m.d - m.b * m.c) / fWidth;
+        if (!(fWidth > 0.0F) || !(fHeight > 0.0F)) {
+            return;
+        }
+        const float fUnit = UnitOf(glyph.pFont);
+        style.fSize = Kept(fHeight * fUnit, kLeastSize, kMostSize);
+        style.fToFont = 1.0F / fUnit;
+        style.fStretch = Kept(fWidth / fHeight, 0.4F, 2.5F);
+        style.fSlant = Kept((m.c * m.a + m.d * m.b) / fWidth / fHeight, -0.5F, 0.5F);
+    }
+
+    StyleTable m_styles;
+    GlyphRecorder& m_recorder;
+    fz_rect m_rcPage;
+    fz_matrix m_toUpright = fz_identity;
+    std::vector<const fz_stext_char*> m_characters; // of the line at hand
+    std::vector<PlacedCharacter> m_order;
+};
+
+void CollectLines(CapturedPage& page, const fz_stext_page& text, LineReader& reader) {
+    for (const fz_stext_block* pBlock = text.first_block; pBlock != nullptr;
+         pBlock = pBlock->next) {
+        if (pBlock->type != FZ_STEXT_BLOCK_TEXT) {
+            continue;
+        }
+        for (const fz_stext_line* pLine = pBlock->u.t.first_line; pLine != nullptr;
+             pLine = pLine->next) {
+            TextLine line = reader.Read(*pLine);
+            if (!line.glyphs.empty()) {
+                page.lines.push_back(std::move(line));
+            }
+        }
+    }
+}
+
+}
+
+CapturedPage CapturePage(PageModel& model, const fz_rect& rcPage, Operation& operation) {
+    fz_context* const ctx = ThreadContext();
+    const AllocationWatch watch;
+    CapturedPage page;
+    GlyphRecorder recorder;
+    ForEachList(model, [&](fz_display_list* pList) {
+        Leniently([&] { recorder.Run(ctx, pList, operation.Cookie()); });
+    });
+    operation.ThrowIfAborted();
+    page.pictures = recorder.Pictures();
+    page.bTooMuch = recorder.IsFull();
+    if (!page.bTooMuch && recorder.GlyphCount() != 0) {
+        const TextHandle text = ExtractText(model, rcPage, operation.Cookie());
+        operation.ThrowIfAborted();
+        LineReader reader(model, recorder, rcPage);
+        CollectLines(page, *text.Get(), reader);
+    }
+    model.bCutShort = model.bCutShort || operation.IsTimedOut();
+    if (watch.WasRefused() && !operation.IsTimedOut()) {
+        throw common::EngineException(common::ErrorCode::e_ErrOutOfMemory,
+                                      "no memory for the page's text");
+    }
+    return page;
+}
+
+}

@@ -1,0 +1,29 @@
+// What the analysis and the setting of text know about single characters.
+//
+// Threads: pure functions.
+#pragma once
+
+#include <string>
+
+namespace velko::engines::mupdf::reflow {
+
+bool IsSpace(char32_t c);
+bool IsLetter(char32_t c);
+bool IsDigit(char32_t c);
+bool IsLowerCase(char32_t c);
+bool IsHyphen(char32_t c);      // one that may end a line within a word
+bool IsRightToLeft(char32_t c); // strongly
+bool IsLeftToRight(char32_t c); // strongly
+bool IsIdeographic(char32_t c); // set without spaces: ideographs, kana, their signs
+bool EndsSentence(char32_t c);
+bool IsClosingMark(char32_t c); // quotes and brackets that may follow a sentence's end
+bool IsBullet(char32_t c);
+
+// Signs that no line may begin or end with.
+bool MayNotBegin(char32_t c);
+bool MayNotEnd(char32_t c);
+
+// Appends the character in UTF-8; ligatures as the letters they stand for.
+void AppendUtf8(std::string& strText, char32_t c);
+
+}

@@ -1,0 +1,147 @@
+#include "engines/mupdf/reflow/GlyphRecorder.h"
+
+#include <cmath>
+#include <new>
+
+namespace velko::engines::mupdf::reflow {
+
+namespace {
+
+struct RecorderDevice {
+    fz_device base;
+    GlyphRecorder* pRecorder;
+    fz_cookie* pCookie;
+};
+
+void Note(fz_device* pDevice, const fz_text* pText, const fz_matrix& ctm, bool bVisible) {
+    auto* const pOwn = reinterpret_cast<RecorderDevice*>(pDevice);
+    pOwn->pRecorder->Note(*pText, ctm, bVisible);
+    if (pOwn->pRecorder->IsFull()) {
+        pOwn->pCookie->abort = 1;
+    }
+}
+
+void FillText(fz_context*, fz_device* pDevice, const fz_text* pText, fz_matrix ctm, fz_colorspace*,
+              const float*, float, fz_color_params) {
+    Note(pDevice, pText, ctm, true);
+}
+
+void StrokeText(fz_context*, fz_device* pDevice, const fz_text* pText, const fz_stroke_state*,
+                fz_matrix ctm, fz_colorspace*, const float*, float, fz_color_params) {
+    Note(pDevice, pText, ctm, true);
+}
+
+void ClipText(fz_context*, fz_device* pDevice, const fz_text* pText, fz_matrix ctm, fz_rect) {
+    Note(pDevice, pText, ctm, true);
+}
+
+void ClipStrokeText(fz_context*, fz_device* pDevice, const fz_text* pText, const fz_stroke_state*,
+                    fz_matrix ctm, fz_rect) {
+    Note(pDevice, pText, ctm, true);
+}
+
+void IgnoreText(fz_context*, fz_device* pDevice, const fz_text* pText, fz_matrix ctm) {
+    Note(pDevice, pText, ctm, false);
+}
+
+void FillImage(fz_context* ctx, fz_device* pDevice, fz_image*, fz_matrix ctm, float,
+               fz_color_params) {
+    reinterpret_cast<RecorderDevice*>(pDevice)->pRecorder->NotePicture(
+        ctm, fz_device_current_scissor(ctx, pDevice));
+}
+
+void FillImageMask(fz_context* ctx, fz_device* pDevice, fz_image*, fz_matrix ctm, fz_colorspace*,
+                   const float*, float, fz_color_params) {
+    reinterpret_cast<RecorderDevice*>(pDevice)->pRecorder->NotePicture(
+        ctm, fz_device_current_scissor(ctx, pDevice));
+}
+
+}
+
+void GlyphRecorder::Run(fz_context* ctx, fz_display_list* pList, fz_cookie* pCookie) {
+    auto* const pDevice = fz_new_derived_device(ctx, RecorderDevice);
+    pDevice->pRecorder = this;
+    pDevice->pCookie = pCookie;
+    pDevice->base.fill_text = &FillText;
+    pDevice->base.stroke_text = &StrokeText;
+    pDevice->base.clip_text = &ClipText;
+    pDevice->base.clip_stroke_text = &ClipStrokeText;
+    pDevice->base.ignore_text = &IgnoreText;
+    pDevice->base.fill_image = &FillImage;
+    pDevice->base.fill_image_mask = &FillImageMask;
+    fz_try(ctx) {
+        fz_run_display_list(ctx, pList, &pDevice->base, fz_identity, fz_infinite_rect, pCookie);
+        fz_close_device(ctx, &pDevice->base);
+    }
+    fz_always(ctx) {
+        fz_drop_device(ctx, &pDevice->base);
+    }
+    fz_catch(ctx) {
+        fz_rethrow(ctx);
+    }
+    if (m_bOutOfMemory) {
+        fz_throw(ctx, FZ_ERROR_MEMORY, "no memory for the page's text");
+    }
+}
+
+// A place in 32nds of a point: the extraction computes it the same way.
+std::uint64_t GlyphRecorder::KeyOf(fz_point pt) {
+    const auto fnPart = [](float f) {
+        const float fScaled = std::isfinite(f) ? f * 32.0F : 0.0F;
+        const float fKept = std::fmin(std::fmax(fScaled, -1.0E9F), 1.0E9F);
+        return static_cast<std::uint32_t>(static_cast<std::int32_t>(std::lround(fKept)));
+    };
+    return std::uint64_t{fnPart(pt.x)} << 32U | fnPart(pt.y);
+}
+
+void GlyphRecorder::Note(const fz_text& text, const fz_matrix& toList, bool bVisible) noexcept {
+    try {
+        for (const fz_text_span* pSpan = text.head; pSpan != nullptr; pSpan = pSpan->next) {
+            for (int i = 0; i < pSpan->len && !IsFull(); ++i) {
+                const fz_text_item& item = pSpan->items[i];
+                ++m_nGlyphs;
+                if (item.gid < 0) {
+                    continue;
+                }
+                fz_matrix shape = pSpan->trm;
+                shape.e = item.x;
+                shape.f = item.y;
+                shape = fz_concat(shape, toList);
+                const fz_point pt = {shape.e, shape.f};
+                shape.e = shape.f = 0.0F;
+                m_glyphs.emplace(KeyOf(pt),
+                                 RecordedGlyph{pSpan->font, shape, item.gid, bVisible, false});
+            }
+        }
+    } catch (const std::bad_alloc&) {
+        m_bOutOfMemory = true;
+    }
+}
+
+void GlyphRecorder::NotePicture(const fz_matrix& toList, fz_rect rcVisible) noexcept {
+    try {
+        if (m_pictures.size() < kMostPictures) {
+            m_pictures.push_back(
+                fz_intersect_rect(fz_transform_rect(fz_unit_rect, toList), rcVisible));
+        }
+    } catch (const std::bad_alloc&) {
+        m_bOutOfMemory = true;
+    }
+}
+
+RecordedGlyph* GlyphRecorder::Take(fz_point pt) {
+    const auto [first, last] = m_glyphs.equal_range(KeyOf(pt));
+    for (auto it = first; it != last; ++it) {
+        if (!it->second.bUsed) {
+            it->second.bUsed = true;
+            return &it->second;
+        }
+    }
+    return nullptr;
+}
+
+bool GlyphRecorder::HasAt(fz_point pt) const {
+    return m_glyphs.contains(KeyOf(pt));
+}
+
+}

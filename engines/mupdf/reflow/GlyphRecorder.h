@@ -1,0 +1,61 @@
+// Notes what a page's lists draw: glyphs with their fonts, and pictures.
+//
+// The library's text extraction finds lines, words and missing spaces, but
+// forgets which glyph of which font a character was. This device notes the
+// glyphs by their place, where `CapturePage` finds them again.
+//
+// Threads: one at a time.
+// Units: the list's space.
+#pragma once
+
+#include <mupdf/fitz.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+namespace velko::engines::mupdf::reflow {
+
+struct RecordedGlyph {
+    fz_font* pFont = nullptr;      // the list's
+    fz_matrix shape = fz_identity; // without the place
+    std::int32_t nGlyph = 0;
+    bool bVisible = false;
+    bool bUsed = false;
+};
+
+class GlyphRecorder {
+public:
+    static constexpr std::size_t kMostGlyphs = 400'000;
+    static constexpr std::size_t kMostPictures = 256;
+
+    // Runs the list; stops when there are too many glyphs. Guarded bodies only.
+    void Run(fz_context* ctx, fz_display_list* pList, fz_cookie* pCookie);
+
+    bool IsFull() const { return m_nGlyphs >= kMostGlyphs; }
+    std::size_t GlyphCount() const { return m_nGlyphs; }
+
+    // The next glyph that was drawn at the place, or nothing.
+    RecordedGlyph* Take(fz_point pt);
+
+    // True when a glyph stands at the place, taken or not.
+    bool HasAt(fz_point pt) const;
+
+    const std::vector<fz_rect>& Pictures() const { return m_pictures; }
+
+    // For the device; must not raise.
+    void Note(const fz_text& text, const fz_matrix& toList, bool bVisible) noexcept;
+    void NotePicture(const fz_matrix& toList, fz_rect rcVisible) noexcept;
+
+private:
+    static std::uint64_t KeyOf(fz_point pt);
+
+    std::unordered_multimap<std::uint64_t, RecordedGlyph> m_glyphs;
+    std::vector<fz_rect> m_pictures;
+    std::size_t m_nGlyphs = 0;
+    bool m_bOutOfMemory = false;
+};
+
+}
