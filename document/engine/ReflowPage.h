@@ -21,18 +21,21 @@ namespace velko::pdf {
 
 class ReflowPage {
 public:
+    static constexpr std::int32_t kText = 2;
+    static constexpr std::int32_t kTextAndPictures = 3;
+
     virtual ~ReflowPage() = default;
 
     virtual void SetScreenSize(float fWidth, float fHeight) = 0; // the room for the text
     virtual void SetZoom(std::int32_t nPercent) = 0;             // 100: the page's own sizes
-    virtual void SetSpacing1(float fSpacing) = 0; // for the engine to read as it likes
-    virtual void SetSpacing2(float fSpacing) = 0;
-    virtual void SetParseFlags(std::int32_t nFlags) = 0; // 2 text, 3 text and pictures
+    virtual void SetSpacing1(float fSpacing) = 0;                // between lines, points at 100 %
+    virtual void SetSpacing2(float fSpacing) = 0;                // between paragraphs, likewise
+    virtual void SetParseFlags(std::int32_t nFlags) = 0;         // one of the above
 
     // Without a pause object the page is laid out when this returns.
     virtual std::shared_ptr<common::Progressive> StartParse(common::IPauseCallback* pPause) = 0;
 
-    // 0 for a page without text.
+    // 0 for a page with nothing to set.
     virtual std::int32_t GetContentWidth() const = 0;
     virtual std::int32_t GetContentHeight() const = 0;
 

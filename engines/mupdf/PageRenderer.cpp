@@ -11,6 +11,8 @@
 #include "engines/mupdf/Page.h"
 #include "engines/mupdf/PictureProbe.h"
 #include "engines/mupdf/TileLimit.h"
+#include "engines/mupdf/reflow/LayoutDrawer.h"
+#include "engines/mupdf/reflow/ReflowedPage.h"
 
 namespace velko::engines::mupdf {
 
@@ -131,8 +133,30 @@ bool PageRenderer::RenderAnnot(std::shared_ptr<pdf::IAnnot> pAnnot, const Matrix
 }
 
 std::shared_ptr<common::Progressive> PageRenderer::StartRenderReflowPage(
-    std::shared_ptr<pdf::ReflowPage>, const Matrix2D&, common::IPauseCallback*) {
-    throw EngineException(ErrorCode::e_ErrUnsupported, "this engine does not reflow pages");
+    std::shared_ptr<pdf::ReflowPage> pPage, const Matrix2D& matrix, common::IPauseCallback*) {
+    const auto pOwn = std::dynamic_pointer_cast<reflow::ReflowedPage>(pPage);
+    const auto pLayout = pOwn ? pOwn->Result() : nullptr;
+    if (!pLayout || !IsUsable(matrix)) {
+        throw EngineException(ErrorCode::e_ErrParam, "not a page that this engine has reflowed");
+    }
+    DrawReflowed(*pLayout,
+                 fz_make_matrix(matrix.A, matrix.B, matrix.C, matrix.D, matrix.E, matrix.F));
+    return std::make_shared<FinishedProgress>();
+}
+
+// Mapped, the bitmap's paper becomes the background colour, wholly.
+void PageRenderer::DrawReflowed(const reflow::Layout& layout, const fz_matrix& toBitmap) {
+    const fz_irect area = fz_make_irect(0, 0, m_nWidth, m_nHeight);
+    const bool bMapped = m_nColorMode == kColorModeMapped;
+    if (bMapped) {
+        m_pBitmap->FillRect(kWhite, {0, 0, m_nWidth, m_nHeight});
+    }
+    Operation operation(m_pAbort, CurrentBudgets().render);
+    reflow::DrawLayout(layout, {BitmapPixels(), m_nWidth, m_nHeight, toBitmap}, operation);
+    m_bIncomplete = m_bIncomplete || layout.bCutShort || operation.IsTimedOut();
+    if (bMapped) {
+        Map(area, BitmapPixels());
+    }
 }
 
 PageRenderer::Placement PageRenderer::Place(const PageFacts& facts, const Matrix2D& matrix) const {

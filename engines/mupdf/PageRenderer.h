@@ -22,6 +22,10 @@
 
 namespace velko::engines::mupdf {
 
+namespace reflow {
+struct Layout;
+}
+
 class PageRenderer final : public common::Renderer {
 public:
     // Raises `EngineException` (parameter) without a usable bitmap.
@@ -70,6 +74,7 @@ private:
     void DrawTrueColors(const Layer& layer, std::uint32_t* pPixels);
     bool IsScan(const Layer& layer);
     bool IsBright(const Layer& layer);
+    void DrawReflowed(const reflow::Layout& layout, const fz_matrix& toBitmap);
     void Map(const fz_irect& area, const std::uint32_t* pTrueColors);
 
     // Run the list into pixels of the bitmap's size, or its pictures into the mask.

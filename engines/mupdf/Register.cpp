@@ -4,10 +4,10 @@
 #include <utility>
 
 #include "document/engine/PDFDoc.h"
-#include "document/engine/ReflowPage.h"
 #include "engines/mupdf/Document.h"
 #include "engines/mupdf/PageRenderer.h"
 #include "engines/mupdf/PixelBitmap.h"
+#include "engines/mupdf/reflow/ReflowedPage.h"
 
 namespace velko::engines::mupdf {
 
@@ -27,19 +27,12 @@ public:
     }
 };
 
-class ReflowPageFactory final : public pdf::IReflowPageFactory {
-public:
-    std::shared_ptr<pdf::ReflowPage> Create(std::shared_ptr<pdf::PDFPage>) override {
-        throw EngineException(ErrorCode::e_ErrUnsupported, "this engine does not reflow pages");
-    }
-};
-
 }
 
 void RegisterEngine() {
     Platform::RegisterActivationFactory(pdf::kPDFDocClass, std::make_shared<DocumentFactory>());
     Platform::RegisterActivationFactory(pdf::kReflowPageClass,
-                                        std::make_shared<ReflowPageFactory>());
+                                        std::make_shared<reflow::ReflowedPageFactory>());
     Platform::RegisterActivationFactory(common::kBitmapClass,
                                         std::make_shared<PixelBitmapFactory>());
     Platform::RegisterActivationFactory(common::kRendererClass,

@@ -1,0 +1,68 @@
+// A page's model set for a width: where each glyph and each figure stands.
+//
+// Lines stand on whole pixels and glyphs on quarters of one, so that a band
+// that is drawn alone has the pixels that it has in the whole.
+//
+// Threads: immutable once made; may be drawn by several threads.
+// Units: pixels, the content's first at the top left.
+#pragma once
+
+#include <mupdf/fitz.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "engines/mupdf/reflow/PageModel.h"
+
+namespace velko::engines::mupdf::reflow {
+
+struct SetParameters {
+    float fScreenWidth = 0.0F;
+    float fScreenHeight = 0.0F;
+    std::int32_t nPercent = 100;
+    float fLineSpacing = 0.0F;      // between lines, points at 100 %
+    float fParagraphSpacing = 0.0F; // between paragraphs, likewise
+    bool bPictures = true;
+};
+
+struct SetGlyph {
+    float x = 0.0F;
+    std::int32_t y = 0; // of its own baseline
+    std::uint32_t nStyle = 0;
+    std::int32_t nGlyph = 0;
+    char32_t nUnicode = 0;
+};
+
+struct SetLine {
+    std::size_t nFirst = 0; // of the glyphs
+    std::size_t nEnd = 0;
+    std::int32_t nInkTop = 0;
+    std::int32_t nInkBottom = 0;
+};
+
+struct SetFigure {
+    fz_irect rc = fz_empty_irect;
+    fz_rect rcRegion = fz_empty_rect; // of the page
+};
+
+struct Layout {
+    static constexpr std::int32_t kMaxWidth = 16'384;
+    static constexpr std::int32_t kMaxHeight = 4'000'000;
+
+    std::shared_ptr<const PageModel> pModel;
+    std::vector<fz_matrix> shapes; // of each style's glyphs, without the place
+    std::vector<SetGlyph> glyphs;
+    std::vector<SetLine> lines; // from the top down
+    std::vector<SetFigure> figures;
+    std::int32_t nWidth = 0; // 0 by 0 where there is nothing to show
+    std::int32_t nHeight = 0;
+    bool bCutShort = false;
+};
+
+// Any parameters will do; sizes are brought within what can be read and drawn.
+std::shared_ptr<const Layout> SetModel(std::shared_ptr<const PageModel> pModel,
+                                       const SetParameters& parameters);
+
+}

@@ -1,0 +1,321 @@
+// Reflowed pages: reading order, paragraphs, setting, bands and limits.
+
+#include <chrono>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <optional>
+
+#include "document/engine/ReflowPage.h"
+#include "engines/mupdf/reflow/Characters.h"
+#include "engines/mupdf/reflow/LineBreaker.h"
+#include "engines/mupdf/reflow/LogicalOrder.h"
+#include "engines/mupdf/reflow/ReflowedPage.h"
+#include "tests/engine/MuPdfFixture.h"
+#include "tests/support/pdf_writer/PdfWriter.h"
+
+namespace velko::testing {
+
+using engines::mupdf::reflow::BreakLines;
+using engines::mupdf::reflow::Glyph;
+using engines::mupdf::reflow::Glyphs;
+using engines::mupdf::reflow::PlacedCharacter;
+using engines::mupdf::reflow::ReflowedPage;
+using Clock = std::chrono::steady_clock;
+using pdf::ReflowPage;
+
+namespace {
+
+std::shared_ptr<ReflowPage> CreateReflow(std::shared_ptr<pdf::PDFPage> pPage) {
+    return Platform::GetActivationFactory<pdf::IReflowPageFactory>(pdf::kReflowPageClass)
+        ->Create(std::move(pPage));
+}
+
+struct Wanted {
+    float fWidth = 400.0F;
+    float fHeight = 600.0F;
+    std::int32_t nPercent = 200;
+    std::int32_t nFlags = ReflowPage::kTextAndPictures;
+    float fLineSpacing = 0.0F;
+    float fParagraphSpacing = 3.0F;
+};
+
+void Parse(ReflowPage& page, const Wanted& wanted = {}) {
+    page.SetScreenSize(wanted.fWidth, wanted.fHeight);
+    page.SetZoom(wanted.nPercent);
+    page.SetSpacing1(wanted.fLineSpacing);
+    page.SetSpacing2(wanted.fParagraphSpacing);
+    page.SetParseFlags(wanted.nFlags);
+    page.StartParse(nullptr);
+}
+
+std::shared_ptr<ReflowPage> ReflowOf(const std::string& strBytes, const Wanted& wanted = {}) {
+    const auto pDoc = OpenDoc(strBytes);
+    if (!pDoc) {
+        return nullptr;
+    }
+    auto pReflow = CreateReflow(pDoc->GetPage(0));
+    Parse(*pReflow, wanted);
+    return pReflow;
+}
+
+std::string TextOf(const std::shared_ptr<ReflowPage>& pReflow) {
+    return engines::mupdf::reflow::TextOf(
+        *std::dynamic_pointer_cast<ReflowedPage>(pReflow)->Result()->pModel);
+}
+
+// The rows from `nTop` on.
+std::shared_ptr<common::Bitmap> DrawBand(const std::shared_ptr<ReflowPage>& pReflow, int nTop,
+                                         int nHeight, std::uint32_t nBack = kWhite,
+                                         std::uint32_t nFore = kBlack) {
+    const int nWidth = pReflow->GetContentWidth();
+    auto pBitmap = CreateBitmap(nWidth, nHeight);
+    pBitmap->FillRect(nBack, {0, 0, nWidth, nHeight});
+    const auto pRenderer = CreateRenderer(pBitmap);
+    if (nBack != kWhite || nFore != kBlack) {
+        pRenderer->SetColorMode(common::Renderer::kColorModeMapped);
+        pRenderer->SetMappingModeColors(nBack, nFore);
+    }
+    auto matrix = pReflow->GetDisplayMatrix();
+    matrix.F -= static_cast<float>(nTop);
+    pRenderer->StartRenderReflowPage(pReflow, matrix, nullptr);
+    return pBitmap;
+}
+
+int InkedPixels(common::Bitmap& bitmap, std::uint32_t nPaper = kWhite) {
+    int nInked = 0;
+    for (int y = 0; y < bitmap.GetHeight(); ++y) {
+        for (int x = 0; x < bitmap.GetWidth(); ++x) {
+            nInked += PixelAt(bitmap, x, y) != nPaper ? 1 : 0;
+        }
+    }
+    return nInked;
+}
+
+std::string TextAt(double x, double y, const std::string& strText, double dbSize = 10.0) {
+    return "BT /F1 " + std::to_string(dbSize) + " Tf 1 0 0 1 " + std::to_string(x) + " " +
+           std::to_string(y) + " Tm (" + strText + ") Tj ET\n";
+}
+
+std::string OnePage(const std::string& strContent) {
+    PdfPage page;
+    page.strContent = strContent;
+    return MakePdf({page});
+}
+
+// An article: running head, title, two columns drawn row by row, a number at the foot.
+std::string Article() {
+    const std::vector<std::pair<std::string, std::string>> rows = {
+        {"The first column begins with a line that is", "which is what a reader of the page would"},
+        {"full, and goes on with one that ends in a hy-",
+         "have expected all along, and nobody else."},
+        {"phen. It also has a second sentence here.", "   The second column has a new paragraph"},
+        {"   A new paragraph is indented a little, and",
+         "with a number of lines, so that it looks"},
+        {"takes some more lines before the column is at",
+         "like a column of prose and is not taken"},
+        {"an end, where the sentence simply continues,",
+         "for the cells of a table by anybody at all."},
+    };
+    std::string strContent = TextAt(60, 770, "A running head") +
+                             TextAt(60, 700, "Columns of an Article on the Setting of Text", 20);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const double y = 650.0 - 12.0 * static_cast<double>(i);
+        const auto fnIndent = [](const std::string& str) { return str[0] == ' ' ? 12.0 : 0.0; };
+        const auto fnText = [](const std::string& str) {
+            return str.substr(str.find_first_not_of(' '));
+        };
+        strContent += TextAt(60 + fnIndent(rows[i].first), y, fnText(rows[i].first));
+        strContent += TextAt(320 + fnIndent(rows[i].second), y, fnText(rows[i].second));
+    }
+    return OnePage(strContent + TextAt(300, 30, "17"));
+}
+
+}
+
+class ReflowTest : public MuPdfTest {};
+
+TEST_F(ReflowTest, AnArticleIsReadInItsOrderWithoutItsLineEnds) {
+    EXPECT_EQ(TextOf(ReflowOf(Article())),
+              "A running head\n"
+              "Columns of an Article on the Setting of Text\n"
+              "The first column begins with a line that is full, and goes on with one that ends "
+              "in a hyphen. It also has a second sentence here.\n"
+              "A new paragraph is indented a little, and takes some more lines before the column "
+              "is at an end, where the sentence simply continues, which is what a reader of the "
+              "page would have expected all along, and nobody else.\n"
+              "The second column has a new paragraph with a number of lines, so that it looks "
+              "like a column of prose and is not taken for the cells of a table by anybody at "
+              "all.\n"
+              "17\n");
+}
+
+TEST_F(ReflowTest, ListsAndTablesKeepTheirItemsAndRows) {
+    std::string strContent;
+    const char* const items[] = {"1. The first item of a list that takes more than the one line",
+                                 "2. A second item", "3. A third one"};
+    strContent += TextAt(60, 700, items[0]) + TextAt(72, 688, "that there is for it");
+    strContent += TextAt(60, 676, items[1]) + TextAt(60, 664, items[2]);
+    for (int nRow = 0; nRow < 6; ++nRow) { // drawn row by row, as tables are
+        for (int nCell = 0; nCell < 3; ++nCell) {
+            strContent += TextAt(60 + 150 * nCell, 600 - 14 * nRow,
+                                 "r" + std::to_string(nRow) + "c" + std::to_string(nCell));
+        }
+    }
+    const std::string strText = TextOf(ReflowOf(OnePage(strContent)));
+    EXPECT_NE(strText.find("more than the one line that there is for it\n2. A second item\n3. A"),
+              std::string::npos)
+        << strText;
+    EXPECT_NE(strText.find("\nr3c0\u2003r3c1\u2003r3c2\n"), std::string::npos) << strText;
+}
+
+TEST_F(ReflowTest, ZoomMeasureAndSpacingsChangeTheHeightAndNotTheText) {
+    const auto pReflow = ReflowOf(Article());
+    const std::string strText = TextOf(pReflow);
+    const auto fnHeight = [&](const Wanted& wanted) {
+        Parse(*pReflow, wanted);
+        EXPECT_EQ(pReflow->GetContentWidth(), static_cast<int>(wanted.fWidth));
+        EXPECT_EQ(TextOf(pReflow), strText);
+        return pReflow->GetContentHeight();
+    };
+    const int nHeight = fnHeight({});
+    EXPECT_GT(fnHeight({.nPercent = 300}), nHeight);
+    EXPECT_LT(fnHeight({.fWidth = 800.0F}), nHeight);
+    EXPECT_GT(fnHeight({.fLineSpacing = 2.0F}), nHeight);
+    EXPECT_GT(fnHeight({.fParagraphSpacing = 9.0F}), nHeight);
+    EXPECT_EQ(fnHeight({}), nHeight);
+}
+
+TEST_F(ReflowTest, BandsJoinedEqualTheWhole) {
+    const auto pReflow = ReflowOf(Article(), {.fWidth = 317.0F, .nPercent = 277});
+    const int nWidth = pReflow->GetContentWidth();
+    const int nHeight = pReflow->GetContentHeight();
+    const auto pWhole = DrawBand(pReflow, 0, nHeight);
+    EXPECT_GT(InkedPixels(*pWhole), 10'000);
+    for (const int nBand : {7, 100, 601}) {
+        const auto pJoined = CreateBitmap(nWidth, nHeight);
+        for (int nTop = 0; nTop < nHeight; nTop += nBand) {
+            const int nRows = std::min(nBand, nHeight - nTop);
+            const auto pBand = DrawBand(pReflow, nTop, nRows);
+            std::memcpy(pJoined->GetBuffer().data() + std::ptrdiff_t{nTop} * nWidth * 4,
+                        pBand->GetBuffer().data(), pBand->GetBuffer().size());
+        }
+        EXPECT_EQ(Compare(*pWhole, *pJoined).nPixels, 0) << nBand;
+    }
+    constexpr std::uint32_t kBack = 0xFF102030U;
+    const auto pNight = DrawBand(pReflow, 0, nHeight, kBack, 0xFFC0C0C0U);
+    EXPECT_EQ(InkedPixels(*pNight, kBack), InkedPixels(*pWhole));
+}
+
+TEST_F(ReflowTest, WhatHasNoTextHasNoHeightAndOthersPagesAreRefused) {
+    for (const char* szContent : {"", "0 0 100 100 re f", "BT /F1 10 Tf 9 9 Td (   ) Tj ET"}) {
+        const auto pReflow = ReflowOf(OnePage(szContent));
+        EXPECT_EQ(pReflow->GetContentHeight(), 0) << szContent;
+        EXPECT_EQ(pReflow->GetContentWidth(), 0) << szContent;
+    }
+    EXPECT_EQ(EngineCodeOf([] { CreateReflow(nullptr); }), common::ErrorCode::e_ErrParam);
+    const auto pUnparsed = CreateReflow(OpenDoc(Article())->GetPage(0));
+    EXPECT_EQ(pUnparsed->GetContentHeight(), 0);
+    EXPECT_EQ(
+        EngineCodeOf([&] {
+            CreateRenderer(CreateBitmap(10, 10))->StartRenderReflowPage(pUnparsed, {}, nullptr);
+        }),
+        common::ErrorCode::e_ErrParam);
+}
+
+// From where the characters stand to how they are read; capitals run left.
+TEST_F(ReflowTest, RightToLeftTextIsReadAsItIsMeant) {
+    const auto fnRead = [](std::u32string strPlaced) {
+        std::vector<PlacedCharacter> line;
+        for (std::size_t i = 0; i < strPlaced.size(); ++i) {
+            const char32_t c = strPlaced[i];
+            line.push_back(
+                {c >= U'A' && c <= U'Z' ? 0x5D0 + (c - U'A') : c, static_cast<float>(i), i});
+        }
+        std::rotate(line.begin(), line.begin() + line.size() / 2, line.end()); // drawn anyhow
+        ToLogicalOrder(line);
+        std::u32string strRead;
+        for (const PlacedCharacter& placed : line) {
+            strRead += strPlaced[placed.nIndex];
+        }
+        return strRead;
+    };
+    EXPECT_EQ(fnRead(U".FED CBA"), U"ABC DEF.");
+    EXPECT_EQ(fnRead(U"FED 15.3 CBA"), U"ABC 15.3 DEF");
+    EXPECT_EQ(fnRead(U"FEDG two cows KCBAH"), U"HABCK two cows GDEF");
+    EXPECT_EQ(fnRead(U"an CBA within Latin"), U"an ABC within Latin");
+}
+
+TEST_F(ReflowTest, LinesBreakWhereTheirScriptAllowsIt) {
+    const auto fnBreak = [](const std::u32string& strText, float fRoom) {
+        Glyphs glyphs;
+        for (const char32_t c : strText) {
+            glyphs.push_back({c, Glyph::kNone, 0, false});
+        }
+        std::vector<std::u32string> lines;
+        for (const auto& line : BreakLines(
+                 glyphs, [&](std::size_t) { return fRoom; }, [](std::size_t) { return 1.0F; })) {
+            EXPECT_LE(line.fWidth, fRoom);
+            lines.push_back(strText.substr(line.nFirst, line.nEnd - line.nFirst));
+        }
+        return lines;
+    };
+    using Lines = std::vector<std::u32string>;
+    EXPECT_EQ(fnBreak(U"one two  three", 8), (Lines{U"one two", U"three"}));
+    EXPECT_EQ(fnBreak(U"a well-known word", 8), (Lines{U"a well-", U"known", U"word"}));
+    EXPECT_EQ(fnBreak(U"unbreakable", 4), (Lines{U"unbr", U"eaka", U"ble"}));
+    EXPECT_EQ(fnBreak(U"\u6F22\u5B57\u3002\u300C\u304B\u306A\u300D\u3067", 3),
+              (Lines{U"\u6F22\u5B57\u3002", U"\u300C\u304B", U"\u306A\u300D\u3067"}))
+        << "no full stop begins a line and no bracket opens at its end";
+}
+
+TEST_F(ReflowTest, HostilePagesAreSetWithinBounds) {
+    std::string strLong;
+    for (int i = 0; i < 100'000; ++i) {
+        strLong += i % 7 == 6 ? ' ' : static_cast<char>('a' + i % 26);
+    }
+    std::string strPieces;
+    std::string strCircle;
+    for (int i = 0; i < 20'000; ++i) {
+        strPieces += TextAt(i % 100 * 6, 790 - i / 100 * 3.9, "x", 0.3 + i % 50);
+    }
+    for (int i = 0; i < 36; ++i) {
+        const double a = i * 3.14159265 / 18;
+        char sz[160];
+        std::snprintf(sz, sizeof sz, "BT /F1 12 Tf %f %f %f %f %f %f Tm (c) Tj ET\n", std::cos(a),
+                      std::sin(a), -std::sin(a), std::cos(a), 300 + 99 * std::sin(a),
+                      400 - 99 * std::cos(a));
+        strCircle += sz;
+    }
+    const std::string pages[] = {
+        OnePage(TextAt(0, 700, strLong, 0.006)),
+        OnePage(strPieces),
+        OnePage(strCircle),
+        OnePage("BT /F1 12 Tf -1 0 0 -1 500 400 Tm (upside down) Tj ET"),
+        OnePage(TextAt(60, 700, "huge", 30'000) + TextAt(60, 600, "tiny", 0.0001)),
+        OnePage("BT /F1 -12 Tf 1e30 0 0 1e-30 60 600 Tm (numbers) Tj 1 0 0 0 9 9 Tm (flat) Tj ET"),
+        NestedFormsDocument(12),
+    };
+    engines::mupdf::SetBudgets(
+        {.parse = std::chrono::milliseconds(500), .render = std::chrono::milliseconds(500)});
+    const float fNan = std::numeric_limits<float>::quiet_NaN();
+    for (const std::string& strBytes : pages) {
+        for (const Wanted& wanted :
+             {Wanted{}, Wanted{0.0F, -5.0F, -100}, Wanted{fNan, fNan, 1'000'000},
+              Wanted{1.0E30F, 1.0F, 4'000, 3, -1.0E30F, 1.0E30F}}) {
+            const auto start = Clock::now();
+            const auto pReflow = ReflowOf(strBytes, wanted);
+            EXPECT_LE(pReflow->GetContentWidth(), 16'384);
+            EXPECT_LE(pReflow->GetContentHeight(), 4'100'000);
+            if (pReflow->GetContentHeight() > 0) {
+                DrawBand(pReflow, pReflow->GetContentHeight() / 2, 50);
+            }
+            EXPECT_LT(Clock::now() - start, std::chrono::seconds(5));
+        }
+    }
+    EXPECT_EQ(TextOf(ReflowOf(pages[3])), "upside down\n");
+    const std::string strRead = TextOf(ReflowOf(pages[0]));
+    EXPECT_GT(strRead.size(), 99'000U);
+}
+
+}
