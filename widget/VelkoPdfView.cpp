@@ -6,11 +6,13 @@
 #include "platform/qt/QtElementWindow.h"
 #include "platform/system/Debug.h"
 #include "settings/AppConfig.h"
+#include "widget/DragHand.h"
 #include "widget/FlingLimit.h"
 #include "widget/LinkFocus.h"
 #include "widget/LinkFollower.h"
 #include "widget/MiddleDrag.h"
 #include "widget/OpenFailure.h"
+#include "widget/PageFrames.h"
 #include "widget/PageNotices.h"
 #include "widget/PlaceKeeper.h"
 #include "widget/SlowPages.h"
@@ -46,6 +48,7 @@ VelkoPdfView::VelkoPdfView(std::shared_ptr<PDFViewCtrl> pControl, QWidget* pPare
     ConnectLinks();
     ConnectWheel();
     const auto fnPixelRatio = [this] { return devicePixelRatioF(); };
+    m_pFrames = std::make_unique<PageFrames>(*m_pControl, fnPixelRatio);
     m_pNotices = std::make_unique<PageNotices>(*m_pControl, fnPixelRatio);
     m_pSlowPages = std::make_unique<SlowPages>(*m_pControl, fnPixelRatio);
     m_facts = ReadFacts();
@@ -60,10 +63,12 @@ VelkoPdfView::~VelkoPdfView() {
     m_pLinkFocus.reset();
     m_pLinks.reset();
     m_pFlingLimit.reset();
+    m_pDragHand.reset();
     m_pMiddleDrag.reset();
     m_pWheel.reset();
     m_pSlowPages.reset();
     m_pNotices.reset();
+    m_pFrames.reset();
     delete m_pWindow; // unloads the tree while the control still lives
     m_pWindow = nullptr;
     try {
@@ -111,6 +116,7 @@ void VelkoPdfView::ConnectWheel() {
     hands.fnIsAtEdge = [this](int nDirection) { return m_steps.IsAtEdge(nDirection, false); };
     hands.fnTurn = [this](int nDirection) { Command([&] { m_steps.Turn(nDirection, false); }); };
     m_pWheel = std::make_unique<WheelReader>(*m_pWindow, std::move(hands));
+    m_pDragHand = std::make_unique<DragHand>(*m_pWindow);
     m_pMiddleDrag = std::make_unique<MiddleDrag>(*m_pWindow, [this](double dbX, double dbY) {
         ScrollBy(dbX * devicePixelRatioF(), dbY * devicePixelRatioF());
     });

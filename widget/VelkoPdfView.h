@@ -52,11 +52,13 @@ class QtElementWindow;
 
 namespace velko::vkit {
 
+class DragHand;
 class FlingLimit;
 class LinkFocus;
 class LinkFollower;
 class PageLinks;
 class MiddleDrag;
+class PageFrames;
 class PageNotices;
 class PlaceKeeper;
 class SlowPages;
@@ -114,6 +116,10 @@ public:
     State ViewState() const { return m_eState; }
     // Of the document that is shown or was asked for last; absolute.
     const FilePath& File() const { return m_path; }
+
+    // Whether the document was read only after a repair, so that pages or parts of
+    // them may be missing.
+    bool IsRepaired() const;
 
     // --- pages ---
     int PageCount() const { return m_facts.nPageCount; }
@@ -302,7 +308,9 @@ private:
     std::unique_ptr<LinkFocus> m_pLinkFocus;
     std::unique_ptr<FlingLimit> m_pFlingLimit;
     std::unique_ptr<WheelReader> m_pWheel;
+    std::unique_ptr<DragHand> m_pDragHand;
     std::unique_ptr<MiddleDrag> m_pMiddleDrag;
+    std::unique_ptr<PageFrames> m_pFrames;
     std::unique_ptr<PageNotices> m_pNotices;
     std::unique_ptr<SlowPages> m_pSlowPages;
     std::unique_ptr<PlaceKeeper> m_pPlace; // empty: places are not kept

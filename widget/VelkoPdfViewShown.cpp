@@ -6,8 +6,10 @@
 #include <utility>
 
 #include "component/KeptView.h"
+#include "document/engine/PDFDoc.h"
 #include "platform/qt/QtElementWindow.h"
 #include "settings/SavedView.h"
+#include "viewers/core/Modes.h"
 #include "widget/PlaceKeeper.h"
 #include "widget/VelkoPdfView.h"
 
@@ -19,6 +21,7 @@ using Windows::Foundation::Collections::PropertySet;
 
 namespace {
 
+constexpr double kLeastFit = 0.1;
 constexpr int kLongestHoldMs = 300; // of the old frame while the new one renders
 
 // How the zoom follows the window, besides what the control keeps itself.
@@ -119,6 +122,11 @@ void VelkoPdfView::OnPainted() {
     emit Painted();
 }
 
+bool VelkoPdfView::IsRepaired() const {
+    const auto pDamage = std::dynamic_pointer_cast<velko::pdf::IRepair>(m_pControl->GetPDFDoc());
+    return pDamage && pDamage->WasRepaired();
+}
+
 bool VelkoPdfView::IsSharp() const {
     return m_pControl->IsSharp();
 }
@@ -214,6 +222,9 @@ void VelkoPdfView::ShowKeptPlace() {
     const auto pFile = m_pPlace ? m_pControl->GetDocumentFile() : nullptr;
     if (const auto kept = pFile ? FindView(pFile->Path()) : std::nullopt) {
         ShowPlace(*kept);
+    } else if (m_zoom.FitMode() == ZoomMode::kFitWidth || m_zoom.FitOr(1.0) < kLeastFit) {
+        m_zoom.SetFitMode(ZoomMode::kFitWidth); // a whole page would be a mere strip
+        m_zoom.ZoomToFit();
     }
     m_zoom.NoteFit();
 }

@@ -20,8 +20,9 @@ using Windows::Foundation::Point;
 namespace {
 
 constexpr double kPointsPerInch = 72.0;
-constexpr std::array kSteps{0.25, 0.33, 0.5,  0.67, 0.75, 0.8, 0.9, 1.0, 1.1,
-                            1.25, 1.5,  1.75, 2.0,  2.5,  3.0, 4.0, 5.0, 6.0};
+constexpr std::array kSteps{0.1, 0.15, 0.25, 0.33, 0.5, 0.67, 0.75, 0.8, 0.9, 1.0,
+                            1.1, 1.25, 1.5,  1.75, 2.0, 2.5,  3.0,  4.0, 5.0, 6.0};
+constexpr double kLeast = 0.1;        // for an overview of many pages
 constexpr double kVisibleStep = 1.08; // a lesser factor is hardly seen
 constexpr double kSameZoom = 0.001;   // as a share
 
@@ -119,7 +120,7 @@ void ViewZoom::ZoomToFit() {
 double ViewZoom::Least() const {
     const double dbPage = std::min(m_control.GetFitScale(ZoomMode::kFitWidth),
                                    m_control.GetFitScale(ZoomMode::kFitHeight));
-    return std::min<double>(m_control.GetMinScale(), dbPage);
+    return std::min({kLeast, static_cast<double>(m_control.GetMinScale()), dbPage});
 }
 
 double ViewZoom::Most() const {

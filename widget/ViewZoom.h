@@ -29,8 +29,8 @@ public:
     void SetFitMode(std::int32_t nFit) { m_nFit = nFit; } // nothing is zoomed yet
     bool HasFit() const;
 
-    // In a small window a whole page may need less than the control's limit, and
-    // then the reader may come back there too.
+    // Less than the control's limit, which is one for gestures: a whole page may
+    // need less in a small window, and so does an overview.
     double Least() const;
     double Most() const;
     double Limited(double dbZoom) const;

@@ -17,11 +17,12 @@ const PageColors kGrey{QColor(204, 204, 204), QColor(24, 24, 24)};
 }
 
 ColorMenu::ColorMenu(VelkoPdfView& view, QAction* pNight, QWidget* pParent)
-    : QMenu("Page &colours", pParent), m_view(view) {
+    : QMenu("Page &colours", pParent), m_view(view), m_pPresets(new QActionGroup(this)) {
+    m_pPresets->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);
     AddPreset("&White", vkit::DayPageColors());
     AddPreset("&Sepia", kSepia);
     AddPreset("&Grey", kGrey);
-    addAction(pNight);
+    addAction(m_pPresets->addAction(pNight));
     AddPreset("&Dim, for a dark room", vkit::DimPageColors());
     addSeparator();
     AddOwn("Own &page colour…", &PageColors::background);
@@ -34,6 +35,7 @@ void ColorMenu::AddPreset(const QString& strName, const PageColors& colors) {
     QAction* const pAction = addAction(strName);
     pAction->setCheckable(true);
     pAction->setData(QVariantList{colors.background, colors.foreground});
+    m_pPresets->addAction(pAction);
     connect(pAction, &QAction::triggered, this, [this, colors] { m_view.SetColors(colors); });
 }
 

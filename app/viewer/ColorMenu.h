@@ -24,6 +24,7 @@ private:
     void FollowView();
 
     vkit::VelkoPdfView& m_view;
+    QActionGroup* m_pPresets;
     QActionGroup* m_pScans = nullptr; // the choices for scans
 };
 

@@ -1,5 +1,6 @@
 #include "app/viewer/Commands.h"
 
+#include <QActionGroup>
 #include <vector>
 
 namespace velko::viewer {
@@ -117,6 +118,13 @@ QList<QKeySequence> KeysOf(const Entry& entry) {
     return keys;
 }
 
+// Of those of which one holds at most, so that menus show them so.
+QActionGroup* GroupOf(QObject* pParent) {
+    auto* const pGroup = new QActionGroup(pParent);
+    pGroup->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);
+    return pGroup;
+}
+
 }
 
 Commands::Commands(VelkoPdfView& view, QWidget* pWindow) : QObject(pWindow), m_view(view) {
@@ -135,6 +143,14 @@ Commands::Commands(VelkoPdfView& view, QWidget* pWindow) : QObject(pWindow), m_v
             }
             FollowView(); // a click has turned the mark of what may not have changed
         });
+    }
+    for (const auto& choices :
+         {std::vector{Command::FitPage, Command::FitWidth, Command::FitHeight},
+          std::vector{Command::Continuous, Command::SinglePage}}) {
+        QActionGroup* const pGroup = GroupOf(this);
+        for (const Command eCommand : choices) {
+            pGroup->addAction((*this)[eCommand]);
+        }
     }
     connect(&m_view, &VelkoPdfView::ViewChanged, this, &Commands::FollowView);
     connect(&m_view, &VelkoPdfView::StateChanged, this, &Commands::FollowView);

@@ -78,6 +78,13 @@ void MainWindow::ConnectView() {
             m_pNotice->OnPageChanged();
         }
     });
+    connect(m_pView, &VelkoPdfView::Opened, this, [this] {
+        if (m_pView->IsRepaired()) {
+            NoticeLine().Tell(
+                "This file is damaged: some of its pages may be missing or "
+                "incomplete. Ask for it anew where it came from.");
+        }
+    });
     m_pView->Window().installEventFilter(this);
     connect(m_pTopEdge, &TopEdge::Changed, this, &MainWindow::PlaceParts);
     // After the paint with the first page; or when that one is slow to come.
@@ -331,15 +338,26 @@ void MainWindow::AskToClear() {
     });
 }
 
+// Once for each site: whoever has agreed to go there need not say so at each link.
 void MainWindow::AskToBrowse(const QUrl& address) {
+    const QString strSite = address.scheme() + ':' + address.host();
+    if (!address.host().isEmpty() && m_sites.contains(strSite)) {
+        Browse(address);
+        return;
+    }
     NoticeLine().Ask(
         QStringLiteral("Open %1 outside of the viewer?").arg(address.toDisplayString()), "Open",
-        [this, address] {
-            if (!QDesktopServices::openUrl(address)) {
-                NoticeLine().Tell(QStringLiteral("No program was found that opens %1.")
-                                      .arg(address.toDisplayString()));
-            }
+        [this, address, strSite] {
+            m_sites.insert(strSite);
+            Browse(address);
         });
+}
+
+void MainWindow::Browse(const QUrl& address) {
+    if (!QDesktopServices::openUrl(address)) {
+        NoticeLine().Tell(
+            QStringLiteral("No program was found that opens %1.").arg(address.toDisplayString()));
+    }
 }
 
 // --- commands --------------------------------------------------------------

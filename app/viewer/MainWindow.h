@@ -6,6 +6,7 @@
 // Threads: UI thread only.
 #pragma once
 
+#include <QSet>
 #include <QString>
 #include <QWidget>
 #include <memory>
@@ -77,6 +78,7 @@ private:
     void OpenPageMenu(QPoint ptGlobal);
     void AskToClear(); // the recent files
     void AskToBrowse(const QUrl& address);
+    void Browse(const QUrl& address);
     void ToggleFullScreen();
     bool LeaveWhatIsOpen(); // notice, then full screen; false when there is neither
     int BarHeight() const;  // what it takes of the pages' room
@@ -102,6 +104,7 @@ private:
     Hint* m_pHint = nullptr;
     QString m_strTarget;           // of the link under the pointer
     QLabel* m_pTarget = nullptr;   // of the link under the pointer
+    QSet<QString> m_sites;         // that the reader has agreed to go to
     bool m_bPasswordTried = false; // for the document that asks for one
 };
 

@@ -17,6 +17,7 @@ namespace velko::viewer {
 
 namespace {
 constexpr int kAnswerWidth = 180;
+constexpr int kGap = 8; // after a question
 constexpr int kWatchMs = 2'000;
 constexpr int kOwnMoveMs = 700; // within which the notice's coming has moved the pages
 }
@@ -45,6 +46,7 @@ NoticeBar::NoticeBar(QWidget* pParent)
     pLayout->addWidget(m_pText, 1);
     pLayout->addWidget(m_pAnswer);
     pLayout->addWidget(m_pYes);
+    pLayout->addStretch(0);
     pLayout->addWidget(pClose);
     connect(m_pYes, &QPushButton::clicked, this, &NoticeBar::Agree);
     connect(m_pAnswer, &QLineEdit::returnPressed, this, &NoticeBar::Agree);
@@ -59,6 +61,7 @@ void NoticeBar::Show(Kind eKind, const QString& strText, const QString& strYes) 
     m_since.start();
     m_fnYes = nullptr;
     m_fnCancel = nullptr;
+    m_pText->setMaximumWidth(QWIDGETSIZE_MAX);
     m_pText->setText(strText);
     m_pYes->setText(strYes);
     m_pYes->setVisible(!strYes.isEmpty());
@@ -112,6 +115,7 @@ void NoticeBar::AskPassword(const QString& strText, std::function<void(const QSt
     Show(Kind::Password, strText, "Open");
     m_fnYes = [this, fnAnswer = std::move(fnAnswer)] { fnAnswer(m_pAnswer->text()); };
     m_fnCancel = std::move(fnCancel);
+    m_pText->setMaximumWidth(m_pText->fontMetrics().horizontalAdvance(strText) + kGap);
     m_pAnswer->clear();
     m_pAnswer->show();
     m_pAnswer->setFocus();

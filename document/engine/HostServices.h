@@ -44,6 +44,15 @@ public:
     virtual PageExtent LargestPage() const = 0;
 };
 
+class IRepair {
+public:
+    virtual ~IRepair() = default;
+
+    // Whether the file was damaged and `Load` had to search it for what is left.
+    // Waits for nothing, so the UI thread may ask; false until loaded.
+    virtual bool WasRepaired() const = 0;
+};
+
 class ILinkSource {
 public:
     virtual ~ILinkSource() = default;

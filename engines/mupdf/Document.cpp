@@ -116,6 +116,7 @@ ErrorCode Document::LoadUnderLock(const std::string& strPassword) {
     pLoaded->strPassword = strPassword;
     pLoaded->nPasswordType = PasswordTypeOf(eAccess);
     pLoaded->nEncryptionType = pFile->EncryptionType();
+    pLoaded->bRepaired = pFile->WasRepaired();
     pLoaded->nPermissions =
         eAccess == OpenedFile::Access::kUser ? pFile->Permissions() : kAllPermissions;
     const Clock::time_point end = Clock::now() + CurrentBudgets().table;
@@ -201,6 +202,11 @@ void Document::ReadFactsAround(Loaded& loaded, std::int32_t nPage) {
         m_pSizesFile = OpenAgain(loaded);
     }
     ReadSlice(*m_pSizesFile, loaded.table, nPage / kSlice * kSlice);
+}
+
+bool Document::WasRepaired() const {
+    const auto pState = State();
+    return pState && pState->bRepaired;
 }
 
 pdf::PageExtent Document::LargestPage() const {

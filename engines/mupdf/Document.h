@@ -29,6 +29,7 @@ namespace velko::engines::mupdf {
 class Document final : public pdf::PDFDoc,
                        public pdf::ILinkSource,
                        public pdf::IPageExtents,
+                       public pdf::IRepair,
                        public std::enable_shared_from_this<Document> {
 public:
     explicit Document(std::shared_ptr<common::vxbase::IFileReaderCallback> pReader);
@@ -48,6 +49,7 @@ public:
     std::shared_ptr<pdf::IAction> FindNamedDestination(const std::string& strName) override;
 
     pdf::PageExtent LargestPage() const override; // nothing until loaded
+    bool WasRepaired() const override;
 
     // For pages and renderers. What a page draws, from the cache or made now;
     // `pAbort` may be empty. Raises `EngineException` and `task_canceled`.
@@ -69,6 +71,7 @@ private:
         std::int32_t nPasswordType = kNoPassword;
         std::uint32_t nPermissions = 0;
         std::int32_t nEncryptionType = 0;
+        bool bRepaired = false;
     };
 
     std::shared_ptr<Loaded> State() const;       // empty until loaded

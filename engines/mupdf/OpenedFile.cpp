@@ -184,6 +184,13 @@ std::int32_t OpenedFile::EncryptionType() {
     return nType;
 }
 
+bool OpenedFile::WasRepaired() {
+    fz_context* const ctx = ThreadContext();
+    bool bRepaired = false;
+    Use([&] { bRepaired = pdf_was_repaired(ctx, m_pDocument) != 0; });
+    return bRepaired;
+}
+
 std::uint32_t OpenedFile::Permissions() {
     fz_context* const ctx = ThreadContext();
     int nBits = 0;

@@ -48,6 +48,7 @@ public:
     pdf_obj* LoadPageObject(fz_context* ctx, std::int32_t nPage) const;
 
     std::int32_t EncryptionType();
+    bool WasRepaired(); // the file's table of objects was no use
     std::uint32_t Permissions();
 
     // Runs `body` guarded, with the thread's context. Raises `EngineException`
