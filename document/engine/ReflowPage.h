@@ -35,7 +35,7 @@ public:
     // Without a pause object the page is laid out when this returns.
     virtual std::shared_ptr<common::Progressive> StartParse(common::IPauseCallback* pPause) = 0;
 
-    // 0 for a page with nothing to set.
+    // 0 for a page with nothing to show: no text, and no pictures or none wanted.
     virtual std::int32_t GetContentWidth() const = 0;
     virtual std::int32_t GetContentHeight() const = 0;
 

@@ -152,7 +152,12 @@ void PageRenderer::DrawReflowed(const reflow::Layout& layout, const fz_matrix& t
         m_pBitmap->FillRect(kWhite, {0, 0, m_nWidth, m_nHeight});
     }
     Operation operation(m_pAbort, CurrentBudgets().render);
-    reflow::DrawLayout(layout, {BitmapPixels(), m_nWidth, m_nHeight, toBitmap}, operation);
+    reflow::DrawTarget target{BitmapPixels(), m_nWidth, m_nHeight, toBitmap, nullptr};
+    if (bMapped && !layout.figures.empty()) {
+        m_pictures = MakePixels(PixelCount(), std::uint8_t{0});
+        target.pPictures = m_pictures.data();
+    }
+    reflow::DrawLayout(layout, target, operation);
     m_bIncomplete = m_bIncomplete || layout.bCutShort || operation.IsTimedOut();
     if (bMapped) {
         Map(area, BitmapPixels());

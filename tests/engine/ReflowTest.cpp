@@ -131,6 +131,36 @@ std::string Article() {
     return OnePage(strContent + TextAt(300, 30, "17"));
 }
 
+constexpr std::uint32_t kPictureColor = 0xFF2060A0U;
+
+// Lines above and below a picture of one colour, 100 points high.
+std::string Illustrated() {
+    PdfOptions options;
+    options.images.push_back({2, 2, "\x20\x60\xA0\x20\x60\xA0\x20\x60\xA0\x20\x60\xA0"});
+    PdfPage page;
+    for (int i = 0; i < 6; ++i) {
+        page.strContent +=
+            TextAt(60, 700 - 12 * i, "There are several lines of text above the picture,") +
+            TextAt(60, 500 - 12 * i, "And there are lines below the picture above it.");
+    }
+    page.strContent += "q 180 0 0 100 100 525 cm /I1 Do Q\n";
+    return MakePdf({page}, options);
+}
+
+// Letters on a circle, each turned its own way.
+std::string Circle() {
+    std::string strContent;
+    for (int i = 0; i < 36; ++i) {
+        const double a = i * 3.14159265 / 18;
+        char sz[160];
+        std::snprintf(sz, sizeof sz, "BT /F1 12 Tf %f %f %f %f %f %f Tm (c) Tj ET\n", std::cos(a),
+                      -std::sin(a), std::sin(a), std::cos(a), 300 + 99 * std::sin(a),
+                      400 + 99 * std::cos(a));
+        strContent += sz;
+    }
+    return strContent;
+}
+
 }
 
 class ReflowTest : public MuPdfTest {};
@@ -187,7 +217,7 @@ TEST_F(ReflowTest, ZoomMeasureAndSpacingsChangeTheHeightAndNotTheText) {
 }
 
 TEST_F(ReflowTest, BandsJoinedEqualTheWhole) {
-    const auto pReflow = ReflowOf(Article(), {.fWidth = 317.0F, .nPercent = 277});
+    const auto pReflow = ReflowOf(Illustrated(), {.fWidth = 317.0F, .nPercent = 277});
     const int nWidth = pReflow->GetContentWidth();
     const int nHeight = pReflow->GetContentHeight();
     const auto pWhole = DrawBand(pReflow, 0, nHeight);
@@ -202,12 +232,56 @@ TEST_F(ReflowTest, BandsJoinedEqualTheWhole) {
         }
         EXPECT_EQ(Compare(*pWhole, *pJoined).nPixels, 0) << nBand;
     }
+}
+
+TEST_F(ReflowTest, PicturesStandInTheirPlaceKeepTheirColoursAndCanBeLeftOut) {
     constexpr std::uint32_t kBack = 0xFF102030U;
+    const auto pReflow = ReflowOf(Illustrated());
+    const int nHeight = pReflow->GetContentHeight();
+    const auto pDay = DrawBand(pReflow, 0, nHeight);
     const auto pNight = DrawBand(pReflow, 0, nHeight, kBack, 0xFFC0C0C0U);
-    EXPECT_EQ(InkedPixels(*pNight, kBack), InkedPixels(*pWhole));
+    int nFirst = nHeight; // rows of the picture, all of one colour
+    int nLast = 0;
+    for (int y = 0; y < nHeight; ++y) {
+        if (PixelAt(*pDay, 200, y) == kPictureColor) {
+            EXPECT_EQ(PixelAt(*pNight, 200, y), kPictureColor);
+            nFirst = std::min(nFirst, y);
+            nLast = y;
+        }
+    }
+    EXPECT_NEAR(nLast - nFirst + 1, 200, 2) << "100 points at 200 %";
+    EXPECT_EQ(PixelAt(*pNight, 399, nHeight - 1), kBack);
+    EXPECT_GT(nFirst, nHeight / 8) << "text stands above it";
+    EXPECT_LT(nLast, nHeight * 7 / 8) << "and below it";
+
+    const std::string strText = TextOf(pReflow);
+    EXPECT_NE(strText.find("the picture above it."), std::string::npos);
+    Parse(*pReflow, {.nFlags = ReflowPage::kText});
+    EXPECT_LT(pReflow->GetContentHeight(), nHeight - 200);
+    EXPECT_EQ(TextOf(pReflow), strText);
+}
+
+// What cannot be set as lines is seen as it is, with pictures and without.
+TEST_F(ReflowTest, TextOnACurveIsShownAsItIs) {
+    for (const std::int32_t nFlags : {ReflowPage::kText, ReflowPage::kTextAndPictures}) {
+        const auto pReflow =
+            ReflowOf(OnePage(Circle() + TextAt(60, 100, "A line below.")), {.nFlags = nFlags});
+        EXPECT_GT(pReflow->GetContentHeight(), 300) << "as high as the circle";
+        EXPECT_NE(TextOf(pReflow).find("A line below."), std::string::npos);
+        const auto pTop = DrawBand(pReflow, 0, 300);
+        EXPECT_GT(InkedPixels(*pTop), 500);
+    }
 }
 
 TEST_F(ReflowTest, WhatHasNoTextHasNoHeightAndOthersPagesAreRefused) {
+    PdfOptions scan;
+    scan.images.push_back({1, 1, "abc"});
+    PdfPage page;
+    page.strContent = "q 612 0 0 792 0 0 cm /I1 Do Q";
+    const auto pScan = ReflowOf(MakePdf({page}, scan));
+    EXPECT_GT(pScan->GetContentHeight(), 300) << "a scan is a picture";
+    Parse(*pScan, {.nFlags = ReflowPage::kText});
+    EXPECT_EQ(pScan->GetContentHeight(), 0);
     for (const char* szContent : {"", "0 0 100 100 re f", "BT /F1 10 Tf 9 9 Td (   ) Tj ET"}) {
         const auto pReflow = ReflowOf(OnePage(szContent));
         EXPECT_EQ(pReflow->GetContentHeight(), 0) << szContent;
@@ -275,22 +349,13 @@ TEST_F(ReflowTest, HostilePagesAreSetWithinBounds) {
         strLong += i % 7 == 6 ? ' ' : static_cast<char>('a' + i % 26);
     }
     std::string strPieces;
-    std::string strCircle;
     for (int i = 0; i < 20'000; ++i) {
         strPieces += TextAt(i % 100 * 6, 790 - i / 100 * 3.9, "x", 0.3 + i % 50);
-    }
-    for (int i = 0; i < 36; ++i) {
-        const double a = i * 3.14159265 / 18;
-        char sz[160];
-        std::snprintf(sz, sizeof sz, "BT /F1 12 Tf %f %f %f %f %f %f Tm (c) Tj ET\n", std::cos(a),
-                      std::sin(a), -std::sin(a), std::cos(a), 300 + 99 * std::sin(a),
-                      400 - 99 * std::cos(a));
-        strCircle += sz;
     }
     const std::string pages[] = {
         OnePage(TextAt(0, 700, strLong, 0.006)),
         OnePage(strPieces),
-        OnePage(strCircle),
+        OnePage(Circle()),
         OnePage("BT /F1 12 Tf -1 0 0 -1 500 400 Tm (upside down) Tj ET"),
         OnePage(TextAt(60, 700, "huge", 30'000) + TextAt(60, 600, "tiny", 0.0001)),
         OnePage("BT /F1 -12 Tf 1e30 0 0 1e-30 60 600 Tm (numbers) Tj 1 0 0 0 9 9 Tm (flat) Tj ET"),

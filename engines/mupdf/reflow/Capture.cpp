@@ -24,21 +24,6 @@ constexpr float kAscent = 0.75F; // of a line's box above its baseline, in its s
 constexpr float kDescent = 0.25F;
 constexpr float kLightest = 150.0F; // of letters on white paper, 255 is white
 
-// Calls `fnRun` for each list that takes part in the page.
-template <class Run>
-void ForEachList(const PageModel& model, Run&& fnRun) {
-    for (const auto& pDrawing : {model.pContent, model.pAnnots}) {
-        if (!pDrawing) {
-            continue;
-        }
-        for (const Drawing::Part& part : pDrawing->parts) {
-            if (part.list) {
-                fnRun(part.list.Get());
-            }
-        }
-    }
-}
-
 // A fault within a list leaves out the rest of it and nothing else.
 template <class Body>
 void Leniently(Body&& body) {
@@ -81,22 +66,6 @@ Direction DirectionOf(fz_point dir) {
         return Direction::kLeft;
     }
     return dir.y < -kStraight ? Direction::kUp : Direction::kOblique;
-}
-
-// Turns the page so that the direction points right and the next line is below.
-fz_matrix Upright(Direction eDirection, fz_point dir) {
-    switch (eDirection) {
-        case Direction::kRight:
-            return fz_identity;
-        case Direction::kDown:
-            return fz_make_matrix(0.0F, -1.0F, 1.0F, 0.0F, 0.0F, 0.0F);
-        case Direction::kLeft:
-            return fz_make_matrix(-1.0F, 0.0F, 0.0F, -1.0F, 0.0F, 0.0F);
-        case Direction::kUp:
-            return fz_make_matrix(0.0F, 1.0F, -1.0F, 0.0F, 0.0F, 0.0F);
-        default:
-            return fz_make_matrix(dir.x, -dir.y, dir.y, dir.x, 0.0F, 0.0F);
-    }
 }
 
 // Letters that are too light for white paper become darker.
@@ -288,6 +257,21 @@ void CollectLines(CapturedPage& page, const fz_stext_page& text, LineReader& rea
 
 }
 
+fz_matrix Upright(Direction eDirection, fz_point dir) {
+    switch (eDirection) {
+        case Direction::kRight:
+            return fz_identity;
+        case Direction::kDown:
+            return fz_make_matrix(0.0F, -1.0F, 1.0F, 0.0F, 0.0F, 0.0F);
+        case Direction::kLeft:
+            return fz_make_matrix(-1.0F, 0.0F, 0.0F, -1.0F, 0.0F, 0.0F);
+        case Direction::kUp:
+            return fz_make_matrix(0.0F, 1.0F, -1.0F, 0.0F, 0.0F, 0.0F);
+        default:
+            return fz_make_matrix(dir.x, -dir.y, dir.y, dir.x, 0.0F, 0.0F);
+    }
+}
+
 CapturedPage CapturePage(PageModel& model, const fz_rect& rcPage, Operation& operation) {
     fz_context* const ctx = ThreadContext();
     const AllocationWatch watch;
@@ -297,7 +281,7 @@ CapturedPage CapturePage(PageModel& model, const fz_rect& rcPage, Operation& ope
         Leniently([&] { recorder.Run(ctx, pList, operation.Cookie()); });
     });
     operation.ThrowIfAborted();
-    page.pictures = recorder.Pictures();
+    page.artwork = recorder.Artwork();
     page.bTooMuch = recorder.IsFull();
     if (!page.bTooMuch && recorder.GlyphCount() != 0) {
         const TextHandle text = ExtractText(model, rcPage, operation.Cookie());

@@ -32,9 +32,13 @@ struct TextLine {
 
 struct CapturedPage {
     std::vector<TextLine> lines; // in the order of the content
-    std::vector<fz_rect> pictures;
+    std::vector<ArtworkMark> artwork;
     bool bTooMuch = false; // of text to set: there are no lines
 };
+
+// Turns the page so that lines of the direction run to the right; `dir` is used for
+// oblique ones only.
+fz_matrix Upright(Direction eDirection, fz_point dir);
 
 // Fills the model's styles and fonts. Raises `EngineException` for want of
 // memory, `task_canceled` when the operation is aborted.

@@ -44,16 +44,53 @@ void IgnoreText(fz_context*, fz_device* pDevice, const fz_text* pText, fz_matrix
     Note(pDevice, pText, ctm, false);
 }
 
+// `rc` as far as the clips leave it visible.
+void NoteMark(fz_context* ctx, fz_device* pDevice, const fz_rect& rc, bool bPicture) {
+    reinterpret_cast<RecorderDevice*>(pDevice)->pRecorder->Note(
+        {fz_intersect_rect(rc, fz_device_current_scissor(ctx, pDevice)), bPicture});
+}
+
+bool TakesMarks(fz_device* pDevice) {
+    return reinterpret_cast<RecorderDevice*>(pDevice)->pRecorder->TakesMarks();
+}
+
+// White on a page is its paper.
+bool IsPaper(fz_context* ctx, fz_colorspace* pColors, const float* pColor, float fAlpha) {
+    constexpr float kNearly = 0.98F;
+    float rgb[3] = {0.0F, 0.0F, 0.0F};
+    fz_convert_color(ctx, pColors, pColor, fz_device_rgb(ctx), rgb, nullptr,
+                     fz_default_color_params);
+    return fAlpha < 1.0F - kNearly || (rgb[0] > kNearly && rgb[1] > kNearly && rgb[2] > kNearly);
+}
+
+void FillPath(fz_context* ctx, fz_device* pDevice, const fz_path* pPath, int, fz_matrix ctm,
+              fz_colorspace* pColors, const float* pColor, float fAlpha, fz_color_params) {
+    if (TakesMarks(pDevice) && !IsPaper(ctx, pColors, pColor, fAlpha)) {
+        NoteMark(ctx, pDevice, fz_bound_path(ctx, pPath, nullptr, ctm), false);
+    }
+}
+
+void StrokePath(fz_context* ctx, fz_device* pDevice, const fz_path* pPath,
+                const fz_stroke_state* pStroke, fz_matrix ctm, fz_colorspace* pColors,
+                const float* pColor, float fAlpha, fz_color_params) {
+    if (TakesMarks(pDevice) && !IsPaper(ctx, pColors, pColor, fAlpha)) {
+        NoteMark(ctx, pDevice, fz_bound_path(ctx, pPath, pStroke, ctm), false);
+    }
+}
+
+void FillShade(fz_context* ctx, fz_device* pDevice, fz_shade* pShade, fz_matrix ctm, float,
+               fz_color_params) {
+    NoteMark(ctx, pDevice, fz_bound_shade(ctx, pShade, ctm), false);
+}
+
 void FillImage(fz_context* ctx, fz_device* pDevice, fz_image*, fz_matrix ctm, float,
                fz_color_params) {
-    reinterpret_cast<RecorderDevice*>(pDevice)->pRecorder->NotePicture(
-        ctm, fz_device_current_scissor(ctx, pDevice));
+    NoteMark(ctx, pDevice, fz_transform_rect(fz_unit_rect, ctm), true);
 }
 
 void FillImageMask(fz_context* ctx, fz_device* pDevice, fz_image*, fz_matrix ctm, fz_colorspace*,
                    const float*, float, fz_color_params) {
-    reinterpret_cast<RecorderDevice*>(pDevice)->pRecorder->NotePicture(
-        ctm, fz_device_current_scissor(ctx, pDevice));
+    NoteMark(ctx, pDevice, fz_transform_rect(fz_unit_rect, ctm), true);
 }
 
 }
@@ -67,6 +104,9 @@ void GlyphRecorder::Run(fz_context* ctx, fz_display_list* pList, fz_cookie* pCoo
     pDevice->base.clip_text = &ClipText;
     pDevice->base.clip_stroke_text = &ClipStrokeText;
     pDevice->base.ignore_text = &IgnoreText;
+    pDevice->base.fill_path = &FillPath;
+    pDevice->base.stroke_path = &StrokePath;
+    pDevice->base.fill_shade = &FillShade;
     pDevice->base.fill_image = &FillImage;
     pDevice->base.fill_image_mask = &FillImageMask;
     fz_try(ctx) {
@@ -118,11 +158,10 @@ void GlyphRecorder::Note(const fz_text& text, const fz_matrix& toList, bool bVis
     }
 }
 
-void GlyphRecorder::NotePicture(const fz_matrix& toList, fz_rect rcVisible) noexcept {
+void GlyphRecorder::Note(const ArtworkMark& mark) noexcept {
     try {
-        if (m_pictures.size() < kMostPictures) {
-            m_pictures.push_back(
-                fz_intersect_rect(fz_transform_rect(fz_unit_rect, toList), rcVisible));
+        if (TakesMarks()) {
+            m_marks.push_back(mark);
         }
     } catch (const std::bad_alloc&) {
         m_bOutOfMemory = true;

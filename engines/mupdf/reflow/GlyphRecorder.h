@@ -1,4 +1,4 @@
-// Notes what a page's lists draw: glyphs with their fonts, and pictures.
+// Notes what a page's lists draw: glyphs with their fonts, pictures and drawings.
 //
 // The library's text extraction finds lines, words and missing spaces, but
 // forgets which glyph of which font a character was. This device notes the
@@ -16,6 +16,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "engines/mupdf/reflow/Artwork.h"
+
 namespace velko::engines::mupdf::reflow {
 
 struct RecordedGlyph {
@@ -29,7 +31,7 @@ struct RecordedGlyph {
 class GlyphRecorder {
 public:
     static constexpr std::size_t kMostGlyphs = 400'000;
-    static constexpr std::size_t kMostPictures = 256;
+    static constexpr std::size_t kMostMarks = 20'000; // what comes later is no figure
 
     // Runs the list; stops when there are too many glyphs. Guarded bodies only.
     void Run(fz_context* ctx, fz_display_list* pList, fz_cookie* pCookie);
@@ -43,17 +45,18 @@ public:
     // True when a glyph stands at the place, taken or not.
     bool HasAt(fz_point pt) const;
 
-    const std::vector<fz_rect>& Pictures() const { return m_pictures; }
+    const std::vector<ArtworkMark>& Artwork() const { return m_marks; }
+    bool TakesMarks() const { return m_marks.size() < kMostMarks; }
 
     // For the device; must not raise.
     void Note(const fz_text& text, const fz_matrix& toList, bool bVisible) noexcept;
-    void NotePicture(const fz_matrix& toList, fz_rect rcVisible) noexcept;
+    void Note(const ArtworkMark& mark) noexcept;
 
 private:
     static std::uint64_t KeyOf(fz_point pt);
 
     std::unordered_multimap<std::uint64_t, RecordedGlyph> m_glyphs;
-    std::vector<fz_rect> m_pictures;
+    std::vector<ArtworkMark> m_marks;
     std::size_t m_nGlyphs = 0;
     bool m_bOutOfMemory = false;
 };

@@ -17,6 +17,7 @@ constexpr float kLineHeight = 1.3F; // in the line's largest size
 constexpr float kAscent = 0.98F;
 constexpr float kMostIndent = 0.25F;      // of the measure
 constexpr float kLettersInMeasure = 2.5F; // of the largest size that is set
+constexpr float kMostPixels = 8.0E6F;     // of a figure
 constexpr float kMostSpacing = 200.0F;    // points
 
 // Not a number is the least.
@@ -54,7 +55,9 @@ public:
                 break;
             }
             if (!block.bIsFigure) {
-                SetParagraph(block.paragraph);
+                if (!block.bInText && !(block.bInPicture && m_bPictures)) {
+                    SetParagraph(block.paragraph);
+                }
             } else if (m_bPictures || block.figure.bIsText) {
                 SetPicture(block.figure);
             }
@@ -136,8 +139,9 @@ private:
         if (!(fWidth > 0.0F) || !(fHeight > 0.0F)) {
             return;
         }
-        const float fScale = std::min(
-            {m_fScale, static_cast<float>(m_nMeasure) / fWidth, m_fScreenHeight / fHeight});
+        const float fScale =
+            std::min({m_fScale, static_cast<float>(m_nMeasure) / fWidth, m_fScreenHeight / fHeight,
+                      std::sqrt(kMostPixels / fWidth / fHeight)});
         LeaveSpace(0.0F);
         const std::int32_t nWidth = std::clamp(Whole(fWidth * fScale), 1, m_nMeasure);
         const std::int32_t nHeight = std::max(Whole(fHeight * fScale), 1);

@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <utility>
 
 #include "engines/mupdf/Allocator.h"
 #include "engines/mupdf/Guard.h"
+#include "engines/mupdf/PictureProbe.h"
+#include "engines/mupdf/TileLimit.h"
 
 namespace velko::engines::mupdf::reflow {
 
@@ -15,6 +18,7 @@ void DropText(fz_context* ctx, fz_text* pText) {
     fz_drop_text(ctx, pText);
 }
 using TextHandle = Handle<fz_text, DropText>;
+using ImageHandle = Handle<fz_image, fz_drop_image>;
 
 constexpr float kLargestOffset = 8.0E6F;
 
@@ -23,6 +27,7 @@ constexpr float kLargestOffset = 8.0E6F;
 struct View {
     fz_irect rcPixels; // of the bitmap, in the space that is drawn in
     fz_matrix toPixels;
+    bool bWholeShift = false;
 };
 
 bool IsWholeShift(const fz_matrix& m) {
@@ -32,11 +37,12 @@ bool IsWholeShift(const fz_matrix& m) {
 }
 
 View ViewOf(const DrawTarget& target) {
-    View view{fz_make_irect(0, 0, target.nWidth, target.nHeight), target.toBitmap};
+    View view{fz_make_irect(0, 0, target.nWidth, target.nHeight), target.toBitmap, false};
     if (IsWholeShift(target.toBitmap)) {
         view.rcPixels = fz_translate_irect(view.rcPixels, -static_cast<int>(target.toBitmap.e),
                                            -static_cast<int>(target.toBitmap.f));
         view.toPixels = fz_identity;
+        view.bWholeShift = true;
     }
     return view;
 }
@@ -54,6 +60,12 @@ public:
             if (static_cast<float>(line.nInkBottom) >= rcVisible.y0 &&
                 static_cast<float>(line.nInkTop) <= rcVisible.y1 && !IsStopped()) {
                 DrawLine(line);
+            }
+        }
+        for (const SetFigure& figure : m_layout.figures) {
+            if (static_cast<float>(figure.rc.y1) > rcVisible.y0 &&
+                static_cast<float>(figure.rc.y0) < rcVisible.y1 && !IsStopped()) {
+                DrawFigure(figure);
             }
         }
         fz_context* const ctx = ThreadContext();
@@ -111,6 +123,93 @@ private:
             }
             fz_fill_text(ctx, m_device.Get(), text.Get(), m_view.toPixels, fz_device_rgb(ctx),
                          color, 1.0F, fz_default_color_params);
+        });
+    }
+
+    // Whole, whatever part of it is wanted, so that all bands show the same.
+    void DrawFigure(const SetFigure& figure) {
+        fz_context* const ctx = ThreadContext();
+        PixmapHandle picture = RunLists(figure, fz_device_bgr(ctx), 0xFF, [&](fz_pixmap* pPixmap) {
+            fz_device* const pDevice = fz_new_draw_device(ctx, fz_identity, pPixmap);
+            LimitTiles(pDevice);
+            return pDevice;
+        });
+        if (!m_view.bWholeShift) {
+            PlaceScaled(figure, picture.Get());
+            return;
+        }
+        CopyRows(*picture.Get(), reinterpret_cast<std::uint8_t*>(m_target.pPixels), 4);
+        if (m_target.pPictures != nullptr) {
+            const PixmapHandle mask = RunLists(figure, nullptr, 0, [&](fz_pixmap* pPixmap) {
+                return NewPictureDevice(ctx, pPixmap);
+            });
+            CopyRows(*mask.Get(), m_target.pPictures, 1);
+        }
+    }
+
+    template <class MakeDevice>
+    PixmapHandle RunLists(const SetFigure& figure, fz_colorspace* pColors, int nGround,
+                          MakeDevice&& fnMakeDevice) {
+        fz_context* const ctx = ThreadContext();
+        PixmapHandle pixmap;
+        DeviceHandle device;
+        Guard(ctx, [&] {
+            pixmap.Out() = fz_new_pixmap_with_bbox(ctx, pColors, figure.rc, nullptr, 1);
+            fz_clear_pixmap_with_value(ctx, pixmap.Get(), nGround);
+            if (nGround == 0) {
+                fz_clear_pixmap(ctx, pixmap.Get());
+            }
+            device.Out() = fnMakeDevice(pixmap.Get());
+        });
+        try {
+            ForEachList(*m_layout.pModel, [&](fz_display_list* pList) {
+                Guard(ctx, [&] {
+                    fz_run_display_list(ctx, pList, device.Get(), ToFigure(figure),
+                                        fz_rect_from_irect(figure.rc), m_operation.Cookie());
+                });
+            });
+            Guard(ctx, [&] { fz_close_device(ctx, device.Get()); });
+        } catch (const LibraryError&) {
+            // What is broken in it is left out.
+        }
+        return pixmap;
+    }
+
+    static fz_matrix ToFigure(const SetFigure& figure) {
+        const fz_rect& rc = figure.rcRegion;
+        const fz_matrix scale =
+            fz_scale(static_cast<float>(figure.rc.x1 - figure.rc.x0) / (rc.x1 - rc.x0),
+                     static_cast<float>(figure.rc.y1 - figure.rc.y0) / (rc.y1 - rc.y0));
+        const fz_matrix place =
+            fz_translate(static_cast<float>(figure.rc.x0), static_cast<float>(figure.rc.y0));
+        return fz_concat(fz_concat(fz_translate(-rc.x0, -rc.y0), scale), place);
+    }
+
+    void CopyRows(const fz_pixmap& source, std::uint8_t* pTarget, std::ptrdiff_t nBytes) {
+        const fz_irect rcSource =
+            fz_make_irect(source.x, source.y, source.x + source.w, source.y + source.h);
+        const fz_irect rc = fz_intersect_irect(rcSource, m_view.rcPixels);
+        for (int y = rc.y0; y < rc.y1 && rc.x0 < rc.x1; ++y) {
+            std::memcpy(
+                pTarget + (std::ptrdiff_t{y - m_view.rcPixels.y0} * m_target.nWidth + rc.x0 -
+                           m_view.rcPixels.x0) *
+                              nBytes,
+                source.samples + (y - source.y) * source.stride + (rc.x0 - source.x) * nBytes,
+                static_cast<std::size_t>((rc.x1 - rc.x0) * nBytes));
+        }
+    }
+
+    void PlaceScaled(const SetFigure& figure, fz_pixmap* pPixmap) {
+        fz_context* const ctx = ThreadContext();
+        const fz_matrix place =
+            fz_make_matrix(static_cast<float>(figure.rc.x1 - figure.rc.x0), 0.0F, 0.0F,
+                           static_cast<float>(figure.rc.y1 - figure.rc.y0),
+                           static_cast<float>(figure.rc.x0), static_cast<float>(figure.rc.y0));
+        ImageHandle image;
+        Guard(ctx, [&] {
+            image.Out() = fz_new_image_from_pixmap(ctx, pPixmap, nullptr);
+            fz_fill_image(ctx, m_device.Get(), image.Get(), fz_concat(place, m_view.toPixels), 1.0F,
+                          fz_default_color_params);
         });
     }
 

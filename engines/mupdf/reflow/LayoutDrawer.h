@@ -16,6 +16,10 @@ struct DrawTarget {
     std::int32_t nWidth = 0;
     std::int32_t nHeight = 0;
     fz_matrix toBitmap = fz_identity; // from the layout's space; it has an inverse
+
+    // Of the same size, or null: how much of a picture each pixel is (255: wholly).
+    // Filled in where the matrix is a shift by whole pixels.
+    std::uint8_t* pPictures = nullptr;
 };
 
 // Draws until the operation is aborted or out of time. Raises `EngineException`

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "engines/mupdf/reflow/Capture.h"
-#include "engines/mupdf/reflow/Characters.h"
+#include "engines/mupdf/reflow/Figures.h"
 #include "engines/mupdf/reflow/Paragraphs.h"
 #include "engines/mupdf/reflow/ReadingOrder.h"
 #include "engines/mupdf/reflow/RowText.h"
@@ -60,19 +60,39 @@ public:
 
     void Build() {
         m_model.fBodySize = BodySizeOf(m_page.lines);
-        for (const Direction eDirection : DirectionsOf(m_page.lines)) {
-            AddDirection(eDirection);
+        m_figures = FindFigures(m_page, m_rcPage);
+        m_inFigure.resize(m_page.lines.size(), false);
+        for (const FoundFigure& found : m_figures) {
+            for (const std::size_t i : found.lines) {
+                m_inFigure[i] = true;
+            }
+        }
+        std::vector<Direction> directions = DirectionsOf(m_page.lines);
+        if (directions.empty() || directions.front() == Direction::kOblique) {
+            directions.insert(directions.begin(), Direction::kRight);
+        }
+        for (const Direction eDirection : directions) {
+            AddDirection(eDirection, eDirection == directions.front());
         }
     }
 
 private:
-    void AddDirection(Direction eDirection) {
+    // The figures stand among the text of the first direction.
+    void AddDirection(Direction eDirection, bool bFigures) {
         std::vector<Piece> pieces;
         for (std::size_t i = 0; i < m_page.lines.size(); ++i) {
             const TextLine& line = m_page.lines[i];
-            if (line.eDirection == eDirection) {
+            if (line.eDirection == eDirection && !m_inFigure[i]) {
                 pieces.push_back({line.rc, line.fSize, line.glyphs.size(), i, line.bRightToLeft});
             }
+        }
+        for (std::size_t i = 0; bFigures && i < m_figures.size(); ++i) {
+            const fz_rect rc =
+                fz_transform_rect(m_figures[i].figure.rcRegion, Upright(eDirection, {1.0F, 0.0F}));
+            pieces.push_back({rc, 0.0F, 0, m_page.lines.size() + i, false});
+        }
+        if (pieces.empty()) {
+            return;
         }
         const fz_rect rcText = BoundsOf(pieces);
         if (eDirection == Direction::kOblique) {
@@ -98,7 +118,7 @@ private:
             } else {
                 Paragraph paragraph;
                 paragraph.glyphs = std::move(glyphs);
-                m_model.blocks.push_back({std::move(paragraph), {}, false});
+                Push(std::move(paragraph));
             }
             bLetters = bFew;
         }
@@ -109,12 +129,33 @@ private:
                               rcText.x1,    m_model.fBodySize, column.bAside};
         std::vector<RowText> rows;
         for (const Row& row : column.rows) {
-            rows.push_back(MakeRowText(row, m_page.lines, m_model));
+            if (row.front().IsFigure()) {
+                AddRows(std::exchange(rows, {}), measure);
+                AddFigure(m_figures[row.front().nIndex - m_page.lines.size()]);
+            } else {
+                rows.push_back(MakeRowText(row, m_page.lines, m_model));
+            }
         }
-        AddRows(rows, measure);
+        AddRows(std::move(rows), measure);
     }
 
-    void AddRows(std::vector<RowText>& rows, const Measure& measure) {
+    // The region, and the text that it shows for whoever leaves the region out.
+    void AddFigure(const FoundFigure& found) {
+        Block block;
+        block.figure = found.figure;
+        block.bIsFigure = true;
+        m_model.blocks.push_back(std::move(block));
+        for (const std::size_t i : found.lines) {
+            Block inner;
+            inner.paragraph.glyphs = std::move(m_page.lines[i].glyphs);
+            inner.paragraph.bRightToLeft = m_page.lines[i].bRightToLeft;
+            inner.bInPicture = !found.figure.bIsText;
+            inner.bInText = found.figure.bIsText;
+            m_model.blocks.push_back(std::move(inner));
+        }
+    }
+
+    void AddRows(std::vector<RowText> rows, const Measure& measure) {
         bool bHead = !measure.bAside; // of a column
         for (Paragraph& paragraph : JoinRows(rows, measure)) {
             if (std::exchange(bHead, false) && m_nOpen != kNothing &&
@@ -122,11 +163,17 @@ private:
                 AppendText(m_model.blocks[m_nOpen].paragraph.glyphs, paragraph.glyphs);
                 continue;
             }
-            m_model.blocks.push_back({std::move(paragraph), {}, false});
+            Push(std::move(paragraph));
             if (IsFlow(m_model.blocks.back().paragraph, measure)) {
                 m_nOpen = m_model.blocks.size() - 1;
             }
         }
+    }
+
+    void Push(Paragraph paragraph) {
+        Block block;
+        block.paragraph = std::move(paragraph);
+        m_model.blocks.push_back(std::move(block));
     }
 
     // Not a note at the foot of a column, nor a heading.
@@ -140,6 +187,8 @@ private:
     PageModel& m_model;
     CapturedPage& m_page;
     fz_rect m_rcPage;
+    std::vector<FoundFigure> m_figures;
+    std::vector<bool> m_inFigure;   // lines that a figure shows
     std::size_t m_nOpen = kNothing; // the last paragraph of the text's flow
 };
 

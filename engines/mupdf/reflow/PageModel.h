@@ -68,6 +68,8 @@ struct Block {
     Paragraph paragraph;
     Figure figure;
     bool bIsFigure = false;
+    bool bInPicture = false; // a paragraph that the picture before it shows
+    bool bInText = false;    // one that a figure of text shows
 };
 
 struct PageModel {
@@ -81,6 +83,21 @@ struct PageModel {
     std::shared_ptr<const Drawing> pContent;
     std::shared_ptr<const Drawing> pAnnots;
 };
+
+// Calls `fnRun` for each list that takes part in the page.
+template <class Run>
+void ForEachList(const PageModel& model, Run&& fnRun) {
+    for (const auto& pDrawing : {model.pContent, model.pAnnots}) {
+        if (!pDrawing) {
+            continue;
+        }
+        for (const Drawing::Part& part : pDrawing->parts) {
+            if (part.list) {
+                fnRun(part.list.Get());
+            }
+        }
+    }
+}
 
 // The text in UTF-8, ligatures taken apart: a line for each paragraph.
 std::string TextOf(const PageModel& model);

@@ -48,18 +48,31 @@ float UsualLeading(std::span<const RowText> rows) {
     return *itLow;
 }
 
+// As far from one edge as from the other.
+bool IsEven(const RowText& row, float fLeft, float fRight) {
+    return std::abs((row.rc.x0 - fLeft) - (fRight - row.rc.x1)) < kCentred * (fRight - fLeft);
+}
+
+// And clearly away from both.
 bool IsCentredIn(const RowText& row, float fLeft, float fRight) {
-    const float fBefore = row.rc.x0 - fLeft;
-    const float fBehind = fRight - row.rc.x1;
-    const float fWidth = fRight - fLeft;
-    return std::abs(fBefore - fBehind) < kCentred * fWidth &&
-           std::min(fBefore, fBehind) > kCentred * fWidth;
+    return IsEven(row, fLeft, fRight) &&
+           std::min(row.rc.x0 - fLeft, fRight - row.rc.x1) > kCentred * (fRight - fLeft);
 }
 
 bool IsCentred(const RowText& row, const Measure& measure) {
     return !row.bCells && row.nMarker == 0 &&
            (IsCentredIn(row, measure.fLeft, measure.fRight) ||
             IsCentredIn(row, measure.fPageLeft, measure.fPageRight));
+}
+
+// The longest lines of a centred paragraph may reach the edges; of two lines the
+// shorter, the last, is the one that shows it.
+bool AreCentred(std::span<const RowText> rows, const Measure& measure) {
+    return IsCentred(rows.back(), measure) &&
+           std::all_of(rows.begin(), rows.end(), [&](const RowText& row) {
+               return IsEven(row, measure.fLeft, measure.fRight) ||
+                      IsEven(row, measure.fPageLeft, measure.fPageRight);
+           });
 }
 
 class Joiner {
@@ -142,8 +155,7 @@ private:
         Paragraph paragraph;
         const RowText& first = rows.front();
         paragraph.bRightToLeft = first.bRightToLeft;
-        if (std::all_of(rows.begin(), rows.end(),
-                        [&](const RowText& row) { return IsCentred(row, m_measure); })) {
+        if (AreCentred(rows, m_measure)) {
             paragraph.eAlign = Align::kCentre;
         } else {
             SetIndents(paragraph, rows);
