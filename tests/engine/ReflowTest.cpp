@@ -1,10 +1,15 @@
 // Reflowed pages: reading order, paragraphs, setting, bands and limits.
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
 #include <limits>
-#include <optional>
+#include <set>
 
 #include "document/engine/ReflowPage.h"
 #include "engines/mupdf/reflow/Characters.h"
@@ -13,9 +18,11 @@
 #include "engines/mupdf/reflow/ReflowedPage.h"
 #include "tests/engine/MuPdfFixture.h"
 #include "tests/support/pdf_writer/PdfWriter.h"
+#include "tests/support/pdf_writer/PlainText.h"
 
 namespace velko::testing {
 
+namespace reflow = engines::mupdf::reflow;
 using engines::mupdf::reflow::BreakLines;
 using engines::mupdf::reflow::Glyph;
 using engines::mupdf::reflow::Glyphs;
@@ -159,6 +166,65 @@ std::string Circle() {
         strContent += sz;
     }
     return strContent;
+}
+
+std::u32string FromUtf8(const std::string& strText) {
+    std::u32string str;
+    for (const char c : strText) {
+        const auto n = static_cast<unsigned char>(c);
+        if ((n & 0xC0U) != 0x80U) {
+            str += n < 0x80U ? n : n < 0xE0U ? n & 0x1FU : n < 0xF0U ? n & 0x0FU : n & 0x07U;
+        } else if (!str.empty()) {
+            str.back() = str.back() << 6U | (n & 0x3FU);
+        }
+    }
+    return str;
+}
+
+// The words of a text. Line ends within words are undone; each ideograph is a word;
+// hyphens do not count, nor the order of right-to-left letters, which one side
+// may have as they stand.
+std::multiset<std::string> WordsOf(const std::string& strText) {
+    std::multiset<std::string> words;
+    std::u32string strWord;
+    const auto fnEnd = [&] {
+        if (std::any_of(strWord.begin(), strWord.end(), &reflow::IsRightToLeft)) {
+            std::sort(strWord.begin(), strWord.end());
+        }
+        std::string strBytes;
+        for (const char32_t c : strWord) {
+            reflow::AppendUtf8(strBytes, c);
+        }
+        if (!strBytes.empty()) {
+            words.insert(strBytes);
+        }
+        strWord.clear();
+    };
+    bool bHyphen = false; // just before
+    for (const char32_t c : FromUtf8(strText)) {
+        if (reflow::IsSpace(c)) {
+            if (!bHyphen) {
+                fnEnd();
+            }
+        } else if (reflow::IsIdeographic(c)) {
+            fnEnd();
+            strWord = c;
+            fnEnd();
+        } else if (!reflow::IsHyphen(c)) {
+            strWord += c;
+        }
+        bHyphen = reflow::IsHyphen(c) || (bHyphen && reflow::IsSpace(c));
+    }
+    fnEnd();
+    return words;
+}
+
+std::size_t CountShared(const std::multiset<std::string>& one,
+                        const std::multiset<std::string>& two) {
+    std::vector<std::string> shared;
+    std::set_intersection(one.begin(), one.end(), two.begin(), two.end(),
+                          std::back_inserter(shared));
+    return shared.size();
 }
 
 }
@@ -352,10 +418,15 @@ TEST_F(ReflowTest, HostilePagesAreSetWithinBounds) {
     for (int i = 0; i < 20'000; ++i) {
         strPieces += TextAt(i % 100 * 6, 790 - i / 100 * 3.9, "x", 0.3 + i % 50);
     }
+    std::string strSame; // all at one place
+    for (int i = 0; i < 50'000; ++i) {
+        strSame += TextAt(60, 700, std::string(1, static_cast<char>('a' + i % 3)));
+    }
     const std::string pages[] = {
         OnePage(TextAt(0, 700, strLong, 0.006)),
         OnePage(strPieces),
         OnePage(Circle()),
+        OnePage(strSame),
         OnePage("BT /F1 12 Tf -1 0 0 -1 500 400 Tm (upside down) Tj ET"),
         OnePage(TextAt(60, 700, "huge", 30'000) + TextAt(60, 600, "tiny", 0.0001)),
         OnePage("BT /F1 -12 Tf 1e30 0 0 1e-30 60 600 Tm (numbers) Tj 1 0 0 0 9 9 Tm (flat) Tj ET"),
@@ -378,9 +449,49 @@ TEST_F(ReflowTest, HostilePagesAreSetWithinBounds) {
             EXPECT_LT(Clock::now() - start, std::chrono::seconds(5));
         }
     }
-    EXPECT_EQ(TextOf(ReflowOf(pages[3])), "upside down\n");
+    EXPECT_EQ(TextOf(ReflowOf(pages[4])), "upside down\n");
     const std::string strRead = TextOf(ReflowOf(pages[0]));
     EXPECT_GT(strRead.size(), 99'000U);
+}
+
+// The words of real files are those that the library's own extraction finds.
+TEST_F(ReflowTest, TheWordsOfRealPagesAreAllThere) {
+    constexpr int kPages = 3; // of each file
+    std::size_t nWords = 0;
+    std::size_t nKept = 0;
+    int nPages = 0;
+    int nWhole = 0;
+    for (const char* szFolder : {"open", "made"}) {
+        const std::filesystem::path folder = std::filesystem::path(VELKO_CORPUS) / szFolder;
+        if (!std::filesystem::exists(folder)) {
+            GTEST_SKIP() << "no corpus in " << folder;
+        }
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            if (entry.path().filename().string().starts_with("bomb")) {
+                continue; // the library alone takes minutes
+            }
+            std::ifstream file(entry.path(), std::ios::binary);
+            const std::string strBytes{std::istreambuf_iterator<char>(file), {}};
+            const auto pDoc = OpenDoc(strBytes);
+            const std::vector<std::string> texts =
+                pDoc ? PlainTextOf(strBytes, kPages) : std::vector<std::string>();
+            for (std::size_t i = 0; i < texts.size(); ++i) {
+                const auto words = WordsOf(texts[i]);
+                const auto pReflow = CreateReflow(pDoc->GetPage(static_cast<int>(i)));
+                Parse(*pReflow);
+                const std::size_t nShared = CountShared(words, WordsOf(TextOf(pReflow)));
+                nPages += words.empty() ? 0 : 1;
+                nWhole += !words.empty() && nShared * 100 >= words.size() * 99 ? 1 : 0;
+                nWords += words.size();
+                nKept += nShared;
+            }
+        }
+    }
+    std::cout << nKept << " of " << nWords << " words; " << nWhole << " of " << nPages
+              << " pages keep 99 % or more\n";
+    EXPECT_GT(nWords, 10'000U);
+    EXPECT_GT(static_cast<double>(nKept), 0.99 * static_cast<double>(nWords));
+    EXPECT_GT(nWhole, nPages * 97 / 100);
 }
 
 }

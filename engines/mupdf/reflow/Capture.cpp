@@ -106,6 +106,7 @@ public:
         TextLine result;
         result.eDirection = DirectionOf(line.dir);
         m_toUpright = Upright(result.eDirection, line.dir);
+        m_bVertical = line.wmode != 0;
         CollectCharacters(line);
         if (m_characters.empty()) {
             return result;
@@ -179,7 +180,7 @@ private:
             }
             return;
         }
-        RecordedGlyph* const pRecorded = m_recorder.Take(c.origin);
+        const RecordedGlyph* const pRecorded = m_recorder.Take(c.origin);
         if (pRecorded == nullptr && m_recorder.HasAt(c.origin) && !line.glyphs.empty()) {
             line.glyphs.push_back({nUnicode, Glyph::kNone, line.glyphs.back().nStyle, true});
             return;
@@ -208,7 +209,18 @@ private:
         }
         TakeShape(style, *pRecorded);
         style.nFont = m_styles.FontIndex(pRecorded->pFont);
-        return {nUnicode, pRecorded->nGlyph, m_styles.Index(style), false};
+        const std::int32_t nGlyph =
+            m_bVertical ? LyingGlyph(*pRecorded, nUnicode) : pRecorded->nGlyph;
+        return {nUnicode, nGlyph, m_styles.Index(style), false};
+    }
+
+    // Signs of vertical text have shapes of their own there, which do not fit a line.
+    static std::int32_t LyingGlyph(const RecordedGlyph& glyph, char32_t nUnicode) {
+        fz_context* const ctx = ThreadContext();
+        int nGlyph = 0;
+        Guard(ctx,
+              [&] { nGlyph = fz_encode_character(ctx, glyph.pFont, static_cast<int>(nUnicode)); });
+        return nGlyph > 0 ? nGlyph : glyph.nGlyph;
     }
 
     // A raised or lowered sign; what little a line wavers is none.
@@ -235,6 +247,7 @@ private:
     GlyphRecorder& m_recorder;
     fz_rect m_rcPage;
     fz_matrix m_toUpright = fz_identity;
+    bool m_bVertical = false;                       // the line at hand
     std::vector<const fz_stext_char*> m_characters; // of the line at hand
     std::vector<PlacedCharacter> m_order;
 };
@@ -281,6 +294,7 @@ CapturedPage CapturePage(PageModel& model, const fz_rect& rcPage, Operation& ope
         Leniently([&] { recorder.Run(ctx, pList, operation.Cookie()); });
     });
     operation.ThrowIfAborted();
+    recorder.Sort();
     page.artwork = recorder.Artwork();
     page.bTooMuch = recorder.IsFull();
     if (!page.bTooMuch && recorder.GlyphCount() != 0) {

@@ -1,5 +1,6 @@
 #include "engines/mupdf/reflow/GlyphRecorder.h"
 
+#include <algorithm>
 #include <cmath>
 #include <new>
 
@@ -149,8 +150,7 @@ void GlyphRecorder::Note(const fz_text& text, const fz_matrix& toList, bool bVis
                 shape = fz_concat(shape, toList);
                 const fz_point pt = {shape.e, shape.f};
                 shape.e = shape.f = 0.0F;
-                m_glyphs.emplace(KeyOf(pt),
-                                 RecordedGlyph{pSpan->font, shape, item.gid, bVisible, false});
+                m_glyphs.push_back({KeyOf(pt), 0, {pSpan->font, shape, item.gid, bVisible}});
             }
         }
     } catch (const std::bad_alloc&) {
@@ -168,19 +168,34 @@ void GlyphRecorder::Note(const ArtworkMark& mark) noexcept {
     }
 }
 
-RecordedGlyph* GlyphRecorder::Take(fz_point pt) {
-    const auto [first, last] = m_glyphs.equal_range(KeyOf(pt));
-    for (auto it = first; it != last; ++it) {
-        if (!it->second.bUsed) {
-            it->second.bUsed = true;
-            return &it->second;
-        }
+void GlyphRecorder::Sort() {
+    std::stable_sort(m_glyphs.begin(), m_glyphs.end(),
+                     [](const Placed& one, const Placed& two) { return one.nPlace < two.nPlace; });
+}
+
+GlyphRecorder::Glyphs::const_iterator GlyphRecorder::FirstAt(std::uint64_t nPlace) const {
+    return std::lower_bound(
+        m_glyphs.begin(), m_glyphs.end(), nPlace,
+        [](const Placed& placed, std::uint64_t nWanted) { return placed.nPlace < nWanted; });
+}
+
+const RecordedGlyph* GlyphRecorder::Take(fz_point pt) {
+    const std::uint64_t nPlace = KeyOf(pt);
+    const auto nFirst = static_cast<std::size_t>(FirstAt(nPlace) - m_glyphs.begin());
+    if (nFirst == m_glyphs.size()) {
+        return nullptr;
     }
-    return nullptr;
+    const std::size_t nNext = nFirst + m_glyphs[nFirst].nTaken;
+    if (nNext == m_glyphs.size() || m_glyphs[nNext].nPlace != nPlace) {
+        return nullptr;
+    }
+    ++m_glyphs[nFirst].nTaken;
+    return &m_glyphs[nNext].glyph;
 }
 
 bool GlyphRecorder::HasAt(fz_point pt) const {
-    return m_glyphs.contains(KeyOf(pt));
+    const auto it = FirstAt(KeyOf(pt));
+    return it != m_glyphs.end() && it->nPlace == KeyOf(pt);
 }
 
 }

@@ -12,8 +12,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
-#include <unordered_map>
 #include <vector>
 
 #include "engines/mupdf/reflow/Artwork.h"
@@ -25,7 +23,6 @@ struct RecordedGlyph {
     fz_matrix shape = fz_identity; // without the place
     std::int32_t nGlyph = 0;
     bool bVisible = false;
-    bool bUsed = false;
 };
 
 class GlyphRecorder {
@@ -36,11 +33,14 @@ public:
     // Runs the list; stops when there are too many glyphs. Guarded bodies only.
     void Run(fz_context* ctx, fz_display_list* pList, fz_cookie* pCookie);
 
+    // Once all lists have run.
+    void Sort();
+
     bool IsFull() const { return m_nGlyphs >= kMostGlyphs; }
     std::size_t GlyphCount() const { return m_nGlyphs; }
 
     // The next glyph that was drawn at the place, or nothing.
-    RecordedGlyph* Take(fz_point pt);
+    const RecordedGlyph* Take(fz_point pt);
 
     // True when a glyph stands at the place, taken or not.
     bool HasAt(fz_point pt) const;
@@ -53,9 +53,17 @@ public:
     void Note(const ArtworkMark& mark) noexcept;
 
 private:
-    static std::uint64_t KeyOf(fz_point pt);
+    struct Placed {
+        std::uint64_t nPlace = 0;
+        std::uint32_t nTaken = 0; // of the first at the place: how many there were taken
+        RecordedGlyph glyph;
+    };
+    using Glyphs = std::vector<Placed>;
 
-    std::unordered_multimap<std::uint64_t, RecordedGlyph> m_glyphs;
+    static std::uint64_t KeyOf(fz_point pt);
+    Glyphs::const_iterator FirstAt(std::uint64_t nPlace) const;
+
+    Glyphs m_glyphs; // by place once sorted, in the order of their drawing at each
     std::vector<ArtworkMark> m_marks;
     std::size_t m_nGlyphs = 0;
     bool m_bOutOfMemory = false;
