@@ -40,13 +40,25 @@ void FlingLimit::OnMoved(bool bInertial) {
         return;
     }
     if (m_pages.size() == 1 && pages.size() > 1) {
-        PutBack(pages);
+        BeginTurn(pages);
     }
     if (pages == m_pages) {
         CarryOn();
     }
     if (pages != m_pages || HasTurned()) {
         m_window.StopInertia();
+    }
+}
+
+// A page that is narrower than the screen has room to slide before its neighbour
+// comes in. A wider one is moved within its edges.
+void FlingLimit::BeginTurn(const std::vector<std::int32_t>& pages) {
+    const auto place = m_control.GetPageScreenRect(m_pages.front());
+    if (place && place->nWidth < ScreenWidth()) {
+        m_pages = pages;
+        m_dbLeft = LeftEdge();
+    } else {
+        PutBack(pages);
     }
 }
 

@@ -1,6 +1,7 @@
 // Where one page is shown at a time, a flick turns one page, however short it is:
 // the inertia of a pan goes on until the page that it goes to has come to its
-// place, and ends there. It begins no turn by itself.
+// place, and ends there. From within a page that is wider than the screen it begins
+// no turn by itself.
 //
 // Units: device pixels. Lifetime: goes before the window and the control that it works on.
 // Threads: UI thread only.
@@ -35,6 +36,7 @@ private:
     };
 
     void OnMoved(bool bInertial);
+    void BeginTurn(const std::vector<std::int32_t>& pages);
     void PutBack(const std::vector<std::int32_t>& pages);
     void CarryOn();
     bool HasTurned() const;

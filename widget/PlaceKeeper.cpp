@@ -6,8 +6,8 @@ namespace velko::vkit {
 
 namespace {
 
-constexpr int kRestMs = 2'000;     // without a change
-constexpr int kLongestMs = 10'000; // while the reader goes on and on
+constexpr int kRestMs = 2'000;    // without a change
+constexpr int kLongestMs = 5'000; // while the reader goes on and on
 
 }
 

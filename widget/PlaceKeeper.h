@@ -1,5 +1,5 @@
 // Keeps the reader's place while a document is read: when it has rested for two
-// seconds, every ten while it goes on and on, and when the document is left.
+// seconds, every five while it goes on and on, and when the document is left.
 //
 // Keeping waits for no disk; see `ApplicationData` for when it is stored, and for
 // the failures of that. Threads: UI thread only. Errors: a place that cannot be

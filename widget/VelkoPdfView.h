@@ -102,6 +102,10 @@ public:
     // size event off, so that the first layout need not wait for the display.
     void ArrangeBeforeShow();
 
+    // A change of size within the call leaves the zoom alone, also one that fits: for
+    // what comes and goes beside the pages and is not to move them.
+    void ResizeAtTheZoom(const std::function<void()>& fnResize);
+
     // Whether places are stored and brought back; off at first. Stored on
     // the task pool, the last one before the view goes.
     void KeepPlace(bool bKeep);
@@ -265,6 +269,7 @@ private:
     // What is shown.
     void QueueRefresh();
     Facts ReadFacts();
+    int PageInSight();
     void OnPainted();
     void Hold();
     void FollowFit();
@@ -281,6 +286,7 @@ private:
 
     // Commands.
     void Travel(const std::function<void()>& fnGo);
+    void StepZoom(double dbZoom);
     void StepLine(int nDirection, bool bAcross);
     void ZoomByWheel(QPointF ptWindow, double dbFactor);
     void SettleWheel();
@@ -293,7 +299,8 @@ private:
     void FollowLink(const velko::pdf::LinkRecord& link);
     void FollowAction(const std::shared_ptr<velko::pdf::IAction>& pAction);
     void FollowPage(const LinkToPage& target);
-    bool KeepsZoom(const velko::pdf::IDestination& target);
+    bool IsShownHere(const velko::pdf::IDestination& target);
+    float ZoomOf(const velko::pdf::IDestination& target, double dbBefore);
     void ShowDestination(const velko::pdf::IDestination& target);
     void ShowPlaceOf(const velko::pdf::IDestination& target, std::int32_t nPage);
     void FollowStep(LinkStep eStep);
@@ -326,6 +333,7 @@ private:
     float m_fWheelZoom = 0.0F;
     ViewHistory m_history;
     velko::common::ScanColors m_eScanColors; // as last drawn
+    bool m_bKeepsZoom = false;               // within `ResizeAtTheZoom`
     bool m_bRefreshQueued = false;
     bool m_bSeen = false;               // the reader has seen a page of this document
     bool m_bPlaceWaits = false;         // for the viewer of a document that is told of already

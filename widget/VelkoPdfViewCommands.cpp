@@ -54,7 +54,7 @@ void VelkoPdfView::Travel(const std::function<void()>& fnGo) {
     Command([&] {
         Hold();
         fnGo();
-        m_zoom.NoteFitLeft(m_facts.nPage);
+        m_zoom.NoteFitLeft();
     });
 }
 
@@ -126,11 +126,18 @@ void VelkoPdfView::SettleWheel() {
 }
 
 void VelkoPdfView::ZoomIn() {
-    ZoomTo(m_zoom.StepIn());
+    StepZoom(m_zoom.StepIn());
 }
 
 void VelkoPdfView::ZoomOut() {
-    ZoomTo(m_zoom.StepOut());
+    StepZoom(m_zoom.StepOut());
+}
+
+// At the limit it does nothing, and leaves a fit in force.
+void VelkoPdfView::StepZoom(double dbZoom) {
+    if (HasDocument() && !m_zoom.IsAt(dbZoom)) {
+        ZoomTo(dbZoom);
+    }
 }
 
 void VelkoPdfView::SetFit(Fit eFit) {

@@ -1,4 +1,6 @@
 // Links: which one is meant, and following it.
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "control/PDFViewCtrl.h"
@@ -29,7 +31,8 @@ std::shared_ptr<IAction> FindName(const std::shared_ptr<PDFDoc>& pDocument,
     return pSource ? pSource->FindNamedDestination(strName) : nullptr;
 }
 
-std::int32_t FitOf(const IDestination& target, std::int32_t nFallback) {
+// What is in force then: a destination with a zoom of its own ends a fit.
+std::int32_t FitOf(const IDestination& target, std::int32_t nNow) {
     switch (target.GetZoomMode()) {
         case kFitPage:
             return ZoomMode::kFitPage;
@@ -37,8 +40,10 @@ std::int32_t FitOf(const IDestination& target, std::int32_t nFallback) {
             return ZoomMode::kFitWidth;
         case kFitHeight:
             return ZoomMode::kFitHeight;
+        case kExplicit:
+            return target.GetRight() > 0.0F ? ZoomMode::kNone : nNow;
         default:
-            return nFallback;
+            return ZoomMode::kNone;
     }
 }
 
@@ -103,42 +108,32 @@ void VelkoPdfView::FollowAction(const std::shared_ptr<IAction>& pAction) {
     const auto pTarget = pAction->GetDestination();
     Command([&] {
         m_history.Leave(*m_pControl);
-        if (pTarget && KeepsZoom(*pTarget)) {
+        if (pTarget && IsShownHere(*pTarget)) {
             ShowDestination(*pTarget);
-        } else {
+        } else { // around what is drawn on the page, which the control finds out
+            m_zoom.SetFitMode(ZoomMode::kNone);
             m_pControl->GotoDestination(pAction);
         }
-        m_zoom.NoteFitLeft(m_facts.nPage);
+        m_zoom.NoteFit();
     });
 }
 
-// Fits are the reader's commands, and stay in force; a place without a zoom leaves
-// the zoom as it is. The rest is the control's.
-bool VelkoPdfView::KeepsZoom(const IDestination& target) {
+bool VelkoPdfView::IsShownHere(const IDestination& target) {
     const std::int32_t nPage = target.GetPageIndex(*m_pControl->GetPDFDoc());
-    if (nPage < 0 || nPage >= m_pControl->GetPageCount()) {
-        return false;
-    }
-    switch (target.GetZoomMode()) {
-        case kExplicit:
-            return !(target.GetRight() > 0.0F);
-        case kFitPage:
-        case kFitWidth:
-        case kFitHeight:
-            return true;
-        default:
-            return false;
-    }
+    return nPage >= 0 && nPage < m_pControl->GetPageCount() && target.GetZoomMode() >= kExplicit &&
+           target.GetZoomMode() <= kFitRectangle;
 }
 
+// Fits are the reader's commands, and stay in force; a place without a zoom leaves
+// the zoom as it is.
 void VelkoPdfView::ShowDestination(const IDestination& target) {
     const std::int32_t nPage = target.GetPageIndex(*m_pControl->GetPDFDoc());
-    const double dbZoom = m_pControl->GetScale();
+    const double dbBefore = m_pControl->GetScale();
     m_zoom.SetFitMode(FitOf(target, m_zoom.FitMode()));
     m_pControl->GotoPage(nPage);
     if (m_zoom.HasFit()) {
         m_zoom.ZoomToFit();
-    } else if (m_pControl->GetScale() != static_cast<float>(dbZoom)) {
+    } else if (const double dbZoom = ZoomOf(target, dbBefore); m_pControl->GetScale() != dbZoom) {
         m_zoom.ZoomTo(dbZoom);
     }
     if (m_zoom.FitMode() != ZoomMode::kFitPage) { // else all of its places are in sight
@@ -146,10 +141,32 @@ void VelkoPdfView::ShowDestination(const IDestination& target) {
     }
 }
 
+// The one that a destination names, as a number or by a rectangle that is to fill
+// the view.
+float VelkoPdfView::ZoomOf(const IDestination& target, double dbBefore) {
+    if (target.GetZoomMode() == kExplicit && target.GetRight() > 0.0F) {
+        return target.GetRight();
+    }
+    if (target.GetZoomMode() != kFitRectangle) {
+        return static_cast<float>(dbBefore);
+    }
+    const Windows::Foundation::Rect rcPage(std::min(target.GetLeft(), target.GetRight()),
+                                           std::min(target.GetBottom(), target.GetTop()),
+                                           std::abs(target.GetRight() - target.GetLeft()),
+                                           std::abs(target.GetTop() - target.GetBottom()));
+    const auto rc =
+        m_pControl->PageRectToDeviceRect(target.GetPageIndex(*m_pControl->GetPDFDoc()), rcPage);
+    const auto size = m_pControl->GetCanvasSize();
+    const bool bEmpty = rc.Width < 1.0F || rc.Height < 1.0F;
+    const float fGrow = bEmpty ? 1.0F : std::min(size.Width / rc.Width, size.Height / rc.Height);
+    return m_pControl->GetScale() * fGrow;
+}
+
 // At the view's top left, as far as the target names it and the document reaches.
 void VelkoPdfView::ShowPlaceOf(const IDestination& target, std::int32_t nPage) {
     const Point pt = m_pControl->PagePointToDevicePoint(nPage, {target.GetLeft(), target.GetTop()});
-    const bool bExplicit = target.GetZoomMode() == kExplicit;
+    const bool bExplicit =
+        target.GetZoomMode() == kExplicit || target.GetZoomMode() == kFitRectangle;
     const bool bDown = bExplicit || target.GetZoomMode() == kFitWidth;
     const bool bAcross =
         (bExplicit && !target.IsLeftAbsent()) || target.GetZoomMode() == kFitHeight;

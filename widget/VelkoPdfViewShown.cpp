@@ -59,7 +59,7 @@ VelkoPdfView::Facts VelkoPdfView::ReadFacts() {
         return facts;
     }
     facts.nPageCount = m_pControl->GetPageCount();
-    facts.nPage = m_pControl->GetCurrentPageIndex();
+    facts.nPage = PageInSight();
     facts.dbZoom = m_pControl->GetScale();
     facts.eFit = static_cast<Fit>(m_zoom.FitMode());
     facts.nRotate = m_pControl->GetRotate();
@@ -68,6 +68,20 @@ VelkoPdfView::Facts VelkoPdfView::ReadFacts() {
     facts.bBack = m_history.CanGoBack();
     facts.bForward = m_history.CanGoForward();
     return facts;
+}
+
+// While a page is turned the one of which more is in sight: the release would stay
+// with that.
+int VelkoPdfView::PageInSight() {
+    const auto pages = m_pControl->GetVisiblePages();
+    const auto place = m_steps.ShowsSinglePage() && pages.size() == 2
+                           ? m_pControl->GetPageScreenRect(pages.back())
+                           : std::nullopt;
+    if (!place) {
+        return m_pControl->GetCurrentPageIndex();
+    }
+    const double dbScreen = m_pControl->GetCanvasSize().Width * m_pControl->CompositionScaleX();
+    return place->dbOffsetX < dbScreen / 2.0 ? pages.back() : pages.front();
 }
 
 bool VelkoPdfView::Refresh() {
@@ -113,7 +127,7 @@ bool VelkoPdfView::TellChanges(const Facts& before) {
 
 void VelkoPdfView::FollowFit() {
     if (HasDocument()) {
-        m_zoom.FollowFit(m_zoom.NoteFitLeft(m_facts.nPage));
+        m_zoom.FollowFit(m_zoom.NoteFitLeft());
     }
 }
 
@@ -155,6 +169,12 @@ void VelkoPdfView::resizeEvent(QResizeEvent* /*pEvent*/) {
     m_pWindow->setGeometry(rect());
 }
 
+void VelkoPdfView::ResizeAtTheZoom(const std::function<void()>& fnResize) {
+    m_bKeepsZoom = true;
+    fnResize();
+    m_bKeepsZoom = false;
+}
+
 void VelkoPdfView::ArrangeBeforeShow() {
     m_pWindow->setGeometry(rect());
     m_pWindow->Arrange();
@@ -181,7 +201,7 @@ void VelkoPdfView::BeforeArrange() {
 
 void VelkoPdfView::AfterArrange() {
     if (const auto keeper = std::exchange(m_keeper, std::nullopt)) {
-        keeper->Restore(*m_pControl, m_zoom.FitOr(keeper->Zoom()));
+        keeper->Restore(*m_pControl, m_bKeepsZoom ? keeper->Zoom() : m_zoom.FitOr(keeper->Zoom()));
         m_zoom.NoteFit();
     } else if (HasDocument() && !m_bSeen) {
         ShowKeptPlace();
@@ -200,7 +220,7 @@ std::optional<KeptView> VelkoPdfView::PlaceNow(bool bLeft) {
     if (!HasDocument() || (bTurning && !bLeft)) {
         return std::nullopt;
     }
-    m_zoom.NoteFitLeft(m_facts.nPage);
+    m_zoom.NoteFitLeft();
     PropertySet values;
     values.Insert(kFitKey, PropertyValue::Create(m_zoom.FitMode()));
     auto view = TakeView(*m_pControl, values);
@@ -242,7 +262,8 @@ void VelkoPdfView::ShowPlace(const KeptView& kept) {
         m_pControl->RotateViewer(state.Rotate);
     }
     if (nPage < 0 || nPage >= m_pControl->GetPageCount()) {
-        return; // the document has become shorter
+        m_zoom.ZoomToFit(); // the document has become shorter
+        return;
     }
     if (!bSameWay || !(dbScale > 0.0) || !std::isfinite(dbScale)) {
         m_pControl->GotoPage(nPage);

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <iterator>
 #include <memory>
+#include <utility>
 
 #include "control/PDFViewCtrl.h"
 #include "document/engine/HostServices.h"
@@ -25,6 +26,7 @@ constexpr std::array kSteps{0.1, 0.15, 0.25, 0.33, 0.5, 0.67, 0.75, 0.8, 0.9, 1.
 constexpr double kLeast = 0.1;        // for an overview of many pages
 constexpr double kVisibleStep = 1.08; // a lesser factor is hardly seen
 constexpr double kSameZoom = 0.001;   // as a share
+constexpr double kHair = 0.02;        // of the view, by which a top may have slipped out
 
 }
 
@@ -64,17 +66,19 @@ double ViewZoom::FitOr(double dbZoom) const {
 }
 
 void ViewZoom::NoteFit() {
+    m_nPage = m_control.GetCurrentPageIndex();
     m_fScale = m_control.GetScale();
     m_dbAim = FitOr(0.0);
 }
 
-bool ViewZoom::NoteFitLeft(std::int32_t nPageBefore) {
-    if (!HasFit()) {
-        return false;
+bool ViewZoom::NoteFitLeft() {
+    const bool bSingle = m_steps.ShowsSinglePage();
+    if (!HasFit() || (bSingle && m_control.GetVisiblePages().size() > 1)) {
+        return false; // a page that is being turned to has yet to come to its scale
     }
     const float fScale = m_control.GetScale();
-    const bool bTurned =
-        m_steps.ShowsSinglePage() && m_control.GetCurrentPageIndex() != nPageBefore;
+    const std::int32_t nPage = m_control.GetCurrentPageIndex();
+    const bool bTurned = bSingle && std::exchange(m_nPage, nPage) != nPage;
     if (bTurned) {
         m_fScale = fScale;
     } else if (fScale != m_fScale) {
@@ -108,7 +112,7 @@ void ViewZoom::FollowPage() {
 
 void ViewZoom::ZoomToFit() {
     const std::int32_t nPage = m_control.GetCurrentPageIndex();
-    ZoomTo(Fitted());
+    Zoom(Fitted()); // whatever it is
     if (m_nFit != ZoomMode::kFitWidth) {
         m_control.GotoPage(nPage);
     }
@@ -136,24 +140,33 @@ Point ViewZoom::Centre() const {
     const auto size = m_control.GetCanvasSize();
     const float fHeight = size.Height * m_control.CompositionScaleY();
     const auto place = m_control.GetPageScreenRect(m_control.GetCurrentPageIndex());
-    const bool bTopInView = place && place->dbOffsetY > -1.0 && place->dbOffsetY < fHeight;
+    const bool bTopInView =
+        place && place->dbOffsetY > -kHair * fHeight && place->dbOffsetY < fHeight;
     return {size.Width * m_control.CompositionScaleX() / 2.0F, bTopInView ? 0.0F : fHeight / 2.0F};
 }
 
 void ViewZoom::ZoomTo(double dbZoom) {
-    m_control.ZoomAtPoint(Centre(), Limited(dbZoom), false, true);
+    Zoom(Limited(dbZoom));
+}
+
+void ViewZoom::Zoom(double dbZoom) {
+    m_control.ZoomAtPoint(Centre(), dbZoom, false, true);
 }
 
 double ViewZoom::StepIn() const {
-    const double dbLeast = m_control.GetScale() * kVisibleStep;
-    const auto it = std::lower_bound(kSteps.begin(), kSteps.end(), dbLeast);
-    return it == kSteps.end() ? kSteps.back() : *it;
+    const double dbNow = m_control.GetScale();
+    const auto it = std::lower_bound(kSteps.begin(), kSteps.end(), dbNow * kVisibleStep);
+    return Limited(it == kSteps.end() ? std::max(dbNow, kSteps.back()) : *it);
 }
 
 double ViewZoom::StepOut() const {
-    const double dbMost = m_control.GetScale() / kVisibleStep;
-    const auto it = std::upper_bound(kSteps.begin(), kSteps.end(), dbMost);
-    return it == kSteps.begin() ? kSteps.front() : *std::prev(it);
+    const double dbNow = m_control.GetScale();
+    const auto it = std::upper_bound(kSteps.begin(), kSteps.end(), dbNow / kVisibleStep);
+    return Limited(it == kSteps.begin() ? std::min(dbNow, kSteps.front()) : *std::prev(it));
+}
+
+bool ViewZoom::IsAt(double dbZoom) const {
+    return std::abs(m_control.GetScale() - dbZoom) <= kSameZoom * dbZoom;
 }
 
 }

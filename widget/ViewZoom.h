@@ -43,20 +43,22 @@ public:
     // The next step that is worth seeing, at the end of the steps the last one.
     double StepIn() const;
     double StepOut() const;
+    bool IsAt(double dbZoom) const;
 
     // What the fit in force asks for; without one the other.
     double FitOr(double dbZoom) const;
 
     // After a step of the fit's own: the scale that stands now is the fit's.
     void NoteFit();
-    // Ends a fit when something else has zoomed. A page that was turned to since
-    // `nPageBefore` may have come at another scale; true then.
-    bool NoteFitLeft(std::int32_t nPageBefore);
+    // Ends a fit when something else has zoomed. A page that was turned to may have
+    // come at another scale; true then.
+    bool NoteFitLeft();
     void FollowFit(bool bTurned);
     // After a command that went to a page: in a column it decides what fits whole.
     void FollowPage();
 
 private:
+    void Zoom(double dbZoom);
     double Fitted() const;
     double WidthOfAll(double dbWidth) const;
     Windows::Foundation::Point Centre() const; // device pixels
@@ -64,8 +66,9 @@ private:
     PDFViewCtrl& m_control;
     const PageSteps& m_steps;
     std::int32_t m_nFit = 0;
-    float m_fScale = 0.0F; // to which the fit has led
-    double m_dbAim = 0.0;  // that it asked for then; limits may have led elsewhere
+    std::int32_t m_nPage = 0; // that was fitted
+    float m_fScale = 0.0F;    // to which the fit has led
+    double m_dbAim = 0.0;     // that it asked for then; limits may have led elsewhere
 };
 
 }

@@ -38,6 +38,7 @@ using vkit::VelkoPdfView;
 namespace {
 
 constexpr int kLatestBarMs = 400;
+constexpr int kLinkMs = 60; // in which a page's links are read
 const QString kProgramName = QStringLiteral("Velko Viewer");
 
 // The local files among what is dragged.
@@ -222,7 +223,8 @@ void MainWindow::ShowMessage(const QString& strTitle, const QString& strText) {
 NoticeBar& MainWindow::NoticeLine() {
     if (m_pNotice == nullptr) {
         m_pNotice = new NoticeBar(this);
-        connect(m_pNotice, &NoticeBar::Changed, this, &MainWindow::PlaceParts);
+        connect(m_pNotice, &NoticeBar::Changed, this,
+                [this] { m_pView->ResizeAtTheZoom([this] { PlaceParts(); }); });
         connect(m_pNotice, &NoticeBar::KeysFree, m_pView, qOverload<>(&QWidget::setFocus));
     }
     return *m_pNotice;
@@ -492,7 +494,10 @@ bool MainWindow::LeaveWhatIsOpen() {
 // The buttons of a mouse that go back and forth, and the one for the menu.
 bool MainWindow::eventFilter(QObject* pWatched, QEvent* pEvent) {
     if (pEvent->type() == QEvent::ContextMenu) {
-        OpenPageMenu(static_cast<QContextMenuEvent*>(pEvent)->globalPos());
+        const QPoint ptGlobal = static_cast<QContextMenuEvent*>(pEvent)->globalPos();
+        // What lies under a pointer that has just come there is found out meanwhile.
+        QTimer::singleShot(m_strTarget.isEmpty() ? kLinkMs : 0, this,
+                           [this, ptGlobal] { OpenPageMenu(ptGlobal); });
         return true;
     }
     if (pEvent->type() == QEvent::MouseButtonPress) {

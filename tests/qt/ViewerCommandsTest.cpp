@@ -298,7 +298,9 @@ TEST_F(LinkTest, TheMenuAtAWebLinkCopiesItsAddress) {
     }));
     QContextMenuEvent event(QContextMenuEvent::Mouse, ptLink, window.mapToGlobal(ptLink));
     QCoreApplication::sendEvent(&window, &event);
-    const auto* pMenu = m_pWindow->findChild<viewer::PageMenu*>();
+    const auto fnMenu = [&] { return m_pWindow->findChild<viewer::PageMenu*>(); };
+    ASSERT_TRUE(RunUntil([&] { return fnMenu() != nullptr; }));
+    const auto* pMenu = fnMenu();
     ASSERT_TRUE(pMenu != nullptr && pMenu->actions()[1]->text().contains("address"));
     pMenu->actions()[1]->trigger();
     EXPECT_EQ(QGuiApplication::clipboard()->text(), "https://example.org/a");
