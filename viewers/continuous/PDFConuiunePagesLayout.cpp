@@ -82,11 +82,24 @@ bool PDFConuiunePagesViewer::LayOut(const PDFRenderTask& task) {
             BringBack(newList, task);
         }
     } catch (...) {
+        KeepScreenFilled(newList, task);
         Adopt(newList); // what has been moved is whole; the next step fills the rest
         throw;
     }
     Adopt(newList);
     return bHeld;
+}
+
+// A step that ended early, as in a handler of the host, may have moved all pages
+// away before it came to those that follow.
+void PDFConuiunePagesViewer::KeepScreenFilled(PageItems& list, const PDFRenderTask& task) {
+    if (!OpenDocument() || HoldsScreen(list)) {
+        return;
+    }
+    try {
+        BringBack(list, task);
+    } catch (...) { // the first failure is told, and the page that is read stands by now
+    }
 }
 
 void PDFConuiunePagesViewer::Adopt(PageItems& newList) {

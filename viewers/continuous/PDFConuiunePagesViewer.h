@@ -76,6 +76,7 @@ private:
     bool LayOut(const PDFRenderTask& task);
     void Adopt(PageItems& newList);
     bool HoldsScreen(const PageItems& items);
+    void KeepScreenFilled(PageItems& list, const PDFRenderTask& task);
     void BringBack(PageItems& list, PDFRenderTask task);
 
     // Lays out and starts the renders; returns the list now in force.

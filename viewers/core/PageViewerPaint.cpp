@@ -185,7 +185,7 @@ void PageViewerBase::DrawStandIns(ID2D1DeviceContext& context, const ViewerPageI
 // --- after a frame ---
 
 void PageViewerBase::GiveBackMemory() {
-    if (!m_pPageItems) {
+    if (!HasItems()) { // between two layouts: what pages have shown waits for the next
         return;
     }
     for (const PageItem& pItem : *m_pPageItems) {
