@@ -50,7 +50,8 @@ void PageSign::Draw(ID2D1DeviceContext& context, const Render_PageScreenOffsetIn
     const auto pBitmap = context.CreateBitmap(
         size, {m_picture.constBits(), static_cast<std::size_t>(m_picture.sizeInBytes())},
         static_cast<std::uint32_t>(m_picture.bytesPerLine()), {});
-    const auto fLeft = static_cast<float>(place.dbOffsetX + (place.nWidth - m_picture.width()) / 2);
+    const auto fLeft =
+        static_cast<float>(place.dbOffsetX + (place.nWidth - m_picture.width()) / 2.0);
     const auto fTop = static_cast<float>(std::max(place.dbOffsetY, 0.0) + kMargin * m_dbRatio);
     const auto fWidth = static_cast<float>(size.width);
     const auto fHeight = static_cast<float>(size.height);

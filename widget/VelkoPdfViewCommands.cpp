@@ -11,8 +11,6 @@
 
 namespace velko::vkit {
 
-using Windows::Foundation::Point;
-
 namespace {
 
 constexpr double kLineScroll = 60.0; // Qt's units

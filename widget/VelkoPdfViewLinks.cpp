@@ -51,6 +51,8 @@ template <class... Ts>
 struct Cases : Ts... {
     using Ts::operator()...;
 };
+template <class... Ts>
+Cases(Ts...) -> Cases<Ts...>;
 
 }
 

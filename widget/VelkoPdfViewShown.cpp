@@ -15,7 +15,6 @@
 
 namespace velko::vkit {
 
-using Windows::Foundation::Point;
 using Windows::Foundation::PropertyValue;
 using Windows::Foundation::Collections::PropertySet;
 
