@@ -217,7 +217,8 @@ protected:
         }
         const auto nRenders = pEngine->Count(EngineOp::StartRender);
         const auto nFaults = pGraphics->FaultsHappened();
-        const bool bHasPages = !pControl->GetVisiblePages().empty(); // else it lays out anew
+        // Else, or when it has zoomed all pages away from a screen of a pixel, it lays out anew.
+        const bool bHasPages = Screen().Width >= 2.0F && !pControl->GetVisiblePages().empty();
         for (int n = Below(10); n > 0; --n) {
             fCumulative *= fStep;
             Delta({pt.X + Coordinate() / 50, pt.Y}, fStep, fCumulative);
