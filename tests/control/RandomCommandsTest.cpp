@@ -217,8 +217,9 @@ protected:
         }
         const auto nRenders = pEngine->Count(EngineOp::StartRender);
         const auto nFaults = pGraphics->FaultsHappened();
-        // Else, or when it has zoomed all pages away from a screen of a pixel, it lays out anew.
-        const bool bHasPages = Screen().Width >= 2.0F && !pControl->GetVisiblePages().empty();
+        // Else, or when it has zoomed all pages away from a screen of a few pixels, it lays out
+        // anew.
+        const bool bHasPages = Screen().Width > 4.0F && !pControl->GetVisiblePages().empty();
         for (int n = Below(10); n > 0; --n) {
             fCumulative *= fStep;
             Delta({pt.X + Coordinate() / 50, pt.Y}, fStep, fCumulative);
