@@ -78,7 +78,8 @@ VelkoPdfView::~VelkoPdfView() {
 }
 
 void VelkoPdfView::ConnectWindow() {
-    m_pWindow->OnFailure = [this](const std::exception_ptr& pError) { Report(pError); };
+    m_pWindow->OnFailure([this](const std::exception_ptr& pError) { m_failures.Tell(pError); });
+    m_failures.Listen([this](const std::exception_ptr& pError) { Report(pError); });
     m_pWindow->OnBeforeArrange = [this] { BeforeArrange(); };
     m_pWindow->OnAfterArrange = [this] { AfterArrange(); };
     m_pWindow->OnPresented = [this] { QueueRefresh(); };
@@ -133,11 +134,7 @@ void VelkoPdfView::Command(const std::function<void()>& fnBody) {
 }
 
 void VelkoPdfView::Guard(const std::function<void()>& fnBody) {
-    try {
-        fnBody();
-    } catch (...) {
-        Report(std::current_exception());
-    }
+    m_failures.Run(fnBody);
 }
 
 void VelkoPdfView::Report(const std::exception_ptr& pError) {

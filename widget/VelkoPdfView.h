@@ -38,6 +38,7 @@
 #include "control/PDFViewCtrl.h"
 #include "document/engine/HostServices.h"
 #include "document/engine/ScanColors.h"
+#include "platform/foundation/FailureSink.h"
 #include "widget/FilePath.h"
 #include "widget/OpeningQueue.h"
 #include "widget/PageColors.h"
@@ -306,6 +307,7 @@ private:
     void FollowStep(LinkStep eStep);
     void Find(const QString& strName, const QString& strRefusal);
 
+    Platform::FailureSink m_failures{"the view"};
     const std::shared_ptr<PDFViewCtrl> m_pControl;
     const PageSteps m_steps;
     ViewZoom m_zoom;

@@ -82,13 +82,13 @@ QtElementWindow::QtElementWindow(std::shared_ptr<QtEnvironment> pEnvironment,
     setAttribute(::Qt::WA_NoSystemBackground);
     setFocusPolicy(::Qt::StrongFocus);
     m_pInput = std::make_unique<QtPanelInput>(*this, m_pEnvironment, m_pPanel);
-    m_pInput->Recogniser().OnFailure([this](const auto& pFailure) { Report(pFailure); });
+    m_pInput->Recogniser().OnFailure([this](const auto& pFailure) { m_failures.Tell(pFailure); });
     const auto token = m_pPanel->SwapChainChanged.add([this] { WatchSwapChain(); });
     m_unsubscribe.emplace_back([this, token] { m_pPanel->SwapChainChanged.remove(token); });
     WatchSwapChain();
     WatchTree(m_pRoot);
     UpdateBusyMark();
-    Guard([this] { m_pRoot->RaiseLoaded(); });
+    m_failures.Run([this] { m_pRoot->RaiseLoaded(); });
 }
 
 QtElementWindow::~QtElementWindow() {
@@ -99,26 +99,7 @@ QtElementWindow::~QtElementWindow() {
     if (m_pSwapChain) {
         m_pSwapChain->OnPresented = nullptr;
     }
-    Guard([this] { m_pRoot->RaiseUnloaded(); });
-}
-
-void QtElementWindow::Guard(const std::function<void()>& fnBody) {
-    const QPointer<QtElementWindow> pThis(this);
-    try {
-        fnBody();
-    } catch (...) {
-        if (pThis) {
-            Report(std::current_exception());
-        }
-    }
-}
-
-void QtElementWindow::Report(const std::exception_ptr& pFailure) {
-    if (const auto fnReport = OnFailure) {
-        fnReport(pFailure);
-        return;
-    }
-    QtDispatcher::RunGuarded("a handler of the window", [&] { std::rethrow_exception(pFailure); });
+    m_failures.Run([this] { m_pRoot->RaiseUnloaded(); });
 }
 
 // --- sizes -----------------------------------------------------------------
@@ -152,17 +133,17 @@ void QtElementWindow::Arrange() {
     }
     const QPointer<QtElementWindow> pThis(this); // a handler may take it away
     if (OnBeforeArrange) {
-        Guard(OnBeforeArrange);
+        m_failures.Run(OnBeforeArrange);
     }
     if (pThis) {
         m_pEnvironment->SetDevicePixelRatio(dbRatio);
         ArrangeTree(size, fScaleX, fScaleY);
     }
     if (pThis && bSameSize && dbRatioBefore != 0.0) {
-        Guard([pRoot = m_pRoot, pPanel = m_pPanel] { RaiseSizeChanged(pRoot, pPanel); });
+        m_failures.Run([pRoot = m_pRoot, pPanel = m_pPanel] { RaiseSizeChanged(pRoot, pPanel); });
     }
     if (pThis && OnAfterArrange) {
-        Guard(OnAfterArrange);
+        m_failures.Run(OnAfterArrange);
     }
 }
 
@@ -170,8 +151,8 @@ void QtElementWindow::ArrangeTree(Size size, float fScaleX, float fScaleY) {
     const auto pEnvironment = m_pEnvironment;
     pEnvironment->TakeWindowSize(WindowSize());
     m_pInput->FollowScreen();
-    Guard([&] { m_pPanel->ArrangeAtScale(*m_pRoot, size, fScaleX, fScaleY); });
-    Guard([&] { pEnvironment->TellWindowSize(); });
+    m_failures.Run([&] { m_pPanel->ArrangeAtScale(*m_pRoot, size, fScaleX, fScaleY); });
+    m_failures.Run([&] { pEnvironment->TellWindowSize(); });
 }
 
 void QtElementWindow::resizeEvent(QResizeEvent* /*pEvent*/) {
@@ -252,7 +233,7 @@ void QtElementWindow::paintEvent(QPaintEvent* pEvent) {
         PaintFront(painter, pEvent->region());
     }
     if (OnPainted) {
-        Guard(OnPainted);
+        m_failures.Run(OnPainted);
     }
 }
 

@@ -23,6 +23,7 @@
 #include <optional>
 #include <vector>
 
+#include "platform/foundation/FailureSink.h"
 #include "platform/qt/QtEnvironment.h"
 #include "platform/qt/QtGraphicsState.h"
 #include "platform/qt/QtPanelInput.h"
@@ -77,7 +78,7 @@ public:
     // Whether a visible ring is shown as a busy mark; true at first.
     void ShowBusyMark(bool bShow);
 
-    std::function<void(std::exception_ptr)> OnFailure;
+    void OnFailure(FailureSink::Listener fnTell) { m_failures.Listen(std::move(fnTell)); }
     // Around a change of size: before the elements hear of it, and after.
     std::function<void()> OnBeforeArrange;
     std::function<void()> OnAfterArrange;
@@ -91,8 +92,6 @@ protected:
     void showEvent(QShowEvent* pEvent) override;
 
 private:
-    void Guard(const std::function<void()>& fnBody);
-    void Report(const std::exception_ptr& pFailure);
     Windows::Foundation::Size ToLogical(QSize size) const;
     Windows::Foundation::Size LogicalSize() const;
     Windows::Foundation::Size WindowSize() const;
@@ -103,6 +102,7 @@ private:
     void WatchTree(const std::shared_ptr<Windows::UI::Xaml::FrameworkElement>& pElement);
     void UpdateBusyMark();
 
+    FailureSink m_failures{"a handler of the window"};
     const std::shared_ptr<QtEnvironment> m_pEnvironment;
     const std::shared_ptr<Windows::UI::Xaml::FrameworkElement> m_pRoot;
     std::shared_ptr<Windows::UI::Xaml::Controls::SwapChainPanel> m_pPanel;

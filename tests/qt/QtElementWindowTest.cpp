@@ -68,13 +68,13 @@ protected:
     void MakeWindow(QtEnvironment::Options options = {}) {
         m_pEnvironment = std::make_shared<QtEnvironment>(m_pDispatcher, std::move(options));
         m_pWindow = std::make_unique<QtElementWindow>(m_pEnvironment, m_pRoot);
-        m_pWindow->OnFailure = [this](const std::exception_ptr& pError) {
+        m_pWindow->OnFailure([this](const std::exception_ptr& pError) {
             try {
                 std::rethrow_exception(pError);
             } catch (const std::exception& failure) {
                 m_log.emplace_back(failure.what());
             }
-        };
+        });
         m_pWindow->resize(400, 300);
         m_pWindow->show();
         QCoreApplication::processEvents();

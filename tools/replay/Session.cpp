@@ -103,11 +103,11 @@ void Session::MakeControl(const Options& options) {
     m_pControl = velko::vkit::PDFViewCtrl::Create();
     m_pWindow =
         std::make_unique<Platform::Qt::QtElementWindow>(m_pPlatform->Environment(), m_pControl);
-    m_pWindow->OnFailure = [this](std::exception_ptr pFailure) {
+    m_pWindow->OnFailure([this](const std::exception_ptr& pFailure) {
         if (!m_pFailure) { // the first one is the cause
-            m_pFailure = std::move(pFailure);
+            m_pFailure = pFailure;
         }
-    };
+    });
     m_pWindow->FixLogicalSize(LogicalSize(options.nWidth, options.nHeight));
     ThroughWindow([&] {
         m_pWindow->resize(DevicePixels(options.nWidth, options.fScaleX),
@@ -132,7 +132,7 @@ Session::~Session() {
 
 void Session::EndControl() {
     if (m_pWindow) {
-        m_pWindow->OnFailure = [](const std::exception_ptr&) {}; // nobody is left to hear of it
+        m_pWindow->OnFailure([](const std::exception_ptr&) {}); // nobody is left to hear of it
     }
     try {
         if (m_pControl) {
