@@ -11,44 +11,14 @@ using Windows::UI::Color;
 
 namespace {
 
-// What of the pages in sight is rendered.
-struct Ink {
-    bool bSome = false; // stand-ins count
-    bool bAll = false;  // each block for its scale and the page's present state
-};
-
-ViewerState StateOf(const IPDFViewer& viewer) {
+PageInk InkOf(const IPDFViewer& viewer) {
     const auto* const pInspection = dynamic_cast<const IViewerInspection*>(&viewer);
-    return pInspection != nullptr ? pInspection->Inspect() : ViewerState();
+    return pInspection != nullptr ? pInspection->Ink() : PageInk();
 }
 
-void Add(Ink& ink, const PageItemState& item) {
-    ink.bSome = ink.bSome || !item.standIns.empty();
-    for (const BlockState& block : item.blocks) {
-        ink.bSome = ink.bSome || (block.bIsDisplay && block.bHasBitmap);
-        ink.bAll = ink.bAll && (!block.bIsDisplay || block.bIsSharp);
-    }
-}
-
-Ink InkOf(const IPDFViewer& viewer) {
-    const ViewerState state = StateOf(viewer);
-    Ink ink{false, !state.bShowScaleSnapshot};
-    for (const PageItemState& item : state.items) {
-        Add(ink, item);
-    }
-    ink.bAll = ink.bAll && ink.bSome;
-    return ink;
-}
-
-bool HasInkOn(const IPDFViewer& viewer, std::int32_t nPageIndex) {
-    const ViewerState state = StateOf(viewer);
-    Ink ink{state.bShowScaleSnapshot, true};
-    for (const PageItemState& item : state.items) {
-        if (item.nPageIndex == nPageIndex) {
-            Add(ink, item);
-        }
-    }
-    return ink.bSome;
+PageInk InkOf(const IPDFViewer& viewer, std::int32_t nPageIndex) {
+    const auto* const pInspection = dynamic_cast<const IViewerInspection*>(&viewer);
+    return pInspection != nullptr ? pInspection->InkOf(nPageIndex) : PageInk();
 }
 
 }
@@ -110,7 +80,7 @@ bool PDFViewCtrl::HasInk() {
 }
 
 bool PDFViewCtrl::HasInk(std::int32_t nPageIndex) {
-    return WithViewer(false, [&](IPDFViewer& viewer) { return HasInkOn(viewer, nPageIndex); });
+    return WithViewer(false, [&](IPDFViewer& viewer) { return InkOf(viewer, nPageIndex).bSome; });
 }
 
 bool PDFViewCtrl::IsSharp() {

@@ -105,6 +105,33 @@ void PageViewerBase::KeepStandIns(const ViewerPageItem& item) {
     m_standIns.Keep(item, static_cast<std::int64_t>(kMostStandInScreens * m_dbLargestScreen));
 }
 
+PageInk PageViewerBase::InkOf(const ViewerPageItem& item) const {
+    PageInk ink{IsSnapshotShown(), !m_standIns.HasSnapshot()};
+    m_standIns.ForEachOf(item.nPageIndex, item.m_nRotate,
+                         [&](const StandIns::StandIn&) { ink.bSome = true; });
+    item.ForEachBlock([&](const ViewerPageItemBlock& block) {
+        ink.bSome = ink.bSome || (block.IsDisplayed() && block.HasBitmap());
+        ink.bAll = ink.bAll && (!block.IsDisplayed() || block.IsSharp());
+    });
+    return ink;
+}
+
+PageInk PageViewerBase::InkOf(std::int32_t nPageIndex) const {
+    const PageItem pItem = FindItem(nPageIndex);
+    return pItem ? InkOf(*pItem) : PageInk();
+}
+
+PageInk PageViewerBase::Ink() const {
+    PageInk ink{false, HasItems()};
+    if (HasItems()) {
+        for (const PageItem& pItem : *m_pPageItems) {
+            const PageInk page = InkOf(*pItem);
+            ink = {ink.bSome || page.bSome, ink.bAll && page.bAll};
+        }
+    }
+    return {ink.bSome, ink.bAll && ink.bSome};
+}
+
 ViewerState PageViewerBase::Inspect() const {
     ViewerState state;
     state.nScaleCacheEntries = m_standIns.ScaleCacheSize();

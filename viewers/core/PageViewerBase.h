@@ -47,6 +47,8 @@ public:
 
     // --- IViewerInspection ---
     ViewerState Inspect() const override;
+    PageInk Ink() const override;
+    PageInk InkOf(std::int32_t nPageIndex) const override;
 
     // --- IPageItemHost ---
     ScreenSize LayoutScreen() const override { return Screen(); }
@@ -143,6 +145,7 @@ protected:
     std::uint64_t m_nLayoutVersion = 0;
 
 private:
+    PageInk InkOf(const ViewerPageItem& item) const;
     concurrency::task<void> ShowLoadedBox(std::int32_t nPageIndex, BoxStep fnShow);
 
     // --- drawing ---

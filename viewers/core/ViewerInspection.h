@@ -1,4 +1,4 @@
-// What a viewer shows at this moment, in numbers; for tools and tests.
+// What a viewer shows at this moment, in numbers; for the control, tools and tests.
 //
 // Units: device pixels. Threads: the UI thread only.
 #pragma once
@@ -41,10 +41,21 @@ struct ViewerState {
     bool bShowScaleSnapshot = false;
 };
 
+// What is rendered of pages that are laid out.
+struct PageInk {
+    bool bSome = false; // something of their contents shows, be it blurred
+    bool bAll = false;  // all in sight is rendered for its place
+};
+
 class IViewerInspection {
 public:
     virtual ~IViewerInspection() = default;
     virtual ViewerState Inspect() const = 0; // empty after disposal
+
+    // Of all pages, or of one; neither for one that is not laid out. Nothing is
+    // allocated: hosts ask within each frame.
+    virtual PageInk Ink() const = 0;
+    virtual PageInk InkOf(std::int32_t nPageIndex) const = 0;
 };
 
 }
