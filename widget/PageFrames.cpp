@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 #include "control/PDFViewCtrl.h"
 #include "surface/PDFViewCanvas.h"
@@ -24,31 +23,21 @@ QColor LineAround(const QColor& paper) {
 
 }
 
-PageFrames::PageFrames(PDFViewCtrl& control, std::function<double()> fnPixelRatio)
-    : m_control(control), m_fnPixelRatio(std::move(fnPixelRatio)) {
-    m_token =
-        m_control.RenderCanvasEvent.add([this](const auto&, const auto& pArgs) { Draw(*pArgs); });
-}
-
-PageFrames::~PageFrames() {
-    m_control.RenderCanvasEvent.remove(m_token);
-}
-
 // Outside of the page, of which no pixel goes.
 void PageFrames::Draw(const RenderCanvasEventArgs& args) {
-    const auto place = m_control.GetPageScreenRect(args.nPageIndex);
+    const auto place = Control().GetPageScreenRect(args.nPageIndex);
     if (!place) {
         return;
     }
-    const double dbLine = std::max(1.0, std::round(m_fnPixelRatio()));
+    const double dbLine = std::max(1.0, std::round(PixelRatio()));
     const double dbLeft = std::round(place->dbOffsetX) - dbLine / 2.0;
     const double dbTop = std::round(place->dbOffsetY) - dbLine / 2.0;
-    const float fScaleX = m_control.CompositionScaleX();
-    const float fScaleY = m_control.CompositionScaleY();
+    const float fScaleX = Control().CompositionScaleX();
+    const float fScaleY = Control().CompositionScaleY();
     const Rect rc(static_cast<float>(dbLeft) / fScaleX, static_cast<float>(dbTop) / fScaleY,
                   static_cast<float>(place->nWidth + dbLine) / fScaleX,
                   static_cast<float>(place->nHeight + dbLine) / fScaleY);
-    args.Canvas->DrawRectWidth(rc, LineAround(ToQColor(m_control.PageBgColor())).rgb(),
+    args.Canvas->DrawRectWidth(rc, LineAround(ToQColor(Control().PageBgColor())).rgb(),
                                static_cast<float>(dbLine));
 }
 

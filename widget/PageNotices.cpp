@@ -45,25 +45,22 @@ QString ReasonOf(const PageFailure& failure) {
 }
 
 PageNotices::PageNotices(PDFViewCtrl& control, std::function<double()> fnPixelRatio)
-    : m_control(control), m_fnPixelRatio(std::move(fnPixelRatio)) {
-    m_drawToken =
-        m_control.RenderCanvasEvent.add([this](const auto&, const auto& pArgs) { Draw(*pArgs); });
-    m_changeToken = m_control.PageFailureEvent.add(
-        [this](const auto&, const auto&) { m_control.UpdateViewer(); });
+    : PageOverlay(control, std::move(fnPixelRatio)) {
+    m_changeToken = Control().PageFailureEvent.add(
+        [this](const auto&, const auto&) { Control().UpdateViewer(); });
 }
 
 PageNotices::~PageNotices() {
-    m_control.RenderCanvasEvent.remove(m_drawToken);
-    m_control.PageFailureEvent.remove(m_changeToken);
+    Control().PageFailureEvent.remove(m_changeToken);
 }
 
 void PageNotices::Draw(const RenderCanvasEventArgs& args) {
-    const auto failure = m_control.PageFailureOf(args.nPageIndex);
-    const auto place = failure ? m_control.GetPageScreenRect(args.nPageIndex) : std::nullopt;
+    const auto failure = Control().PageFailureOf(args.nPageIndex);
+    const auto place = failure ? Control().GetPageScreenRect(args.nPageIndex) : std::nullopt;
     if (!place) {
         return;
     }
-    m_sign.Show(ReasonOf(*failure), kWarning, m_fnPixelRatio());
+    m_sign.Show(ReasonOf(*failure), kWarning, PixelRatio());
     m_sign.Draw(*args.Canvas->GetDeviceContext(), *place);
 }
 

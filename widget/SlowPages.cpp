@@ -21,16 +21,10 @@ QColor Between(const QColor& one, const QColor& other) {
 }
 
 SlowPages::SlowPages(PDFViewCtrl& control, std::function<double()> fnPixelRatio)
-    : m_control(control), m_fnPixelRatio(std::move(fnPixelRatio)) {
+    : PageOverlay(control, std::move(fnPixelRatio)) {
     m_timer.setSingleShot(true);
     m_timer.setInterval(kPatienceMs);
     m_timer.callOnTimeout([this] { Look(); });
-    m_token =
-        m_control.RenderCanvasEvent.add([this](const auto&, const auto& pArgs) { Draw(*pArgs); });
-}
-
-SlowPages::~SlowPages() {
-    m_control.RenderCanvasEvent.remove(m_token);
 }
 
 bool SlowPages::IsSlow(std::int32_t nPage) {
@@ -44,29 +38,29 @@ bool SlowPages::IsSlow(std::int32_t nPage) {
 
 void SlowPages::Draw(const RenderCanvasEventArgs& args) {
     const std::int32_t nPage = args.nPageIndex;
-    if (m_control.HasInk(nPage) || m_control.PageFailureOf(nPage)) {
+    if (Control().HasInk(nPage) || Control().PageFailureOf(nPage)) {
         m_blank.erase(nPage);
         return;
     }
-    const auto place = m_control.GetPageScreenRect(nPage);
+    const auto place = Control().GetPageScreenRect(nPage);
     if (!place || !IsSlow(nPage)) {
         return;
     }
-    const QColor paper = ToQColor(m_control.PageBgColor());
-    const QColor ink = ToQColor(m_control.PageFgColor());
+    const QColor paper = ToQColor(Control().PageBgColor());
+    const QColor ink = ToQColor(Control().PageFgColor());
     m_sign.Show(QStringLiteral("This page is being drawn…"), {paper, Between(paper, ink), false},
-                m_fnPixelRatio());
+                PixelRatio());
     m_sign.Draw(*args.Canvas->GetDeviceContext(), *place);
 }
 
 // A frame says it of those that are still blank.
 void SlowPages::Look() {
-    const auto pages = m_control.GetVisiblePages();
+    const auto pages = Control().GetVisiblePages();
     std::erase_if(m_blank, [&](const auto& item) {
         return std::find(pages.begin(), pages.end(), item.first) == pages.end();
     });
     if (!m_blank.empty()) {
-        m_control.UpdateViewer();
+        Control().UpdateViewer();
     }
 }
 
