@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "viewers/continuous/PDFConuiunePagesViewer.h"
-#include "viewers/continuous/PageGap_p.h"
 #include "viewers/core/Destinations.h"
 
 namespace velko::vkit {
@@ -75,7 +74,7 @@ PDFConuiunePagesViewer::Point PDFConuiunePagesViewer::PlaceOf(const ContinueView
 PDFConuiunePagesViewer::Point PDFConuiunePagesViewer::OnOrNear(const ContinueViewerPageItem& item,
                                                                Point pt) const {
     const Render_ScreenOffsetInfo& rc = item.screenRect;
-    const double dbAbove = std::max(0.0, m_dbScreenHeight - kPageGap);
+    const double dbAbove = std::max(0.0, m_dbScreenHeight - PageGap());
     return {static_cast<float>(std::clamp(FiniteOrZero(pt.X), rc.dbOffsetX - m_dbScreenWidth,
                                           rc.dbOffsetX + rc.nWidth)),
             static_cast<float>(
@@ -125,7 +124,7 @@ void PDFConuiunePagesViewer::ShowWholeBox(const ContinueViewerPageItem& item,
     const std::int32_t nPage = item.nPageIndex;
     ZoomAtScreenCentre(AreaFactor(rcDevice, item.screenRect, LayoutScreen()));
     const PageItem pItem = FindItem(nPage);
-    if (pItem && pItem->screenRect.dbOffsetY > kPageGap) {
+    if (pItem && pItem->screenRect.dbOffsetY > PageGap()) {
         OnMoveScreen(pItem->screenRect.dbOffsetY, 0.0);
     }
     EndGesture();

@@ -7,14 +7,10 @@
 #include "document/Utility.h"
 #include "document/VLK_Document.h"
 #include "platform/system/Debug.h"
-#include "viewers/continuous/PageGap_p.h"
 
 namespace velko::vkit {
 
 namespace {
-
-// A move limited in floating point may miss an end by less than this.
-constexpr double kNoDistance = 0.001;
 
 constexpr float kOutlineWidth = 1.0F;
 
@@ -23,7 +19,7 @@ constexpr float kOutlineWidth = 1.0F;
 PDFConuiunePagesViewer::PDFConuiunePagesViewer(std::weak_ptr<IViewerOwner> wkOwner,
                                                std::shared_ptr<VLK_Document> pDocument,
                                                std::shared_ptr<PDFViewCanvas> pCanvas)
-    : PageViewerBase(std::move(wkOwner), std::move(pDocument), std::move(pCanvas), kTraits) {}
+    : ColumnViewer(std::move(wkOwner), std::move(pDocument), std::move(pCanvas), kTraits) {}
 
 const ViewerTraits PDFConuiunePagesViewer::kTraits = {
     .szClass = "PDFConuiunePagesViewer",
@@ -32,19 +28,6 @@ const ViewerTraits PDFConuiunePagesViewer::kTraits = {
     .szNothingToDraw = nullptr,
     .bClearsWithoutPages = true,
 };
-
-PDFRenderTask PDFConuiunePagesViewer::MakeTask(double dbOffsetY, double dbOffsetX) {
-    return {dbOffsetY, dbOffsetX, GetScale(), m_nRotate};
-}
-
-void PDFConuiunePagesViewer::OnClosed() {
-    PageViewerBase::OnClosed();
-    m_spareItems = PageItems();
-}
-
-Column PDFConuiunePagesViewer::TheColumn() {
-    return {*this, kPageGap, m_dbScreenHeight, CanvasHeight()};
-}
 
 // A page that is not rendered yet has its paper's colour, unless the snapshot
 // shows something better.
@@ -57,171 +40,53 @@ void PDFConuiunePagesViewer::DrawBlank(Windows::Graphics::ID2D1DeviceContext& co
     }
 }
 
-// --- the current page ---
+// --- sideways ---
 
-std::int32_t PDFConuiunePagesViewer::GetCurrentPageIndex() {
-    ThrowIfDisposed();
-    return HasItems() ? TheColumn().CurrentPage(*m_pPageItems->front()) : 0;
-}
-
-void PDFConuiunePagesViewer::RecomputeCurrentPage() {
-    if (HasItems()) {
-        m_nCurPageIndex = GetCurrentPageIndex();
-    }
-}
-
-// --- moves ---
-
-void PDFConuiunePagesViewer::OnMoveScreen(double dbOffsetY, double dbOffsetX) {
-    EmptyScaleCache();
-    if (!m_pPageItems || !CanLayOut()) {
-        return;
-    }
-    RefreshScreenSize();
-    RecomputeCurrentPage();
-    if (!HasItems()) {
-        MoveLayout(m_nCurPageIndex, m_dbScreenHeight, 0.0, GetScale(), m_nRotate);
-        return;
-    }
-    bool bMoved = MoveInSteps(dbOffsetY, dbOffsetX);
-    bMoved = PinEnds() || bMoved;
-    if (bMoved) {
-        StartRenders(false);
-        PaintCanvas();
-    }
-}
-
-// Returns whether anything moved.
-bool PDFConuiunePagesViewer::MoveInSteps(double dbOffsetY, double dbOffsetX) {
-    bool bMoved = false;
-    TheColumn().MoveInSteps(dbOffsetY, [&](double dbStep, bool bIsLast) {
-        PDFRenderTask task = MakeTask(dbStep, bIsLast ? dbOffsetX : 0.0);
-        if (!ClampTaskOffset(*m_pPageItems, task)) {
-            return false; // the document's end
-        }
-        bMoved = true;
-        return LayOut(task); // else past what can be shown: an end that has no size
-    });
-    return bMoved;
-}
-
-// Neither page 0 hangs below the top nor, in a document taller than the screen,
-// the last page's end above the bottom.
-bool PDFConuiunePagesViewer::PinEnds() {
-    bool bMoved = false;
-    const auto fnPin = [&](double dbMove) {
-        if (std::abs(dbMove) > kNoDistance) {
-            LayOut(MakeTask(dbMove, 0.0));
-            bMoved = true;
-        }
-    };
-    if (HasItems()) {
-        fnPin(-TheColumn().GapBelow(*m_pPageItems->front(), *m_pPageItems->back()));
-    }
-    if (HasItems()) {
-        fnPin(TheColumn().GapAbove(*m_pPageItems->front()));
-    }
-    return bMoved;
-}
-
-void PDFConuiunePagesViewer::OnPageSizeChanged(double dbOffsetX, double dbOffsetY) {
-    EmptyScaleCache();
-    if (!CanLayOut()) {
-        return;
-    }
-    RefreshScreenSize();
-    RecomputeCurrentPage();
-    MoveLayout(m_nCurPageIndex, dbOffsetY, dbOffsetX, GetScale(), m_nRotate);
-}
-
-void PDFConuiunePagesViewer::MoveLayout(std::int32_t nPageIndex, double dbOffsetY, double dbOffsetX,
-                                        double dbScale, std::int32_t nRotate) {
-    PDFRenderTask task = {dbOffsetY, dbOffsetX, dbScale, nRotate};
-    m_nCurPageIndex = nPageIndex;
-    const bool bMoves = !HasItems() || ClampTaskOffset(*m_pPageItems, task);
-    if (bMoves && !RenderScreenBitmapSync(task, false).empty()) {
-        PaintCanvas();
-    }
-}
-
-// --- going to pages ---
-
-// The overhang above the screen, as a number of at most 0, when the pages from
-// the one asked for to the last do not fill the screen: `m_nCurPageIndex` is
-// then the page at which the document's last screen starts. Else 0.
-double PDFConuiunePagesViewer::CalcTailOverflow(std::int32_t nPageIndex) {
-    RefreshScreenSize();
-    std::int32_t nStart = nPageIndex;
-    const double dbOverflow = TheColumn().TailOverflow(nStart);
-    if (nStart != nPageIndex) {
-        m_nCurPageIndex = nStart;
-    }
-    return dbOverflow;
-}
-
-DisplaySize PDFConuiunePagesViewer::DisplaySizeOf(std::int32_t nPageIndex) {
-    return MakeItem(nPageIndex, MakeTask(0.0, 0.0))->GetPageDisplaySize();
-}
-
-void PDFConuiunePagesViewer::OnGotoPage(std::int32_t nPageIndex) {
-    if (!CanLayOut()) {
-        return;
-    }
-    ShowPage(std::clamp(nPageIndex, 0, std::max(0, PageCount() - 1)), false);
-}
-
-void PDFConuiunePagesViewer::GotoPageTop(std::int32_t nPageIndex) {
-    ShowPage(nPageIndex, true);
-}
-
-void PDFConuiunePagesViewer::ShowPage(std::int32_t nPageIndex, bool bFresh) {
-    RefreshScreenSize();
-    double dbOffsetY = m_dbScreenHeight;
-    double dbOffsetX = 0.0;
-    if (HasItems()) {
-        const ContinueViewerPageItem& first = *m_pPageItems->front();
-        if (bFresh || first.nPageIndex != nPageIndex) {
-            DropItems();
-        } else {
-            dbOffsetX = first.screenRect.dbOffsetX;
-            dbOffsetY = first.screenRect.dbOffsetY;
+// As far as the page goes that has most left. A page that is off its edges, as
+// after a change of the screen's size, comes back to them with any move.
+double PDFConuiunePagesViewer::LimitSideways(const PageItems& items, double dbOffsetX) const {
+    double dbMostLeft = 0.0;
+    double dbMostRight = 0.0;
+    double dbBack = 0.0; // for a page whose right edge has come into the screen
+    for (const PageItem& pItem : items) {
+        const Render_ScreenOffsetInfo& rc = pItem->screenRect;
+        if (rc.nWidth >= m_dbScreenWidth) {
+            const double dbOverhang = rc.dbOffsetX + rc.nWidth - m_dbScreenWidth;
+            dbMostLeft = std::max(dbMostLeft, dbOverhang);
+            dbBack = std::min(dbBack, dbOverhang);
+            dbMostRight = std::min(dbMostRight, rc.dbOffsetX);
         }
     }
-    m_nCurPageIndex = nPageIndex;
-    dbOffsetY -= CalcTailOverflow(nPageIndex);
-    ShowStep(MakeTask(dbOffsetY, dbOffsetX));
+    if (dbOffsetX > 0.0 && dbMostLeft == 0.0 && dbBack < 0.0) {
+        Platform::Debug::OutputDebugString("HOffset Error\n"); // told, and the way back taken
+        return dbBack;
+    }
+    return std::clamp(dbOffsetX, dbMostRight, dbMostLeft);
 }
 
-// A step whose limits do not decide whether it is shown.
-void PDFConuiunePagesViewer::ShowStep(PDFRenderTask task) {
-    if (HasItems()) {
-        ClampTaskOffset(*m_pPageItems, task);
+// Within its own edges for a page as wide as the screen or wider; in the middle
+// for another one, to a pixel, since its exact width decides that at first.
+double PDFConuiunePagesViewer::StandingX(const LaidOutPage& item, double dbOffsetX) const {
+    const double dbRoom = m_dbScreenWidth - item.screenRect.nWidth;
+    if (dbRoom <= 0.0) {
+        return std::clamp(dbOffsetX, dbRoom, 0.0);
     }
-    RenderScreenBitmapSync(task, false);
-    PaintCanvas();
+    const double dbNow = item.screenRect.dbOffsetX;
+    return std::abs(dbNow - dbRoom * 0.5) < 1.0 ? dbNow : dbRoom * 0.5;
 }
 
-// --- layouts from the start ---
-
-void PDFConuiunePagesViewer::OnInitLayOut(std::int32_t nPageIndex, double dbScale, double dbOffsetX,
-                                          double dbOffsetY) {
-    if (!CanLayOut()) {
-        return;
+double PDFConuiunePagesViewer::PlacedX(const LaidOutPage& item, float fWidth,
+                                       double dbOffsetX) const {
+    if (fWidth < m_dbScreenWidth) {
+        return (m_dbScreenWidth - fWidth) * 0.5;
     }
-    RefreshScreenSize();
-    DropItems();
-    m_nCurPageIndex = nPageIndex;
-    if (!IsPage(nPageIndex)) {
-        return;
-    }
-    ScaleForFirstLayout(dbScale, PageSizeOf(nPageIndex));
-    // A page that would stand below the screen stands at its top.
-    const double dbTop = dbOffsetY < m_dbScreenHeight ? dbOffsetY : 0.0;
-    MoveLayout(nPageIndex, m_dbScreenHeight - dbTop, dbOffsetX, GetScale(), m_nRotate);
-    Platform::Debug::OutputDebugString("InitLayOut\n");
+    return std::clamp(dbOffsetX, std::min(0.0, m_dbScreenWidth - item.screenRect.nWidth), 0.0);
 }
 
-void PDFConuiunePagesViewer::ScaleForFirstLayout(double dbScale, const VLK_PageSize& size) {
+// --- the size of the canvas ---
+
+void PDFConuiunePagesViewer::ChooseFirstScale(std::int32_t nPageIndex, double dbScale) {
+    const VLK_PageSize size = PageSizeOf(nPageIndex);
     if (Utility::IsDesktop()) {
         SetScale(AskFitScale());
     } else if (Utility::IsMobile()) {
@@ -230,44 +95,9 @@ void PDFConuiunePagesViewer::ScaleForFirstLayout(double dbScale, const VLK_PageS
     }
 }
 
-void PDFConuiunePagesViewer::OnRotateViewer(std::int32_t nRotate) {
-    SetRotate(nRotate);
-    RecomputeCurrentPage();
-    DropItems();
-    OnInvaildateLayout();
-}
-
 void PDFConuiunePagesViewer::OnInvaildateLayout() {
-    EmptyScaleCache();
-    if (m_pPageItems && CanLayOut()) {
-        if (KeepsOrientation()) {
-            LayOutInPlace();
-        } else {
-            RecomputeCurrentPage();
-            DropItems();
-            OnInitLayOut(m_nCurPageIndex, 0.0, 0.0, 0.0);
-        }
-    }
+    LayOutForSize();
     Platform::Debug::OutputDebugString("InvaildateLayout - UpdateViewer\n");
-}
-
-// The first page keeps its place, as far as the document's end allows.
-void PDFConuiunePagesViewer::LayOutInPlace() {
-    double dbTop = 0.0;
-    double dbLeft = 0.0;
-    if (HasItems()) {
-        const ContinueViewerPageItem& first = *m_pPageItems->front();
-        m_nCurPageIndex = first.nPageIndex;
-        dbTop = first.screenRect.dbOffsetY;
-        dbLeft = first.screenRect.dbOffsetX;
-        DropItems();
-    }
-    const double dbOverflow = CalcTailOverflow(m_nCurPageIndex);
-    if (dbOverflow == 0.0) {
-        OnInitLayOut(m_nCurPageIndex, GetScale(), dbLeft, dbTop);
-    } else {
-        ShowStep(MakeTask((dbTop + m_dbScreenHeight) - dbOverflow, dbLeft));
-    }
 }
 
 }

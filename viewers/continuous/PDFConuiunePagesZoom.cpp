@@ -7,7 +7,6 @@
 
 #include "platform/system/Debug.h"
 #include "viewers/continuous/PDFConuiunePagesViewer.h"
-#include "viewers/continuous/PageGap_p.h"
 #include "viewers/core/LogText.h"
 
 namespace velko::vkit {
@@ -117,7 +116,7 @@ void PDFConuiunePagesViewer::MoveUnderCentre(const ContinueViewerPageItem& item,
 bool PDFConuiunePagesViewer::WouldEmptyScreen(const PDFRenderTask& task) const {
     return std::none_of(m_pPageItems->begin(), m_pPageItems->end(), [&](const PageItem& pItem) {
         const double dbTop = pItem->screenRect.dbOffsetY - task.dbOffsetY;
-        return dbTop < m_dbScreenHeight && dbTop + pItem->screenRect.nHeight + kPageGap > 0.0;
+        return dbTop < m_dbScreenHeight && dbTop + pItem->screenRect.nHeight + PageGap() > 0.0;
     });
 }
 

@@ -19,26 +19,27 @@ double Column::LimitMove(const LaidOutPage& first, const LaidOutPage& last, doub
 double Column::LimitUp(const LaidOutPage& first, double dbMove) {
     const double dbTop = first.screenRect.dbOffsetY;
     const bool bReachesTop = dbTop > 0.0 || std::abs(dbMove) >= std::abs(dbTop);
-    return bReachesTop && !RoomAbove(first.nPageIndex) ? dbTop : dbMove;
+    return bReachesTop && RoomAbove(first.nPageIndex) != Room::Some ? dbTop : dbMove;
 }
 
 double Column::LimitDown(const LaidOutPage& last, double dbMove) {
     const double dbHeight = m_pages.ColumnLength() < 2 ? m_dbCanvas : m_dbScreen;
     const double dbOverhang = BottomOf(last) - dbHeight;
-    return dbOverhang < dbMove && !RoomBelow(last.nPageIndex) ? std::max(0.0, dbOverhang) : dbMove;
+    const bool bReachesEnd = dbOverhang < dbMove && RoomBelow(last.nPageIndex) != Room::Some;
+    return bReachesEnd ? std::max(0.0, dbOverhang) : dbMove;
 }
 
 double Column::GapAbove(const LaidOutPage& first) {
     const double dbTop = first.screenRect.dbOffsetY;
-    return dbTop > 0.0 && !RoomAbove(first.nPageIndex) ? dbTop : 0.0;
+    return dbTop > 0.0 && RoomAbove(first.nPageIndex) != Room::Some ? dbTop : 0.0;
 }
 
 double Column::GapBelow(const LaidOutPage& first, const LaidOutPage& last) {
     double dbGap = m_dbScreen - BottomOf(last);
-    if (dbGap <= 0.0 || RoomBelow(last.nPageIndex)) {
+    if (dbGap <= 0.0 || RoomBelow(last.nPageIndex) != Room::None) {
         return 0.0;
     }
-    if (!RoomAbove(first.nPageIndex)) {
+    if (RoomAbove(first.nPageIndex) != Room::Some) {
         dbGap = std::min(dbGap, -first.screenRect.dbOffsetY);
     }
     return std::max(0.0, dbGap);
@@ -63,27 +64,36 @@ std::int32_t Column::CurrentPage(const LaidOutPage& first) const {
 
 // --- over pages that are not laid out ---
 
-bool Column::RoomAbove(std::int32_t nPageIndex) {
+Column::Room Column::RoomAbove(std::int32_t nPageIndex) {
     while (--nPageIndex >= 0) {
+        if (!m_pages.IsMeasured(nPageIndex)) {
+            return Room::Unknown;
+        }
         if (m_pages.TakesRoom(nPageIndex)) {
-            return true;
+            return Room::Some;
         }
     }
-    return false;
+    return Room::None;
 }
 
-bool Column::RoomBelow(std::int32_t nPageIndex) {
+Column::Room Column::RoomBelow(std::int32_t nPageIndex) {
     while (++nPageIndex < m_pages.ColumnLength()) {
+        if (!m_pages.IsMeasured(nPageIndex)) {
+            return Room::Unknown;
+        }
         if (m_pages.TakesRoom(nPageIndex)) {
-            return true;
+            return Room::Some;
         }
     }
-    return false;
+    return Room::None;
 }
 
 bool Column::FillScreenFrom(std::int32_t nPageIndex) {
     double dbLeft = m_dbScreen;
     for (; nPageIndex < m_pages.ColumnLength(); ++nPageIndex) {
+        if (!m_pages.IsMeasured(nPageIndex)) {
+            return true; // for all that is known
+        }
         if (m_pages.TakesRoom(nPageIndex)) {
             dbLeft = dbLeft - m_pages.HeightInColumn(nPageIndex) - m_dbGap;
         }
@@ -101,6 +111,9 @@ double Column::TailOverflow(std::int32_t& nPageIndex) {
     double dbLeft = m_dbScreen;
     bool bIsLast = true;
     for (std::int32_t nPage = m_pages.ColumnLength() - 1; nPage >= 0 && dbLeft > 0.0; --nPage) {
+        if (!m_pages.IsMeasured(nPage)) {
+            break;
+        }
         nPageIndex = nPage;
         if (m_pages.TakesRoom(nPage)) {
             dbLeft -= m_pages.HeightInColumn(nPage) + (bIsLast ? 0.0 : m_dbGap);

@@ -21,6 +21,9 @@ public:
     virtual ~IColumnPages() = default;
 
     virtual std::int32_t ColumnLength() const = 0; // pages of the document
+    // Whether the others may be asked of the page; may measure it. What lies
+    // beyond a page that may not is not known: a move ends before it.
+    virtual bool IsMeasured(std::int32_t nPageIndex) = 0;
     // Whether the page has a place in the column; one without takes neither
     // height nor gap. May measure the page.
     virtual bool TakesRoom(std::int32_t nPageIndex) = 0;
@@ -74,8 +77,10 @@ public:
     double TailOverflow(std::int32_t& nPageIndex);
 
 private:
-    bool RoomAbove(std::int32_t nPageIndex);
-    bool RoomBelow(std::int32_t nPageIndex);
+    // Whether a page that takes room follows in that direction.
+    enum class Room { None, Some, Unknown };
+    Room RoomAbove(std::int32_t nPageIndex);
+    Room RoomBelow(std::int32_t nPageIndex);
     bool FillScreenFrom(std::int32_t nPageIndex);
     double LimitUp(const LaidOutPage& first, double dbMove);
     double LimitDown(const LaidOutPage& last, double dbMove);

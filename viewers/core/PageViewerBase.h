@@ -93,7 +93,7 @@ protected:
     bool HasItems() const { return m_pPageItems && !m_pPageItems->empty(); }
     // The first item of that page; empty when it is not laid out.
     PageItem FindItem(std::int32_t nPageIndex) const;
-    PageItem MakeItem(std::int32_t nPageIndex, const PDFRenderTask& task);
+    virtual PageItem MakeItem(std::int32_t nPageIndex, const PDFRenderTask& task);
     // Empties the list; what the pages showed stands in for those laid out next.
     void DropItems();
 
@@ -112,7 +112,7 @@ protected:
     // --- renders ---
     // The grid of the page's stand-ins during a zoom, else its own.
     Render_PageDavidBlock GetPageDavidBlock(const ViewerPageItem& item) const;
-    Render_PageDavidBlock CalcPageDavidBlock(const ViewerPageItem& item) const;
+    virtual Render_PageDavidBlock CalcPageDavidBlock(const ViewerPageItem& item) const;
 
     // Starts the renders of all items, from the first down, and the closing
     // step that ends the snapshot; the renders' earlier closing step is
