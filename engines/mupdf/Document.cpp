@@ -8,6 +8,7 @@
 #include "engines/mupdf/Destinations.h"
 #include "engines/mupdf/Drawings.h"
 #include "engines/mupdf/Page.h"
+#include "engines/mupdf/PageCache.h"
 #include "platform/concurrency/Scheduler.h"
 #include "platform/foundation/Exception.h"
 
@@ -59,10 +60,10 @@ std::int32_t PasswordTypeOf(OpenedFile::Access eAccess) {
 }
 
 Document::Document(std::shared_ptr<common::vxbase::IFileReaderCallback> pReader)
-    : m_pReader(std::move(pReader)), m_nKey(DisplayListCache::Instance().NewDocument()) {}
+    : m_pReader(std::move(pReader)), m_nKey(PageCache::Instance().NewDocument()) {}
 
 Document::~Document() {
-    DisplayListCache::Instance().DropDocument(m_nKey);
+    PageCache::Instance().DropDocument(m_nKey);
     m_pFile.reset();
     m_pLocked.reset();
     m_pSizesFile.reset();
@@ -135,7 +136,8 @@ void Document::KeepRefusedEncryption(std::int32_t nType) {
 
 void Document::Publish(std::shared_ptr<OpenedFile> pFile, std::shared_ptr<Loaded> pLoaded) {
     m_pFile = std::move(pFile);
-    DisplayListCache::Instance().DropDocument(m_nKey);
+    PageCache::Instance().DropDocument(m_nKey);
+    m_sizes.Clear();
     const Lock lock(m_stateLock);
     m_pState = std::move(pLoaded);
 }
@@ -264,19 +266,20 @@ std::shared_ptr<OpenedFile> Document::OpenAgain(const Loaded& loaded) const {
 std::shared_ptr<OpenedFile> Document::UsableFile() {
     if (m_pFile->IsDamaged()) {
         m_pFile = OpenAgain(*LoadedState());
+        m_sizes.Clear(); // what was set of the old one is not found any more
     }
     return m_pFile;
 }
 
 template <class Draw>
-std::shared_ptr<const Drawing> Document::CachedOrDrawn(const DisplayListCache::Key& key,
+std::shared_ptr<const Drawing> Document::CachedOrDrawn(const PageCache::Key& key,
                                                        Operation::AbortFlag pAbort, Draw&& fnDraw) {
-    DisplayListCache& cache = DisplayListCache::Instance();
-    if (auto pDrawing = cache.Find(key)) {
+    PageCache& cache = PageCache::Instance();
+    if (auto pDrawing = cache.Find<Drawing>(key)) {
         return pDrawing;
     }
     const Lock lock(m_lock);
-    if (auto pDrawing = cache.Find(key)) {
+    if (auto pDrawing = cache.Find<Drawing>(key)) {
         return pDrawing; // another thread was faster
     }
     LoadedState();
@@ -290,7 +293,7 @@ std::shared_ptr<const Drawing> Document::CachedOrDrawn(const DisplayListCache::K
 
 std::shared_ptr<const Drawing> Document::ContentOf(std::int32_t nPage,
                                                    Operation::AbortFlag pAbort) {
-    return CachedOrDrawn({m_nKey, nPage, DisplayListCache::Kind::Content}, std::move(pAbort),
+    return CachedOrDrawn({m_nKey, nPage, PageCache::Kind::Content}, std::move(pAbort),
                          [nPage](const std::shared_ptr<OpenedFile>& pFile, Operation& operation) {
                              return DrawContent(pFile, nPage, operation);
                          });
@@ -299,14 +302,15 @@ std::shared_ptr<const Drawing> Document::ContentOf(std::int32_t nPage,
 std::shared_ptr<const Drawing> Document::AnnotsOf(std::int32_t nPage, std::int32_t nAnnots,
                                                   Operation::AbortFlag pAbort) {
     return CachedOrDrawn(
-        {m_nKey, nPage, DisplayListCache::Kind::Annots}, std::move(pAbort),
+        {m_nKey, nPage, PageCache::Kind::Annots}, std::move(pAbort),
         [nPage, nAnnots](const std::shared_ptr<OpenedFile>& pFile, Operation& operation) {
             return DrawAnnots(pFile, nPage, nAnnots, operation);
         });
 }
 
 void Document::ForgetCutShort(std::int32_t nPage) {
-    DisplayListCache::Instance().DropCutShort(m_nKey, nPage);
+    PageCache::Instance().DropCutShort(m_nKey, nPage);
+    m_sizes.ForgetCutShort(nPage);
 }
 
 std::vector<std::int32_t> Document::AnnotKindsOf(std::int32_t nPage, std::int32_t nAnnots) {

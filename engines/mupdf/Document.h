@@ -7,7 +7,7 @@
 // - the sizes' lock spans reads of page sizes that `Load` did not get to;
 //   these have a file of their own, so they wait for each other only. The task
 //   pool reads them ahead after `Load`.
-// The state's lock, the page table's and the one of the cache of drawings are
+// The state's lock, those of the tables and the one of the cache of pages are
 // leaves, held for a look-up, and may be taken under the first two.
 #pragma once
 
@@ -18,10 +18,11 @@
 
 #include "document/engine/HostServices.h"
 #include "document/engine/PDFDoc.h"
-#include "engines/mupdf/DisplayListCache.h"
+#include "engines/mupdf/Drawing.h"
 #include "engines/mupdf/OpenedFile.h"
 #include "engines/mupdf/Operation.h"
 #include "engines/mupdf/PageTable.h"
+#include "engines/mupdf/reflow/MeasuredSizes.h"
 #include "platform/concurrency/CriticalSection.h"
 
 namespace velko::engines::mupdf {
@@ -58,6 +59,10 @@ public:
                                             Operation::AbortFlag pAbort);
     // Lets go of what was kept of the page although its time ran out.
     void ForgetCutShort(std::int32_t nPage);
+    // What is known of its pages set anew; a page that was measured whole has been
+    // interpreted and needs no parse, though what it draws may have left the cache.
+    reflow::MeasuredSizes& Sizes() { return m_sizes; }
+    std::uint64_t CacheNumber() const { return m_nKey; }
     std::vector<std::int32_t> AnnotKindsOf(std::int32_t nPage, std::int32_t nAnnots);
 
 private:
@@ -94,11 +99,12 @@ private:
     float PageTop(OpenedFile& file, Loaded& loaded, std::int32_t nPage);
 
     template <class Draw>
-    std::shared_ptr<const Drawing> CachedOrDrawn(const DisplayListCache::Key& key,
+    std::shared_ptr<const Drawing> CachedOrDrawn(const PageCache::Key& key,
                                                  Operation::AbortFlag pAbort, Draw&& fnDraw);
 
     const std::shared_ptr<common::vxbase::IFileReaderCallback> m_pReader;
-    const std::uint64_t m_nKey; // in the cache of drawings
+    const std::uint64_t m_nKey; // in the cache of pages
+    reflow::MeasuredSizes m_sizes;
 
     concurrency::critical_section m_lock;
     std::shared_ptr<OpenedFile> m_pFile VLK_GUARDED_BY(m_lock);   // empty until loaded

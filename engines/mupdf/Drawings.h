@@ -8,7 +8,7 @@
 #include <memory>
 #include <vector>
 
-#include "engines/mupdf/DisplayListCache.h"
+#include "engines/mupdf/Drawing.h"
 #include "engines/mupdf/OpenedFile.h"
 #include "engines/mupdf/Operation.h"
 

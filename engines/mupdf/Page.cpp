@@ -13,7 +13,10 @@ using common::EngineException;
 using common::ErrorCode;
 
 Page::Page(std::shared_ptr<Document> pDocument, std::int32_t nIndex, const PageFacts& facts)
-    : m_pDocument(std::move(pDocument)), m_nIndex(nIndex), m_facts(facts) {}
+    : m_pDocument(std::move(pDocument)),
+      m_nIndex(nIndex),
+      m_facts(facts),
+      m_bParsed(m_pDocument->Sizes().Knows(nIndex)) {}
 
 std::shared_ptr<common::Progressive> Page::StartParse(std::int32_t, common::IPauseCallback*,
                                                       std::int32_t nReparse) {

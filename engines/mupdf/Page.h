@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "document/engine/PDFPage.h"
-#include "engines/mupdf/DisplayListCache.h"
+#include "engines/mupdf/Drawing.h"
 #include "engines/mupdf/Operation.h"
 #include "engines/mupdf/PageTable.h"
 #include "platform/concurrency/CriticalSection.h"
@@ -40,6 +40,7 @@ public:
     std::shared_ptr<pdf::IAnnot> GetAnnot(std::int32_t nIndex) override;
 
     // For renderers.
+    Document& Owner() const { return *m_pDocument; }
     const PageFacts& Facts() const { return m_facts; }
     std::shared_ptr<const Drawing> Content(Operation::AbortFlag pAbort);
     std::shared_ptr<const Drawing> Annots(Operation::AbortFlag pAbort);
@@ -52,7 +53,7 @@ private:
     const std::shared_ptr<Document> m_pDocument;
     const std::int32_t m_nIndex;
     const PageFacts m_facts;
-    std::atomic<bool> m_bParsed = false;
+    std::atomic<bool> m_bParsed;
 
     concurrency::critical_section m_kindsLock;                         // a leaf
     std::shared_ptr<const Kinds> m_pKinds VLK_GUARDED_BY(m_kindsLock); // empty until asked for

@@ -16,7 +16,7 @@
 
 #include "document/engine/Renderer.h"
 #include "engines/mupdf/ColorMapping.h"
-#include "engines/mupdf/DisplayListCache.h"
+#include "engines/mupdf/Drawing.h"
 #include "engines/mupdf/Operation.h"
 #include "engines/mupdf/PageTable.h"
 

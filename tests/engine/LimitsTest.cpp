@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "engines/mupdf/Allocator.h"
-#include "engines/mupdf/DisplayListCache.h"
+#include "engines/mupdf/PageCache.h"
 #include "platform/concurrency/Cancellation.h"
 #include "platform/concurrency/Scheduler.h"
 #include "tests/engine/MuPdfFixture.h"
@@ -12,7 +12,7 @@
 
 namespace velko::testing {
 
-using engines::mupdf::DisplayListCache;
+using engines::mupdf::PageCache;
 using engines::mupdf::SetBudgets;
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
@@ -124,9 +124,9 @@ TEST_F(LimitsTest, WhatWasCutShortComesOutWholeWhenItIsAskedForAnew) {
     RenderTelling(pPage, &bIncomplete);
     EXPECT_TRUE(bIncomplete);
 
-    DisplayListCache::Instance().SetLimits({1, 1});
+    PageCache::Instance().SetLimits({1, 1});
     OpenDoc(MixedDocument())->GetPage(0)->StartParse(0, nullptr, 0); // takes the page's place
-    DisplayListCache::Instance().SetLimits({});
+    PageCache::Instance().SetLimits({});
     SetBudgets({.parse = milliseconds(0)});
     RenderTelling(pPage, &bIncomplete);
     EXPECT_TRUE(bIncomplete);
@@ -265,7 +265,7 @@ TEST_F(LimitsTest, KeptPagesStayWithinTheBoundAndComeBackAlike) {
         const auto pPage = pDoc->GetPage(i);
         pictures.push_back(Render(pPage, WholePage(*pPage)));
     }
-    DisplayListCache& cache = DisplayListCache::Instance();
+    PageCache& cache = PageCache::Instance();
     const std::size_t nAll = cache.Bytes();
     ASSERT_GE(cache.Count(), static_cast<std::size_t>(kPages));
 
@@ -287,7 +287,7 @@ TEST_F(LimitsTest, KeptPagesStayWithinTheBoundAndComeBackAlike) {
 }
 
 TEST_F(LimitsTest, ClosingADocumentGivesItsMemoryBack) {
-    DisplayListCache& cache = DisplayListCache::Instance();
+    PageCache& cache = PageCache::Instance();
     const std::size_t nCount = cache.Count();
     for (int i = 0; i < 3; ++i) {
         auto pDoc = OpenDoc(MixedDocument(3));

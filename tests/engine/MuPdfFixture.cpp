@@ -1,7 +1,7 @@
 #include "tests/engine/MuPdfFixture.h"
 
 #include "engines/mupdf/Context.h"
-#include "engines/mupdf/DisplayListCache.h"
+#include "engines/mupdf/PageCache.h"
 #include "engines/mupdf/Register.h"
 #include "tests/support/pdf_writer/PdfWriter.h"
 
@@ -13,7 +13,7 @@ void MuPdfTest::SetUp() {
 
 void MuPdfTest::TearDown() {
     engines::mupdf::SetBudgets({});
-    engines::mupdf::DisplayListCache::Instance().SetLimits({});
+    engines::mupdf::PageCache::Instance().SetLimits({});
 }
 
 std::string MixedDocument(int nPages) {

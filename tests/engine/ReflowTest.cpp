@@ -16,7 +16,7 @@
 #include "engines/mupdf/reflow/LineBreaker.h"
 #include "engines/mupdf/reflow/LogicalOrder.h"
 #include "engines/mupdf/reflow/ReflowedPage.h"
-#include "tests/engine/MuPdfFixture.h"
+#include "tests/engine/ReflowFixture.h"
 #include "tests/support/pdf_writer/PdfWriter.h"
 #include "tests/support/pdf_writer/PlainText.h"
 
@@ -33,44 +33,6 @@ using pdf::ReflowPage;
 
 namespace {
 
-std::shared_ptr<ReflowPage> CreateReflow(std::shared_ptr<pdf::PDFPage> pPage) {
-    return Platform::GetActivationFactory<pdf::IReflowPageFactory>(pdf::kReflowPageClass)
-        ->Create(std::move(pPage));
-}
-
-struct Wanted {
-    float fWidth = 400.0F;
-    float fHeight = 600.0F;
-    std::int32_t nPercent = 200;
-    std::int32_t nFlags = ReflowPage::kTextAndPictures;
-    float fLineSpacing = 0.0F;
-    float fParagraphSpacing = 3.0F;
-};
-
-void Parse(ReflowPage& page, const Wanted& wanted = {}) {
-    page.SetScreenSize(wanted.fWidth, wanted.fHeight);
-    page.SetZoom(wanted.nPercent);
-    page.SetSpacing1(wanted.fLineSpacing);
-    page.SetSpacing2(wanted.fParagraphSpacing);
-    page.SetParseFlags(wanted.nFlags);
-    page.StartParse(nullptr);
-}
-
-std::shared_ptr<ReflowPage> ReflowOf(const std::string& strBytes, const Wanted& wanted = {}) {
-    const auto pDoc = OpenDoc(strBytes);
-    if (!pDoc) {
-        return nullptr;
-    }
-    auto pReflow = CreateReflow(pDoc->GetPage(0));
-    Parse(*pReflow, wanted);
-    return pReflow;
-}
-
-std::string TextOf(const std::shared_ptr<ReflowPage>& pReflow) {
-    return engines::mupdf::reflow::TextOf(
-        *std::dynamic_pointer_cast<ReflowedPage>(pReflow)->Result()->pModel);
-}
-
 // Far above what a page needs, far below what quadratic work would take; a
 // sanitizer slows everything down.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -78,45 +40,6 @@ constexpr std::chrono::seconds kPatience{30};
 #else
 constexpr std::chrono::seconds kPatience{5};
 #endif
-
-// The rows from `nTop` on.
-std::shared_ptr<common::Bitmap> DrawBand(const std::shared_ptr<ReflowPage>& pReflow, int nTop,
-                                         int nHeight, std::uint32_t nBack = kWhite,
-                                         std::uint32_t nFore = kBlack) {
-    const int nWidth = pReflow->GetContentWidth();
-    auto pBitmap = CreateBitmap(nWidth, nHeight);
-    pBitmap->FillRect(nBack, {0, 0, nWidth, nHeight});
-    const auto pRenderer = CreateRenderer(pBitmap);
-    if (nBack != kWhite || nFore != kBlack) {
-        pRenderer->SetColorMode(common::Renderer::kColorModeMapped);
-        pRenderer->SetMappingModeColors(nBack, nFore);
-    }
-    auto matrix = pReflow->GetDisplayMatrix();
-    matrix.F -= static_cast<float>(nTop);
-    pRenderer->StartRenderReflowPage(pReflow, matrix, nullptr);
-    return pBitmap;
-}
-
-int InkedPixels(common::Bitmap& bitmap, std::uint32_t nPaper = kWhite) {
-    int nInked = 0;
-    for (int y = 0; y < bitmap.GetHeight(); ++y) {
-        for (int x = 0; x < bitmap.GetWidth(); ++x) {
-            nInked += PixelAt(bitmap, x, y) != nPaper ? 1 : 0;
-        }
-    }
-    return nInked;
-}
-
-std::string TextAt(double x, double y, const std::string& strText, double dbSize = 10.0) {
-    return "BT /F1 " + std::to_string(dbSize) + " Tf 1 0 0 1 " + std::to_string(x) + " " +
-           std::to_string(y) + " Tm (" + strText + ") Tj ET\n";
-}
-
-std::string OnePage(const std::string& strContent) {
-    PdfPage page;
-    page.strContent = strContent;
-    return MakePdf({page});
-}
 
 // An article: running head, title, two columns drawn row by row, a number at the foot.
 std::string Article() {
@@ -144,22 +67,6 @@ std::string Article() {
         strContent += TextAt(320 + fnIndent(rows[i].second), y, fnText(rows[i].second));
     }
     return OnePage(strContent + TextAt(300, 30, "17"));
-}
-
-constexpr std::uint32_t kPictureColor = 0xFF2060A0U;
-
-// Lines above and below a picture of one colour, 100 points high.
-std::string Illustrated() {
-    PdfOptions options;
-    options.images.push_back({2, 2, "\x20\x60\xA0\x20\x60\xA0\x20\x60\xA0\x20\x60\xA0"});
-    PdfPage page;
-    for (int i = 0; i < 6; ++i) {
-        page.strContent +=
-            TextAt(60, 700 - 12 * i, "There are several lines of text above the picture,") +
-            TextAt(60, 500 - 12 * i, "And there are lines below the picture above it.");
-    }
-    page.strContent += "q 180 0 0 100 100 525 cm /I1 Do Q\n";
-    return MakePdf({page}, options);
 }
 
 // Letters on a circle, each turned its own way.

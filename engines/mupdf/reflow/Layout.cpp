@@ -18,7 +18,6 @@ constexpr float kAscent = 0.98F;
 constexpr float kMostIndent = 0.25F;      // of the measure
 constexpr float kLettersInMeasure = 2.5F; // of the largest size that is set
 constexpr float kMostPixels = 8.0E6F;     // of a figure
-constexpr float kMostSpacing = 200.0F;    // points
 
 // Not a number is the least.
 float Kept(float f, float fLeast, float fMost) {
@@ -38,12 +37,12 @@ public:
     Setter(Layout& layout, const SetParameters& parameters)
         : m_layout(layout),
           m_model(*layout.pModel),
-          m_nMeasure(Whole(Kept(std::floor(parameters.fScreenWidth), 16.0F, Layout::kMaxWidth))),
-          m_fScreenHeight(Kept(parameters.fScreenHeight, 16.0F, Layout::kMaxWidth)),
-          m_fScale(static_cast<float>(std::clamp(parameters.nPercent, 10, 2000)) / 100.0F *
+          m_nMeasure(Whole(parameters.fScreenWidth)),
+          m_fScreenHeight(parameters.fScreenHeight),
+          m_fScale(static_cast<float>(parameters.nPercent) / 100.0F *
                    Kept(m_model.fBodySize, kLeastBody, kMostBody) / m_model.fBodySize),
-          m_fLineSpacing(Kept(parameters.fLineSpacing, 0.0F, kMostSpacing) * m_fScale),
-          m_fParagraphSpacing(Kept(parameters.fParagraphSpacing, 0.0F, kMostSpacing) * m_fScale),
+          m_fLineSpacing(parameters.fLineSpacing * m_fScale),
+          m_fParagraphSpacing(parameters.fParagraphSpacing * m_fScale),
           m_bPictures(parameters.bPictures),
           m_metrics(m_model, m_fScale, static_cast<float>(m_nMeasure) / kLettersInMeasure) {}
 
@@ -163,6 +162,13 @@ private:
     std::int32_t m_nTop = 0; // of what comes next
 };
 
+std::size_t BytesOf(const Layout& layout) {
+    return sizeof layout + layout.shapes.capacity() * sizeof layout.shapes[0] +
+           layout.glyphs.capacity() * sizeof layout.glyphs[0] +
+           layout.lines.capacity() * sizeof layout.lines[0] +
+           layout.figures.capacity() * sizeof layout.figures[0];
+}
+
 }
 
 std::shared_ptr<const Layout> SetModel(std::shared_ptr<const PageModel> pModel,
@@ -171,6 +177,7 @@ std::shared_ptr<const Layout> SetModel(std::shared_ptr<const PageModel> pModel,
     pLayout->bCutShort = pModel->bCutShort;
     pLayout->pModel = std::move(pModel);
     Setter(*pLayout, parameters).Set();
+    pLayout->nBytes = BytesOf(*pLayout);
     return pLayout;
 }
 

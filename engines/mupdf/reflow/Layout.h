@@ -15,17 +15,9 @@
 #include <vector>
 
 #include "engines/mupdf/reflow/PageModel.h"
+#include "engines/mupdf/reflow/SetParameters.h"
 
 namespace velko::engines::mupdf::reflow {
-
-struct SetParameters {
-    float fScreenWidth = 0.0F;
-    float fScreenHeight = 0.0F;
-    std::int32_t nPercent = 100;
-    float fLineSpacing = 0.0F;      // between lines, points at 100 %
-    float fParagraphSpacing = 0.0F; // between paragraphs, likewise
-    bool bPictures = true;
-};
 
 struct SetGlyph {
     float x = 0.0F;
@@ -47,8 +39,9 @@ struct SetFigure {
     fz_rect rcRegion = fz_empty_rect; // of the page
 };
 
-struct Layout {
-    static constexpr std::int32_t kMaxWidth = 16'384;
+// Its bytes are its own; the model's are not among them.
+struct Layout : CacheItem {
+    static constexpr std::int32_t kMaxWidth = SetParameters::kMostSide;
     static constexpr std::int32_t kMaxHeight = 4'000'000;
 
     std::shared_ptr<const PageModel> pModel;
@@ -58,10 +51,9 @@ struct Layout {
     std::vector<SetFigure> figures;
     std::int32_t nWidth = 0; // 0 by 0 where there is nothing to show
     std::int32_t nHeight = 0;
-    bool bCutShort = false;
 };
 
-// Any parameters will do; sizes are brought within what can be read and drawn.
+// The parameters are bounded ones; sizes of letters are brought within what can be read.
 std::shared_ptr<const Layout> SetModel(std::shared_ptr<const PageModel> pModel,
                                        const SetParameters& parameters);
 

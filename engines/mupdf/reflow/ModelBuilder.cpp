@@ -203,6 +203,7 @@ PageModel BuildModel(std::shared_ptr<const Drawing> pContent,
     model.pAnnots = std::move(pAnnots);
     CapturedPage page = CapturePage(model, rcPage, operation);
     Builder(model, page, rcPage).Build();
+    model.nBytes = BytesOf(model);
     return model;
 }
 

@@ -4,6 +4,16 @@
 
 namespace velko::engines::mupdf::reflow {
 
+std::size_t BytesOf(const PageModel& model) {
+    std::size_t nBytes = sizeof model + model.blocks.capacity() * sizeof(Block) +
+                         model.styles.capacity() * sizeof(Style) +
+                         model.fonts.capacity() * sizeof(FontHandle);
+    for (const Block& block : model.blocks) {
+        nBytes += block.paragraph.glyphs.capacity() * sizeof(Glyph);
+    }
+    return nBytes;
+}
+
 std::string TextOf(const Paragraph& paragraph) {
     std::string strText;
     for (const Glyph& glyph : paragraph.glyphs) {

@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "engines/mupdf/DisplayListCache.h"
+#include "engines/mupdf/Drawing.h"
 #include "engines/mupdf/Guard.h"
 
 namespace velko::engines::mupdf::reflow {
@@ -72,12 +72,13 @@ struct Block {
     bool bInText = false;    // one that a figure of text shows
 };
 
-struct PageModel {
+// Its bytes are its own; those of the lists are not among them. Cut short is one
+// that is made of a drawing that is not all there.
+struct PageModel : CacheItem {
     std::vector<Block> blocks; // in reading order
     std::vector<Style> styles;
     std::vector<FontHandle> fonts;
     float fBodySize = 10.0F; // of most of the text
-    bool bCutShort = false;  // made of a drawing that is not all there
 
     // The lists that the figures are drawn from and the fonts live in.
     std::shared_ptr<const Drawing> pContent;
@@ -98,6 +99,8 @@ void ForEachList(const PageModel& model, Run&& fnRun) {
         }
     }
 }
+
+std::size_t BytesOf(const PageModel& model);
 
 // The text in UTF-8, ligatures taken apart: a line for each paragraph.
 std::string TextOf(const PageModel& model);

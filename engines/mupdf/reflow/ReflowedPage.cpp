@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "engines/mupdf/Document.h"
 #include "engines/mupdf/FinishedProgress.h"
 #include "engines/mupdf/reflow/ModelBuilder.h"
 
@@ -18,40 +19,97 @@ void ReflowedPage::SetParseFlags(std::int32_t nFlags) {
     m_parameters.bPictures = nFlags == kTextAndPictures;
 }
 
+ReflowedPage::Parsed ReflowedPage::Last() const {
+    const Lock lock(m_lock);
+    return m_last;
+}
+
+PageCache::Key ReflowedPage::KeyOf(PageCache::Kind eKind, std::uint64_t nVariant) const {
+    return {m_pPage->Owner().CacheNumber(), m_pPage->GetIndex(), eKind, nVariant};
+}
+
+// What a layout keeps alive leaves the cache after it.
+void ReflowedPage::TouchModel(std::uint64_t nGeneration) const {
+    PageCache& cache = PageCache::Instance();
+    cache.Touch(KeyOf(PageCache::Kind::Model, nGeneration));
+    cache.Touch(KeyOf(PageCache::Kind::Content));
+    cache.Touch(KeyOf(PageCache::Kind::Annots));
+}
+
 std::shared_ptr<const PageModel> ReflowedPage::MakeModel() const {
+    const PageCache::Key key = KeyOf(PageCache::Kind::Model, m_pPage->Owner().Sizes().Generation());
+    if (auto pModel = PageCache::Instance().Find<PageModel>(key)) {
+        return pModel;
+    }
     auto pContent = m_pPage->Content(nullptr);
     auto pAnnots = m_pPage->GetAnnotCount() != 0 ? m_pPage->Annots(nullptr) : nullptr;
     const fz_rect rcPage = fz_make_rect(0.0F, 0.0F, m_pPage->GetWidth(), m_pPage->GetHeight());
     Operation operation(nullptr, CurrentBudgets().parse);
-    return std::make_shared<const PageModel>(
+    auto pModel = std::make_shared<const PageModel>(
         BuildModel(std::move(pContent), std::move(pAnnots), rcPage, operation));
+    PageCache::Instance().Put(key, pModel);
+    return pModel;
+}
+
+std::shared_ptr<const Layout> ReflowedPage::FindLayout(std::uint64_t nNumber) const {
+    auto pLayout = PageCache::Instance().Find<Layout>(KeyOf(PageCache::Kind::Layout, nNumber));
+    if (pLayout) {
+        TouchModel(m_pPage->Owner().Sizes().Generation());
+    }
+    return pLayout;
+}
+
+std::shared_ptr<const Layout> ReflowedPage::MakeLayout(const Parsed& parsed) const {
+    auto pLayout = SetModel(MakeModel(), parsed.parameters);
+    MeasuredSizes& sizes = m_pPage->Owner().Sizes();
+    sizes.Put(parsed.nNumber, m_pPage->GetIndex(),
+              {pLayout->nWidth, pLayout->nHeight, pLayout->bCutShort});
+    PageCache::Instance().Put(KeyOf(PageCache::Kind::Layout, parsed.nNumber), pLayout);
+    TouchModel(sizes.Generation());
+    return pLayout;
 }
 
 std::shared_ptr<common::Progressive> ReflowedPage::StartParse(common::IPauseCallback*) {
-    if (!m_pModel || m_pModel->bCutShort) {
-        m_pModel = MakeModel();
+    MeasuredSizes& sizes = m_pPage->Owner().Sizes();
+    Parsed parsed;
+    parsed.parameters = Bounded(m_parameters);
+    parsed.nNumber = sizes.NumberOf(parsed.parameters);
+    parsed.pLayout = FindLayout(parsed.nNumber);
+    if (const auto size = sizes.Find(parsed.nNumber, m_pPage->GetIndex())) {
+        parsed.size = *size;
+    } else {
+        parsed.pLayout = MakeLayout(parsed);
+        parsed.size = {parsed.pLayout->nWidth, parsed.pLayout->nHeight, parsed.pLayout->bCutShort};
     }
-    auto pResult = SetModel(m_pModel, m_parameters);
-    const bool bCutShort = pResult->bCutShort;
+    const bool bCutShort = parsed.size.bCutShort;
     const Lock lock(m_lock);
-    m_pResult = std::move(pResult);
+    m_last = std::move(parsed);
     return std::make_shared<FinishedProgress>(bCutShort ? FinishedProgress::kCutShort
                                                         : FinishedProgress::kFinished);
 }
 
 std::shared_ptr<const Layout> ReflowedPage::Result() const {
+    const Parsed last = Last();
+    if (last.pLayout || last.nNumber == 0) {
+        return last.pLayout;
+    }
+    auto pLayout = FindLayout(last.nNumber);
+    if (!pLayout) {
+        pLayout = MakeLayout(last);
+    }
     const Lock lock(m_lock);
-    return m_pResult;
+    if (m_last.nNumber == last.nNumber) {
+        m_last.pLayout = pLayout;
+    }
+    return pLayout;
 }
 
 std::int32_t ReflowedPage::GetContentWidth() const {
-    const auto pResult = Result();
-    return pResult ? pResult->nWidth : 0;
+    return Last().size.nWidth;
 }
 
 std::int32_t ReflowedPage::GetContentHeight() const {
-    const auto pResult = Result();
-    return pResult ? pResult->nHeight : 0;
+    return Last().size.nHeight;
 }
 
 std::shared_ptr<pdf::ReflowPage> ReflowedPageFactory::Create(std::shared_ptr<pdf::PDFPage> pPage) {

@@ -1,7 +1,11 @@
 // `velko.pdf.ReflowPage` on a page of this engine.
 //
-// A parse reads the page's lists (`PageModel`) and sets them (`Layout`); a parse
-// with other sizes sets the same model anew.
+// A parse reads the page's lists (`PageModel`) and sets them (`Layout`). Both, and
+// the sizes that came of it, are kept for the document: a page that was measured
+// for these parameters before, by whatever object, has its sizes at once, and is
+// set when it is drawn. Two that measure one page at once do the work twice: what
+// takes time, the interpreting of its content, they share, and a UI thread waits
+// for no setting of another thread.
 //
 // Threads: as the contract says. `Result` may be drawn while the next parse runs.
 #pragma once
@@ -10,7 +14,9 @@
 
 #include "document/engine/ReflowPage.h"
 #include "engines/mupdf/Page.h"
+#include "engines/mupdf/PageCache.h"
 #include "engines/mupdf/reflow/Layout.h"
+#include "engines/mupdf/reflow/MeasuredSizes.h"
 #include "platform/concurrency/CriticalSection.h"
 
 namespace velko::engines::mupdf::reflow {
@@ -29,18 +35,30 @@ public:
     std::int32_t GetContentHeight() const override;
     common::vxbase::Matrix2D GetDisplayMatrix() const override { return {}; }
 
-    // What the last parse made; empty before the first.
+    // What the last parse asked for, set now if it is not yet; empty before the
+    // first. Raises as `StartParse`.
     std::shared_ptr<const Layout> Result() const;
 
 private:
+    struct Parsed {
+        SetParameters parameters;
+        std::uint64_t nNumber = 0; // of the parameters; 0 before the first parse
+        MeasuredSize size;
+        std::shared_ptr<const Layout> pLayout; // empty until it is needed
+    };
+
+    Parsed Last() const;
+    PageCache::Key KeyOf(PageCache::Kind eKind, std::uint64_t nVariant = 0) const;
+    void TouchModel(std::uint64_t nGeneration) const;
+    std::shared_ptr<const Layout> FindLayout(std::uint64_t nNumber) const;
+    std::shared_ptr<const Layout> MakeLayout(const Parsed& parsed) const;
     std::shared_ptr<const PageModel> MakeModel() const;
 
     const std::shared_ptr<Page> m_pPage;
-    SetParameters m_parameters;
-    std::shared_ptr<const PageModel> m_pModel; // empty until read
+    SetParameters m_parameters; // of the next parse
 
     mutable concurrency::critical_section m_lock; // a leaf
-    std::shared_ptr<const Layout> m_pResult VLK_GUARDED_BY(m_lock);
+    mutable Parsed m_last VLK_GUARDED_BY(m_lock);
 };
 
 class ReflowedPageFactory final : public pdf::IReflowPageFactory {

@@ -1,9 +1,11 @@
-// Interpreted pages and annotations, kept within a bound.
+// What was made of pages, kept within a bound: their content and annotations
+// interpreted, their text as it is read, and that text set for a width.
 //
-// A drawing holds the list that it runs, so an entry may leave the cache at any
-// time; whoever needs it again has the page interpreted once more. The least
-// recently used entries leave first. A list that alone exceeds the bound stays
-// until the next one comes.
+// An item holds what it needs, so an entry may leave the cache at any time;
+// whoever needs it again makes it once more. The least recently used entries
+// leave first. An item that alone exceeds the bound stays until the next one
+// comes. An item that keeps others alive counts only its own bytes: whoever
+// uses it uses those afterwards, so that they leave the cache after it does.
 //
 // Threads: any. One leaf lock; entries are dropped outside of it.
 #pragma once
@@ -17,40 +19,28 @@
 #include <memory>
 #include <vector>
 
-#include "engines/mupdf/Guard.h"
-#include "engines/mupdf/OpenedFile.h"
 #include "platform/concurrency/CriticalSection.h"
 
 namespace velko::engines::mupdf {
 
-// What a page's content draws (one part), or what its annotations draw (a part
-// for each entry of the page's list). Immutable; may be run by several threads.
-struct Drawing {
-    struct Part {
-        DisplayListHandle list; // empty for nothing to show
-        fz_rect rcBounds = fz_infinite_rect;
-        bool bHasPictures = false; // sampled images of more than one bit
-        bool bIsPicture = false;   // they are all there is to see of the page
-    };
+struct CacheItem {
+    virtual ~CacheItem() = default;
 
-    std::shared_ptr<OpenedFile> pFile; // the lists may point into its fonts
-    std::vector<Part> parts;
-    std::size_t nBytes = 1; // what it took to make, resources included; above 0
-    bool bCutShort = false; // its time ran out: the rest is missing
-
-    enum class Brightness { Unknown, Dark, Bright };
-    // Of a page that is a picture, once somebody needed it.
-    mutable std::atomic<Brightness> eBrightness = Brightness::Unknown;
+    std::size_t nBytes = 1; // above 0
+    bool bCutShort = false; // made in part: time or room ran out
 };
 
-class DisplayListCache {
+class PageCache {
 public:
-    enum class Kind { Content, Annots };
+    // Each is an item of one type: `Drawing` twice, `reflow::PageModel`,
+    // `reflow::Layout`.
+    enum class Kind { Content, Annots, Model, Layout };
 
     struct Key {
         std::uint64_t nDocument = 0;
         std::int32_t nPage = 0;
         Kind eKind = Kind::Content;
+        std::uint64_t nVariant = 0;                   // of those that a page has of the kind
         auto operator<=>(const Key&) const = default; // NOLINT(modernize-use-nullptr): it has none
     };
 
@@ -60,13 +50,18 @@ public:
     };
 
     // The one of the process.
-    static DisplayListCache& Instance();
+    static PageCache& Instance();
 
     // A number for a document's keys, never used twice.
     std::uint64_t NewDocument();
 
-    std::shared_ptr<const Drawing> Find(const Key& key);
-    void Put(const Key& key, std::shared_ptr<const Drawing> pDrawing);
+    // `T` is the type of the key's kind.
+    template <class T>
+    std::shared_ptr<const T> Find(const Key& key) {
+        return std::static_pointer_cast<const T>(FindItem(key));
+    }
+    void Touch(const Key& key) { FindItem(key); }
+    void Put(const Key& key, std::shared_ptr<const CacheItem> pItem);
     void DropDocument(std::uint64_t nDocument);
     void DropCutShort(std::uint64_t nDocument, std::int32_t nPage);
 
@@ -77,11 +72,14 @@ public:
 private:
     struct Entry {
         Key key;
-        std::shared_ptr<const Drawing> pDrawing;
+        std::shared_ptr<const CacheItem> pItem;
     };
     using Entries = std::list<Entry>;
-    using Dropped = std::vector<std::shared_ptr<const Drawing>>;
+    using Dropped = std::vector<std::shared_ptr<const CacheItem>>;
 
+    std::shared_ptr<const CacheItem> FindItem(const Key& key);
+    template <class IsDropped>
+    void Drop(const Key& first, const Key& last, IsDropped&& fnIsDropped);
     Entries::iterator Remove(Entries::iterator it, Dropped& dropped) VLK_REQUIRES(m_lock);
     std::size_t BytesOf(std::uint64_t nDocument) const VLK_REQUIRES(m_lock);
     void Trim(std::uint64_t nDocument, Dropped& dropped) VLK_REQUIRES(m_lock);
