@@ -3,12 +3,11 @@
 #include <QApplication>
 #include <QMouseEvent>
 #include <QWidget>
-#include <utility>
 
 namespace velko::vkit {
 
-DragHand::DragHand(QWidget& window) : m_window(window) {
-    m_window.installEventFilter(this);
+DragHand::DragHand(QWidget& window, PointerShape& shape) : m_shape(shape) {
+    window.installEventFilter(this);
 }
 
 bool DragHand::eventFilter(QObject* /*pWatched*/, QEvent* pEvent) {
@@ -37,18 +36,15 @@ void DragHand::Follow(const QMouseEvent& event) {
         LetGo();
         return;
     }
-    if (m_pressed && !m_bClosed &&
+    if (m_pressed &&
         (event.position() - *m_pressed).manhattanLength() >= QApplication::startDragDistance()) {
-        m_bClosed = true;
-        m_window.setCursor(Qt::ClosedHandCursor);
+        m_shape.Set(PointerShape::LeftDrag, true);
     }
 }
 
 void DragHand::LetGo() {
     m_pressed.reset();
-    if (std::exchange(m_bClosed, false)) {
-        m_window.unsetCursor();
-    }
+    m_shape.Set(PointerShape::LeftDrag, false);
 }
 
 }

@@ -1,11 +1,13 @@
 // The closed hand of the pointer while a mouse drags the pages.
 //
-// Lifetime: goes before the window that it watches. Threads: UI thread only.
+// Lifetime: goes before the window that it watches and the shape. Threads: UI thread only.
 #pragma once
 
 #include <QObject>
 #include <QPointF>
 #include <optional>
+
+#include "widget/PointerShape.h"
 
 class QMouseEvent;
 class QWidget;
@@ -14,7 +16,7 @@ namespace velko::vkit {
 
 class DragHand : public QObject {
 public:
-    explicit DragHand(QWidget& window);
+    DragHand(QWidget& window, PointerShape& shape);
 
 protected:
     bool eventFilter(QObject* pWatched, QEvent* pEvent) override; // takes nothing
@@ -23,9 +25,8 @@ private:
     void Follow(const QMouseEvent& event);
     void LetGo();
 
-    QWidget& m_window;
+    PointerShape& m_shape;
     std::optional<QPointF> m_pressed; // where, while the left button is down
-    bool m_bClosed = false;
 };
 
 }

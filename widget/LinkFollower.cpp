@@ -21,8 +21,8 @@ bool IsWithin(const velko::common::vxbase::RectF& rc, Point pt) {
 }
 
 LinkFollower::LinkFollower(PDFViewCtrl& control, Platform::Qt::QtElementWindow& window,
-                           PageLinks& links)
-    : m_control(control), m_window(window), m_links(links) {
+                           PageLinks& links, PointerShape& shape)
+    : m_control(control), m_window(window), m_links(links), m_shape(shape) {
     m_window.installEventFilter(this);
     connect(&m_links, &PageLinks::Read, this, &LinkFollower::OnRead);
     m_tapToken = m_window.Panel()->Tapped.add([this](auto& args) { Tap(args.Position); });
@@ -33,9 +33,10 @@ LinkFollower::~LinkFollower() {
 }
 
 bool LinkFollower::eventFilter(QObject* /*pWatched*/, QEvent* pEvent) {
-    if (pEvent->type() == QEvent::MouseMove) {
-        const auto& move = *static_cast<QMouseEvent*>(pEvent);
-        m_pointer = move.buttons() == Qt::NoButton ? std::optional(move.position()) : std::nullopt;
+    if (pEvent->type() == QEvent::MouseMove || pEvent->type() == QEvent::MouseButtonRelease) {
+        const auto& mouse = *static_cast<QMouseEvent*>(pEvent);
+        m_pointer =
+            mouse.buttons() == Qt::NoButton ? std::optional(mouse.position()) : std::nullopt;
         Hover();
     } else if (pEvent->type() == QEvent::Leave) {
         m_pointer.reset();
@@ -84,11 +85,7 @@ void LinkFollower::SetHovered(const LinkPtr& pLink) {
     if (std::exchange(m_pHovered, pLink) == pLink) {
         return;
     }
-    if (pLink) {
-        m_window.setCursor(Qt::PointingHandCursor);
-    } else {
-        m_window.unsetCursor();
-    }
+    m_shape.Set(PointerShape::OverLink, pLink != nullptr);
     if (OnHover) {
         OnHover();
     }

@@ -1,7 +1,7 @@
 // The pointer's way to the links on the screen: which one lies under it, and
 // which one the reader taps. A drag that begins on a link follows nothing.
 //
-// Lifetime: goes before the window, the control and the links that it works on.
+// Lifetime: goes before the window, the control, the links and the shape that it works on.
 // Threads: UI thread only.
 #pragma once
 
@@ -15,6 +15,7 @@
 #include "platform/foundation/Event.h"
 #include "platform/foundation/Geometry.h"
 #include "widget/PageLinks.h"
+#include "widget/PointerShape.h"
 
 namespace Platform::Qt {
 class QtElementWindow;
@@ -26,7 +27,8 @@ class LinkFollower : public QObject {
 public:
     using Link = PageLinks::Link;
 
-    LinkFollower(PDFViewCtrl& control, Platform::Qt::QtElementWindow& window, PageLinks& links);
+    LinkFollower(PDFViewCtrl& control, Platform::Qt::QtElementWindow& window, PageLinks& links,
+                 PointerShape& shape);
     ~LinkFollower() override;
 
     // The pages have moved under the pointer, or others are shown.
@@ -61,6 +63,7 @@ private:
     PDFViewCtrl& m_control;
     Platform::Qt::QtElementWindow& m_window;
     PageLinks& m_links;
+    PointerShape& m_shape;
     Windows::Foundation::EventRegistrationToken m_tapToken;
     std::optional<QPointF> m_pointer;  // over the window, no button down
     std::optional<PagePoint> m_tapped; // on a page whose links are read

@@ -50,6 +50,9 @@ LinkTarget TargetOfOther(const QString& strKind, const QString& strValue) {
     if (step != kSteps.end()) {
         return step->second;
     }
+    if (strKind.isEmpty()) {
+        return RefusedLink{LeadsNowhere()};
+    }
     if (strKind == "Launch" || strKind == "GoToR") {
         return RefusedLink{QStringLiteral("This link wants to open the file “%1”, which is not "
                                           "done from a document.")
@@ -62,6 +65,10 @@ LinkTarget TargetOfOther(const QString& strKind, const QString& strValue) {
         QStringLiteral("This link asks for something that is not done here (%1).").arg(strKind)};
 }
 
+}
+
+QString LeadsNowhere() {
+    return "This link leads nowhere: the place that it names is not in the document.";
 }
 
 LinkTarget TargetOf(const LinkRecord& link) {
@@ -85,7 +92,7 @@ QString TextOf(const LinkRecord& link, velko::pdf::PDFDoc& document) {
             return QString::fromStdString(strText);
         }
     }
-    return {};
+    return "Leads nowhere";
 }
 
 }

@@ -34,6 +34,9 @@ struct RefusedLink {
 
 using LinkTarget = std::variant<LinkToPage, LinkStep, LinkToAddress, RefusedLink>;
 
+// The sentence for whoever follows a link to a place that does not exist.
+QString LeadsNowhere();
+
 LinkTarget TargetOf(const velko::pdf::LinkRecord& link);
 
 // The target in a few words, for whoever points at the link.

@@ -6,9 +6,10 @@
 
 namespace velko::vkit {
 
-MiddleDrag::MiddleDrag(QWidget& window, std::function<void(double, double)> fnScroll)
-    : m_window(window), m_fnScroll(std::move(fnScroll)) {
-    m_window.installEventFilter(this);
+MiddleDrag::MiddleDrag(QWidget& window, PointerShape& shape,
+                       std::function<void(double, double)> fnScroll)
+    : m_shape(shape), m_fnScroll(std::move(fnScroll)) {
+    window.installEventFilter(this);
 }
 
 bool MiddleDrag::eventFilter(QObject* /*pWatched*/, QEvent* pEvent) {
@@ -42,7 +43,7 @@ bool MiddleDrag::eventFilter(QObject* /*pWatched*/, QEvent* pEvent) {
 
 void MiddleDrag::Begin(const QMouseEvent& event) {
     m_last = event.position();
-    m_window.setCursor(Qt::ClosedHandCursor);
+    m_shape.Set(PointerShape::MiddleDrag, true);
 }
 
 // A release that never came, as after a grab by another window, ends it too.
@@ -56,9 +57,8 @@ void MiddleDrag::Move(const QMouseEvent& event) {
 }
 
 void MiddleDrag::End() {
-    if (std::exchange(m_last, std::nullopt)) {
-        m_window.unsetCursor();
-    }
+    m_last.reset();
+    m_shape.Set(PointerShape::MiddleDrag, false);
 }
 
 }

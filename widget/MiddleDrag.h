@@ -1,6 +1,6 @@
 // The middle button of a mouse, which moves the pages whatever lies under it.
 //
-// Lifetime: goes before the window that it watches.
+// Lifetime: goes before the window that it watches and the shape.
 // Units: the widget's own. Threads: UI thread only.
 #pragma once
 
@@ -8,6 +8,8 @@
 #include <QPointF>
 #include <functional>
 #include <optional>
+
+#include "widget/PointerShape.h"
 
 class QMouseEvent;
 class QWidget;
@@ -17,7 +19,7 @@ namespace velko::vkit {
 class MiddleDrag : public QObject {
 public:
     // `fnScroll` moves the pages across and down; positive: towards their end.
-    MiddleDrag(QWidget& window, std::function<void(double, double)> fnScroll);
+    MiddleDrag(QWidget& window, PointerShape& shape, std::function<void(double, double)> fnScroll);
 
 protected:
     bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
@@ -27,7 +29,7 @@ private:
     void Move(const QMouseEvent& event);
     void End();
 
-    QWidget& m_window;
+    PointerShape& m_shape;
     const std::function<void(double, double)> m_fnScroll;
     std::optional<QPointF> m_last; // while the button is down
 };

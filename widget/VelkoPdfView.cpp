@@ -15,6 +15,7 @@
 #include "widget/PageFrames.h"
 #include "widget/PageNotices.h"
 #include "widget/PlaceKeeper.h"
+#include "widget/PointerShape.h"
 #include "widget/SlowPages.h"
 #include "widget/StoreNotice.h"
 #include "widget/VelkoRuntime.h"
@@ -36,8 +37,9 @@ VelkoPdfView::VelkoPdfView(std::shared_ptr<PDFViewCtrl> pControl, QWidget* pPare
       m_steps(*m_pControl),
       m_zoom(*m_pControl, m_steps),
       m_pWindow(new Platform::Qt::QtElementWindow(VelkoRuntime::Environment(), m_pControl, this)),
+      m_pPointer(std::make_unique<PointerShape>(*m_pWindow)),
       m_pPageLinks(std::make_unique<PageLinks>(*m_pControl)),
-      m_pLinks(std::make_unique<LinkFollower>(*m_pControl, *m_pWindow, *m_pPageLinks)),
+      m_pLinks(std::make_unique<LinkFollower>(*m_pControl, *m_pWindow, *m_pPageLinks, *m_pPointer)),
       m_pFlingLimit(std::make_unique<FlingLimit>(*m_pControl, *m_pWindow)),
       m_pStoreNotice(std::make_unique<StoreNotice>(
           [this](const auto& failure) { emit Failed(StoreNotice::TextOf(failure)); })),
@@ -117,10 +119,11 @@ void VelkoPdfView::ConnectWheel() {
     hands.fnIsAtEdge = [this](int nDirection) { return m_steps.IsAtEdge(nDirection, false); };
     hands.fnTurn = [this](int nDirection) { Command([&] { m_steps.Turn(nDirection, false); }); };
     m_pWheel = std::make_unique<WheelReader>(*m_pWindow, std::move(hands));
-    m_pDragHand = std::make_unique<DragHand>(*m_pWindow);
-    m_pMiddleDrag = std::make_unique<MiddleDrag>(*m_pWindow, [this](double dbX, double dbY) {
-        ScrollBy(dbX * devicePixelRatioF(), dbY * devicePixelRatioF());
-    });
+    m_pDragHand = std::make_unique<DragHand>(*m_pWindow, *m_pPointer);
+    m_pMiddleDrag =
+        std::make_unique<MiddleDrag>(*m_pWindow, *m_pPointer, [this](double dbX, double dbY) {
+            ScrollBy(dbX * devicePixelRatioF(), dbY * devicePixelRatioF());
+        });
 }
 
 // --- failures --------------------------------------------------------------

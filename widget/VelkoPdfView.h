@@ -62,6 +62,7 @@ class MiddleDrag;
 class PageFrames;
 class PageNotices;
 class PlaceKeeper;
+class PointerShape;
 class SlowPages;
 class StoreNotice;
 class WheelReader;
@@ -286,7 +287,8 @@ private:
     void PutPage(int nPage, double dbLeft, double dbTop);
 
     // Commands.
-    void Travel(const std::function<void()>& fnGo);
+    void LeavePlace();
+    void Travel(void (ViewHistory::*fnGo)(PDFViewCtrl&, ViewZoom&));
     void StepZoom(double dbZoom);
     void StepLine(int nDirection, bool bAcross);
     void ZoomByWheel(QPointF ptWindow, double dbFactor);
@@ -312,6 +314,7 @@ private:
     const PageSteps m_steps;
     ViewZoom m_zoom;
     Platform::Qt::QtElementWindow* m_pWindow; // a child
+    std::unique_ptr<PointerShape> m_pPointer;
     std::unique_ptr<PageLinks> m_pPageLinks;
     std::unique_ptr<LinkFollower> m_pLinks;
     std::unique_ptr<LinkFocus> m_pLinkFocus;

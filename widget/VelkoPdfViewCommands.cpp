@@ -35,7 +35,7 @@ void VelkoPdfView::GotoPrevPage() {
 }
 
 void VelkoPdfView::JumpToPage(int nPage) {
-    Command([&] { m_history.Leave(*m_pControl); });
+    Command([this] { LeavePlace(); });
     GotoPage(nPage);
 }
 
@@ -47,24 +47,29 @@ void VelkoPdfView::GotoLastPage() {
     JumpToPage(m_pControl->GetPageCount() - 1);
 }
 
-// The zoom of the place is brought back, which ends a fit that led to another.
-void VelkoPdfView::Travel(const std::function<void()>& fnGo) {
+// With the fit as it stands now: a gesture may have ended it.
+void VelkoPdfView::LeavePlace() {
+    FollowFit();
+    m_history.Leave(*m_pControl, m_zoom);
+}
+
+void VelkoPdfView::Travel(void (ViewHistory::*fnGo)(PDFViewCtrl&, ViewZoom&)) {
     Command([&] {
         Hold();
-        fnGo();
-        m_zoom.NoteFitLeft();
+        FollowFit();
+        (m_history.*fnGo)(*m_pControl, m_zoom);
     });
 }
 
 void VelkoPdfView::GoBack() {
     if (CanGoBack()) {
-        Travel([this] { m_history.GoBack(*m_pControl); });
+        Travel(&ViewHistory::GoBack);
     }
 }
 
 void VelkoPdfView::GoForward() {
     if (CanGoForward()) {
-        Travel([this] { m_history.GoForward(*m_pControl); });
+        Travel(&ViewHistory::GoForward);
     }
 }
 

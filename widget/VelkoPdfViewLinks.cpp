@@ -99,17 +99,18 @@ void VelkoPdfView::FollowPage(const LinkToPage& target) {
     if (target.pAction) {
         FollowAction(target.pAction);
     } else if (!target.strName.isEmpty()) {
-        Find(target.strName,
-             QStringLiteral("This link leads to a place that the document does not have."));
-    } else {
+        Find(target.strName, LeadsNowhere());
+    } else if (target.nPage >= 0 && target.nPage < PageCount()) {
         JumpToPage(target.nPage);
+    } else {
+        emit LinkRefused(LeadsNowhere());
     }
 }
 
 void VelkoPdfView::FollowAction(const std::shared_ptr<IAction>& pAction) {
     const auto pTarget = pAction->GetDestination();
     Command([&] {
-        m_history.Leave(*m_pControl);
+        LeavePlace();
         if (pTarget && IsShownHere(*pTarget)) {
             ShowDestination(*pTarget);
         } else { // around what is drawn on the page, which the control finds out

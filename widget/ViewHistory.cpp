@@ -1,30 +1,43 @@
 #include "widget/ViewHistory.h"
 
+#include "widget/ViewZoom.h"
+
 namespace velko::vkit {
 
-void ViewHistory::Push(Places& places, const std::optional<ViewKeeper>& place) {
-    if (!place || (!places.empty() && places.back() == *place)) {
+void ViewHistory::Push(Places& places, PDFViewCtrl& control, const ViewZoom& zoom) {
+    const auto view = ViewKeeper::Remember(control);
+    if (!view) {
         return;
     }
-    places.push_back(*place);
+    const Place place{*view, zoom.FitMode()};
+    if (!places.empty() && places.back() == place) {
+        return;
+    }
+    places.push_back(place);
     if (places.size() > kMostPlaces) {
         places.erase(places.begin());
     }
 }
 
-void ViewHistory::Leave(PDFViewCtrl& control) {
-    Push(m_back, ViewKeeper::Remember(control));
+void ViewHistory::Leave(PDFViewCtrl& control, const ViewZoom& zoom) {
+    Push(m_back, control, zoom);
     m_forward.clear();
 }
 
-void ViewHistory::Go(PDFViewCtrl& control, Places& from, Places& to) {
+// What a fit comes to is known on its page only.
+void ViewHistory::Go(PDFViewCtrl& control, ViewZoom& zoom, Places& from, Places& to) {
     if (from.empty()) {
         return;
     }
-    const ViewKeeper place = from.back();
+    const Place place = from.back();
     from.pop_back();
-    Push(to, ViewKeeper::Remember(control));
-    place.Restore(control, place.Zoom());
+    Push(to, control, zoom);
+    place.view.Restore(control, place.view.Zoom());
+    zoom.SetFitMode(place.nFit);
+    if (const double dbFit = zoom.FitOr(place.view.Zoom()); !zoom.IsAt(dbFit)) {
+        place.view.Restore(control, dbFit);
+    }
+    zoom.NoteFit();
 }
 
 void ViewHistory::Clear() {

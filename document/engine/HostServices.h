@@ -19,7 +19,8 @@ namespace velko::pdf {
 
 // A link on a page: its area in page space, and one of three: an action inside
 // the document, a URI outside, or an action of another kind, for the host to
-// carry out or to refuse. A value: it may outlive the page and the document.
+// carry out or to refuse. None of them when what it names is not in the document.
+// A value: it may outlive the page and the document.
 struct LinkRecord {
     common::vxbase::RectF rcArea;
     std::shared_ptr<IAction> pAction;

@@ -32,6 +32,7 @@ struct RawLink {
     const char* szUri = nullptr;
     const char* szOtherKind = nullptr;
     const char* szOtherValue = "";
+    bool bAsks = false; // for anything at all
 };
 
 class Destination final : public pdf::IDestination {
@@ -197,6 +198,7 @@ RawLink ReadLink(fz_context* ctx, pdf_document* pDocument, pdf_obj* pAnnot, std:
     if (pTarget == nullptr) {
         ReadAction(ctx, pdf_dict_get(ctx, pAnnot, PDF_NAME(A)), pTarget, link);
     }
+    link.bAsks = pTarget != nullptr || pdf_is_dict(ctx, pdf_dict_get(ctx, pAnnot, PDF_NAME(A)));
     if (pTarget != nullptr) {
         link.destination = ReadDestination(ctx, pDocument, pTarget, nPages);
     }
@@ -243,8 +245,7 @@ std::vector<pdf::LinkRecord> ReadLinks(OpenedFile& file, std::int32_t nPage, std
     std::vector<pdf::LinkRecord> links;
     for (int i = 0; i < nEntries; ++i) {
         const std::optional<RawLink> link = LinkAt(file, pArray, i, nPages);
-        if (!link ||
-            (!link->destination.bFound && link->szUri == nullptr && link->szOtherKind == nullptr)) {
+        if (!link || !link->bAsks) {
             continue;
         }
         pdf::LinkRecord record;
@@ -253,7 +254,7 @@ std::vector<pdf::LinkRecord> ReadLinks(OpenedFile& file, std::int32_t nPage, std
             record.pAction = MakeAction(link->destination, fnPageTop);
         } else if (link->szUri != nullptr) {
             record.strUri = link->szUri;
-        } else {
+        } else if (link->szOtherKind != nullptr) {
             record.strOtherKind = link->szOtherKind;
             record.strOtherValue = link->szOtherValue;
         }
