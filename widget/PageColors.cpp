@@ -19,11 +19,13 @@ bool PageColors::IsDark() const {
     return background.lightness() < foreground.lightness();
 }
 
-QColor PageColors::Around() const {
-    constexpr int kUsualGrey = 224;
-    return IsDark() ? QColor(Mixed(background.red()), Mixed(background.green()),
-                             Mixed(background.blue()))
-                    : QColor(kUsualGrey, kUsualGrey, kUsualGrey);
+QColor PageColors::Around(bool bDark) const {
+    constexpr QColor kUsual(224, 224, 224);
+    constexpr QColor kDark(38, 38, 40);
+    if (IsDark()) {
+        return {Mixed(background.red()), Mixed(background.green()), Mixed(background.blue())};
+    }
+    return bDark ? kDark : kUsual;
 }
 
 PageColors DayPageColors() {

@@ -17,8 +17,9 @@ struct PageColors {
     bool IsDark() const;
 
     // What the screen shows around pages of these colours: the usual grey around
-    // light ones, a dark tone of theirs around dark ones.
-    QColor Around() const;
+    // light ones, or where it is to be dark a dark one; a dark tone of theirs around
+    // dark ones.
+    QColor Around(bool bDark = false) const;
 
     friend bool operator==(const PageColors&, const PageColors&) = default;
 };

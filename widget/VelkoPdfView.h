@@ -172,6 +172,8 @@ public:
     void SetColors(const PageColors& colors);
     bool NightMode() const { return Colors() == NightPageColors(); }
     void SetNightMode(bool bOn);
+    // Also around light pages, as in a window that fills the screen.
+    void SetDarkSurround(bool bDark);
     // What becomes of scans in colours other than black on white; kept likewise.
     velko::common::ScanColors ScanColors() const { return m_facts.eScanColors; }
     void SetScanColors(velko::common::ScanColors eColors);
@@ -340,6 +342,7 @@ private:
     velko::common::ScanColors m_eScanColors; // as last drawn
     bool m_bKeepsZoom = false;               // within `ResizeAtTheZoom`
     bool m_bRefreshQueued = false;
+    bool m_bDarkSurround = false;
     bool m_bSeen = false;               // the reader has seen a page of this document
     bool m_bPlaceWaits = false;         // for the viewer of a document that is told of already
     std::optional<ViewKeeper> m_keeper; // during a change of size

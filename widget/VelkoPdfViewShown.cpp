@@ -158,8 +158,18 @@ void VelkoPdfView::ShowAround() {
 }
 
 void VelkoPdfView::ShowAround(const PageColors& colors) {
-    m_pControl->SetSurround(ToColor(colors.Around()));
-    m_pWindow->SetBackground(colors.Around());
+    const QColor around = colors.Around(m_bDarkSurround);
+    m_pControl->SetSurround(ToColor(around));
+    m_pWindow->SetBackground(around);
+}
+
+void VelkoPdfView::SetDarkSurround(bool bDark) {
+    if (std::exchange(m_bDarkSurround, bDark) != bDark) {
+        ShowAround();
+        if (HasDocument()) {
+            Guard([this] { m_pControl->UpdateViewer(); });
+        }
+    }
 }
 
 // --- changes of size -------------------------------------------------------

@@ -12,6 +12,7 @@
 #include <optional>
 
 #include "app/viewer/GlyphButton.h"
+#include "app/viewer/MenuStyle.h"
 #include "app/viewer/ValueField.h"
 #include "widget/OpenFailure.h"
 
@@ -126,6 +127,7 @@ QMenu* CommandBar::MakeChoices() {
             emit Done();
         });
     }
+    StyleMenu(*pMenu);
     return pMenu;
 }
 

@@ -104,6 +104,7 @@ const std::vector<Entry>& Entries() {
          [](const View& view) { return view.NightMode(); }},
         {Command::FullScreen, "&Full screen", "F11", Needs::Nothing},
         {Command::Menu, "Menu", "F10", Needs::Nothing},
+        {Command::PageMenu, "Menu of the page", "Shift+F10", Needs::Nothing},
         {Command::Keys, "&Keys", "F1", Needs::Nothing},
         {Command::About, "&About Velko Viewer", "", Needs::Nothing},
     };

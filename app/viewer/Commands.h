@@ -38,6 +38,7 @@ enum class Command {
     Night,
     FullScreen,
     Menu,
+    PageMenu,
     Keys,
     About,
     kCount

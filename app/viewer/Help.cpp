@@ -3,6 +3,7 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QPushButton>
+#include <QShortcut>
 #include <QTextBrowser>
 #include <QVBoxLayout>
 #include <utility>
@@ -29,7 +30,7 @@ const std::pair<const char*, const char*> kPageKeys[] = {
 };
 
 QString Row(const QString& strWhat, const QString& strKeys) {
-    return QStringLiteral("<tr><td>%1&nbsp;&nbsp;&nbsp;</td><td>%2</td></tr>")
+    return QStringLiteral("<tr><td style=\"padding-right: 16px\">%1</td><td>%2</td></tr>")
         .arg(strWhat.toHtmlEscaped(), strKeys.toHtmlEscaped());
 }
 
@@ -55,8 +56,22 @@ QString KeysText(const Commands& commands) {
         .arg(strPages, strRows);
 }
 
-void Show(const QString& strTitle, const QString& strText, QSize size, QWidget* pParent) {
+// The keys that close a window and end the program do so here as well.
+void AddKeys(QDialog& dialog, const Commands& commands) {
+    dialog.addAction(commands[Command::Quit]);
+    for (const QKeySequence& key : commands[Command::Close]->shortcuts()) {
+        new QShortcut(key, &dialog, &dialog, &QDialog::reject);
+    }
+}
+
+void Show(const QString& strTitle, const QString& strText, QSize size, const Commands& commands,
+          QWidget* pParent) {
+    if (auto* const pOpen = pParent->findChild<QDialog*>(strTitle)) {
+        pOpen->activateWindow();
+        return;
+    }
     auto* const pDialog = new QDialog(pParent);
+    pDialog->setObjectName(strTitle);
     pDialog->setAttribute(Qt::WA_DeleteOnClose);
     pDialog->setWindowTitle(strTitle);
     auto* const pText = new QTextBrowser(pDialog);
@@ -68,6 +83,7 @@ void Show(const QString& strTitle, const QString& strText, QSize size, QWidget* 
     auto* const pLayout = new QVBoxLayout(pDialog);
     pLayout->addWidget(pText);
     pLayout->addWidget(pButtons);
+    AddKeys(*pDialog, commands);
     pDialog->resize(size.boundedTo(pParent->size().expandedTo({300, 200})));
     pDialog->show(); // the pages can be read meanwhile
     pText->setFocus();
@@ -76,10 +92,10 @@ void Show(const QString& strTitle, const QString& strText, QSize size, QWidget* 
 }
 
 void ShowKeys(const Commands& commands, QWidget* pParent) {
-    Show("Keys", KeysText(commands), kKeysSize, pParent);
+    Show("Keys", KeysText(commands), kKeysSize, commands, pParent);
 }
 
-void ShowAbout(QWidget* pParent) {
+void ShowAbout(const Commands& commands, QWidget* pParent) {
     Show("About Velko Viewer",
          QStringLiteral(
              "<h3>Velko Viewer %1</h3><p>A viewer for PDF documents, of velko vkit.</p>"
@@ -88,7 +104,7 @@ void ShowAbout(QWidget* pParent) {
              "warranty.</p>"
              "<p>Qt %2 is used under the GNU Lesser General Public License.</p>")
              .arg(VELKO_VERSION, qVersion()),
-         kAboutSize, pParent);
+         kAboutSize, commands, pParent);
 }
 
 }

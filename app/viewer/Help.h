@@ -11,6 +11,6 @@ namespace velko::viewer {
 class Commands;
 
 void ShowKeys(const Commands& commands, QWidget* pParent);
-void ShowAbout(QWidget* pParent);
+void ShowAbout(const Commands& commands, QWidget* pParent);
 
 }

@@ -1,6 +1,7 @@
 #include "app/viewer/MainMenu.h"
 
 #include "app/viewer/ColorMenu.h"
+#include "app/viewer/MenuStyle.h"
 #include "app/viewer/RecentMenu.h"
 #include "app/viewer/ViewerSettings.h"
 
@@ -29,6 +30,7 @@ MainMenu::MainMenu(vkit::VelkoPdfView& view, const Commands& commands, QWidget* 
     addActions({commands[Command::Keys], commands[Command::About]});
     addSeparator();
     addAction(commands[Command::Quit]);
+    StyleMenu(*this);
 }
 
 void MainMenu::AddOwnWindows() {

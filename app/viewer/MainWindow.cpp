@@ -156,6 +156,7 @@ void MainWindow::changeEvent(QEvent* pEvent) {
         m_pTopEdge->SetWatching(isFullScreen());
         PlaceParts();
         SayHowToLeave();
+        m_pView->SetDarkSurround(isFullScreen());
         if (m_pCommands != nullptr) {
             m_pCommands->SetFullScreen(isFullScreen());
         }
@@ -222,11 +223,14 @@ void MainWindow::CarryOut(Command eCommand) {
             m_pTopEdge->Call();
             m_pBar->OpenMenu();
             break;
+        case Command::PageMenu:
+            OpenPageMenu(m_pView->mapToGlobal(m_pView->rect().center()));
+            break;
         case Command::Keys:
             ShowKeys(*m_pCommands, this);
             break;
         case Command::About:
-            ShowAbout(this);
+            ShowAbout(*m_pCommands, this);
             break;
         default:
             break;
@@ -307,6 +311,10 @@ bool MainWindow::eventFilter(QObject* pWatched, QEvent* pEvent) {
         QTimer::singleShot(m_strTarget.isEmpty() ? kLinkMs : 0, this,
                            [this, ptGlobal] { OpenPageMenu(ptGlobal); });
         return true;
+    }
+    if (m_pHint != nullptr &&
+        (pEvent->type() == QEvent::KeyPress || pEvent->type() == QEvent::Wheel)) {
+        m_pHint->FadeOut();
     }
     if (pEvent->type() == QEvent::MouseButtonPress) {
         const auto eButton = static_cast<QMouseEvent*>(pEvent)->button();

@@ -205,7 +205,7 @@ void MainWindow::SayHowToLeave() {
         m_pHint->hide();
     } else if (isFullScreen() && !std::exchange(s_bSaid, true)) {
         m_pHint = new Hint(this);
-        m_pHint->Say("Esc or F11 leaves the full screen. The bar is at the top edge.");
+        m_pHint->Say({"Esc leaves the full screen.", "The bar is at the top edge."});
     }
 }
 

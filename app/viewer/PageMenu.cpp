@@ -3,6 +3,8 @@
 #include <QClipboard>
 #include <QGuiApplication>
 
+#include "app/viewer/MenuStyle.h"
+
 namespace velko::viewer {
 
 namespace {
@@ -29,6 +31,7 @@ PageMenu::PageMenu(const Commands& commands, const QString& strTarget, QWidget* 
                 commands[Command::RotateRight]});
     addSeparator();
     addActions({commands[Command::Night], commands[Command::FullScreen]});
+    StyleMenu(*this);
 }
 
 void PageMenu::AddLink(const QString& strTarget) {

@@ -5,6 +5,7 @@
 #include <QAction>
 #include <QClipboard>
 #include <QContextMenuEvent>
+#include <QDialog>
 #include <QGuiApplication>
 #include <QLineEdit>
 #include <QPushButton>
@@ -159,6 +160,10 @@ TEST_F(ViewerCommandsTest, TheFullScreenHasTheBarWhenItIsCalled) {
     const auto* pBar = m_pWindow->findChild<viewer::CommandBar*>();
     Key(Qt::Key_F11);
     ASSERT_TRUE(RunUntil([&] { return !pBar->isVisible(); }));
+    const auto fnAround = [&] {
+        return TheView().Window().grab().toImage().pixelColor(2, 2).lightness();
+    };
+    EXPECT_TRUE(RunUntil([&] { return fnAround() < 60; })) << "it is dark around the pages";
     QTest::mouseMove(&TheView().Window(), {200, 300});
     Key(Qt::Key_L, Qt::ControlModifier);
     EXPECT_TRUE(m_pWindow->isFullScreen() && pBar->isVisible());
@@ -176,6 +181,25 @@ TEST_F(ViewerCommandsTest, TheFullScreenHasTheBarWhenItIsCalled) {
     EXPECT_TRUE(m_pWindow->isFullScreen() && !pBar->isVisible()) << "first the field is left";
     Key(Qt::Key_Escape);
     EXPECT_FALSE(m_pWindow->isFullScreen());
+    EXPECT_TRUE(RunUntil([&] { return fnAround() > 200; }));
+}
+
+TEST_F(ViewerCommandsTest, TheKeysThatCloseAndEndAreInForceInTheWindowsOfHelp) {
+    ASSERT_TRUE(ShowUntilSharp(WritePages("pages.pdf", 2)));
+    int nEnds = 0;
+    QObject::connect(m_pWindow.get(), &viewer::MainWindow::EndWanted, [&] { ++nEnds; });
+    for (const char* szName : {"Keys", "About Velko Viewer"}) {
+        const auto fnHelp = [&] { return m_pWindow->findChildren<QDialog*>(szName); };
+        ActionOf(szName)->trigger();
+        ActionOf(szName)->trigger();
+        ASSERT_EQ(fnHelp().size(), 1) << "one of them is enough";
+        ASSERT_TRUE(RunUntil([&] { return fnHelp()[0]->isActiveWindow(); }));
+        QTest::keyClick(fnHelp()[0]->focusWidget(), Qt::Key_Q, Qt::ControlModifier);
+        QTest::keyClick(fnHelp()[0]->focusWidget(), Qt::Key_W, Qt::ControlModifier);
+        EXPECT_TRUE(RunUntil([&] { return fnHelp().isEmpty(); }));
+    }
+    EXPECT_EQ(nEnds, 2);
+    EXPECT_EQ(TheView().PageCount(), 2) << "the document is not what was to close";
 }
 
 TEST_F(ViewerCommandsTest, AFitOutlastsRotationAndAnOwnZoomIsKept) {
