@@ -11,6 +11,7 @@ namespace velko::vkit {
 namespace {
 
 constexpr double kScreenScroll = 0.9; // of the screen's height: a line or two stay in sight
+constexpr double kLastScroll = 0.96;  // at most, when nothing of the page is left then
 constexpr double kSamePlace = 1.0;    // device pixels
 
 }
@@ -39,9 +40,24 @@ bool PageSteps::IsAtEdge(int nDirection, bool bAcross) const {
     if (!place) {
         return false;
     }
-    const double dbNear = bAcross ? place->dbOffsetX : place->dbOffsetY;
-    const double dbFar = dbNear + (bAcross ? place->nWidth : place->nHeight);
-    return nDirection > 0 ? dbFar <= ScreenLength(bAcross) + kSamePlace : dbNear >= -kSamePlace;
+    return LeftToGo(*place, nDirection, bAcross) <= kSamePlace;
+}
+
+// How far the page reaches beyond the screen on that side.
+double PageSteps::LeftToGo(const Render_PageScreenOffsetInfo& place, int nDirection,
+                           bool bAcross) const {
+    const double dbNear = bAcross ? place.dbOffsetX : place.dbOffsetY;
+    const double dbFar = dbNear + (bAcross ? place.nWidth : place.nHeight);
+    return nDirection > 0 ? dbFar - ScreenLength(bAcross) : -dbNear;
+}
+
+// Where a page stands alone, no step is spent on a rest of it that shows nothing new.
+double PageSteps::ScreenStep(int nDirection) const {
+    const double dbScreen = ScreenLength(false);
+    const Place place = ShowsSinglePage() ? CurrentPlace() : std::nullopt;
+    const double dbLeft = place ? LeftToGo(*place, nDirection, false) : 0.0;
+    const bool bLast = dbLeft > 0.0 && dbLeft <= kLastScroll * dbScreen;
+    return bLast ? dbLeft : kScreenScroll * dbScreen;
 }
 
 void PageSteps::Turn(int nDirection, bool bAcross) const {
@@ -105,7 +121,7 @@ void PageSteps::StepScreen(int nDirection) const {
     } else if (!ShowsSinglePage() && Fits(CurrentPlace(), false)) {
         StepPage(nDirection);
     } else {
-        ScrollAndSettle(m_control, nDirection * kScreenScroll * ScreenLength(false), 0.0);
+        ScrollAndSettle(m_control, nDirection * ScreenStep(nDirection), 0.0);
     }
 }
 

@@ -36,6 +36,8 @@ private:
 
     Place CurrentPlace() const;
     double ScreenLength(bool bAcross) const;
+    double LeftToGo(const Render_PageScreenOffsetInfo& place, int nDirection, bool bAcross) const;
+    double ScreenStep(int nDirection) const;
     bool Fits(const Place& place, bool bAcross) const;
     std::int32_t PageToward(int nDirection) const;
     void StepPage(int nDirection) const;

@@ -36,11 +36,13 @@ void MainWindow::ShowMessage(const QString& strTitle, const QString& strText) {
         connect(m_pMessage, &StartPane::OpenWanted, this, [this] { AskForFile(false); });
         connect(m_pMessage, &StartPane::FileWanted, this, &MainWindow::OpenFile);
     }
+    const QWidget* const pKeys = focusWidget(); // the pane's own rows are made anew below
+    const bool bTakesKeys = pKeys == nullptr || pKeys == m_pView || pKeys == &m_pView->Window() ||
+                            m_pMessage->isAncestorOf(pKeys);
     PlaceParts();
     m_pMessage->Show(strTitle, strText);
     CompleteBar();
-    if (const QWidget* const pKeys = focusWidget();
-        pKeys == nullptr || pKeys == m_pView || pKeys == &m_pView->Window()) {
+    if (bTakesKeys) {
         m_pMessage->TakeKeys();
     }
 }

@@ -304,6 +304,13 @@ TEST_F(VelkoPdfViewTest, PageKeysGoFromTopToTopWhereAPageFits) {
     const float fBefore = OnScreen(2, 0.0F, 792.0F).Y;
     Key(Qt::Key_PageDown);
     EXPECT_NEAR(OnScreen(2, 0.0F, 792.0F).Y, fBefore - 540.0F, 1.5F) << "nine tenths of a screen";
+    m_pView->SetLayoutMode(View::Layout::SinglePage);
+    m_pView->ZoomTo(1.108); // so that 570 of 1170 pixels are out of sight
+    m_pView->GotoPage(1);
+    Key(Qt::Key_PageDown);
+    EXPECT_NEAR(OnScreen(1, 0.0F, 0.0F).Y, 600.0F, 1.5F) << "no step for a rest of one line";
+    Key(Qt::Key_PageDown);
+    EXPECT_EQ(Control().GetCurrentPageIndex(), 2);
 }
 
 // The page before may reach into the view by less than a pixel.
