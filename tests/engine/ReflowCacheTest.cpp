@@ -1,10 +1,13 @@
 // What is kept of pages set anew: how far it saves work, its bounds, its end.
 
+#include <atomic>
+#include <latch>
 #include <limits>
 #include <vector>
 
 #include "engines/mupdf/Allocator.h"
 #include "engines/mupdf/PageCache.h"
+#include "platform/concurrency/ThreadPool.h"
 #include "tests/engine/ReflowFixture.h"
 
 namespace velko::testing {
@@ -140,6 +143,43 @@ TEST_F(ReflowCacheTest, WhatWasCutShortIsToldSoUntilItIsAskedForAnew) {
     engines::mupdf::SetBudgets({});
     pPage->StartParse(0, nullptr, 1);
     EXPECT_EQ(Measure(pDoc, 0)->GetContentHeight(), ReflowOf(Illustrated())->GetContentHeight());
+}
+
+// A viewer's pool and its UI thread at once, with less kept than they use, while
+// documents close under them.
+TEST_F(ReflowCacheTest, ManyThreadsMeasureAndDrawWhatOneDoes) {
+    constexpr std::int32_t kWorks = 240;
+    const std::string strBytes = MixedDocument(kPages);
+    const auto fnWanted = [](std::int32_t i) { // more than are remembered
+        return Wanted{.fWidth = 200.0F + static_cast<float>(i % 6) * 20.0F};
+    };
+    const auto fnDraw = [&](const std::shared_ptr<pdf::PDFDoc>& pDoc, std::int32_t i) {
+        return DrawBand(Measure(pDoc, i % kPages, fnWanted(i)), 40, 60);
+    };
+    std::vector<std::shared_ptr<common::Bitmap>> wanted;
+    const auto pFirst = OpenDoc(strBytes);
+    for (std::int32_t i = 0; i < kPages * 6; ++i) {
+        wanted.push_back(fnDraw(pFirst, i));
+    }
+    PageCache::Instance().SetLimits({200'000, 100'000});
+    std::atomic<int> nWrong = 0;
+    std::latch done(kWorks);
+    concurrency::ThreadPool pool(4);
+    auto pDoc = OpenDoc(strBytes);
+    for (std::int32_t i = 0; i < kWorks; ++i) {
+        pool.schedule([&, i, pShared = pDoc] {
+            const auto pDrawn = fnDraw(pShared, i * 7 % (kPages * 6));
+            nWrong +=
+                Compare(*pDrawn, *wanted[static_cast<std::size_t>(i * 7 % (kPages * 6))]).nPixels;
+            done.count_down();
+        });
+        Measure(pDoc, i % kPages, fnWanted(i));
+        if (i % 60 == 59) {
+            pDoc = OpenDoc(strBytes); // works go on in the one that was closed
+        }
+    }
+    done.wait();
+    EXPECT_EQ(nWrong, 0);
 }
 
 }

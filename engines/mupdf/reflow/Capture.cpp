@@ -216,10 +216,7 @@ private:
 
     // Signs of vertical text have shapes of their own there, which do not fit a line.
     static std::int32_t LyingGlyph(const RecordedGlyph& glyph, char32_t nUnicode) {
-        fz_context* const ctx = ThreadContext();
-        int nGlyph = 0;
-        Guard(ctx,
-              [&] { nGlyph = fz_encode_character(ctx, glyph.pFont, static_cast<int>(nUnicode)); });
+        const std::int32_t nGlyph = GlyphFor(glyph.pFont, nUnicode);
         return nGlyph > 0 ? nGlyph : glyph.nGlyph;
     }
 

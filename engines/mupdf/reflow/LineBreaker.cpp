@@ -22,10 +22,9 @@ bool MayBreakBefore(const Glyphs& glyphs, std::size_t i) {
     if (IsSpace(cBefore)) {
         return true;
     }
-    if (MayNotBegin(c) || MayNotEnd(cBefore)) {
-        return false;
-    }
-    return IsIdeographic(cBefore) || IsIdeographic(c) || (EndsPart(cBefore) && IsLetter(c));
+    const bool bMay =
+        IsIdeographic(cBefore) || IsIdeographic(c) || (EndsPart(cBefore) && IsLetter(c));
+    return bMay && !MayNotBegin(c) && !MayNotEnd(cBefore);
 }
 
 struct Collector {

@@ -17,8 +17,8 @@ int Rounded(float f, float fSteps) {
 constexpr float kSizeSteps = 10.0F;
 constexpr float kShapeSteps = 50.0F;
 
-// Looking a character up fills tables in the font, and these fonts are shared.
-std::mutex g_standInLock;
+// Looking a character up fills tables in the font, and fonts are shared.
+std::mutex g_lookUpLock;
 
 fz_font* PlainFont(fz_context* ctx, fz_font* pLike) {
     static constexpr std::array<const char*, 8> kNames = {
@@ -65,9 +65,17 @@ std::uint32_t StyleTable::Index(Style style) {
     return m_nLast;
 }
 
+std::int32_t GlyphFor(fz_font* pFont, char32_t nUnicode) {
+    fz_context* const ctx = ThreadContext();
+    const std::scoped_lock lock(g_lookUpLock);
+    int nGlyph = 0;
+    Guard(ctx, [&] { nGlyph = fz_encode_character(ctx, pFont, static_cast<int>(nUnicode)); });
+    return nGlyph;
+}
+
 StandIn FindStandIn(fz_font* pLike, char32_t nUnicode) {
     fz_context* const ctx = ThreadContext();
-    const std::scoped_lock lock(g_standInLock);
+    const std::scoped_lock lock(g_lookUpLock);
     StandIn standIn;
     try {
         Guard(ctx, [&] {

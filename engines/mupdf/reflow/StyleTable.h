@@ -35,6 +35,9 @@ private:
     std::uint32_t m_nLast = 0;
 };
 
+// The font's own glyph for a character; 0 for none.
+std::int32_t GlyphFor(fz_font* pFont, char32_t nUnicode);
+
 // The glyph for a character from the fonts that come with the library, in a face
 // like `pLike`. Kept fonts live as long as the process. `pFont` is null where no
 // font has it.
