@@ -9,6 +9,7 @@
 #include <iostream>
 #include <iterator>
 #include <limits>
+#include <map>
 #include <set>
 
 #include "document/engine/ReflowPage.h"
@@ -98,7 +99,8 @@ std::u32string FromUtf8(const std::string& strText) {
 
 // The words of a text. Line ends within words are undone; each ideograph is a word;
 // hyphens do not count, nor the order of right-to-left letters, which one side
-// may have as they stand.
+// may have as they stand, nor accents, before or behind their letter. Characters
+// that nobody knows part words: one side takes blanks among them for such.
 std::multiset<std::string> WordsOf(const std::string& strText) {
     std::multiset<std::string> words;
     std::u32string strWord;
@@ -117,7 +119,7 @@ std::multiset<std::string> WordsOf(const std::string& strText) {
     };
     bool bHyphen = false; // just before
     for (const char32_t c : FromUtf8(strText)) {
-        if (reflow::IsSpace(c)) {
+        if (reflow::IsSpace(c) || c == 0xFFFD) {
             if (!bHyphen) {
                 fnEnd();
             }
@@ -125,7 +127,7 @@ std::multiset<std::string> WordsOf(const std::string& strText) {
             fnEnd();
             strWord = c;
             fnEnd();
-        } else if (!reflow::IsHyphen(c)) {
+        } else if (!reflow::IsHyphen(c) && !reflow::IsAccent(c)) {
             strWord += c;
         }
         bHyphen = reflow::IsHyphen(c) || (bHyphen && reflow::IsSpace(c));
@@ -324,6 +326,29 @@ TEST_F(ReflowTest, LinesBreakWhereTheirScriptAllowsIt) {
         << "no full stop begins a line and no bracket opens at its end";
 }
 
+// Whether a file says "i" and then sets dots over it, or has no dots at all.
+TEST_F(ReflowTest, AnAccentStandsOverItsLetterAndTakesNoRoom) {
+    const auto fnPlaces = [](const std::string& strShown) {
+        std::map<char32_t, float> places;
+        const std::string strContent = "BT /F1 10 Tf 60 700 Td [" + strShown + "] TJ ET";
+        for (const auto& glyph : LayoutOf(ReflowOf(OnePage(strContent)))->glyphs) {
+            places[glyph.nUnicode] = glyph.x;
+        }
+        return places;
+    };
+    auto plain = fnPlaces("(na\\365ve naive)");
+    for (const char* szShown : {"(na\\310) 305 (\\365ve naive)", // before the letter
+                                "(na\\365) 305 (\\310) 27 (ve naive)"}) {
+        auto accented = fnPlaces(szShown);
+        EXPECT_NEAR(accented[0xA8], accented[0x131], 2.0) << szShown;
+        accented.erase(0xA8);
+        ASSERT_EQ(accented.size(), plain.size());
+        for (const auto& [c, x] : plain) {
+            EXPECT_NEAR(accented[c], x, 0.5) << static_cast<char>(c) << szShown;
+        }
+    }
+}
+
 TEST_F(ReflowTest, HostilePagesAreSetWithinBounds) {
     std::string strLong;
     for (int i = 0; i < 100'000; ++i) {
@@ -365,6 +390,10 @@ TEST_F(ReflowTest, HostilePagesAreSetWithinBounds) {
         }
     }
     EXPECT_EQ(TextOf(ReflowOf(pages[4])), "upside down\n");
+    PdfPage huge;
+    huge.mediaBox = {0, 0, 2'000'000, 2'000'000};
+    huge.strContent = TextAt(10, 10, "far below");
+    EXPECT_EQ(TextOf(ReflowOf(MakePdf({huge}))), "far below\n");
     const std::string strRead = TextOf(ReflowOf(pages[0]));
     EXPECT_GT(strRead.size(), 99'000U);
 }

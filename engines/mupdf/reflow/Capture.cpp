@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <utility>
 
 #include "engines/mupdf/Allocator.h"
 #include "engines/mupdf/reflow/Characters.h"
+#include "engines/mupdf/reflow/GlyphInk.h"
 #include "engines/mupdf/reflow/LogicalOrder.h"
 #include "engines/mupdf/reflow/StyleTable.h"
 
@@ -22,6 +24,7 @@ constexpr float kLeastSize = 0.5F; // points; what is smaller is set as if it ha
 constexpr float kMostSize = 2000.0F;
 constexpr float kAscent = 0.75F; // of a line's box above its baseline, in its size
 constexpr float kDescent = 0.25F;
+constexpr char32_t kUnknown = 0xFFFD;
 constexpr float kLightest = 150.0F; // of letters on white paper, 255 is white
 
 // A fault within a list leaves out the rest of it and nothing else.
@@ -113,16 +116,24 @@ public:
         }
         MeasureLine(result);
         result.bRightToLeft = ToLogicalOrder(m_order);
+        m_places.clear();
         for (const PlacedCharacter& placed : m_order) {
             Append(result, *m_characters[placed.nIndex]);
         }
         if (!result.glyphs.empty() && IsSpace(result.glyphs.back().nUnicode)) {
             result.glyphs.pop_back();
         }
+        KeepPlaces(result.glyphs);
         return result;
     }
 
 private:
+    struct Place { // of a glyph along the line
+        float fStart = 0.0F;
+        float fEnd = 0.0F;
+        float fOrigin = 0.0F;
+    };
+
     void CollectCharacters(const fz_stext_line& line) {
         m_characters.clear();
         m_order.clear();
@@ -175,17 +186,103 @@ private:
     void Append(TextLine& line, const fz_stext_char& c) {
         const auto nUnicode = static_cast<char32_t>(c.c);
         if (IsSpace(nUnicode)) {
-            if (!line.glyphs.empty() && !IsSpace(line.glyphs.back().nUnicode)) {
-                line.glyphs.push_back({U' ', Glyph::kNone, line.glyphs.back().nStyle, false});
-            }
+            AppendSpace(line);
             return;
         }
-        const RecordedGlyph* const pRecorded = m_recorder.Take(c.origin);
-        if (pRecorded == nullptr && m_recorder.HasAt(c.origin) && !line.glyphs.empty()) {
+        // The extraction gives a sign of a vertical line the place where it begins.
+        const fz_point ptDrawn = m_bVertical ? c.quad.lr : c.origin;
+        const RecordedGlyph* const pRecorded = m_recorder.Take(ptDrawn);
+        if (pRecorded == nullptr && m_recorder.HasAt(ptDrawn) && !line.glyphs.empty()) {
             line.glyphs.push_back({nUnicode, Glyph::kNone, line.glyphs.back().nStyle, true});
+        } else if (nUnicode == kUnknown && pRecorded != nullptr && !HasInk(*pRecorded)) {
+            AppendSpace(line); // of a font that does not say what its glyphs are
             return;
+        } else {
+            line.glyphs.push_back(MakeGlyph(line, c, nUnicode, pRecorded));
         }
-        line.glyphs.push_back(MakeGlyph(line, c, nUnicode, pRecorded));
+        m_places.resize(line.glyphs.size());
+        m_places.back() = PlaceOf(c);
+    }
+
+    void AppendSpace(TextLine& line) {
+        if (!line.glyphs.empty() && !IsSpace(line.glyphs.back().nUnicode)) {
+            line.glyphs.push_back({U' ', Glyph::kNone, line.glyphs.back().nStyle, false});
+        }
+    }
+
+    bool HasInk(const RecordedGlyph& glyph) {
+        const auto [it, bNew] = m_inked.try_emplace({glyph.pFont, glyph.nGlyph}, true);
+        if (bNew) {
+            try {
+                const fz_rect rc = InkOf(glyph.pFont, glyph.nGlyph, fz_identity);
+                it->second = rc.x1 > rc.x0 && rc.y1 > rc.y0;
+            } catch (const LibraryError&) {
+                // It is drawn as it can be.
+            }
+        }
+        return it->second;
+    }
+
+    Place PlaceOf(const fz_stext_char& c) const {
+        const fz_rect rc = fz_rect_from_quad(fz_transform_quad(c.quad, m_toUpright));
+        return {rc.x0, rc.x1, fz_transform_point(c.origin, m_toUpright).x};
+    }
+
+    // Letters of a script that joins them, and accents that are glyphs of their own,
+    // stand to their neighbours as on the page: a font's widths do not tell how.
+    void KeepPlaces(Glyphs& glyphs) {
+        for (std::size_t i = 0; i < glyphs.size(); ++i) {
+            if (i > 0 && IsWithinLeft(glyphs, i)) {
+                KeepRoom(glyphs[i], m_places[i - 1].fOrigin - m_places[i].fOrigin);
+            } else if (IsAccent(glyphs[i].nUnicode)) {
+                i = KeepAccent(glyphs, i);
+            }
+        }
+    }
+
+    // Within a word that runs to the left.
+    static bool IsWithinLeft(const Glyphs& glyphs, std::size_t i) {
+        const auto fnRunsLeft = [](const Glyph& glyph) {
+            return IsRightToLeft(glyph.nUnicode) || IsMark(glyph.nUnicode) ||
+                   glyph.nUnicode == kUnknown;
+        };
+        return !glyphs[i].bNoRoom && fnRunsLeft(glyphs[i]) && fnRunsLeft(glyphs[i - 1]) &&
+               (IsRightToLeft(glyphs[i].nUnicode) || IsRightToLeft(glyphs[i - 1].nUnicode));
+    }
+
+    // An accent that comes before its letter changes places with it, so that the letter
+    // stands where the word goes on. Returns where the accent is then.
+    std::size_t KeepAccent(Glyphs& glyphs, std::size_t i) {
+        if (i + 1 < glyphs.size() && StandsOver(glyphs, i, i + 1)) {
+            std::swap(glyphs[i], glyphs[i + 1]);
+            std::swap(m_places[i], m_places[i + 1]);
+            ++i;
+        } else if (i == 0 || !StandsOver(glyphs, i, i - 1)) {
+            return i;
+        }
+        const bool bAfter = i + 1 < glyphs.size() && !IsSpace(glyphs[i + 1].nUnicode);
+        const float fNext = bAfter ? m_places[i + 1].fOrigin : m_places[i - 1].fEnd;
+        KeepRoom(glyphs[i - 1], m_places[i].fOrigin - m_places[i - 1].fOrigin);
+        KeepRoom(glyphs[i], fNext - m_places[i].fOrigin);
+        return i;
+    }
+
+    // A slanted letter has its accent beside its middle.
+    bool StandsOver(const Glyphs& glyphs, std::size_t nAccent, std::size_t nLetter) const {
+        constexpr float kBeside = 0.3F; // of the letter's width
+        const Place& letter = m_places[nLetter];
+        const float fMiddle = (m_places[nAccent].fStart + m_places[nAccent].fEnd) / 2.0F;
+        const float fBeside = kBeside * (letter.fEnd - letter.fStart);
+        return IsLetter(glyphs[nLetter].nUnicode) && fMiddle > letter.fStart - fBeside &&
+               fMiddle < letter.fEnd + fBeside;
+    }
+
+    void KeepRoom(Glyph& glyph, float fRoom) const {
+        constexpr float kMost = 3.0F; // in its size
+        const float fRelative = fRoom / m_styles.At(glyph.nStyle).fSize;
+        if (std::abs(fRelative) <= kMost) {
+            glyph.nRoom = static_cast<std::int16_t>(std::lround(fRelative * 1000.0F));
+        }
     }
 
     Glyph MakeGlyph(const TextLine& line, const fz_stext_char& c, char32_t nUnicode,
@@ -207,17 +304,28 @@ private:
             style.nFont = m_styles.FontIndex(c.font);
             return {nUnicode, Glyph::kNone, m_styles.Index(style), false};
         }
+        if (m_bVertical) {
+            return LyingGlyph(style, c.font, nUnicode, *pRecorded);
+        }
         TakeShape(style, *pRecorded);
         style.nFont = m_styles.FontIndex(pRecorded->pFont);
-        const std::int32_t nGlyph =
-            m_bVertical ? LyingGlyph(*pRecorded, nUnicode) : pRecorded->nGlyph;
-        return {nUnicode, nGlyph, m_styles.Index(style), false};
+        return {nUnicode, pRecorded->nGlyph, m_styles.Index(style), false};
     }
 
-    // Signs of vertical text have shapes of their own there, which do not fit a line.
-    static std::int32_t LyingGlyph(const RecordedGlyph& glyph, char32_t nUnicode) {
-        const std::int32_t nGlyph = GlyphFor(glyph.pFont, nUnicode);
-        return nGlyph > 0 ? nGlyph : glyph.nGlyph;
+    // Signs of vertical text have shapes of their own there, which do not fit a line;
+    // a font that is there in part may lack those that do.
+    Glyph LyingGlyph(Style style, fz_font* pLike, char32_t nUnicode, const RecordedGlyph& drawn) {
+        RecordedGlyph lying = drawn;
+        lying.nGlyph = GlyphFor(drawn.pFont, nUnicode);
+        const bool bHas = lying.nGlyph > 0 && HasInk(lying);
+        const StandIn standIn = bHas ? StandIn() : FindStandIn(pLike, nUnicode);
+        if (standIn.pFont != nullptr) {
+            style.nFont = m_styles.FontIndex(standIn.pFont);
+            return {nUnicode, standIn.nGlyph, m_styles.Index(style), false};
+        }
+        TakeShape(style, drawn);
+        style.nFont = m_styles.FontIndex(drawn.pFont);
+        return {nUnicode, bHas ? lying.nGlyph : drawn.nGlyph, m_styles.Index(style), false};
     }
 
     // A raised or lowered sign; what little a line wavers is none.
@@ -247,6 +355,8 @@ private:
     bool m_bVertical = false;                       // the line at hand
     std::vector<const fz_stext_char*> m_characters; // of the line at hand
     std::vector<PlacedCharacter> m_order;
+    std::vector<Place> m_places; // of the glyphs of the line at hand
+    std::map<std::pair<fz_font*, std::int32_t>, bool> m_inked;
 };
 
 void CollectLines(CapturedPage& page, const fz_stext_page& text, LineReader& reader) {

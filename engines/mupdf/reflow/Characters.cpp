@@ -37,6 +37,8 @@ constexpr std::u32string_view kBullets =
 constexpr std::u32string_view kSentenceEnds = U".!?:;\u2026\u061F\u06D4\u3002\uFF01\uFF1F\uFF1A";
 constexpr std::u32string_view kClosing = U")]}\"'\u00BB\u2019\u201D\u203A\u300D\u300F\uFF09";
 
+constexpr std::u32string_view kAccents = U"^`~\u00A8\u00AF\u00B4\u00B8";
+
 bool Has(std::u32string_view set, char32_t c) {
     return set.find(c) != std::u32string_view::npos;
 }
@@ -90,6 +92,14 @@ bool IsIdeographic(char32_t c) {
     return (c >= 0x2E80 && c <= 0x31FF) || (c >= 0x3200 && c <= 0x9FFF) ||
            (c >= 0xF900 && c <= 0xFAFF) || (c >= 0xFE30 && c <= 0xFE4F) ||
            (c >= 0xFF00 && c <= 0xFF9F) || (c >= 0x20000 && c <= 0x3FFFF);
+}
+
+bool IsMark(char32_t c) {
+    return CategoryOf(c) == UCDN_GENERAL_CATEGORY_MN;
+}
+
+bool IsAccent(char32_t c) {
+    return Has(kAccents, c) || (c >= 0x2C6 && c <= 0x2DD) || IsMark(c);
 }
 
 bool EndsSentence(char32_t c) {

@@ -15,6 +15,8 @@ bool IsHyphen(char32_t c);      // one that may end a line within a word
 bool IsRightToLeft(char32_t c); // strongly
 bool IsLeftToRight(char32_t c); // strongly
 bool IsIdeographic(char32_t c); // set without spaces: ideographs, kana, their signs
+bool IsMark(char32_t c);        // one that has no width of its own
+bool IsAccent(char32_t c);      // a sign that may stand over a letter, or under it
 bool EndsSentence(char32_t c);
 bool IsClosingMark(char32_t c); // quotes and brackets that may follow a sentence's end
 bool IsBullet(char32_t c);

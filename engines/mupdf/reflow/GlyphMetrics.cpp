@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "engines/mupdf/reflow/Characters.h"
+#include "engines/mupdf/reflow/GlyphInk.h"
 
 namespace velko::engines::mupdf::reflow {
 
@@ -13,10 +14,7 @@ constexpr float kSpace = 0.26F; // widths in the text's size
 constexpr float kCells = 1.5F;
 constexpr float kUnknown = 0.5F;
 constexpr float kWidest = 3.0F;
-constexpr float kFarthest = 6.0F; // a glyph that reaches farther is not drawn
-constexpr float kDeepest = 1.5F;  // of a font's box that is believed, in its size
-constexpr float kHighest = 2.5F;
-constexpr float kLeastHeight = 0.3F;
+constexpr float kFarthest = 6.0F;       // a glyph that reaches farther is not drawn
 constexpr float kSmallestOfBody = 0.5F; // sizes beside that of most of the text
 constexpr float kLargestOfBody = 4.0F;
 
@@ -28,41 +26,6 @@ float RoomWithoutDrawing(const Glyph& glyph) {
         return kCells;
     }
     return IsSpace(glyph.nUnicode) ? kSpace : kUnknown;
-}
-
-void DropPath(fz_context* ctx, fz_path* pPath) {
-    fz_drop_path(ctx, pPath);
-}
-using PathHandle = Handle<fz_path, DropPath>;
-
-fz_rect OutlineBounds(fz_context* ctx, fz_font* pFont, std::int32_t nGlyph,
-                      const fz_matrix& shape) {
-    fz_rect rc = fz_empty_rect;
-    PathHandle path;
-    Guard(ctx, [&] {
-        path.Out() = fz_outline_glyph(ctx, pFont, nGlyph, shape);
-        if (path) {
-            rc = fz_bound_path(ctx, path.Get(), nullptr, fz_identity);
-        }
-    });
-    return rc;
-}
-
-// At least what the glyph inks. The library keeps bounds of glyphs in tables that it
-// fills without a lock, and whoever interprets another page may be at it: only those
-// of glyphs that are drawings are there from the first. What a font says of all its
-// glyphs does for a line; where it cannot be true, an outline is made.
-fz_rect InkOf(fz_context* ctx, fz_font* pFont, std::int32_t nGlyph, const fz_matrix& shape) {
-    const fz_rect& rcFont = pFont->bbox;
-    fz_rect rcInk = fz_empty_rect;
-    if (pFont->t3procs != nullptr) {
-        Guard(ctx, [&] { rcInk = fz_bound_glyph(ctx, pFont, nGlyph, shape); });
-    } else if (rcFont.y0 >= -kDeepest && rcFont.y1 <= kHighest && rcFont.y1 > kLeastHeight) {
-        rcInk = fz_transform_rect(rcFont, shape);
-    } else {
-        rcInk = OutlineBounds(ctx, pFont, nGlyph, shape);
-    }
-    return rcInk;
 }
 
 }
@@ -103,11 +66,9 @@ GlyphMetrics::Room GlyphMetrics::Measure(const Glyph& glyph) const {
     fz_rect rcInk = fz_empty_rect;
     try {
         Guard(ctx, [&] { fAdvance = fz_advance_glyph(ctx, pFont, glyph.nGlyph, 0) * shape.a; });
-        rcInk = InkOf(ctx, pFont, glyph.nGlyph, shape);
+        rcInk = InkRoom(pFont, glyph.nGlyph, shape);
         if (!(fAdvance > 0.0F) && IsLetter(glyph.nUnicode)) { // a font that does not tell
-            fAdvance = pFont->t3procs != nullptr
-                           ? rcInk.x1
-                           : OutlineBounds(ctx, pFont, glyph.nGlyph, shape).x1;
+            fAdvance = InkOf(pFont, glyph.nGlyph, shape).x1;
         }
     } catch (const LibraryError&) {
         return {kUnknown * fSize, 0.0F, 0.0F, false};

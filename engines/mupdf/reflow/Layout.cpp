@@ -86,7 +86,7 @@ private:
         const auto lines = BreakLines(
             paragraph.glyphs,
             [&](std::size_t n) { return static_cast<float>(m_nMeasure) - fnIndent(n); },
-            [&](std::size_t i) { return m_metrics.Of(paragraph.glyphs[i]).fAdvance; });
+            [&](std::size_t i) { return AdvanceOf(paragraph.glyphs[i]); });
         const Levels levels = LevelsOf(paragraph);
         for (std::size_t n = 0; n < lines.size(); ++n) {
             if (m_nTop > Layout::kMaxHeight - 2 * Layout::kMaxWidth) {
@@ -95,6 +95,12 @@ private:
             }
             SetLineOf(paragraph, lines[n], levels, fnIndent(n));
         }
+    }
+
+    float AdvanceOf(const Glyph& glyph) {
+        return glyph.nRoom == Glyph::kOwnRoom
+                   ? m_metrics.Of(glyph).fAdvance
+                   : static_cast<float>(glyph.nRoom) / 1000.0F * m_metrics.SizeOf(glyph.nStyle);
     }
 
     float StartOf(const Paragraph& paragraph, const BrokenLine& line, float fIndent) const {
@@ -124,7 +130,7 @@ private:
                 set.nInkTop = std::min(set.nInkTop, y + Whole(room.fInkTop) - 2);
                 set.nInkBottom = std::max(set.nInkBottom, y + Whole(room.fInkBottom) + 2);
             }
-            x += room.fAdvance;
+            x += AdvanceOf(glyph);
         }
         set.nEnd = m_layout.glyphs.size();
         m_layout.lines.push_back(set);

@@ -1,7 +1,5 @@
 #include "engines/mupdf/reflow/LogicalOrder.h"
 
-#include <mupdf/ucdn.h>
-
 #include <algorithm>
 #include <iterator>
 
@@ -12,10 +10,6 @@ namespace velko::engines::mupdf::reflow {
 namespace {
 
 using Line = std::vector<PlacedCharacter>;
-
-bool IsMark(char32_t c) {
-    return ucdn_get_general_category(c) == UCDN_GENERAL_CATEGORY_MN;
-}
 
 // A mark above a letter stands where the letter does: it goes where that goes.
 void PlaceMarksOnLetters(Line& line) {

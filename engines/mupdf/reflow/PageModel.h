@@ -37,11 +37,15 @@ struct Style {
 
 struct Glyph {
     static constexpr std::int32_t kNone = -1; // takes its room without a drawing
+    static constexpr std::int16_t kOwnRoom = INT16_MIN;
 
     char32_t nUnicode = 0;
     std::int32_t nGlyph = kNone; // in the font of its style
     std::uint32_t nStyle = 0;
     bool bNoRoom = false; // a further character of the glyph before it
+    // To what stands to its right, in thousandths of its size: as on the page, where
+    // glyphs of a word reach over each other; else what its font says.
+    std::int16_t nRoom = kOwnRoom;
 };
 
 using Glyphs = std::vector<Glyph>;

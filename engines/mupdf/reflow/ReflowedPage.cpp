@@ -10,6 +10,17 @@ namespace velko::engines::mupdf::reflow {
 
 using Lock = concurrency::critical_section::scoped_lock;
 
+namespace {
+
+// Not the size that is told, which is kept within limits.
+fz_rect PageInLists(const PageFacts& facts) {
+    const common::vxbase::RectF& rc = facts.rcBox;
+    return fz_transform_rect(fz_make_rect(rc.Left, rc.Bottom, rc.Right, rc.Top),
+                             facts.mListFromPage);
+}
+
+}
+
 void ReflowedPage::SetScreenSize(float fWidth, float fHeight) {
     m_parameters.fScreenWidth = fWidth;
     m_parameters.fScreenHeight = fHeight;
@@ -43,10 +54,9 @@ std::shared_ptr<const PageModel> ReflowedPage::MakeModel() const {
     }
     auto pContent = m_pPage->Content(nullptr);
     auto pAnnots = m_pPage->GetAnnotCount() != 0 ? m_pPage->Annots(nullptr) : nullptr;
-    const fz_rect rcPage = fz_make_rect(0.0F, 0.0F, m_pPage->GetWidth(), m_pPage->GetHeight());
     Operation operation(nullptr, CurrentBudgets().parse);
-    auto pModel = std::make_shared<const PageModel>(
-        BuildModel(std::move(pContent), std::move(pAnnots), rcPage, operation));
+    auto pModel = std::make_shared<const PageModel>(BuildModel(
+        std::move(pContent), std::move(pAnnots), PageInLists(m_pPage->Facts()), operation));
     PageCache::Instance().Put(key, pModel);
     return pModel;
 }

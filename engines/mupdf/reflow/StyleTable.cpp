@@ -6,6 +6,8 @@
 #include <cmath>
 #include <mutex>
 
+#include "engines/mupdf/reflow/Characters.h"
+
 namespace velko::engines::mupdf::reflow {
 
 namespace {
@@ -32,6 +34,12 @@ fz_font* PlainFont(fz_context* ctx, fz_font* pLike) {
         fonts[nFont] = fz_new_base14_font(ctx, kNames[nFont]);
     }
     return fonts[nFont];
+}
+
+// Signs that several scripts share are looked for where ideographs are.
+int ScriptOf(char32_t c) {
+    const int nScript = ucdn_get_script(c);
+    return nScript == UCDN_SCRIPT_COMMON && IsIdeographic(c) ? UCDN_SCRIPT_HAN : nScript;
 }
 
 }
@@ -77,11 +85,12 @@ StandIn FindStandIn(fz_font* pLike, char32_t nUnicode) {
     fz_context* const ctx = ThreadContext();
     const std::scoped_lock lock(g_lookUpLock);
     StandIn standIn;
+    const int nScript = ScriptOf(nUnicode);
     try {
         Guard(ctx, [&] {
-            standIn.nGlyph = fz_encode_character_with_fallback(
-                ctx, PlainFont(ctx, pLike), static_cast<int>(nUnicode), ucdn_get_script(nUnicode),
-                FZ_LANG_UNSET, &standIn.pFont);
+            standIn.nGlyph = fz_encode_character_with_fallback(ctx, PlainFont(ctx, pLike),
+                                                               static_cast<int>(nUnicode), nScript,
+                                                               FZ_LANG_UNSET, &standIn.pFont);
         });
     } catch (const LibraryError&) {
         standIn.nGlyph = 0;
