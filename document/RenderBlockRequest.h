@@ -15,7 +15,13 @@
 
 namespace velko::vkit {
 
-struct RenderBlockRequest {
+struct RenderColors {
+    std::uint32_t nBackColor = 0xFFFFFFFFU; // 0xAARRGGBB
+    std::uint32_t nForeColor = 0xFF000000U;
+    velko::common::ScanColors eScanColors = velko::common::ScanColors::Turned;
+};
+
+struct RenderBlockRequest : RenderColors {
     std::shared_ptr<velko::pdf::PDFPage> pPage;
     std::int32_t nLeft = 0; // where the page's origin lies relative to the bitmap
     std::int32_t nTop = 0;
@@ -25,9 +31,6 @@ struct RenderBlockRequest {
     float fDisplayHeight = 0.0F;
     std::int32_t nRotate = 0; // quarter turns
     float fScale = 1.0F;
-    std::uint32_t nBackColor = 0xFFFFFFFFU; // 0xAARRGGBB
-    std::uint32_t nForeColor = 0xFF000000U;
-    velko::common::ScanColors eScanColors = velko::common::ScanColors::Turned;
     std::uint32_t nRenderFlags = 3; // as the document's render flags
     std::vector<std::int32_t> hiddenAnnotTypes;
     concurrency::cancellation_token token = concurrency::cancellation_token::none();

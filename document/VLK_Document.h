@@ -33,6 +33,7 @@
 #include "document/PageTable.h"
 #include "document/RenderBlockRequest.h"
 #include "document/VLK_DocOpenResult.h"
+#include "document/VLK_ReflowPage.h"
 #include "document/engine/Bitmap.h"
 #include "document/engine/PDFDoc.h"
 #include "platform/concurrency/Cancellation.h"
@@ -149,6 +150,17 @@ public:
     // engine is not asked then), while the engine draws, and when the document
     // was disposed while it waited.
     bool RenderPageBlock(const RenderBlockRequest& request, BitmapBox& outBox);
+
+    // --- text set anew ---
+
+    // Sets and measures the page, on any thread, by the engine's document alone:
+    // the page table does not change. Empty for an index out of range. Raises
+    // what the engine does, and notes it as a load does.
+    std::shared_ptr<VLK_ReflowPage> CreateReflowPage(std::int32_t nPageIndex,
+                                                     const ReflowParameters& wanted);
+
+    // As `RenderPageBlock`, of a band of the set text; hosts draw nothing into it.
+    bool RenderReflowBlock(const ReflowBlockRequest& request, BitmapBox& outBox);
 
     // --- page space and device space ---
     // The page fills the rectangle (left, top, width, height), truncated to

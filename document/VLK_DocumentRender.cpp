@@ -4,11 +4,10 @@
 
 #include "document/Conversion.h"
 #include "document/RenderPageEventArgs.h"
+#include "document/RenderTarget_p.h"
 #include "document/Utility.h"
 #include "document/VLK_Document.h"
-#include "document/engine/Renderer.h"
 #include "platform/foundation/Exception.h"
-#include "platform/system/Activation.h"
 
 namespace velko::vkit {
 
@@ -22,19 +21,11 @@ using Windows::Foundation::Rect;
 
 namespace {
 
-constexpr std::uint32_t kWhite = 0xFFFFFFFFU;
-constexpr std::uint32_t kBlack = 0xFF000000U;
-
-std::shared_ptr<Bitmap> MakeFilledBitmap(const RenderBlockRequest& request) {
-    const std::int32_t nWidth =
-        detail::Truncate(static_cast<float>(request.nBitmapWidth) * request.fScale);
-    const std::int32_t nHeight =
-        detail::Truncate(static_cast<float>(request.nBitmapHeight) * request.fScale);
-    auto pBitmap =
-        Platform::GetActivationFactory<velko::common::IBitmapFactory>(velko::common::kBitmapClass)
-            ->Create(nWidth, nHeight, Bitmap::kFormat32, nullptr, 0);
-    pBitmap->FillRect(request.nBackColor, {0, 0, nWidth, nHeight});
-    return pBitmap;
+std::shared_ptr<Bitmap> MakeBlockBitmap(const RenderBlockRequest& request) {
+    return detail::MakeFilledBitmap(
+        detail::Truncate(static_cast<float>(request.nBitmapWidth) * request.fScale),
+        detail::Truncate(static_cast<float>(request.nBitmapHeight) * request.fScale),
+        request.nBackColor);
 }
 
 Matrix2D MakeBlockMatrix(const RenderBlockRequest& request) {
@@ -43,22 +34,6 @@ Matrix2D MakeBlockMatrix(const RenderBlockRequest& request) {
         detail::Truncate(request.fDisplayHeight), request.nRotate);
     matrix.Scale(request.fScale, request.fScale, 0);
     return matrix;
-}
-
-std::shared_ptr<Renderer> MakeRenderer(const RenderBlockRequest& request,
-                                       std::shared_ptr<Bitmap> pBitmap) {
-    auto pRenderer = Platform::GetActivationFactory<velko::common::IRendererFactory>(
-                         velko::common::kRendererClass)
-                         ->Create(std::move(pBitmap));
-    pRenderer->SetAbortFlag(request.token.flag());
-    if (request.nBackColor == kWhite && request.nForeColor == kBlack) {
-        pRenderer->SetColorMode(Renderer::kColorModeNormal);
-    } else {
-        pRenderer->SetColorMode(Renderer::kColorModeMapped);
-        pRenderer->SetMappingModeColors(request.nBackColor, request.nForeColor);
-        pRenderer->SetScanColors(request.eScanColors);
-    }
-    return pRenderer;
 }
 
 void DrawAnnots(const RenderBlockRequest& request, Renderer& renderer, const Matrix2D& matrix) {
@@ -127,9 +102,9 @@ bool VLK_Document::RenderPageBlock(const RenderBlockRequest& request, BitmapBox&
     Matrix2D matrix;
     const PageFailures::Part part = PartOf(request);
     try {
-        pBitmap = MakeFilledBitmap(request);
+        pBitmap = MakeBlockBitmap(request);
         matrix = MakeBlockMatrix(request);
-        pRenderer = MakeRenderer(request, pBitmap);
+        pRenderer = detail::MakeRenderer(request, request.token, pBitmap);
         DrawPage(request, *pRenderer, matrix);
     } catch (...) {
         NoteFailure(part, request.pPage->GetIndex(), std::current_exception());

@@ -57,6 +57,11 @@ void WriteSavedPlace(PropertySet& values, std::int32_t nPageIndex, double dbOffs
     values.Insert(SavedViewKey::kOffsetY, PropertyValue::Create(dbOffsetY));
 }
 
+void WriteSavedReflow(PropertySet& values, double dbScale, bool bShowPicture) {
+    values.Insert(SavedViewKey::kReflowScale, PropertyValue::Create(dbScale));
+    values.Insert(SavedViewKey::kIsReflowShowPicture, PropertyValue::Create(bShowPicture));
+}
+
 std::string FindSavedViewToken(const std::string& strPath) {
     for (const auto& entry : ApplicationData::Current()->MostRecentlyUsedList()->Entries()) {
         if (entry.Metadata == strPath) {

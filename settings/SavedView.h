@@ -59,6 +59,10 @@ bool WasSavedWide(const Windows::Foundation::Collections::PropertySet& values);
 void WriteSavedPlace(Windows::Foundation::Collections::PropertySet& values, std::int32_t nPageIndex,
                      double dbOffsetX, double dbOffsetY);
 
+// Writes what belongs to reflowed text.
+void WriteSavedReflow(Windows::Foundation::Collections::PropertySet& values, double dbScale,
+                      bool bShowPicture);
+
 // The token under which the file's view is kept, that of the first entry of its
 // path; empty when there is none.
 std::string FindSavedViewToken(const std::string& strPath);

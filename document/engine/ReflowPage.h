@@ -2,8 +2,9 @@
 //
 // The five settings come first, then `StartParse`; the rest answers for the last
 // parse that ended. A setting that changes needs a new parse.
-// Threads: one at a time, not the UI thread; independent of other pages. The
-// page is kept alive.
+// Threads: any, one at a time; independent of other pages, and of renders. A viewer
+// measures on the UI thread what its screen needs: a parse takes no longer than
+// reading and setting the one page. The page is kept alive.
 // Units: device pixels; the content's space has its origin at the top left and
 // grows downward.
 // Errors: `EngineException`, as `PDFPage::StartParse`.

@@ -13,10 +13,12 @@ ScriptedEngine::Registration::Registration(const EnginePtr& pEngine) {
     Platform::RegisterActivationFactory(pdf::kPDFDocClass, MakeDocFactory(pEngine));
     Platform::RegisterActivationFactory(common::kBitmapClass, MakeBitmapFactory(pEngine));
     Platform::RegisterActivationFactory(common::kRendererClass, MakeRendererFactory(pEngine));
+    Platform::RegisterActivationFactory(pdf::kReflowPageClass, MakeReflowFactory(pEngine));
 }
 
 ScriptedEngine::Registration::~Registration() {
-    for (const char* szClass : {pdf::kPDFDocClass, common::kBitmapClass, common::kRendererClass}) {
+    for (const char* szClass :
+         {pdf::kPDFDocClass, common::kBitmapClass, common::kRendererClass, pdf::kReflowPageClass}) {
         Platform::UnregisterActivationFactory(szClass);
     }
 }

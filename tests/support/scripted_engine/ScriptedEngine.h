@@ -10,8 +10,8 @@
 //     pGate->Open();
 //     EXPECT_EQ(pEngine->Count(EngineOp::StartRender), 2);
 //
-// It passes the tests of every engine (tests/engine), and neither reflows nor
-// saves. The abort flag is looked at before a drawing, at a gate, and once a row.
+// It passes the tests of every engine (tests/engine), and does not save. The abort flag is looked
+// at before a drawing, at a gate, and once a row.
 //
 // Threads: script before the call that it is about; everything may be called
 // from any thread. No lock of the engine is held while a hook runs or a gate waits.
@@ -46,8 +46,9 @@ enum class EngineOp {
     GetAnnot,
     CreateBitmap,
     CreateRenderer,
-    StartRender,
+    StartRender, // of pages set anew too
     RenderAnnot,
+    Reflow,
     ReleaseReader,
 };
 

@@ -6,6 +6,7 @@
 
 #include "document/engine/Bitmap.h"
 #include "document/engine/PDFDoc.h"
+#include "document/engine/ReflowPage.h"
 #include "document/engine/Renderer.h"
 #include "tests/support/scripted_engine/ScriptedEngine.h"
 
@@ -16,6 +17,7 @@ using EnginePtr = std::shared_ptr<ScriptedEngine>;
 std::shared_ptr<pdf::IPDFDocFactory> MakeDocFactory(EnginePtr pEngine);
 std::shared_ptr<common::IBitmapFactory> MakeBitmapFactory(EnginePtr pEngine);
 std::shared_ptr<common::IRendererFactory> MakeRendererFactory(EnginePtr pEngine);
+std::shared_ptr<pdf::IReflowPageFactory> MakeReflowFactory(EnginePtr pEngine);
 
 // A progress that answers "to be continued" `nSteps` times.
 class CountedProgress : public common::Progressive {
@@ -59,6 +61,32 @@ private:
     ScriptedPage m_page;
     std::int32_t m_nIndex;
     std::atomic<bool> m_bParsed = false;
+};
+
+class ScriptedReflow final : public pdf::ReflowPage {
+public:
+    ScriptedReflow(EnginePtr pEngine, std::shared_ptr<ScriptedPageObject> pPage)
+        : m_pEngine(std::move(pEngine)), m_pPage(std::move(pPage)) {}
+
+    std::int32_t Index() const { return m_pPage->GetIndex(); }
+
+    void SetScreenSize(float fWidth, float) override { m_nWidth = static_cast<int>(fWidth); }
+    void SetZoom(std::int32_t nPercent) override { m_nPercent = nPercent; }
+    void SetSpacing1(float) override {}
+    void SetSpacing2(float) override {}
+    void SetParseFlags(std::int32_t nFlags) override { m_nFlags = nFlags; }
+    std::shared_ptr<common::Progressive> StartParse(common::IPauseCallback*) override;
+    std::int32_t GetContentWidth() const override { return m_nHeight > 0 ? m_nWidth : 0; }
+    std::int32_t GetContentHeight() const override { return m_nHeight; }
+    common::vxbase::Matrix2D GetDisplayMatrix() const override { return {}; }
+
+private:
+    const EnginePtr m_pEngine;
+    const std::shared_ptr<ScriptedPageObject> m_pPage;
+    std::int32_t m_nWidth = 0;
+    std::int32_t m_nPercent = 100;
+    std::int32_t m_nFlags = kText;
+    std::int32_t m_nHeight = 0; // measured
 };
 
 struct ScriptedAnnotObject final : pdf::IAnnot {

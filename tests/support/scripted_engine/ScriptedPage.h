@@ -35,6 +35,11 @@ struct ScriptedPage {
     std::vector<ScriptedRect> rects;
     std::vector<ScriptedAnnot> annots;
 
+    // Set anew it is as wide as it shall be, and this high at 100 %; pictures add
+    // to it where they are shown.
+    std::int32_t nTextHeight = 400;
+    std::int32_t nPictureHeight = 0;
+
     // How often `Continue` answers "to be continued" before the page is parsed;
     // 0: `StartParse` parses at once.
     std::int32_t nParseSteps = 0;

@@ -138,11 +138,9 @@ public:
                                                      const Matrix2D& matrix,
                                                      common::IPauseCallback*) override;
     bool RenderAnnot(std::shared_ptr<pdf::IAnnot> pAnnot, const Matrix2D& matrix) override;
-    std::shared_ptr<common::Progressive> StartRenderReflowPage(std::shared_ptr<pdf::ReflowPage>,
-                                                               const Matrix2D&,
-                                                               common::IPauseCallback*) override {
-        throw EngineException(ErrorCode::e_ErrUnsupported, "the scripted engine does not reflow");
-    }
+    std::shared_ptr<common::Progressive> StartRenderReflowPage(
+        std::shared_ptr<pdf::ReflowPage> pPage, const Matrix2D& matrix,
+        common::IPauseCallback*) override;
 
 private:
     // The colour at a point of page space; 0 leaves the pixel alone.
@@ -195,6 +193,16 @@ std::shared_ptr<common::Progressive> ScriptedRenderer::StartRender(
     return std::make_shared<CountedProgress>(0);
 }
 
+std::shared_ptr<common::Progressive> ScriptedRenderer::StartRenderReflowPage(
+    std::shared_ptr<pdf::ReflowPage> pPage, const Matrix2D& matrix, common::IPauseCallback*) {
+    const auto pScripted = std::dynamic_pointer_cast<ScriptedReflow>(pPage);
+    if (!pScripted) {
+        throw EngineException(ErrorCode::e_ErrParam, "a page of another engine");
+    }
+    Arrive(EngineOp::StartRender, pScripted->Index(), -1, matrix);
+    return std::make_shared<CountedProgress>(0);
+}
+
 bool ScriptedRenderer::RenderAnnot(std::shared_ptr<pdf::IAnnot> pAnnot, const Matrix2D& matrix) {
     const auto pScripted = std::dynamic_pointer_cast<ScriptedAnnotObject>(pAnnot);
     if (!pScripted) {
@@ -231,6 +239,21 @@ void ScriptedRenderer::Paint(const Matrix2D& matrix, const ColorAt& fnColorAt) {
     }
 }
 
+class ReflowFactory final : public pdf::IReflowPageFactory {
+public:
+    explicit ReflowFactory(EnginePtr pEngine) : m_pEngine(std::move(pEngine)) {}
+    std::shared_ptr<pdf::ReflowPage> Create(std::shared_ptr<pdf::PDFPage> pPage) override {
+        auto pScripted = std::dynamic_pointer_cast<ScriptedPageObject>(std::move(pPage));
+        if (!pScripted) {
+            throw EngineException(ErrorCode::e_ErrParam, "a page of another engine");
+        }
+        return std::make_shared<ScriptedReflow>(m_pEngine, std::move(pScripted));
+    }
+
+private:
+    EnginePtr m_pEngine;
+};
+
 class RendererFactory final : public common::IRendererFactory {
 public:
     explicit RendererFactory(EnginePtr pEngine) : m_pEngine(std::move(pEngine)) {}
@@ -246,6 +269,18 @@ private:
     EnginePtr m_pEngine;
 };
 
+}
+
+std::shared_ptr<common::Progressive> ScriptedReflow::StartParse(common::IPauseCallback*) {
+    m_pEngine->Arrive({EngineOp::Reflow, Index()});
+    const ScriptedPage& page = m_pPage->Script();
+    const bool bPictures = m_nFlags == kTextAndPictures;
+    m_nHeight = (page.nTextHeight + (bPictures ? page.nPictureHeight : 0)) * m_nPercent / 100;
+    return std::make_shared<CountedProgress>(0);
+}
+
+std::shared_ptr<pdf::IReflowPageFactory> MakeReflowFactory(EnginePtr pEngine) {
+    return std::make_shared<ReflowFactory>(std::move(pEngine));
 }
 
 std::shared_ptr<common::IBitmapFactory> MakeBitmapFactory(EnginePtr pEngine) {
