@@ -89,7 +89,7 @@ void PDFViewCtrl::ForEachEvent(F fnVisit) {
     const auto fnAll = [&](auto&... events) { (fnVisit(events), ...); };
     fnAll(RenderCanvasEvent, RenderPageEvent, OpenDocEvent, CloseDocEvent, PageLoadedEvent,
           PageUnloadedEvent, PageVisibleEvent, PageInvisibleEvent, PageChangedEvent,
-          PageLayoutModeChangedEvent, PageFailureEvent);
+          PageLayoutModeChangedEvent, PageFailureEvent, ReflowCanvasEvent);
 }
 
 void PDFViewCtrl::Dispose() {

@@ -46,6 +46,7 @@
 #include "settings/SavedView.h"
 #include "viewers/core/IViewerOwner.h"
 #include "viewers/core/Records.h"
+#include "viewers/reflow/ReflowStyle.h"
 
 namespace Windows::UI::Xaml::Controls {
 class SwapChainPanel;
@@ -210,6 +211,14 @@ public:
     // Only remembered, and told as the old mode; an open takes the document's saved mode.
     void SetDefaultLayoutMode(std::int32_t nMode);
 
+    // --- reflowed text ---
+    // How it is shown, now and in viewers made later; before the template: nothing.
+    // Page by page `ReflowCanvasEvent` lets a host draw over it, as
+    // `RenderCanvasEvent` over pages as they are.
+    ReflowStyle TextStyle();
+    void TextStyle(const ReflowStyle& style);
+    ControlEvent<RenderCanvasEventArgs> ReflowCanvasEvent;
+
     // --- colours ---
     Color PageBgColor();      // none: black
     Color PageFgColor();      // none: black
@@ -254,6 +263,7 @@ private:
 
     // --- IViewerOwner ---
     void RaiseRenderCanvas(const std::shared_ptr<RenderCanvasEventArgs>& pArgs) override;
+    void RaiseReflowCanvas(const std::shared_ptr<RenderCanvasEventArgs>& pArgs) override;
     void RaisePageLoaded(std::int32_t nPageIndex) override;
     void RunOperation(const std::function<void()>& fnOperation) override;
 

@@ -43,6 +43,12 @@ void PDFViewCtrl::RaiseRenderCanvas(const std::shared_ptr<RenderCanvasEventArgs>
     }
 }
 
+void PDFViewCtrl::RaiseReflowCanvas(const std::shared_ptr<RenderCanvasEventArgs>& pArgs) {
+    if (!m_bDisposed) {
+        ReflowCanvasEvent.raise(Self(), pArgs);
+    }
+}
+
 void PDFViewCtrl::RaiseRenderPage(const std::shared_ptr<RenderPageEventArgs>& pArgs) {
     if (!m_bDisposed) {
         RenderPageEvent.raise(Self(), pArgs);

@@ -275,6 +275,9 @@ void PDFViewCtrl::ClearViewer() {
     }
     Platform::FirstFailure failure;
     failure.Run([&] { pViewer->ClearScreen(); });
+    if (pManager->LayoutMode() == LayoutMode::kReflow) { // whose viewer leaves its last frame
+        failure.Run([&] { Canvas()->ClearAndPresent(); });
+    }
     failure.Run([&] { pViewer->CloseViewer(); });
     if (pManager->GetViewer() == pViewer) {
         pManager->SetViewer(nullptr);

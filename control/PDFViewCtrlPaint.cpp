@@ -52,6 +52,18 @@ void PDFViewCtrl::SetPageColors(Color background, Color foreground) {
     WithShown([&](IPDFViewer& viewer) { viewer.SetPageColors(background, foreground); });
 }
 
+ReflowStyle PDFViewCtrl::TextStyle() {
+    const auto pSelf = Enter();
+    return m_pPageViewMgr ? m_pPageViewMgr->TextStyle() : ReflowStyle();
+}
+
+void PDFViewCtrl::TextStyle(const ReflowStyle& style) {
+    const auto pSelf = Enter();
+    if (const auto pManager = m_pPageViewMgr) {
+        pManager->TextStyle(style);
+    }
+}
+
 void PDFViewCtrl::SetSurround(Color color) {
     const auto pSelf = Enter();
     if (const auto pCanvas = Canvas()) {

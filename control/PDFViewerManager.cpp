@@ -12,6 +12,7 @@
 #include "platform/ui/CoreDispatcher.h"
 #include "viewers/continuous/PDFConuiunePagesViewer.h"
 #include "viewers/core/Modes.h"
+#include "viewers/reflow/PDFReflowPagesViewer.h"
 #include "viewers/single/PDFSinglePagesViewer.h"
 
 namespace velko::vkit {
@@ -82,7 +83,7 @@ void PDFViewerManager::StopWheelZoom() {
 
 std::int32_t PDFViewerManager::ModeToShow(std::int32_t nMode) const {
     const auto fnHasViewer = [](std::int32_t n) {
-        return n == LayoutMode::kContinuous || n == LayoutMode::kSinglePage;
+        return n >= LayoutMode::kContinuous && n <= LayoutMode::kReflow;
     };
     const std::int32_t nOther =
         fnHasViewer(m_nLayoutMode) ? m_nLayoutMode : LayoutMode::kContinuous;
@@ -118,7 +119,27 @@ std::shared_ptr<IPDFViewer> PDFViewerManager::MakeViewer(
     if (nMode == LayoutMode::kSinglePage) {
         return std::make_shared<PDFSinglePagesViewer>(pOwner, pDocument, pCanvas);
     }
+    if (nMode == LayoutMode::kReflow) {
+        auto pViewer = std::make_shared<PDFReflowPagesViewer>(pOwner, pDocument, pCanvas);
+        pViewer->Style(m_reflowStyle);
+        return pViewer;
+    }
     return std::make_shared<PDFConuiunePagesViewer>(pOwner, pDocument, pCanvas);
+}
+
+void PDFViewerManager::TextStyle(const ReflowStyle& style) {
+    const ReflowStyle before = std::exchange(m_reflowStyle, style);
+    const auto pViewer = std::dynamic_pointer_cast<PDFReflowPagesViewer>(m_pViewer);
+    if (!pViewer || before == style) {
+        return;
+    }
+    pViewer->Style(style);
+    if (before.bShowPicture != style.bShowPicture || before.dbWidestLine != style.dbWidestLine) {
+        ChangePages([](IPDFViewer& viewer) { viewer.InvaildateLayout(); });
+    }
+    if (before.bUsesPageColors != style.bUsesPageColors) {
+        pViewer->RedrawScreen();
+    }
 }
 
 // --- operations with page events ---

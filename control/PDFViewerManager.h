@@ -3,7 +3,7 @@
 //
 // Lifetime: made by `VelkoViewControl`, which it knows weakly; a viewer that is
 // left in a manager that goes is disposed of in the UI thread's next turn.
-// Layout modes: the continuous one and that of single pages have a viewer.
+// Layout modes: 1 to 3 have a viewer; a mode without one leaves all as it is.
 // Threads: UI thread only. Units: as `IPDFViewer` says.
 // Errors: a failing viewer operation raises, and no page event follows it; a
 // viewer that outlived its document may fail for that without anybody hearing. A
@@ -19,6 +19,7 @@
 
 #include "platform/foundation/Geometry.h"
 #include "viewers/core/IPDFViewer.h"
+#include "viewers/reflow/ReflowStyle.h"
 
 namespace velko::vkit {
 
@@ -57,6 +58,10 @@ public:
     // for a mode without a viewer: all stays as it is.
     bool ChangeViewer(std::int32_t nMode, const std::shared_ptr<VLK_Document>& pDocument,
                       const std::shared_ptr<PDFViewCanvas>& pCanvas);
+
+    // Of every viewer of reflowed text; one that is there is laid out, or drawn, anew.
+    const ReflowStyle& TextStyle() const { return m_reflowStyle; }
+    void TextStyle(const ReflowStyle& style);
 
     // Each calls the viewer's operation of the name, then raises for the pages
     // that went out of sight, those that came into sight, and the change. A zoom
@@ -107,6 +112,7 @@ private:
     void StopWheelZoom();
 
     std::shared_ptr<IPDFViewer> m_pViewer;
+    ReflowStyle m_reflowStyle;
     std::int32_t m_nLayoutMode = 0;
     std::weak_ptr<VelkoViewControl> m_pViewControl;
     std::weak_ptr<VLK_Document> m_wkViewerDocument; // what `ChangeViewer` made the viewer on

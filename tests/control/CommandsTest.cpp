@@ -200,7 +200,7 @@ TEST_F(CommandsTest, AModeChangeKeepsThePageAndTells) {
     const auto pOld = UseScriptedViewer();
     pOld->nCurrentPage = 2;
     events.clear();
-    for (const int nNoChange : {1, 0, 3, 9, -1}) { // the same, none, those without a viewer
+    for (const int nNoChange : {1, 0, 4, 9, -1}) { // the same, none, those without a viewer
         pControl->SetPageLayoutMode(nNoChange);
     }
     EXPECT_TRUE(events.empty());

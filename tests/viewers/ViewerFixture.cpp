@@ -4,6 +4,7 @@
 
 #include "settings/AppConfig.h"
 #include "viewers/continuous/PDFConuiunePagesViewer.h"
+#include "viewers/reflow/PDFReflowPagesViewer.h"
 #include "viewers/single/PDFSinglePagesViewer.h"
 
 namespace velko::testing {
@@ -78,6 +79,8 @@ void ViewerWorld::Make(std::vector<ScriptedPage> pages, float fWidth, float fHei
 void ViewerWorld::MakeViewer() {
     if (eLayout == Layout::Continuous) {
         pViewer = std::make_shared<vkit::PDFConuiunePagesViewer>(pOwner, pDocument, pCanvas);
+    } else if (eLayout == Layout::Reflow) {
+        pViewer = std::make_shared<vkit::PDFReflowPagesViewer>(pOwner, pDocument, pCanvas);
     } else {
         pViewer = std::make_shared<vkit::PDFSinglePagesViewer>(pOwner, pDocument, pCanvas);
     }

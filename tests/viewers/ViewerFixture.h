@@ -79,7 +79,7 @@ public:
     std::function<void(std::int32_t)> fnLoaded;
 };
 
-enum class Layout { Continuous, Single };
+enum class Layout { Continuous, Single, Reflow };
 
 class ViewerWorld {
 public:

@@ -63,6 +63,8 @@ public:
     // top. Neither is negative.
     double GapAbove(const LaidOutPage& first);
     double GapBelow(const LaidOutPage& first, const LaidOutPage& last);
+    // Whether a page that takes room follows, or is not known not to.
+    bool GoesOnBelow(std::int32_t nPageIndex) { return RoomBelow(nPageIndex) != Room::None; }
     // Whether something of the item, or of the gap under it, is on the screen.
     bool HoldsScreen(const LaidOutPage& item) const;
 

@@ -32,6 +32,11 @@ public:
     // Without `fnRender` when there is nothing to render from (any more).
     virtual BlockRender Start(const ViewerPageItemBlock& block,
                               concurrency::cancellation_token token) = 0;
+
+    // For the log, on the UI thread: a render brought no pixels, or the block has
+    // taken them over.
+    virtual void TellFailed() const = 0;
+    virtual void TellShown(const ViewerPageItemBlock& /*block*/) const {}
 };
 
 }

@@ -20,6 +20,9 @@ public:
     // end of drawing. An exception of the host passes through.
     virtual void RaiseRenderCanvas(const std::shared_ptr<RenderCanvasEventArgs>& pArgs) = 0;
 
+    // The same for a page of reflowed text, over which no page space lies.
+    virtual void RaiseReflowCanvas(const std::shared_ptr<RenderCanvasEventArgs>& /*pArgs*/) {}
+
     // The scale at which the current page fits the canvas; zoom mode 1 is fit
     // page, 2 fit width, 3 fit height, any other 1.0.
     virtual double GetFitScale(std::int32_t nZoomMode) = 0;

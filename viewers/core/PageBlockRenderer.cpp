@@ -3,31 +3,13 @@
 #include <utility>
 
 #include "document/VLK_Document.h"
+#include "platform/system/Debug.h"
 #include "settings/AppConfig.h"
 #include "viewers/core/IPageItemHost.h"
+#include "viewers/core/PageUse.h"
 #include "viewers/core/ViewerPageItemBlock.h"
 
 namespace velko::vkit {
-
-namespace {
-
-// Counts a render in flight in the page's entry, until it is gone.
-class PageUse {
-public:
-    PageUse(std::shared_ptr<VLK_Document> pDocument, std::shared_ptr<WPPDFPage> pEntry)
-        : m_pDocument(std::move(pDocument)), m_pEntry(std::move(pEntry)) {
-        m_pDocument->AddPageUse(m_pEntry, 1);
-    }
-    ~PageUse() { m_pDocument->AddPageUse(m_pEntry, -1); }
-    PageUse(const PageUse&) = delete;
-    PageUse& operator=(const PageUse&) = delete;
-
-private:
-    const std::shared_ptr<VLK_Document> m_pDocument;
-    const std::shared_ptr<WPPDFPage> m_pEntry;
-};
-
-}
 
 BlockRender PageBlockRenderer::Start(const ViewerPageItemBlock& block,
                                      concurrency::cancellation_token token) {
@@ -44,6 +26,10 @@ BlockRender PageBlockRenderer::Start(const ViewerPageItemBlock& block,
                        request = MakeRequest(block, *pHost, *pDocument, *pEntry, std::move(token))](
                           BitmapBox& box) { return pDocument->RenderPageBlock(request, box); };
     return render;
+}
+
+void PageBlockRenderer::TellFailed() const {
+    Platform::Debug::OutputDebugString("RenderViewerPageBlock Error...\n");
 }
 
 RenderBlockRequest PageBlockRenderer::MakeRequest(const ViewerPageItemBlock& block,

@@ -22,6 +22,7 @@ public:
 
     BlockRender Start(const ViewerPageItemBlock& block,
                       concurrency::cancellation_token token) override;
+    void TellFailed() const override;
 
 private:
     static RenderBlockRequest MakeRequest(const ViewerPageItemBlock& block,

@@ -73,9 +73,17 @@ protected:
     // --- how it draws ---
     // Where something at `dbX` of the item at that place of the list is drawn.
     virtual double DrawnX(std::size_t /*nPosition*/, double dbX) const { return dbX; }
+    virtual Windows::Graphics::D2D_COLOR_F AroundPages() const;
+    // Under all of an item, before it is drawn.
+    virtual void DrawPaper(Windows::Graphics::ID2D1DeviceContext& /*context*/,
+                           const ViewerPageItem& /*item*/) const {}
     // A displayed block that has no bitmap yet.
     virtual void DrawBlank(Windows::Graphics::ID2D1DeviceContext& context,
                            const Windows::Graphics::D2D_RECT_F& rc) const = 0;
+    // Hosts may draw over an item now.
+    virtual void TellDrawn(const ViewerPageItem& item) const;
+    // For the log: a block off the screen has given its memory back.
+    virtual void TellCleared(const ViewerPageItemBlock& block) const;
     bool IsSnapshotShown() const { return m_standIns.ShownSnapshot() != nullptr; }
     bool IsDrawing() const { return m_bDrawing; } // in a handler of the host, that is
 

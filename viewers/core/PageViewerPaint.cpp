@@ -117,17 +117,25 @@ bool PageViewerBase::DrawPages(ID2D1DeviceContext& context) {
             continue;
         }
         DrawItem(context, *pItem, n);
-        if (const auto pOwner = Owner()) {
-            pOwner->RaiseRenderCanvas(std::make_shared<RenderCanvasEventArgs>(
-                Canvas(), pItem->nPageIndex, pItem->m_nRotate));
-        }
+        TellDrawn(*pItem);
     }
     return nVersion == m_nLayoutVersion;
 }
 
+void PageViewerBase::TellDrawn(const ViewerPageItem& item) const {
+    if (const auto pOwner = Owner()) {
+        pOwner->RaiseRenderCanvas(
+            std::make_shared<RenderCanvasEventArgs>(Canvas(), item.nPageIndex, item.m_nRotate));
+    }
+}
+
+D2D_COLOR_F PageViewerBase::AroundPages() const {
+    return m_pCanvas->Surround();
+}
+
 void PageViewerBase::DrawBackdrop(ID2D1DeviceContext& context) const {
     if (!IsSnapshotShown()) {
-        context.Clear(m_pCanvas->Surround());
+        context.Clear(AroundPages());
         return;
     }
     const D2D_SIZE_U size = m_standIns.Snapshot()->GetPixelSize();
@@ -137,6 +145,7 @@ void PageViewerBase::DrawBackdrop(ID2D1DeviceContext& context) const {
 
 void PageViewerBase::DrawItem(ID2D1DeviceContext& context, const ViewerPageItem& item,
                               std::size_t nPosition) const {
+    DrawPaper(context, item);
     if (!item.IsCovered()) {
         DrawMissing(context, item, nPosition);
     }
@@ -189,18 +198,22 @@ void PageViewerBase::GiveBackMemory() {
         return;
     }
     for (const PageItem& pItem : *m_pPageItems) {
-        pItem->ForEachBlock([](ViewerPageItemBlock& block) {
+        pItem->ForEachBlock([this](ViewerPageItemBlock& block) {
             if (!block.IsDisplayed() && block.BitmapSource()) {
                 block.DropBitmap();
-                Platform::Debug::OutputDebugString(
-                    "Clear DisVisible Page: " + std::to_string(block.nPageIndex) +
-                    ", ID: " + std::to_string(block.m_nBlockId) + "\n");
+                TellCleared(block);
             }
         });
     }
     if (m_standIns.Count() > 0 && !m_bZoomOpen && !IsSnapshotShown()) {
         m_standIns.Release([this](const StandIns::StandIn& kept) { return IsNeeded(kept); });
     }
+}
+
+void PageViewerBase::TellCleared(const ViewerPageItemBlock& block) const {
+    Platform::Debug::OutputDebugString(
+        "Clear DisVisible Page: " + std::to_string(block.nPageIndex) +
+        ", ID: " + std::to_string(block.m_nBlockId) + "\n");
 }
 
 // As long as its page is laid out and not sharp; an overview, as long as the page

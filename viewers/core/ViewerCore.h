@@ -121,6 +121,8 @@ protected:
     virtual void LeavePlace() {}
     virtual void ReachPlace() {}
 
+    using Operation = std::function<void(ViewerCore&)>;
+
     // --- life ---
     virtual void OnClosed() = 0; // lets go of what is laid out
     void ThrowIfDisposed() const;
@@ -129,6 +131,10 @@ protected:
     const std::shared_ptr<Windows::UI::Core::CoreDispatcher>& UiDispatcher() const {
         return m_pDispatcher;
     }
+
+    // Runs a change of the layout that the viewer makes by itself, like one that
+    // was put off: with its page events. Nothing after disposal.
+    void ChangeByItself(Operation fnChange);
 
     // Runs what may ask the document for sizes, and hence handlers of the host,
     // with changes of the layout put off. Raises `ObjectDisposedException` when
@@ -189,8 +195,6 @@ protected:
     double m_dbScreenHeight = 0.0;
 
 private:
-    using Operation = std::function<void(ViewerCore&)>;
-
     // Runs it, or puts it off while the document is asked.
     void WhenNotAsking(Operation fnOperation);
     void ChangeLayout(Operation fnChange);

@@ -72,6 +72,15 @@ void ViewerCore::RunPutOff() {
     steps.Rethrow();
 }
 
+void ViewerCore::ChangeByItself(Operation fnChange) {
+    if (!m_bDisposed) {
+        m_putOff.emplace_back([fnChange = std::move(fnChange)](ViewerCore& viewer) {
+            viewer.ChangeLayout(fnChange);
+        });
+        RunPutOff();
+    }
+}
+
 void ViewerCore::ChangeLayout(Operation fnChange) {
     WhenNotAsking([fnChange = std::move(fnChange)](ViewerCore& viewer) {
         viewer.BeginChange();

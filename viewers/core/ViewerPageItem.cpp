@@ -78,7 +78,7 @@ void ViewerPageItem::DividToBlock(const Render_PageDavidBlock& newGrid) {
         }
     }
     if (bNew) {
-        WriteGridChange(oldGrid);
+        TellGridChange(oldGrid);
     }
 }
 
@@ -97,18 +97,22 @@ bool ViewerPageItem::IsCovered() const {
     return bCovered;
 }
 
+std::shared_ptr<IBlockRenderer> ViewerPageItem::MakeRenderer() {
+    return std::make_shared<PageBlockRenderer>(m_wkHost, nPageIndex);
+}
+
 void ViewerPageItem::MakeBlocks() {
     ForEachBlock([](ViewerPageItemBlock& block) { block.CancelBlock(); });
     m_pPageBlock.clear();
     m_pPageBlock.reserve(m_grid.nRows);
-    const auto pRenderer = std::make_shared<PageBlockRenderer>(m_wkHost, nPageIndex);
-    std::int32_t nBlockId = 0;
+    const auto pRenderer = MakeRenderer();
+    std::int32_t nBlockId = FirstBlockId();
     for (std::int32_t nRow = 0; nRow < m_grid.nRows; ++nRow) {
         auto& row = m_pPageBlock.emplace_back();
         row.reserve(m_grid.nCols);
         for (std::int32_t nCol = 0; nCol < m_grid.nCols; ++nCol) {
             row.push_back(std::make_shared<ViewerPageItemBlock>(m_wkHost, pRenderer, nPageIndex,
-                                                                m_nRotate, ++nBlockId, m_grid));
+                                                                m_nRotate, nBlockId++, m_grid));
         }
     }
 }
@@ -130,7 +134,7 @@ void ViewerPageItem::PlaceBlock(std::int32_t nRow, std::int32_t nCol, const Rect
     m_pPageBlock[nRow][nCol]->Place(rc, offset, rcScreen);
 }
 
-void ViewerPageItem::WriteGridChange(const Render_PageDavidBlock& oldGrid) const {
+void ViewerPageItem::TellGridChange(const Render_PageDavidBlock& oldGrid) const {
     Platform::Debug::OutputDebugString(
         "ContinueViewerPageItem::DividToBlock: " + std::to_string(nPageIndex) + ", [" +
         std::to_string(oldGrid.nRows) + " * " + std::to_string(oldGrid.nCols) + "] --> [" +
@@ -216,6 +220,7 @@ task<void> ViewerPageItem::LoadThenRender(std::shared_ptr<IPageItemHost> pHost, 
         token.throw_if_canceled();
         const task<void> renders = StartBlocks(eWalk, bPaintWhenDone, token);
         co_await renders;
+        TellRendered();
     } catch (...) {
         if (!pTexts) {
             throw;

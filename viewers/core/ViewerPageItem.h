@@ -23,16 +23,18 @@
 
 namespace velko::vkit {
 
-class ViewerPageItem final : public LaidOutPage,
-                             public std::enable_shared_from_this<ViewerPageItem> {
+class ViewerPageItem : public LaidOutPage, public std::enable_shared_from_this<ViewerPageItem> {
 public:
     // A scale of 0 asks for the one that fits the screen.
     ViewerPageItem(std::weak_ptr<IPageItemHost> wkHost, std::int32_t nPage, double dbPageScale,
                    std::int32_t nTurn);
+    virtual ~ViewerPageItem() = default;
+    ViewerPageItem(const ViewerPageItem&) = delete;
+    ViewerPageItem& operator=(const ViewerPageItem&) = delete;
 
     // The page's size at the item's scale and rotation, not truncated. Raises
     // as `IPageItemHost::PageSizeOf`.
-    DisplaySize GetPageDisplaySize();
+    virtual DisplaySize GetPageDisplaySize();
     double Scale() const { return m_dbScale; } // a fit is known once the size was asked for
 
     // Stores the size, truncated.
@@ -62,7 +64,7 @@ public:
 
     // Gives displayed blocks a bitmap of the scale cache, and renders those that
     // need one. With `bUseCacheOnly` nothing is rendered.
-    concurrency::task<void> RenderViewerPage(bool bUseCacheOnly);
+    virtual concurrency::task<void> RenderViewerPage(bool bUseCacheOnly);
     // Renders displayed blocks anew; old bitmaps stay until replaced.
     concurrency::task<void> Update(bool bPaintWhenDone);
     // Renders displayed blocks that are idle, whatever bitmap they have. A
@@ -86,6 +88,16 @@ public:
         }
     }
 
+protected:
+    // What brings the pixels of new blocks, and the number of the first of them.
+    virtual std::shared_ptr<IBlockRenderer> MakeRenderer();
+    virtual std::int32_t FirstBlockId() const { return 1; }
+    // For the log: another grid is in force; the renders of a chain have ended.
+    virtual void TellGridChange(const Render_PageDavidBlock& oldGrid) const;
+    virtual void TellRendered() const {}
+
+    const std::weak_ptr<IPageItemHost>& Host() const { return m_wkHost; }
+
 private:
     // Which blocks a chain renders once the page is loaded.
     enum class Walk { NeedingRender, Idle, Displayed };
@@ -97,7 +109,6 @@ private:
     void MakeBlocks();
     void PlaceBlock(std::int32_t nRow, std::int32_t nCol,
                     const Windows::Foundation::Rect& rcScreen);
-    void WriteGridChange(const Render_PageDavidBlock& oldGrid) const;
 
     const std::weak_ptr<IPageItemHost> m_wkHost;
     double m_dbScale;

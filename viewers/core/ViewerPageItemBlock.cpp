@@ -4,7 +4,6 @@
 
 #include "document/engine/Bitmap.h"
 #include "platform/foundation/FirstFailure.h"
-#include "platform/system/Debug.h"
 #include "platform/ui/CoreDispatcher.h"
 #include "surface/PDFViewCanvas.h"
 #include "viewers/core/PageGeometry.h"
@@ -139,7 +138,7 @@ concurrency::priority ViewerPageItemBlock::HandOverPriority() const {
 void ViewerPageItemBlock::TakeOver(IPageItemHost& host, BitmapBox& box, bool bGood) {
     const std::shared_ptr<velko::common::Bitmap> pPixels = std::move(box.pBitmap);
     if (!bGood || !pPixels) {
-        Platform::Debug::OutputDebugString("RenderViewerPageBlock Error...\n");
+        m_pRenderer->TellFailed();
         return;
     }
     auto pSource = std::make_shared<D2DBitmapSource>();
@@ -153,6 +152,7 @@ void ViewerPageItemBlock::TakeOver(IPageItemHost& host, BitmapBox& box, bool bGo
     if (pSource->m_pD2DBitmap) {
         m_pBitmapSource = std::move(pSource);
         m_bIsStandIn = false;
+        m_pRenderer->TellShown(*this);
     }
 }
 

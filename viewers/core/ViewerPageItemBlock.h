@@ -26,7 +26,7 @@ namespace velko::vkit {
 class ViewerPageItemBlock final : public LaidOutPage,
                                   public std::enable_shared_from_this<ViewerPageItemBlock> {
 public:
-    // `nBlockId` counts from 1 within the page, row by row.
+    // `nBlockId` counts up within the page, row by row.
     ViewerPageItemBlock(std::weak_ptr<IPageItemHost> wkHost,
                         std::shared_ptr<IBlockRenderer> pRenderer, std::int32_t nPage,
                         std::int32_t nTurn, std::int32_t nBlockId,

@@ -1,0 +1,248 @@
+// What pages measure, within a step and ahead of it.
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "document/VLK_Document.h"
+#include "platform/foundation/Exception.h"
+#include "platform/foundation/FirstFailure.h"
+#include "platform/system/Environment.h"
+#include "platform/ui/CoreDispatcher.h"
+#include "viewers/core/ChainLog.h"
+#include "viewers/reflow/PDFReflowPagesViewer.h"
+#include "viewers/reflow/ReflowViewerPageItem.h"
+
+namespace velko::vkit {
+
+using concurrency::cancellation_token;
+using concurrency::task;
+
+namespace {
+
+// A step begins to measure no further page after this long: pages take about a
+// millisecond, and only very many without text, or very slow ones, come to it.
+constexpr std::chrono::milliseconds kMostMeasuring{100};
+
+// How far around the screen pages are measured ahead, in screens.
+constexpr double kScreensAhead = 3.0;
+
+// Of the screen's height: the place of a page whose text could not be set.
+constexpr double kFailedShare = 0.25;
+
+using Content = ReflowMeasures::Content;
+
+// Nothing else may be known of a page that a step could not wait for.
+std::pair<std::shared_ptr<VLK_ReflowPage>, Content> MeasurePage(
+    VLK_Document& document, std::int32_t nPageIndex, const ReflowParameters& parameters) {
+    try {
+        auto pPage = document.CreateReflowPage(nPageIndex, parameters);
+        if (pPage) {
+            const Content content{pPage->nContentWidth, pPage->nContentHeight, false};
+            return {std::move(pPage), content};
+        }
+    } catch (const concurrency::task_canceled&) {
+        throw;
+    } catch (const Platform::ObjectDisposedException&) {
+        throw;
+    } catch (...) {
+        // The document has noted why.
+    }
+    return {nullptr, {0, 0, true}};
+}
+
+}
+
+// --- sizes ---
+
+// Margins that leave less than half of a narrow screen to the text give way to it;
+// on a wide one they grow until lines are short enough to be read.
+PDFReflowPagesViewer::TextColumn PDFReflowPagesViewer::Text() const {
+    const double dbMargins = m_rcMargin.Left + m_rcMargin.Right;
+    const double dbMost = m_dbScreenWidth * 0.5;
+    const double dbShare = dbMargins > dbMost ? dbMost / dbMargins : 1.0;
+    const double dbWidth = m_dbScreenWidth - dbMargins * dbShare;
+    const double dbWidest = std::floor(m_dbWidestLine * m_fScale);
+    if (dbWidest > 0.0 && dbWidth > dbWidest) {
+        return {std::floor((m_dbScreenWidth - dbWidest) * 0.5), dbWidest};
+    }
+    return {m_rcMargin.Left * dbShare, dbWidth};
+}
+
+// The screen's height is the canvas's: a column that is narrowed to its only page
+// is still read on the whole of it.
+void PDFReflowPagesViewer::UpdateParameters() {
+    m_measures.SetParameters({Text().dbWidth, CanvasRect().Height, GetScale(), m_bShowPicture,
+                              static_cast<float>(m_dbSpacing1), static_cast<float>(m_dbSpacing2)});
+}
+
+DisplaySize PDFReflowPagesViewer::DisplaySizeOf(const Content& content, std::int32_t nTurn) const {
+    const double dbText = Text().dbWidth;
+    if (content.bHasFailed) {
+        return {static_cast<float>(dbText), CanvasRect().Height * static_cast<float>(kFailedShare)};
+    }
+    double dbWidth = content.nWidth;
+    double dbHeight = content.nHeight;
+    if (IsTurned(nTurn)) {
+        std::swap(dbWidth, dbHeight);
+    }
+    if (dbWidth <= 0.0) {
+        return {};
+    }
+    const double dbRatio = dbText / dbWidth;
+    return {static_cast<float>(dbWidth * dbRatio), static_cast<float>(dbHeight * dbRatio)};
+}
+
+std::shared_ptr<VLK_ReflowPage> PDFReflowPagesViewer::Measure(std::int32_t nPageIndex) {
+    const auto pDocument = OpenDocument();
+    if (!pDocument) {
+        throw Platform::ObjectDisposedException();
+    }
+    UpdateParameters();
+    m_bHasMeasured = true;
+    auto [pPage, content] = MeasurePage(*pDocument, nPageIndex, m_measures.Parameters());
+    m_measures.Note(nPageIndex, content);
+    return pPage;
+}
+
+// One that has failed is not tried again within the same layout.
+DisplaySize PDFReflowPagesViewer::GetReflowDisplaySize(ReflowViewerPageItem& item) {
+    UpdateParameters();
+    const Content* pContent = m_measures.Find(item.nPageIndex);
+    if (!item.m_pReflowPage && !(pContent != nullptr && pContent->bHasFailed)) {
+        item.m_pReflowPage = Measure(item.nPageIndex);
+        pContent = m_measures.Find(item.nPageIndex);
+    }
+    return pContent != nullptr ? DisplaySizeOf(*pContent, item.m_nRotate) : DisplaySize();
+}
+
+// --- what the column asks ---
+
+bool PDFReflowPagesViewer::MayMeasure() const {
+    if (m_bIsFillingOn || !HasScreen()) {
+        return false;
+    }
+    return !m_bHasMeasured ||
+           Platform::Environment()->MonotonicTime() - m_stepStart < kMostMeasuring;
+}
+
+bool PDFReflowPagesViewer::IsMeasured(std::int32_t nPageIndex) {
+    UpdateParameters();
+    if (m_measures.Find(nPageIndex) != nullptr) {
+        return true;
+    }
+    if (!MayMeasure()) {
+        m_bEndsUnknown = true;
+        return false;
+    }
+    Measure(nPageIndex);
+    return true;
+}
+
+float PDFReflowPagesViewer::HeightInColumn(std::int32_t nPageIndex) {
+    const Content* const pContent = IsMeasured(nPageIndex) ? m_measures.Find(nPageIndex) : nullptr;
+    return pContent != nullptr ? DisplaySizeOf(*pContent, m_nRotate).fHeight : 0.0F;
+}
+
+bool PDFReflowPagesViewer::TakesRoom(std::int32_t nPageIndex) {
+    return HeightInColumn(nPageIndex) > 0.0F;
+}
+
+// --- ahead ---
+
+void PDFReflowPagesViewer::BeginChange() {
+    ColumnViewer::BeginChange();
+    m_stepStart = Platform::Environment()->MonotonicTime();
+    m_bHasMeasured = false;
+    m_bEndsUnknown = false;
+}
+
+void PDFReflowPagesViewer::MeasureAhead() {
+    if (!std::exchange(m_bMeasuringAhead, true)) {
+        RunAhead(m_ctsAhead.Token());
+    }
+}
+
+// One page after another, each chosen by where the reader is by then.
+task<void> PDFReflowPagesViewer::RunAhead(cancellation_token token) {
+    const auto pSelf = std::static_pointer_cast<PDFReflowPagesViewer>(shared_from_this());
+    const auto pDispatcher = UiDispatcher();
+    bool bHasLearned = false;
+    try {
+        co_await concurrency::resume_foreground(pDispatcher, concurrency::priority::low);
+        while (const auto nPage = token.is_canceled() ? std::nullopt : NextToMeasure()) {
+            const auto pDocument = OpenDocument();
+            const ReflowParameters parameters = m_measures.Parameters();
+            co_await concurrency::resume_background(token);
+            const Content content = MeasurePage(*pDocument, *nPage, parameters).second;
+            co_await concurrency::resume_foreground(pDispatcher, concurrency::priority::low);
+            if (!token.is_canceled() && parameters == m_measures.Parameters()) {
+                bHasLearned = true;
+                TakeMeasured(*nPage, content);
+            }
+        }
+    } catch (...) {
+        WriteChainOutcome("PDFReflowPagesViewer::RunAhead");
+        co_return; // the document or the viewer has been closed
+    }
+    if (!token.is_canceled()) {
+        m_bMeasuringAhead = false;
+        if (m_bEndsUnknown && bHasLearned) { // all there is around is known by now
+            FillOn();
+        }
+    }
+}
+
+std::optional<std::int32_t> PDFReflowPagesViewer::NextToMeasure() const {
+    if (!OpenDocument() || !HasScreen()) {
+        return std::nullopt;
+    }
+    const std::int32_t nFirst = HasItems() ? m_pPageItems->front()->nPageIndex : m_nCurPageIndex;
+    const std::int32_t nLast = HasItems() ? m_pPageItems->back()->nPageIndex : m_nCurPageIndex;
+    const auto nBelow = FirstUnknown(nLast, 1);
+    return nBelow ? nBelow : FirstUnknown(nFirst, -1);
+}
+
+// Within the screens that are to be known, from the page on.
+std::optional<std::int32_t> PDFReflowPagesViewer::FirstUnknown(std::int32_t nPageIndex,
+                                                               std::int32_t nStep) const {
+    double dbLeft = kScreensAhead * CanvasRect().Height;
+    for (; IsPage(nPageIndex) && dbLeft > 0.0; nPageIndex += nStep) {
+        const Content* const pContent = m_measures.Find(nPageIndex);
+        if (pContent == nullptr) {
+            return nPageIndex;
+        }
+        const double dbHeight = DisplaySizeOf(*pContent, m_nRotate).fHeight;
+        dbLeft -= dbHeight > 0.0 ? dbHeight + m_dbPageGap : 0.0;
+    }
+    return std::nullopt;
+}
+
+void PDFReflowPagesViewer::TakeMeasured(std::int32_t nPageIndex, const Content& content) {
+    m_measures.Note(nPageIndex, content);
+    if (m_bEndsUnknown && DisplaySizeOf(content, m_nRotate).fHeight > 0.0F) {
+        FillOn();
+    }
+}
+
+// The column goes on with what is known by now; nothing is measured for it.
+void PDFReflowPagesViewer::FillOn() {
+    ChangeByItself([](ViewerCore& core) {
+        auto& viewer = static_cast<PDFReflowPagesViewer&>(core);
+        if (!viewer.CanLayOut() || !viewer.m_pPageItems) {
+            return;
+        }
+        viewer.m_bIsFillingOn = true;
+        Platform::FirstFailure steps;
+        steps.Run([&] {
+            if (viewer.HasItems()) {
+                viewer.ShowStep(viewer.MakeTask(0.0, 0.0));
+            } else {
+                viewer.ShowPage(viewer.m_nCurPageIndex, true);
+            }
+        });
+        viewer.m_bIsFillingOn = false;
+        steps.Rethrow();
+    });
+}
+
+}
