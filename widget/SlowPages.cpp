@@ -23,17 +23,21 @@ QColor Between(const QColor& one, const QColor& other) {
 SlowPages::SlowPages(PDFViewCtrl& control, std::function<double()> fnPixelRatio)
     : PageOverlay(control, std::move(fnPixelRatio)) {
     m_timer.setSingleShot(true);
-    m_timer.setInterval(kPatienceMs);
     m_timer.callOnTimeout([this] { Look(); });
 }
 
+// A timer may come early, and was perhaps started for another page: the frame that it
+// asks for starts it anew for what is left.
 bool SlowPages::IsSlow(std::int32_t nPage) {
     const auto [it, bCame] = m_blank.try_emplace(nPage);
     if (bCame) {
         it->second.start();
-        m_timer.start();
     }
-    return it->second.hasExpired(kPatienceMs - 1);
+    const qint64 nLeftMs = kPatienceMs - it->second.elapsed();
+    if (nLeftMs > 0 && !m_timer.isActive()) {
+        m_timer.start(static_cast<int>(nLeftMs));
+    }
+    return nLeftMs <= 0;
 }
 
 void SlowPages::Draw(const RenderCanvasEventArgs& args) {
