@@ -89,6 +89,7 @@ private:
     void HideMessages();
     void ShowTarget(const QString& strTarget);
     NoticeBar& NoticeLine(); // made when first needed
+    void MakeRoomForNotice();
     void OnState(vkit::VelkoPdfView::State eState);
     void OnOpenFailed(const QString& strFile, const QString& strReason);
     void FollowColors();

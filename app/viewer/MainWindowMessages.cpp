@@ -50,11 +50,20 @@ void MainWindow::ShowMessage(const QString& strTitle, const QString& strText) {
 NoticeBar& MainWindow::NoticeLine() {
     if (m_pNotice == nullptr) {
         m_pNotice = new NoticeBar(this);
-        connect(m_pNotice, &NoticeBar::Changed, this,
-                [this] { m_pView->ResizeAtTheZoom([this] { PlaceParts(); }); });
+        connect(m_pNotice, &NoticeBar::Changed, this, &MainWindow::MakeRoomForNotice);
         connect(m_pNotice, &NoticeBar::KeysFree, m_pView, qOverload<>(&QWidget::setFocus));
     }
     return *m_pNotice;
+}
+
+// Its coming moves no page; with its going a fit is right again, also one that was
+// made beside it.
+void MainWindow::MakeRoomForNotice() {
+    if (Notice().isEmpty()) {
+        PlaceParts();
+    } else {
+        m_pView->ResizeAtTheZoom([this] { PlaceParts(); });
+    }
 }
 
 void MainWindow::ShowTarget(const QString& strTarget) {

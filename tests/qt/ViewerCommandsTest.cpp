@@ -155,6 +155,20 @@ TEST_F(ViewerCommandsTest, TheFieldsTakeWhatIsTypedAndSayWhatCannotBe) {
     EXPECT_TRUE(RunUntil([&] { return m_pWindow->Notice().contains("from 1 to 9"); }));
 }
 
+TEST_F(ViewerCommandsTest, AFitThatWasMadeBesideANoticeIsRightWhenThatHasGone) {
+    ASSERT_TRUE(ShowUntilSharp(WritePages("pages.pdf", 3)));
+    const double dbZoom = TheView().Zoom();
+    m_pWindow->OpenFile(Write("empty.pdf", ""));
+    ASSERT_TRUE(RunUntil([&] {
+        return !m_pWindow->Notice().isEmpty() && TheView().ViewState() == View::State::Shown;
+    }));
+    ASSERT_TRUE(Settles());
+    Key(Qt::Key_Escape);
+    EXPECT_TRUE(RunUntil([&] { return m_pWindow->Notice().isEmpty() && Settles(); }));
+    EXPECT_EQ(TheView().FitMode(), View::Fit::Page);
+    EXPECT_NEAR(TheView().Zoom(), dbZoom, 1e-3);
+}
+
 TEST_F(ViewerCommandsTest, TheFullScreenHasTheBarWhenItIsCalled) {
     ASSERT_TRUE(ShowUntilSharp(WritePages("pages.pdf", 15)));
     const auto* pBar = m_pWindow->findChild<viewer::CommandBar*>();
