@@ -182,6 +182,65 @@ TEST_F(ReflowTest, ListsAndTablesKeepTheirItemsAndRows) {
     EXPECT_NE(strText.find("\nr3c0\u2003r3c1\u2003r3c2\n"), std::string::npos) << strText;
 }
 
+TEST_F(ReflowTest, AHyphenAtALinesEndStaysWhereItIsTheWords) {
+    const char* const lines[] = {
+        "A page about the state of the art says mixed-mode at one place, and elsewhere mixed-",
+        "mode again. It knows an engine and an interpreter, so that an interpreter-to-engine",
+        "way is one, and whoever goes the interpreter-",
+        "to-engine way sees that. This line is as long as the others are, and has the engine-",
+        "interpreter pair. A word that is parted stays one, as this one does, which is comfor-",
+        "table for the reader, and does not depend on what a table is to an engine or output.",
+        "The word that follows is known from the line above, whatever its parts are: it is out-",
+        "put. The word out and the word put are on this page, but they do not count for it."};
+    std::string strContent;
+    for (int i = 0; i < 8; ++i) {
+        strContent += TextAt(60, 700 - 12 * i, lines[i]);
+    }
+    const std::string strText = TextOf(ReflowOf(OnePage(strContent)));
+    for (const char* szWhole : {"elsewhere mixed-mode again", "the interpreter-to-engine way sees",
+                                "engine-interpreter pair", "comfortable for", "is output. The"}) {
+        EXPECT_NE(strText.find(szWhole), std::string::npos) << szWhole << " in " << strText;
+    }
+}
+
+// Set as lines, a fraction and a sum would be three lines each.
+TEST_F(ReflowTest, FormulasInStoreysAreShownAsTheyAre) {
+    std::string strContent = TextAt(60, 700, "A line of text above the formulas, which is long.");
+    strContent += TextAt(100, 660, "x =") + TextAt(122, 667, "a + b") + TextAt(122, 653, "2c + d") +
+                  "0.5 w 120 663 m 154 663 l S\n";
+    strContent += TextAt(60, 620, "A line of text below the formulas. It is an underlined one.") +
+                  "0.5 w 60 617 m 320 617 l S\n" + TextAt(60, 606, "And one more below the rule.");
+    for (const std::int32_t nFlags : {ReflowPage::kText, ReflowPage::kTextAndPictures}) {
+        const auto pLayout =
+            LayoutOf(ReflowOf(OnePage(strContent), {.fWidth = 1200.0F, .nFlags = nFlags}));
+        ASSERT_EQ(pLayout->figures.size(), 1U);
+        const fz_rect& rc = pLayout->figures[0].rcRegion;
+        EXPECT_LE(rc.x0, 100.0F);
+        EXPECT_GE(rc.x1, 150.0F);
+        EXPECT_GT(rc.y0, 792.0F - 700.0F) << "no line of text is seen at its edge";
+        EXPECT_LT(rc.y1, 792.0F - 627.0F);
+        EXPECT_EQ(pLayout->lines.size(), 2U) << "the formula is not among them";
+    }
+}
+
+TEST_F(ReflowTest, AListingKeepsItsSpacesAndItsLines) {
+    const std::string strListing =
+        "/F2 10 Tf 60 700 Td (if (a.IsAsLongAs(b)) {) Tj 0 -11 Td (    b = 1;   // c) "
+        "Tj 0 -11 Td [(1) -1800 (two)] TJ 0 -11 Td (}) Tj";
+    PdfPage page;
+    page.strContent = "BT " + strListing + " ET";
+    page.strExtra =
+        "/Resources << /Font << /F2 << /Type /Font /Subtype /Type1 /BaseFont /Courier "
+        ">> >> >>";
+    const auto pReflow = ReflowOf(MakePdf({page}), {.fParagraphSpacing = 50.0F});
+    EXPECT_EQ(TextOf(pReflow), "if (a.IsAsLongAs(b)) {\nb = 1;   // c\n1   two\n}\n");
+    const auto& lines = LayoutOf(pReflow)->lines;
+    ASSERT_EQ(lines.size(), 4U);
+    const auto& glyphs = LayoutOf(pReflow)->glyphs;
+    EXPECT_GT(glyphs[lines[1].nFirst].x, glyphs[lines[0].nFirst].x + 40.0F) << "indented";
+    EXPECT_LT(lines[3].nInkTop - lines[0].nInkTop, 100) << "no space between its lines";
+}
+
 TEST_F(ReflowTest, ZoomMeasureAndSpacingsChangeTheHeightAndNotTheText) {
     const auto pReflow = ReflowOf(Article());
     const std::string strText = TextOf(pReflow);

@@ -189,6 +189,7 @@ private:
             AppendSpace(line);
             return;
         }
+        KeepPitch(line, c);
         // The extraction gives a sign of a vertical line the place where it begins.
         const fz_point ptDrawn = m_bVertical ? c.quad.lr : c.origin;
         const RecordedGlyph* const pRecorded = m_recorder.Take(ptDrawn);
@@ -199,6 +200,7 @@ private:
             return;
         } else {
             line.glyphs.push_back(MakeGlyph(line, c, nUnicode, pRecorded));
+            NoteOperator(line, c, pRecorded);
         }
         m_places.resize(line.glyphs.size());
         m_places.back() = PlaceOf(c);
@@ -207,6 +209,43 @@ private:
     void AppendSpace(TextLine& line) {
         if (!line.glyphs.empty() && !IsSpace(line.glyphs.back().nUnicode)) {
             line.glyphs.push_back({U' ', Glyph::kNone, line.glyphs.back().nStyle, false});
+        }
+    }
+
+    // In a listing as many spaces as letters would have room.
+    void KeepPitch(TextLine& line, const fz_stext_char& c) const {
+        constexpr float kMost = 60.0F;
+        Glyphs& glyphs = line.glyphs;
+        if (glyphs.size() < 2 || !IsSpace(glyphs.back().nUnicode) ||
+            fz_font_is_monospaced(ThreadContext(), c.font) == 0) {
+            return;
+        }
+        const Place place = PlaceOf(c);
+        const float fGap = place.fStart - m_places[glyphs.size() - 2].fEnd;
+        const float fSpaces = std::round(fGap / (place.fEnd - place.fStart));
+        if (fSpaces > 1.0F && fSpaces < kMost) {
+            glyphs.insert(glyphs.end(), static_cast<std::size_t>(fSpaces) - 1,
+                          Glyph(glyphs.back()));
+        }
+    }
+
+    // Its size says little about what such a sign takes. Many fonts of formulas do not
+    // say what their signs are; those that are higher than letters may be such ones.
+    void NoteOperator(TextLine& line, const fz_stext_char& c, const RecordedGlyph* pRecorded) {
+        constexpr float kHigh = 0.95F; // of the size
+        const auto nUnicode = static_cast<char32_t>(c.c);
+        if (pRecorded == nullptr || (nUnicode != kUnknown && !IsOperator(nUnicode))) {
+            return;
+        }
+        try {
+            const fz_matrix shape = fz_concat(pRecorded->shape, m_toUpright);
+            const fz_rect rc = InkOf(pRecorded->pFont, pRecorded->nGlyph, shape);
+            if (nUnicode != kUnknown || rc.y1 - rc.y0 > kHigh * c.size) {
+                const fz_point pt = fz_transform_point(c.origin, m_toUpright);
+                line.operators.push_back(fz_translate_rect(rc, pt.x, pt.y));
+            }
+        } catch (const LibraryError&) {
+            // Nobody looks for its limits then.
         }
     }
 
@@ -403,6 +442,7 @@ CapturedPage CapturePage(PageModel& model, const fz_rect& rcPage, Operation& ope
     operation.ThrowIfAborted();
     recorder.Sort();
     page.artwork = recorder.Artwork();
+    page.bars = recorder.Bars();
     page.bTooMuch = recorder.IsFull();
     if (!page.bTooMuch && recorder.GlyphCount() != 0) {
         const TextHandle text = ExtractText(model, rcPage, operation.Cookie());

@@ -28,12 +28,14 @@ struct TextLine {
     float fSize = 0.0F; // of most of its glyphs
     Direction eDirection = Direction::kRight;
     bool bRightToLeft = false;
+    std::vector<fz_rect> operators; // what the signs of its sums and the like ink
 };
 
 struct CapturedPage {
     std::vector<TextLine> lines; // in the order of the content
     std::vector<ArtworkMark> artwork;
-    bool bTooMuch = false; // of text to set: there are no lines
+    std::vector<fz_rect> bars; // thin lines across the page
+    bool bTooMuch = false;     // of text to set: there are no lines
 };
 
 // Turns the page so that lines of the direction run to the right; `dir` is used for

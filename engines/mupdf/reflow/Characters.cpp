@@ -102,6 +102,11 @@ bool IsAccent(char32_t c) {
     return Has(kAccents, c) || (c >= 0x2C6 && c <= 0x2DD) || IsMark(c);
 }
 
+bool IsOperator(char32_t c) {
+    return (c >= 0x220F && c <= 0x2211) || (c >= 0x222B && c <= 0x2233) ||
+           (c >= 0x22C0 && c <= 0x22C3) || (c >= 0x2A00 && c <= 0x2A1C);
+}
+
 bool EndsSentence(char32_t c) {
     return Has(kSentenceEnds, c);
 }

@@ -17,6 +17,7 @@ bool IsLeftToRight(char32_t c); // strongly
 bool IsIdeographic(char32_t c); // set without spaces: ideographs, kana, their signs
 bool IsMark(char32_t c);        // one that has no width of its own
 bool IsAccent(char32_t c);      // a sign that may stand over a letter, or under it
+bool IsOperator(char32_t c);    // of a sum and the like, with limits above and below
 bool EndsSentence(char32_t c);
 bool IsClosingMark(char32_t c); // quotes and brackets that may follow a sentence's end
 bool IsBullet(char32_t c);

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "engines/mupdf/reflow/Artwork.h"
+#include "engines/mupdf/reflow/Formulas.h"
 
 namespace velko::engines::mupdf::reflow {
 
@@ -20,10 +21,28 @@ constexpr std::size_t kPiecesOnCurve = 4;
 constexpr float kNearby = 2.5F; // in the text's size, from piece to piece of a curve
 constexpr float kMargin = 2.0F; // points, around text
 
+constexpr std::size_t kLabelLetters = 6;
+constexpr float kLabelGap = 1.5F;        // in its size
+constexpr float kNested = 0.6F;          // of its area within another figure
+constexpr std::size_t kMostMerged = 500; // figures
+constexpr float kMostCut = 0.2F;         // of a figure's height
+
+float AreaOf(const fz_rect& rc) {
+    return (rc.x1 - rc.x0) * (rc.y1 - rc.y0);
+}
+
 bool IsWithin(const fz_rect& rc, const fz_rect& rcOuter) {
     const float x = (rc.x0 + rc.x1) / 2.0F;
     const float y = (rc.y0 + rc.y1) / 2.0F;
     return x > rcOuter.x0 && x < rcOuter.x1 && y > rcOuter.y0 && y < rcOuter.y1;
+}
+
+// Beside a drawing, close to it and short.
+bool IsLabelOf(const TextLine& line, const fz_rect& rcDrawing) {
+    const float fMiddle = (line.rcOnPage.y0 + line.rcOnPage.y1) / 2.0F;
+    const float fGap = std::max(line.rcOnPage.x0 - rcDrawing.x1, rcDrawing.x0 - line.rcOnPage.x1);
+    return line.glyphs.size() <= kLabelLetters && fMiddle > rcDrawing.y0 &&
+           fMiddle < rcDrawing.y1 && fGap > -line.fSize && fGap < kLabelGap * line.fSize;
 }
 
 // Large enough, and with few enough letters, to be a figure.
@@ -50,7 +69,12 @@ public:
              FindRegions(m_page.artwork, m_rcPage, nLetters >= kTextOnPage)) {
             AddRegion(region);
         }
+        MergeNested();
         AddCurves();
+        AddFormulas();
+        for (FoundFigure& found : m_figures) {
+            LeaveLinesOut(found.figure.rcRegion);
+        }
         if (m_page.bTooMuch) {
             m_figures.push_back({{m_rcPage, true}, {}});
         }
@@ -68,10 +92,79 @@ private:
                 found.lines.push_back(i);
                 nLetters += line.glyphs.size();
                 fLetterArea += static_cast<float>(line.glyphs.size()) * line.fSize * line.fSize / 2;
+            } else if (!m_taken[i] && !region.bPicture && IsLabelOf(line, region.rc)) {
+                found.lines.push_back(i);
             }
         }
         if (IsFigure(region, nLetters, fLetterArea)) {
             Add(std::move(found));
+        }
+    }
+
+    // What lies within another figure is part of it.
+    void MergeNested() {
+        if (m_figures.size() > kMostMerged) {
+            return;
+        }
+        for (std::size_t i = 0; i < m_figures.size(); ++i) {
+            for (std::size_t k = m_figures.size(); k-- > 0;) {
+                if (k != i &&
+                    IsNested(m_figures[k].figure.rcRegion, m_figures[i].figure.rcRegion)) {
+                    Merge(m_figures[i], m_figures[k]);
+                    m_figures.erase(m_figures.begin() + static_cast<std::ptrdiff_t>(k));
+                    i -= k < i ? 1U : 0U;
+                }
+            }
+        }
+    }
+
+    static bool IsNested(const fz_rect& rc, const fz_rect& rcOuter) {
+        const fz_rect rcShared = fz_intersect_rect(rc, rcOuter);
+        return !fz_is_empty_rect(rcShared) && AreaOf(rcShared) >= kNested * AreaOf(rc);
+    }
+
+    static void Merge(FoundFigure& into, const FoundFigure& other) {
+        into.figure.rcRegion = fz_union_rect(into.figure.rcRegion, other.figure.rcRegion);
+        into.lines.insert(into.lines.end(), other.lines.begin(), other.lines.end());
+        std::sort(into.lines.begin(), into.lines.end());
+    }
+
+    // Boxes of their signs may be far higher than these, so regions are not grown.
+    void AddFormulas() {
+        for (Formula& formula : FindFormulas(m_page, m_taken)) {
+            FoundFigure found{
+                {fz_intersect_rect(fz_expand_rect(formula.rc, kMargin), m_rcPage), true},
+                std::move(formula.lines)};
+            for (std::size_t i = 0; i < m_page.lines.size(); ++i) {
+                const bool bIs =
+                    std::find(found.lines.begin(), found.lines.end(), i) != found.lines.end();
+                if (!bIs && !m_taken[i] && IsWithin(m_page.lines[i].rc, formula.rc)) {
+                    found.lines.push_back(i);
+                }
+            }
+            for (const std::size_t i : found.lines) {
+                m_taken[i] = true;
+            }
+            m_figures.push_back(std::move(found));
+        }
+    }
+
+    // A line that is set beside a figure is not to be seen in part at its edge too.
+    void LeaveLinesOut(fz_rect& rcRegion) const {
+        const float fMost = kMostCut * (rcRegion.y1 - rcRegion.y0);
+        const fz_rect rcWhole = rcRegion;
+        for (std::size_t i = 0; i < m_page.lines.size(); ++i) {
+            const TextLine& line = m_page.lines[i];
+            const fz_rect& rc = line.eDirection == Direction::kRight ? line.rc : line.rcOnPage;
+            const bool bBeside = rc.x1 <= rcWhole.x0 || rc.x0 >= rcWhole.x1;
+            if (m_taken[i] || bBeside) {
+                continue;
+            }
+            if (rc.y0 < rcWhole.y0 && rc.y1 > rcRegion.y0 && rc.y1 - rcWhole.y0 < fMost) {
+                rcRegion.y0 = rc.y1;
+            } else if (rc.y1 > rcWhole.y1 && rc.y0 < rcRegion.y1 && rcWhole.y1 - rc.y0 < fMost) {
+                rcRegion.y1 = rc.y0;
+            }
         }
     }
 

@@ -51,6 +51,11 @@ void NoteMark(fz_context* ctx, fz_device* pDevice, const fz_rect& rc, bool bPict
         {fz_intersect_rect(rc, fz_device_current_scissor(ctx, pDevice)), bPicture});
 }
 
+// `rc` of a path, without what the stroke adds at sharp corners it may not have.
+void NoteBar(fz_device* pDevice, const fz_rect& rc) {
+    reinterpret_cast<RecorderDevice*>(pDevice)->pRecorder->NoteBar(rc);
+}
+
 bool TakesMarks(fz_device* pDevice) {
     return reinterpret_cast<RecorderDevice*>(pDevice)->pRecorder->TakesMarks();
 }
@@ -67,7 +72,9 @@ bool IsPaper(fz_context* ctx, fz_colorspace* pColors, const float* pColor, float
 void FillPath(fz_context* ctx, fz_device* pDevice, const fz_path* pPath, int, fz_matrix ctm,
               fz_colorspace* pColors, const float* pColor, float fAlpha, fz_color_params) {
     if (TakesMarks(pDevice) && !IsPaper(ctx, pColors, pColor, fAlpha)) {
-        NoteMark(ctx, pDevice, fz_bound_path(ctx, pPath, nullptr, ctm), false);
+        const fz_rect rc = fz_bound_path(ctx, pPath, nullptr, ctm);
+        NoteMark(ctx, pDevice, rc, false);
+        NoteBar(pDevice, rc);
     }
 }
 
@@ -76,6 +83,7 @@ void StrokePath(fz_context* ctx, fz_device* pDevice, const fz_path* pPath,
                 const float* pColor, float fAlpha, fz_color_params) {
     if (TakesMarks(pDevice) && !IsPaper(ctx, pColors, pColor, fAlpha)) {
         NoteMark(ctx, pDevice, fz_bound_path(ctx, pPath, pStroke, ctm), false);
+        NoteBar(pDevice, fz_bound_path(ctx, pPath, nullptr, ctm));
     }
 }
 
@@ -162,6 +170,18 @@ void GlyphRecorder::Note(const ArtworkMark& mark) noexcept {
     try {
         if (TakesMarks()) {
             m_marks.push_back(mark);
+        }
+    } catch (const std::bad_alloc&) {
+        m_bOutOfMemory = true;
+    }
+}
+
+void GlyphRecorder::NoteBar(const fz_rect& rc) noexcept {
+    constexpr float kThick = 1.5F; // points
+    constexpr float kLeastLength = 3.0F;
+    try {
+        if (m_bars.size() < kMostBars && rc.y1 - rc.y0 <= kThick && rc.x1 - rc.x0 >= kLeastLength) {
+            m_bars.push_back(rc);
         }
     } catch (const std::bad_alloc&) {
         m_bOutOfMemory = true;

@@ -29,6 +29,7 @@ class GlyphRecorder {
 public:
     static constexpr std::size_t kMostGlyphs = 400'000;
     static constexpr std::size_t kMostMarks = 20'000; // what comes later is no figure
+    static constexpr std::size_t kMostBars = 500;
 
     // Runs the list; stops when there are too many glyphs. Guarded bodies only.
     void Run(fz_context* ctx, fz_display_list* pList, fz_cookie* pCookie);
@@ -45,12 +46,16 @@ public:
     // True when a glyph stands at the place, taken or not.
     bool HasAt(fz_point pt) const;
 
+    // Thin lines across: a fraction's bar may be one.
+    const std::vector<fz_rect>& Bars() const { return m_bars; }
+
     const std::vector<ArtworkMark>& Artwork() const { return m_marks; }
     bool TakesMarks() const { return m_marks.size() < kMostMarks; }
 
     // For the device; must not raise.
     void Note(const fz_text& text, const fz_matrix& toList, bool bVisible) noexcept;
     void Note(const ArtworkMark& mark) noexcept;
+    void NoteBar(const fz_rect& rc) noexcept;
 
 private:
     struct Placed {
@@ -65,6 +70,7 @@ private:
 
     Glyphs m_glyphs; // by place once sorted, in the order of their drawing at each
     std::vector<ArtworkMark> m_marks;
+    std::vector<fz_rect> m_bars;
     std::size_t m_nGlyphs = 0;
     bool m_bOutOfMemory = false;
 };

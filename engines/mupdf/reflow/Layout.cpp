@@ -79,7 +79,9 @@ private:
     }
 
     void SetParagraph(const Paragraph& paragraph) {
-        LeaveSpace(paragraph.fSpaceAbove);
+        if (!paragraph.bClose) {
+            LeaveSpace(paragraph.fSpaceAbove);
+        }
         const float fFirst = IndentOf(paragraph.fIndent + paragraph.fFirstLine);
         const float fOthers = IndentOf(paragraph.fIndent);
         const auto fnIndent = [&](std::size_t n) { return n == 0 ? fFirst : fOthers; };

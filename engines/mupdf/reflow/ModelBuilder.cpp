@@ -56,7 +56,7 @@ fz_rect BoundsOf(const std::vector<Piece>& pieces) {
 class Builder {
 public:
     Builder(PageModel& model, CapturedPage& page, const fz_rect& rcPage)
-        : m_model(model), m_page(page), m_rcPage(rcPage) {}
+        : m_model(model), m_page(page), m_rcPage(rcPage), m_words(page.lines) {}
 
     void Build() {
         m_model.fBodySize = BodySizeOf(m_page.lines);
@@ -114,7 +114,7 @@ private:
             Glyphs& glyphs = m_page.lines[piece.nIndex].glyphs;
             const bool bFew = glyphs.size() < kLetters;
             if (bFew && bLetters) {
-                AppendText(m_model.blocks.back().paragraph.glyphs, glyphs);
+                AppendText(m_model.blocks.back().paragraph.glyphs, glyphs, m_words);
             } else {
                 Paragraph paragraph;
                 paragraph.glyphs = std::move(glyphs);
@@ -127,6 +127,8 @@ private:
     void AddColumn(const Column& column, const fz_rect& rcText) {
         const Measure measure{column.fLeft, column.fRight,     rcText.x0,
                               rcText.x1,    m_model.fBodySize, column.bAside};
+        m_bHead = !measure.bAside;
+        m_bBesideFloat = false;
         std::vector<RowText> rows;
         for (const Row& row : column.rows) {
             if (row.front().IsFigure()) {
@@ -144,6 +146,8 @@ private:
         Block block;
         block.figure = found.figure;
         block.bIsFigure = true;
+        m_bHead = m_bHead && !found.figure.bIsText;
+        m_bBesideFloat = !found.figure.bIsText;
         m_model.blocks.push_back(std::move(block));
         for (const std::size_t i : found.lines) {
             Block inner;
@@ -156,15 +160,18 @@ private:
     }
 
     void AddRows(std::vector<RowText> rows, const Measure& measure) {
-        bool bHead = !measure.bAside; // of a column
-        for (Paragraph& paragraph : JoinRows(rows, measure)) {
-            if (std::exchange(bHead, false) && m_nOpen != kNothing &&
+        for (Paragraph& paragraph : JoinRows(rows, measure, m_words)) {
+            if (m_bHead && m_nOpen != kNothing &&
                 GoesOn(m_model.blocks[m_nOpen].paragraph, paragraph, m_model)) {
-                AppendText(m_model.blocks[m_nOpen].paragraph.glyphs, paragraph.glyphs);
+                AppendText(m_model.blocks[m_nOpen].paragraph.glyphs, paragraph.glyphs, m_words);
+                m_bHead = false;
                 continue;
             }
+            const bool bFloats = m_bHead && (paragraph.bFixedPitch || m_bBesideFloat);
+            m_bBesideFloat = paragraph.bFixedPitch;
+            m_bHead = bFloats;
             Push(std::move(paragraph));
-            if (IsFlow(m_model.blocks.back().paragraph, measure)) {
+            if (!bFloats && IsFlow(m_model.blocks.back().paragraph, measure)) {
                 m_nOpen = m_model.blocks.size() - 1;
             }
         }
@@ -190,6 +197,12 @@ private:
     std::vector<FoundFigure> m_figures;
     std::vector<bool> m_inFigure;   // lines that a figure shows
     std::size_t m_nOpen = kNothing; // the last paragraph of the text's flow
+    Words m_words;
+
+    // At the head of a column, where the text may go on from the one before; figures,
+    // listings and what is written below them may come first.
+    bool m_bHead = false;
+    bool m_bBesideFloat = false; // such a one was the last block
 };
 
 }

@@ -59,6 +59,8 @@ struct Paragraph {
     float fSpaceAbove = 0.0F; // beyond what stands between any two paragraphs
     Align eAlign = Align::kStart;
     bool bRightToLeft = false;
+    bool bFixedPitch = false; // all of it
+    bool bClose = false;      // to the one above, as lines of one text
 };
 
 // A region of the page that is shown as it is.

@@ -77,8 +77,8 @@ bool AreCentred(std::span<const RowText> rows, const Measure& measure) {
 
 class Joiner {
 public:
-    Joiner(std::span<RowText> rows, const Measure& measure)
-        : m_rows(rows), m_measure(measure), m_fLeading(UsualLeading(rows)) {}
+    Joiner(std::span<RowText> rows, const Measure& measure, const Words& words)
+        : m_rows(rows), m_measure(measure), m_words(words), m_fLeading(UsualLeading(rows)) {}
 
     std::vector<Paragraph> Join() {
         std::vector<Paragraph> paragraphs;
@@ -86,6 +86,7 @@ public:
         for (std::size_t i = 1; i <= m_rows.size(); ++i) {
             if (i == m_rows.size() || Begins(nFirst, i)) {
                 paragraphs.push_back(Make(m_rows.subspan(nFirst, i - nFirst)));
+                paragraphs.back().bClose = nFirst > 0 && AreOfListing(nFirst - 1, nFirst);
                 nFirst = i;
             }
         }
@@ -127,7 +128,8 @@ private:
         const bool bFurther =
             StartOf(row, m_measure) > StartOf(before, m_measure) + kIndent * row.fSize;
         const bool bHanging = i - 1 == nFirst && before.nMarker != 0;
-        return bFurther && !bHanging && (before.EndsSentence() || IsShort(before, row));
+        const bool bListing = before.bFixedPitch && row.bFixedPitch;
+        return bFurther && !bHanging && (bListing || before.EndsSentence() || IsShort(before, row));
     }
 
     // Only the first line of a paragraph is indented beyond the others.
@@ -143,18 +145,29 @@ private:
         return RoomBehind(before, m_measure) > row.FirstWordWidth() + row.fSize;
     }
 
+    static bool PartsWord(const RowText& before, const RowText& row) {
+        return before.glyphs.size() > 1 && IsHyphen(before.Last()) && IsLowerCase(row.First()) &&
+               IsLetter(before.glyphs[before.glyphs.size() - 2].nUnicode);
+    }
+
     bool EndsShort(const RowText& before, const RowText& row) const {
-        if (!IsShort(before, row)) {
+        if (!IsShort(before, row) || PartsWord(before, row)) {
             return false;
         }
         return before.EndsSentence() || before.bFixedPitch || IsCentred(row, m_measure) ||
                RoomBehind(before, m_measure) > kVeryShort * WidthOf(m_measure);
     }
 
+    bool AreOfListing(std::size_t nBefore, std::size_t i) const {
+        return m_rows[nBefore].bFixedPitch && m_rows[i].bFixedPitch &&
+               !IsApart(m_rows[nBefore], m_rows[i]);
+    }
+
     Paragraph Make(std::span<RowText> rows) const {
         Paragraph paragraph;
         const RowText& first = rows.front();
         paragraph.bRightToLeft = first.bRightToLeft;
+        paragraph.bFixedPitch = first.bFixedPitch;
         if (AreCentred(rows, m_measure)) {
             paragraph.eAlign = Align::kCentre;
         } else {
@@ -165,7 +178,7 @@ private:
             paragraph.fSpaceAbove = kHeadingSpace * first.fSize;
         }
         for (RowText& row : rows) {
-            AppendText(paragraph.glyphs, row.glyphs);
+            AppendText(paragraph.glyphs, row.glyphs, m_words);
         }
         return paragraph;
     }
@@ -187,6 +200,7 @@ private:
 
     std::span<RowText> m_rows;
     const Measure& m_measure;
+    const Words& m_words;
     float m_fLeading;
 };
 
@@ -196,11 +210,12 @@ bool AreLikeSizes(float fOne, float fTwo) {
     return fOne < kLikeSize * fTwo && fTwo < kLikeSize * fOne;
 }
 
-std::vector<Paragraph> JoinRows(std::span<RowText> rows, const Measure& measure) {
-    return Joiner(rows, measure).Join();
+std::vector<Paragraph> JoinRows(std::span<RowText> rows, const Measure& measure,
+                                const Words& words) {
+    return Joiner(rows, measure, words).Join();
 }
 
-void AppendText(Glyphs& text, const Glyphs& more) {
+void AppendText(Glyphs& text, const Glyphs& more, const Words& words) {
     if (text.empty() || more.empty()) {
         text.insert(text.end(), more.begin(), more.end());
         return;
@@ -209,7 +224,7 @@ void AppendText(Glyphs& text, const Glyphs& more) {
     const char32_t cLast = text.back().nUnicode;
     const bool bHyphen = IsHyphen(cLast) && text.size() > 1 &&
                          IsLetter(text[text.size() - 2].nUnicode) && IsLetter(cNext);
-    if (bHyphen && (IsLowerCase(cNext) || cLast == 0xAD)) {
+    if (bHyphen && (cLast == 0xAD || (IsLowerCase(cNext) && !words.KeepHyphen(text, more)))) {
         text.pop_back();
     } else if (!bHyphen && !(IsIdeographic(cLast) && IsIdeographic(cNext))) {
         text.push_back({U' ', Glyph::kNone, text.back().nStyle, false});

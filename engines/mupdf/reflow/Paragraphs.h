@@ -8,6 +8,7 @@
 
 #include "engines/mupdf/reflow/PageModel.h"
 #include "engines/mupdf/reflow/RowText.h"
+#include "engines/mupdf/reflow/Words.h"
 
 namespace velko::engines::mupdf::reflow {
 
@@ -22,13 +23,14 @@ struct Measure {
 };
 
 // The paragraphs of rows that follow each other, without figures between them.
-std::vector<Paragraph> JoinRows(std::span<RowText> rows, const Measure& measure);
+std::vector<Paragraph> JoinRows(std::span<RowText> rows, const Measure& measure,
+                                const Words& words);
 
 bool AreLikeSizes(float fOne, float fTwo);
 
 // Appends text that goes on: with a space, or without where a hyphen ends the
 // line, which goes when it parts a word, and between ideographs.
-void AppendText(Glyphs& text, const Glyphs& more);
+void AppendText(Glyphs& text, const Glyphs& more, const Words& words);
 
 // Whether a paragraph at the head of a column goes on with a sentence from the
 // foot of the one before.

@@ -18,6 +18,7 @@ constexpr std::size_t kMostGaps = 8; // are tried to part a page across
 constexpr float kLeastGap = 0.5F;    // in the size of the text below it
 constexpr float kMargin = 0.12F;     // of the page's height may a running head stand in
 constexpr float kAsideGap = 0.9F;    // below or above it, in its size
+constexpr float kLowFigure = 20.0F;  // points from a figure's top to where it comes at most
 constexpr std::size_t kAsideLetters = 160;
 
 float Middle(const Piece& piece) {
@@ -39,11 +40,17 @@ void SortWithin(Row& row) {
     });
 }
 
+// Where a piece comes among the rows: a low figure stands in one, a high one begins
+// at its top.
+float RowOf(const Piece& piece) {
+    return piece.rc.y0 + std::min((piece.rc.y1 - piece.rc.y0) / 2.0F, kLowFigure);
+}
+
 // Pieces side by side become a row; a figure is a row of its own.
 std::vector<Row> RowsOf(Pieces pieces) {
     std::stable_sort(pieces.begin(), pieces.end(), [](const Piece& one, const Piece& two) {
-        return (one.IsFigure() ? one.rc.y0 : Middle(one)) <
-               (two.IsFigure() ? two.rc.y0 : Middle(two));
+        return (one.IsFigure() ? RowOf(one) : Middle(one)) <
+               (two.IsFigure() ? RowOf(two) : Middle(two));
     });
     std::vector<Row> rows;
     for (const Piece& piece : pieces) {

@@ -1,6 +1,7 @@
 #include "engines/mupdf/reflow/RowText.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 
 #include "engines/mupdf/reflow/Characters.h"
@@ -52,6 +53,19 @@ bool IsAll(const Glyphs& glyphs, const PageModel& model, int (*pIs)(fz_context*,
     });
 }
 
+// As many as the gap has room for between letters of one pitch; 0 for other text.
+std::size_t SpacesOfListing(const RowText& text, const TextLine& line, const PageModel& model,
+                            float fGap) {
+    constexpr float kPitch = 0.6F; // in the text's size
+    constexpr float kMost = 24.0F;
+    if (!IsAll(line.glyphs, model, &fz_font_is_monospaced) ||
+        !IsAll(text.glyphs, model, &fz_font_is_monospaced)) {
+        return 0;
+    }
+    const float fSpaces = std::round(fGap / (kPitch * line.fSize));
+    return fSpaces <= kMost ? static_cast<std::size_t>(std::max(fSpaces, 1.0F)) : 0;
+}
+
 }
 
 bool RowText::IsNumbered() const {
@@ -89,8 +103,11 @@ RowText MakeRowText(const Row& row, std::vector<TextLine>& lines, const PageMode
                 probe.push_back(gap);
                 return MarkerLength(probe) != 0;
             }();
+            const std::size_t nPitch = bBehindMarker ? 0 : SpacesOfListing(text, line, model, fGap);
             if (bBehindMarker) {
                 text.fAfterMarker = piece.rc.x0;
+            } else if (nPitch != 0) {
+                text.glyphs.insert(text.glyphs.end(), nPitch - 1, gap);
             } else if (fGap > kCellGapSize * line.fSize) {
                 gap.nUnicode = kCellGap;
                 text.bCells = true;
