@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/ui/Element.h"
+#include "platform/ui/Controls.h"
 
 namespace velko::vkit {
 

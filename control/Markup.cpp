@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "control/VelkoViewControl.h"
+#include "platform/ui/Controls.h"
 #include "platform/ui/Markup.h"
 #include "platform/ui/SwapChainPanel.h"
 

@@ -42,7 +42,7 @@
 #include "platform/foundation/Geometry.h"
 #include "platform/foundation/PropertyValue.h"
 #include "platform/storage/StorageFile.h"
-#include "platform/ui/Element.h"
+#include "platform/ui/Controls.h"
 #include "settings/SavedView.h"
 #include "viewers/core/IViewerOwner.h"
 #include "viewers/core/Records.h"

@@ -15,6 +15,7 @@
 
 #include "control/LiveObject.h"
 #include "platform/foundation/Geometry.h"
+#include "platform/ui/Controls.h"
 #include "platform/ui/Input.h"
 #include "platform/ui/SwapChainPanel.h"
 

@@ -1,5 +1,7 @@
 #include "platform/qt/QtElementWindow.h"
 
+#include <QGuiApplication>
+#include <QInputMethod>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPointer>
@@ -10,6 +12,7 @@
 
 #include "platform/foundation/FirstFailure.h"
 #include "platform/qt/QtBusyMark.h"
+#include "platform/qt/QtElementTree.h"
 #include "platform/qt/QtSwapChain.h"
 
 namespace Platform::Qt {
@@ -21,18 +24,24 @@ namespace {
 
 constexpr int kBusyMarkMargin = 8;
 
-std::shared_ptr<Xaml::Controls::SwapChainPanel> FindPanel(
-    const std::shared_ptr<Xaml::FrameworkElement>& pElement) {
-    if (auto pPanel = std::dynamic_pointer_cast<Xaml::Controls::SwapChainPanel>(pElement)) {
-        return pPanel;
+// A ring is a small mark in a corner of the window, so that pages stay in sight.
+class RingPresenter final : public IElementPresenter {
+public:
+    RingPresenter(QWidget& window, const bool& bShow)
+        : m_window(window), m_bShow(bShow), m_pMark(new QtBusyMark(&window)) {}
+    ~RingPresenter() override { delete m_pMark; }
+
+    QWidget* Widget() const override { return nullptr; }
+    void Show(const QRect& /*rc*/, bool bVisible) override {
+        m_pMark->move(m_window.width() - m_pMark->width() - kBusyMarkMargin, kBusyMarkMargin);
+        m_pMark->SetBusy(m_bShow && bVisible);
     }
-    for (const auto& pChild : pElement->Children()) {
-        if (auto pPanel = FindPanel(pChild)) {
-            return pPanel;
-        }
-    }
-    return nullptr;
-}
+
+private:
+    const QWidget& m_window;
+    const bool& m_bShow; // the window's
+    const QPointer<QtBusyMark> m_pMark;
+};
 
 // A size change without another size: what an element computes from its size
 // and from the dots per inch or the composition scale is stale when only these
@@ -73,8 +82,8 @@ QtElementWindow::QtElementWindow(std::shared_ptr<QtEnvironment> pEnvironment,
     : QWidget(pParent),
       m_pEnvironment(std::move(pEnvironment)),
       m_pRoot(WithTemplate(std::move(pRoot))),
-      m_pPanel(FindPanel(m_pRoot)),
-      m_pBusyMark(new QtBusyMark(this)) {
+      m_pView(Xaml::Window::Create(m_pRoot)) {
+    MakeTree();
     if (!m_pPanel) {
         throw InvalidArgumentException("a tree of elements without a swap chain panel");
     }
@@ -86,8 +95,6 @@ QtElementWindow::QtElementWindow(std::shared_ptr<QtEnvironment> pEnvironment,
     const auto token = m_pPanel->SwapChainChanged.add([this] { WatchSwapChain(); });
     m_unsubscribe.emplace_back([this, token] { m_pPanel->SwapChainChanged.remove(token); });
     WatchSwapChain();
-    WatchTree(m_pRoot);
-    UpdateBusyMark();
     m_failures.Run([this] { m_pRoot->RaiseLoaded(); });
 }
 
@@ -100,6 +107,29 @@ QtElementWindow::~QtElementWindow() {
         m_pSwapChain->OnPresented = nullptr;
     }
     m_failures.Run([this] { m_pRoot->RaiseUnloaded(); });
+    m_pTree.reset();
+}
+
+// The window itself is the panel's presenter.
+void QtElementWindow::MakeTree() {
+    m_pTree = std::make_unique<QtElementTree>(*this, m_pView, m_failures);
+    FollowScale();
+    m_pTree->Register(
+        typeid(Xaml::Controls::SwapChainPanel), [this](auto&, const auto& pElement, auto&) {
+            if (!m_pPanel) {
+                m_pPanel = std::static_pointer_cast<Xaml::Controls::SwapChainPanel>(pElement);
+            }
+            return nullptr;
+        });
+    m_pTree->Register(typeid(Xaml::Controls::ProgressRing), [this](auto&, const auto&, auto&) {
+        return std::make_unique<RingPresenter>(*this, m_bShowBusyMark);
+    });
+    m_pTree->Update();
+    const QInputMethod* const pKeyboard = QGuiApplication::inputMethod();
+    for (const auto fnChanged :
+         {&QInputMethod::keyboardRectangleChanged, &QInputMethod::visibleChanged}) {
+        connect(pKeyboard, fnChanged, this, &QtElementWindow::FollowKeyboard);
+    }
 }
 
 // --- sizes -----------------------------------------------------------------
@@ -151,12 +181,35 @@ void QtElementWindow::ArrangeTree(Size size, float fScaleX, float fScaleY) {
     const auto pEnvironment = m_pEnvironment;
     pEnvironment->TakeWindowSize(WindowSize());
     m_pInput->FollowScreen();
+    FollowScale();
+    const auto pView = m_pView;
     m_failures.Run([&] { m_pPanel->ArrangeAtScale(*m_pRoot, size, fScaleX, fScaleY); });
+    m_failures.Run([&] { pView->TellSize(); });
     m_failures.Run([&] { pEnvironment->TellWindowSize(); });
 }
 
+void QtElementWindow::FollowScale() {
+    const double dbRatio = devicePixelRatioF();
+    m_pTree->SetScale(dbRatio / m_pEnvironment->CompositionScaleX(),
+                      dbRatio / m_pEnvironment->CompositionScaleY());
+}
+
+// What the system's keyboard covers of this; none is known before it is shown.
+void QtElementWindow::FollowKeyboard() {
+    const QInputMethod& keyboard = *QGuiApplication::inputMethod();
+    QRectF rc;
+    if (keyboard.isVisible()) {
+        rc = keyboard.keyboardRectangle().translated(-mapTo(window(), QPointF()));
+        rc = rc.intersected(QRectF(rect()));
+    }
+    const auto ptTopLeft = m_pTree->ToLogical({std::max(rc.x(), 0.0), std::max(rc.y(), 0.0)});
+    const auto size = m_pTree->ToLogical(rc.size());
+    m_failures.Run([&, pView = m_pView] {
+        pView->InputPane().Occlude({ptTopLeft.Width, ptTopLeft.Height, size.Width, size.Height});
+    });
+}
+
 void QtElementWindow::resizeEvent(QResizeEvent* /*pEvent*/) {
-    m_pBusyMark->move(width() - m_pBusyMark->width() - kBusyMarkMargin, kBusyMarkMargin);
     Arrange();
 }
 
@@ -237,31 +290,9 @@ void QtElementWindow::paintEvent(QPaintEvent* pEvent) {
     }
 }
 
-// --- progress ring ---------------------------------------------------------
-
-void QtElementWindow::WatchTree(const std::shared_ptr<Xaml::FrameworkElement>& pElement) {
-    if (std::dynamic_pointer_cast<Xaml::Controls::ProgressRing>(pElement)) {
-        const auto token =
-            pElement->VisibilityChanged.add([this](Xaml::Visibility) { UpdateBusyMark(); });
-        m_rings.push_back(pElement);
-        m_unsubscribe.emplace_back(
-            [pElement, token] { pElement->VisibilityChanged.remove(token); });
-    }
-    for (const auto& pChild : pElement->Children()) {
-        WatchTree(pChild);
-    }
-}
-
 void QtElementWindow::ShowBusyMark(bool bShow) {
     m_bShowBusyMark = bShow;
-    UpdateBusyMark();
-}
-
-void QtElementWindow::UpdateBusyMark() {
-    const bool bRing = std::any_of(m_rings.begin(), m_rings.end(), [](const auto& pRing) {
-        return pRing->Visibility() == Xaml::Visibility::Visible;
-    });
-    m_pBusyMark->SetBusy(m_bShowBusyMark && bRing);
+    m_pTree->Update();
 }
 
 // --- input -----------------------------------------------------------------
@@ -278,6 +309,11 @@ bool QtElementWindow::event(QEvent* pEvent) {
         m_pInput->FollowScreen();
     }
     return QWidget::event(pEvent);
+}
+
+void QtElementWindow::focusInEvent(QFocusEvent* pEvent) {
+    QWidget::focusInEvent(pEvent);
+    m_pTree->FocusPopup();
 }
 
 }

@@ -3,9 +3,9 @@
 // The root gets the widget's size and the panel its composition scale; all of it
 // is in force before any handler runs, and the panel hears first. The tree is loaded
 // as long as the widget exists; a hidden widget keeps it loaded. The widget
-// paints the panel's front image pixel by pixel, draws a small busy mark while a
-// progress ring of the tree is visible, and has its input made into the
-// panel's events.
+// paints the panel's front image pixel by pixel, and has its input made into the
+// panel's events. Other elements have widgets in it (`QtElementTree`); while a popup
+// is open it has the keys.
 //
 // Units: the widget's own are Qt's; elements get device pixels divided by the
 // composition scale. Threads: UI thread only. Several such widgets may stand in
@@ -29,10 +29,11 @@
 #include "platform/qt/QtPanelInput.h"
 #include "platform/ui/Element.h"
 #include "platform/ui/SwapChainPanel.h"
+#include "platform/ui/Window.h"
 
 namespace Platform::Qt {
 
-class QtBusyMark;
+class QtElementTree;
 class QtSwapChain;
 
 class QtElementWindow : public QWidget {
@@ -47,6 +48,9 @@ public:
     const std::shared_ptr<Windows::UI::Xaml::Controls::SwapChainPanel>& Panel() const {
         return m_pPanel;
     }
+
+    // The tree's side of this: keys, back requests, the on-screen keyboard.
+    Windows::UI::Xaml::Window& View() const { return *m_pView; }
 
     // The frame that is shown, in device pixels; null before the first.
     QImage FrontImage() const;
@@ -87,6 +91,7 @@ public:
 
 protected:
     bool event(QEvent* pEvent) override;
+    void focusInEvent(QFocusEvent* pEvent) override;
     void paintEvent(QPaintEvent* pEvent) override;
     void resizeEvent(QResizeEvent* pEvent) override;
     void showEvent(QShowEvent* pEvent) override;
@@ -99,23 +104,24 @@ private:
     void PaintFront(QPainter& painter, const QRegion& region);
     void WatchSwapChain();
     void UpdateFront(const QRect& rcFrame);
-    void WatchTree(const std::shared_ptr<Windows::UI::Xaml::FrameworkElement>& pElement);
-    void UpdateBusyMark();
+    void MakeTree();
+    void FollowScale();
+    void FollowKeyboard();
 
     FailureSink m_failures{"a handler of the window"};
     const std::shared_ptr<QtEnvironment> m_pEnvironment;
     const std::shared_ptr<Windows::UI::Xaml::FrameworkElement> m_pRoot;
+    const std::shared_ptr<Windows::UI::Xaml::Window> m_pView;
+    std::unique_ptr<QtElementTree> m_pTree;
     std::shared_ptr<Windows::UI::Xaml::Controls::SwapChainPanel> m_pPanel;
     std::shared_ptr<QtSwapChain> m_pSwapChain;
     std::unique_ptr<QtPanelInput> m_pInput;
     std::vector<std::function<void()>> m_unsubscribe;
-    std::vector<std::shared_ptr<Windows::UI::Xaml::FrameworkElement>> m_rings;
     std::optional<Windows::Foundation::Size> m_fixedSize;
     double m_dbRatio = 0.0; // the one last arranged for; 0 before
     QImage m_heldFrame;
     QColor m_background{224, 224, 224};
     bool m_bShowBusyMark = true;
-    QtBusyMark* m_pBusyMark; // a child
 };
 
 }

@@ -50,6 +50,10 @@ public:
     // State of the control key now.
     virtual bool IsControlKeyDown() const = 0;
 
+    // Whether the machine has a part of the application model, by its full name: the
+    // back button on a phone alone, other ways back everywhere.
+    virtual bool IsTypePresent(const std::string& strType) const;
+
     Windows::Foundation::Event<> Suspending; // these two are raised on any thread
     Windows::Foundation::Event<> Resuming;
     Windows::Foundation::Event<Windows::Foundation::Size> WindowSizeChanged; // UI thread

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "platform/foundation/FirstFailure.h"
-#include "platform/ui/Markup.h"
 
 namespace Windows::UI::Xaml {
 
@@ -13,24 +12,44 @@ void FrameworkElement::Visibility(Xaml::Visibility eVisibility) {
         return;
     }
     m_eVisibility = eVisibility;
-    VisibilityChanged.raise(eVisibility);
+    Platform::FirstFailure failure;
+    failure.Run([&] { VisibilityChanged.raise(eVisibility); });
+    failure.Run([this] { InvalidateLayout(); });
+    failure.Rethrow();
+}
+
+bool FrameworkElement::IsShown() const {
+    const auto pParent = Parent();
+    return m_eVisibility == Xaml::Visibility::Visible && (!pParent || pParent->IsShown());
+}
+
+std::shared_ptr<FrameworkElement> FrameworkElement::Root() {
+    const auto pParent = Parent();
+    return pParent ? pParent->Root() : shared_from_this();
 }
 
 void FrameworkElement::AppendChild(std::shared_ptr<FrameworkElement> pChild) {
+    InsertChild(m_children.size(), std::move(pChild));
+}
+
+void FrameworkElement::InsertChild(std::size_t nIndex, std::shared_ptr<FrameworkElement> pChild) {
     if (!pChild || pChild->IsAtOrAbove(*this)) {
         throw Platform::InvalidArgumentException("not an element that can become a child here");
     }
-    if (const auto pOldParent = pChild->Parent()) {
-        pOldParent->RemoveChild(pChild);
-    }
+    pChild->LeaveParent();
     pChild->m_wkParent = weak_from_this();
-    m_children.push_back(pChild);
+    const auto nPlace = static_cast<std::ptrdiff_t>(std::min(nIndex, m_children.size()));
+    m_children.insert(m_children.begin() + nPlace, pChild);
     Platform::FirstFailure failure;
-    failure.Run([&] { pChild->Arrange(m_size); });
-    if (m_bLoaded) {
-        failure.Run([&] { pChild->RaiseLoaded(); });
-    }
+    failure.Run([this] { InvalidateLayout(); });
+    failure.Run([&] { pChild->LoadIfInLoadedTree(); });
     failure.Rethrow();
+}
+
+void FrameworkElement::LeaveParent() {
+    if (const auto pParent = Parent()) {
+        pParent->RemoveChild(shared_from_this());
+    }
 }
 
 void FrameworkElement::RemoveChild(const std::shared_ptr<FrameworkElement>& pChild) {
@@ -41,7 +60,10 @@ void FrameworkElement::RemoveChild(const std::shared_ptr<FrameworkElement>& pChi
     const std::shared_ptr<FrameworkElement> pRemoved = *it; // `pChild` may be the list's own
     m_children.erase(it);
     pRemoved->m_wkParent.reset();
-    pRemoved->RaiseUnloaded();
+    Platform::FirstFailure failure;
+    failure.Run([&] { pRemoved->RaiseUnloaded(); });
+    failure.Run([this] { InvalidateLayout(); });
+    failure.Rethrow();
 }
 
 bool FrameworkElement::IsAtOrAbove(const FrameworkElement& element) const {
@@ -50,26 +72,6 @@ bool FrameworkElement::IsAtOrAbove(const FrameworkElement& element) const {
     }
     const auto pParent = element.Parent();
     return pParent && IsAtOrAbove(*pParent);
-}
-
-void FrameworkElement::Arrange(Foundation::Size size) {
-    SizeSteps steps;
-    TakeSize(*this, size, steps);
-    RaiseSizeChanged(steps);
-}
-
-void FrameworkElement::TakeSize(FrameworkElement& element, Foundation::Size size,
-                                SizeSteps& steps) {
-    if (!(size.Width >= 0.0F && size.Height >= 0.0F)) {
-        throw Platform::InvalidArgumentException("an element of negative size");
-    }
-    if (size != element.m_size) {
-        steps.push_back({element.shared_from_this(), {element.m_size, size}});
-        element.m_size = size;
-    }
-    for (const auto& pChild : element.m_children) {
-        TakeSize(*pChild, size, steps);
-    }
 }
 
 void FrameworkElement::RaiseSizeChanged(const SizeSteps& steps) {
@@ -84,8 +86,9 @@ void FrameworkElement::RaiseSizeChanged(const SizeSteps& steps) {
 }
 
 std::shared_ptr<FrameworkElement> FrameworkElement::FirstChildNotLoaded() const {
-    const auto it = std::find_if(m_children.begin(), m_children.end(),
-                                 [](const auto& pChild) { return !pChild->m_bLoaded; });
+    const auto it = std::find_if(m_children.begin(), m_children.end(), [](const auto& pChild) {
+        return !pChild->m_bLoaded && pChild->IsToBeLoaded();
+    });
     return it == m_children.end() ? nullptr : *it;
 }
 
@@ -101,6 +104,13 @@ void FrameworkElement::RaiseLoaded() {
         failure.Run([&] { Loaded.raise(); });
     }
     failure.Rethrow();
+}
+
+void FrameworkElement::LoadIfInLoadedTree() {
+    const auto pParent = Parent();
+    if (pParent && pParent->m_bLoaded && IsToBeLoaded()) {
+        RaiseLoaded();
+    }
 }
 
 void FrameworkElement::RaiseUnloaded() {
@@ -128,62 +138,6 @@ std::shared_ptr<FrameworkElement> FrameworkElement::FindName(const std::string& 
         }
     }
     return nullptr;
-}
-
-Foundation::Point FrameworkElement::PositionInWindow() const {
-    const auto pParent = Parent();
-    const Foundation::Point ptParent = pParent ? pParent->PositionInWindow() : Foundation::Point();
-    return {ptParent.X + m_ptInParent.X, ptParent.Y + m_ptInParent.Y};
-}
-
-namespace Controls {
-
-std::shared_ptr<FrameworkElement> UserControl::Content() const {
-    return Children().empty() ? nullptr : Children().front();
-}
-
-void UserControl::Content(std::shared_ptr<FrameworkElement> pContent) {
-    if (const auto pOld = Content()) {
-        RemoveChild(pOld);
-    }
-    if (pContent) {
-        AppendChild(std::move(pContent));
-    }
-}
-
-void ContentControl::ApplyTemplate() {
-    if (m_bTemplateApplied) {
-        return;
-    }
-    const auto pSelf = shared_from_this();
-    const auto pRoot = Markup::LoadMarkup(DefaultStyleKey);
-    m_bTemplateApplied = true;
-    m_pTemplateRoot = pRoot;
-    try {
-        AppendChild(pRoot);
-        OnApplyTemplate();
-    } catch (...) {
-        RemoveTemplate();
-        throw;
-    }
-}
-
-void ContentControl::ReapplyTemplate() {
-    RemoveTemplate();
-    ApplyTemplate();
-}
-
-void ContentControl::RemoveTemplate() {
-    m_bTemplateApplied = false;
-    if (const auto pRoot = std::exchange(m_pTemplateRoot, nullptr)) {
-        RemoveChild(pRoot);
-    }
-}
-
-std::shared_ptr<FrameworkElement> ContentControl::GetTemplateChild(const std::string& strName) {
-    return m_pTemplateRoot ? m_pTemplateRoot->FindName(strName) : nullptr;
-}
-
 }
 
 }

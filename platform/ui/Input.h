@@ -5,8 +5,13 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "platform/foundation/Geometry.h"
+
+namespace Windows::UI::Xaml {
+class FrameworkElement;
+}
 
 namespace Windows::UI::Xaml::Input {
 
@@ -60,6 +65,7 @@ struct HoldingRoutedEventArgs {
 struct TappedRoutedEventArgs {
     Foundation::Point Position;
     bool Handled = false;
+    std::shared_ptr<FrameworkElement> OriginalSource; // empty over a swap chain panel
 };
 
 }

@@ -33,6 +33,7 @@ void SwapChainPanel::ArrangeAtScale(FrameworkElement& root, Foundation::Size siz
         failure.Run([&] { CompositionScaleChanged.raise(); });
     }
     failure.Run([&] { RaiseSizeChanged(steps); });
+    failure.Run([&] { pRoot->LayoutUpdated.raise(); });
     failure.Rethrow();
 }
 

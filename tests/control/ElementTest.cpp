@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 
+#include "platform/ui/Controls.h"
 #include "platform/ui/SwapChainPanel.h"
 
 namespace velko::testing {

@@ -1,0 +1,66 @@
+#include "platform/qt/QtSecretEdit.h"
+
+namespace Platform::Qt {
+
+namespace {
+
+constexpr int kRoom = 512; // letters
+
+}
+
+QtSecretEdit::QtSecretEdit(QWidget* pParent) : QLineEdit(pParent) {
+    setEchoMode(QLineEdit::Password);
+    setInputMethodHints(::Qt::ImhHiddenText | ::Qt::ImhSensitiveData | ::Qt::ImhNoPredictiveText |
+                        ::Qt::ImhNoAutoUppercase);
+    MakeRoom();
+    connect(this, &QLineEdit::textChanged, this, &QtSecretEdit::Tell);
+}
+
+QtSecretEdit::~QtSecretEdit() {
+    m_bSetting = true;
+    WipeText();
+}
+
+void QtSecretEdit::Tell() {
+    if (m_bSetting || !OnTyped) {
+        return;
+    }
+    QByteArray bytes = text().toUtf8();
+    OnTyped(
+        SecretText(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size()))));
+    Wipe(bytes.data(), static_cast<std::size_t>(bytes.size()));
+}
+
+void QtSecretEdit::SetSecret(const SecretText& secret) {
+    m_bSetting = true;
+    WipeText();
+    MakeRoom();
+    if (!secret.IsEmpty()) {
+        QString strText = QString::fromStdString(secret.Text());
+        insert(strText);
+        Wipe(strText.data(), static_cast<std::size_t>(strText.size()) * sizeof(QChar));
+    }
+    m_bSetting = false;
+}
+
+// The line's own memory, which `text` shares, and then the single letters that it
+// remembers for undoing.
+void QtSecretEdit::WipeText() {
+    QString strText = text();
+    const qsizetype nLength = strText.size();
+    if (strText.data_ptr().d_ptr() != nullptr) { // else it is part of the program
+        Wipe(const_cast<QChar*>(strText.constData()),
+             static_cast<std::size_t>(nLength) * sizeof(QChar));
+    }
+    setText({});
+    insert(QString(nLength, u'\u2022'));
+    setText({});
+}
+
+// A removal keeps the memory of what was removed.
+void QtSecretEdit::MakeRoom() {
+    setText(QString(kRoom, u'\u2022'));
+    clear();
+}
+
+}
