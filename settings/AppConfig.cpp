@@ -103,6 +103,13 @@ void AppConfig::PageScanColors(std::int32_t nValue) {
     Write<std::int32_t>("PageScanColors", nValue);
 }
 
+double AppConfig::ReflowTextScale() {
+    return Read<double>("ReflowTextScale", 0.0);
+}
+void AppConfig::ReflowTextScale(double dbValue) {
+    Write<double>("ReflowTextScale", dbValue);
+}
+
 bool AppConfig::IsAutoSave() {
     return Read<bool>("IsAutoSave", true);
 }

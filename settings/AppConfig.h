@@ -49,6 +49,10 @@ public:
     static std::int32_t PageScanColors();
     static void PageScanColors(std::int32_t nValue);
 
+    // The scale of reflowed text that was chosen last; 0: none.
+    static double ReflowTextScale();
+    static void ReflowTextScale(double dbValue);
+
     static bool IsAutoSave();
     static void IsAutoSave(bool bValue);
 

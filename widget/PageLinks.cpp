@@ -7,6 +7,7 @@
 #include "document/engine/PDFDoc.h"
 #include "platform/concurrency/Task.h"
 #include "platform/system/Debug.h"
+#include "viewers/core/Modes.h"
 
 namespace velko::vkit {
 
@@ -41,6 +42,10 @@ bool PageLinks::IsSameDocument() {
 }
 
 std::shared_ptr<const PageLinks::Links> PageLinks::Find(std::int32_t nPage) {
+    if (m_control.GetPageLayoutMode() == LayoutMode::kReflow) {
+        static const auto s_pNone = std::make_shared<const Links>();
+        return s_pNone;
+    }
     const auto it = m_links.find(nPage);
     if (it != m_links.end()) {
         return it->second;

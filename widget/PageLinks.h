@@ -29,8 +29,8 @@ public:
 
     explicit PageLinks(PDFViewCtrl& control) : m_control(control) {}
 
-    // Empty while they are read, which begins here at the latest; `Read` tells of
-    // the end. What it gives stays as it is, whatever is forgotten here.
+    // None over text that is set anew. Empty while they are read, which begins here at the latest;
+    // `Read` tells of the end. What it gives stays as it is, whatever is forgotten here.
     std::shared_ptr<const Links> Find(std::int32_t nPage);
 
     // False when the control shows another document than at the call before; what

@@ -45,7 +45,7 @@ QString ReasonOf(const PageFailure& failure) {
 }
 
 PageNotices::PageNotices(PDFViewCtrl& control, std::function<double()> fnPixelRatio)
-    : PageOverlay(control, std::move(fnPixelRatio)) {
+    : PageOverlay(control, std::move(fnPixelRatio), Over::PagesAndText) {
     m_changeToken = Control().PageFailureEvent.add(
         [this](const auto&, const auto&) { Control().UpdateViewer(); });
 }

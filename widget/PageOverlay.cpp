@@ -6,14 +6,18 @@
 
 namespace velko::vkit {
 
-PageOverlay::PageOverlay(PDFViewCtrl& control, std::function<double()> fnPixelRatio)
+PageOverlay::PageOverlay(PDFViewCtrl& control, std::function<double()> fnPixelRatio, Over eOver)
     : m_control(control), m_fnPixelRatio(std::move(fnPixelRatio)) {
-    m_token =
-        m_control.RenderCanvasEvent.add([this](const auto&, const auto& pArgs) { Draw(*pArgs); });
+    const auto fnDraw = [this](const auto&, const auto& pArgs) { Draw(*pArgs); };
+    m_pageToken = m_control.RenderCanvasEvent.add(fnDraw);
+    if (eOver == Over::PagesAndText) {
+        m_textToken = m_control.ReflowCanvasEvent.add(fnDraw);
+    }
 }
 
 PageOverlay::~PageOverlay() {
-    m_control.RenderCanvasEvent.remove(m_token);
+    m_control.RenderCanvasEvent.remove(m_pageToken);
+    m_control.ReflowCanvasEvent.remove(m_textToken);
 }
 
 }

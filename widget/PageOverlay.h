@@ -15,8 +15,11 @@ class RenderCanvasEventArgs;
 
 class PageOverlay {
 public:
+    enum class Over { Pages, PagesAndText }; // text: of pages set anew
+
     // The pixel ratio of the screen is asked for at each frame.
-    PageOverlay(PDFViewCtrl& control, std::function<double()> fnPixelRatio);
+    PageOverlay(PDFViewCtrl& control, std::function<double()> fnPixelRatio,
+                Over eOver = Over::Pages);
     virtual ~PageOverlay();
     PageOverlay(const PageOverlay&) = delete;
     PageOverlay& operator=(const PageOverlay&) = delete;
@@ -30,7 +33,8 @@ protected:
 private:
     PDFViewCtrl& m_control;
     const std::function<double()> m_fnPixelRatio;
-    Windows::Foundation::EventRegistrationToken m_token;
+    Windows::Foundation::EventRegistrationToken m_pageToken;
+    Windows::Foundation::EventRegistrationToken m_textToken; // of none over pages alone
 };
 
 }

@@ -20,6 +20,10 @@ bool PageSteps::ShowsSinglePage() const {
     return m_control.GetPageLayoutMode() == LayoutMode::kSinglePage;
 }
 
+bool PageSteps::ShowsColumnOfPages() const {
+    return m_control.GetPageLayoutMode() == LayoutMode::kContinuous;
+}
+
 double PageSteps::ScreenLength(bool bAcross) const {
     const auto size = m_control.GetCanvasSize();
     return bAcross ? size.Width * m_control.CompositionScaleX()
@@ -118,7 +122,7 @@ void PageSteps::StepPage(int nDirection) const {
 void PageSteps::StepScreen(int nDirection) const {
     if (IsAtEdge(nDirection, false)) {
         Turn(nDirection, false);
-    } else if (!ShowsSinglePage() && Fits(CurrentPlace(), false)) {
+    } else if (ShowsColumnOfPages() && Fits(CurrentPlace(), false)) {
         StepPage(nDirection);
     } else {
         ScrollAndSettle(m_control, nDirection * ScreenStep(nDirection), 0.0);

@@ -21,6 +21,7 @@ public:
     explicit PageSteps(PDFViewCtrl& control) : m_control(control) {}
 
     bool ShowsSinglePage() const;
+    bool ShowsColumnOfPages() const; // as they are, not set anew
 
     // Where one page is shown at a time, and its edge on that side is in sight.
     bool IsAtEdge(int nDirection, bool bAcross) const;

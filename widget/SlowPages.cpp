@@ -21,7 +21,7 @@ QColor Between(const QColor& one, const QColor& other) {
 }
 
 SlowPages::SlowPages(PDFViewCtrl& control, std::function<double()> fnPixelRatio)
-    : PageOverlay(control, std::move(fnPixelRatio)) {
+    : PageOverlay(control, std::move(fnPixelRatio), Over::PagesAndText) {
     m_timer.setSingleShot(true);
     m_timer.callOnTimeout([this] { Look(); });
 }

@@ -36,6 +36,7 @@ VelkoPdfView::VelkoPdfView(std::shared_ptr<PDFViewCtrl> pControl, QWidget* pPare
       m_pControl(std::move(pControl)),
       m_steps(*m_pControl),
       m_zoom(*m_pControl, m_steps),
+      m_reading(*m_pControl),
       m_pWindow(new Platform::Qt::QtElementWindow(VelkoRuntime::Environment(), m_pControl, this)),
       m_pPointer(std::make_unique<PointerShape>(*m_pWindow)),
       m_pPageLinks(std::make_unique<PageLinks>(*m_pControl)),

@@ -43,6 +43,7 @@
 #include "widget/OpeningQueue.h"
 #include "widget/PageColors.h"
 #include "widget/PageSteps.h"
+#include "widget/ReadingMode.h"
 #include "widget/ViewHistory.h"
 #include "widget/ViewKeeper.h"
 #include "widget/ViewZoom.h"
@@ -84,7 +85,9 @@ public:
     Q_ENUM(State)
 
     enum class Fit : std::int32_t { None = 0, Page = 1, Width = 2, Height = 3 };
-    enum class Layout : std::int32_t { Continuous = 1, SinglePage = 2 };
+    // Text: of the pages, set anew for the width of the view. Its zoom is its own, it
+    // has neither a fit nor a rotation, and its links are plain text.
+    enum class Layout : std::int32_t { Continuous = 1, SinglePage = 2, Text = 3 };
 
     using Opening = concurrency::task<velko::common::ErrorCode>;
 
@@ -157,6 +160,7 @@ public:
     void ZoomTo(double dbZoom);
     void ZoomIn();
     void ZoomOut();
+    void ZoomToActualSize(); // 100 %, and the first size of letters for text
     Fit FitMode() const { return m_facts.eFit; }
     void SetFit(Fit eFit);
     void FitWidth() { SetFit(Fit::Width); }
@@ -165,6 +169,14 @@ public:
     void RotateBy(int nQuarterTurns);
     Layout LayoutMode() const { return m_facts.eLayout; }
     void SetLayoutMode(Layout eLayout);
+    // In the layout of text: to it, or back to the pages as they were shown before.
+    void SetReading(bool bOn);
+    bool IsReading() const { return LayoutMode() == Layout::Text; }
+    // Whether pictures stay in the text, also when it is shown next.
+    bool TextPictures() const { return m_facts.bTextPictures; }
+    void SetTextPictures(bool bShow);
+    // Whether anything of the document is shown; text may have nothing to show of it.
+    bool ShowsSomething() const { return m_facts.bShowsSomething; }
 
     // --- colours ---
     // Of the pages; kept in the settings, for every document.
@@ -228,6 +240,8 @@ private:
         Layout eLayout = Layout::Continuous;
         PageColors colors;
         velko::common::ScanColors eScanColors = velko::common::ScanColors::Turned;
+        bool bTextPictures = true;
+        bool bShowsSomething = false;
         bool bBack = false;
         bool bForward = false;
         friend bool operator==(const Facts&, const Facts&) = default;
@@ -286,10 +300,12 @@ private:
     std::optional<KeptView> PlaceNow(bool bLeft);
     void ShowKeptPlace();
     void ShowPlace(const KeptView& kept);
+    void ShowTextPlace(const Windows::Foundation::Collections::PropertySet& values, int nPage);
     void PutPage(int nPage, double dbLeft, double dbTop);
 
     // Commands.
     void LeavePlace();
+    void ShowLayout(Layout eLayout);
     void Travel(void (ViewHistory::*fnGo)(PDFViewCtrl&, ViewZoom&));
     void StepZoom(double dbZoom);
     void StepLine(int nDirection, bool bAcross);
@@ -315,6 +331,8 @@ private:
     const std::shared_ptr<PDFViewCtrl> m_pControl;
     const PageSteps m_steps;
     ViewZoom m_zoom;
+    ReadingMode m_reading;
+    Layout m_eLastPages = Layout::Continuous; // shown before text was
     Platform::Qt::QtElementWindow* m_pWindow; // a child
     std::unique_ptr<PointerShape> m_pPointer;
     std::unique_ptr<PageLinks> m_pPageLinks;

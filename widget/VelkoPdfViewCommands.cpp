@@ -100,7 +100,9 @@ double VelkoPdfView::MostZoom() const {
 
 void VelkoPdfView::ZoomTo(double dbZoom) {
     Command([&] {
-        m_zoom.SetFitMode(ZoomMode::kNone);
+        if (!m_reading.IsOn()) {
+            m_zoom.SetFitMode(ZoomMode::kNone);
+        }
         m_zoom.ZoomTo(dbZoom);
     });
 }
@@ -110,6 +112,10 @@ void VelkoPdfView::ZoomTo(double dbZoom) {
 void VelkoPdfView::ZoomByWheel(QPointF ptWindow, double dbFactor) {
     Command([&] {
         const double dbNow = m_pControl->GetScale();
+        if (m_reading.IsOn()) {
+            m_zoom.ZoomTo(dbNow * dbFactor);
+            return;
+        }
         const QPointF pt = ptWindow * devicePixelRatioF();
         m_ptWheel = {static_cast<float>(pt.x()), static_cast<float>(pt.y())};
         m_fWheelZoom =
@@ -122,7 +128,8 @@ void VelkoPdfView::ZoomByWheel(QPointF ptWindow, double dbFactor) {
 
 void VelkoPdfView::SettleWheel() {
     Command([&] {
-        if (m_pControl->GetScale() == m_fWheelZoom) { // else something else has zoomed meanwhile
+        if (m_pControl->GetScale() == m_fWheelZoom &&
+            !m_reading.IsOn()) { // else something else has zoomed meanwhile
             m_pControl->ZoomAtPoint(m_ptWheel, m_fWheelZoom, false, true);
         }
     });
@@ -134,6 +141,16 @@ void VelkoPdfView::ZoomIn() {
 
 void VelkoPdfView::ZoomOut() {
     StepZoom(m_zoom.StepOut());
+}
+
+void VelkoPdfView::ZoomToActualSize() {
+    constexpr double kFirst = 0.0;
+    if (m_reading.IsOn()) {
+        AppConfig::ReflowTextScale(kFirst);
+        ZoomTo(m_reading.FirstScale(devicePixelRatioF()));
+    } else {
+        ZoomTo(1.0);
+    }
 }
 
 // At the limit it does nothing, and leaves a fit in force.
@@ -156,6 +173,9 @@ void VelkoPdfView::SetFit(Fit eFit) {
 
 void VelkoPdfView::RotateBy(int nQuarterTurns) {
     constexpr int kTurns = 4;
+    if (m_reading.IsOn()) {
+        return;
+    }
     Command([&] {
         const auto keeper = ViewKeeper::Remember(*m_pControl, ViewKeeper::Anchor::Middle);
         Hold();
@@ -174,21 +194,52 @@ void VelkoPdfView::RotateBy(int nQuarterTurns) {
 
 void VelkoPdfView::SetLayoutMode(Layout eLayout) {
     Command([&] {
-        if (m_pControl->GetPageLayoutMode() == std::int32_t(eLayout)) {
-            return;
+        if (m_pControl->GetPageLayoutMode() != std::int32_t(eLayout)) {
+            ShowLayout(eLayout);
         }
-        const auto keeper = ViewKeeper::Remember(*m_pControl);
-        const std::int32_t nRotate = m_pControl->GetRotate();
-        Hold();
-        m_pControl->SetPageLayoutMode(std::int32_t(eLayout));
-        if (m_pControl->GetRotate() != nRotate) {
-            m_pControl->RotateViewer(nRotate);
-        }
-        if (keeper) {
-            keeper->RestoreTurned(*m_pControl, m_zoom.FitOr(keeper->Zoom()));
-        }
-        m_zoom.NoteFit();
     });
+}
+
+void VelkoPdfView::ShowLayout(Layout eLayout) {
+    const auto keeper = ViewKeeper::Remember(*m_pControl);
+    if (!m_reading.IsOn()) {
+        m_reading.KeepPages();
+        m_eLastPages = static_cast<Layout>(m_pControl->GetPageLayoutMode());
+    }
+    const ReadingMode::Pages pages = m_reading.KeptPages();
+    Hold();
+    m_pControl->SetPageLayoutMode(std::int32_t(eLayout));
+    if (!m_reading.IsOn() && m_pControl->GetRotate() != pages.nRotate) {
+        m_pControl->RotateViewer(pages.nRotate);
+    }
+    const double dbPages = pages.dbZoom > 0.0 ? pages.dbZoom : m_pControl->GetScale();
+    const double dbZoom =
+        m_reading.IsOn() ? m_reading.FirstScale(devicePixelRatioF()) : m_zoom.FitOr(dbPages);
+    if (keeper) {
+        keeper->RestoreTurned(*m_pControl, dbZoom);
+    } else {
+        m_zoom.ZoomTo(dbZoom);
+    }
+    m_zoom.NoteFit();
+}
+
+void VelkoPdfView::SetReading(bool bOn) {
+    if (bOn != m_reading.IsOn()) {
+        SetLayoutMode(bOn ? Layout::Text : m_eLastPages);
+    }
+}
+
+void VelkoPdfView::SetTextPictures(bool bShow) {
+    Guard([&] {
+        const auto keeper =
+            m_reading.IsOn() ? ViewKeeper::Remember(*m_pControl) : std::optional<ViewKeeper>();
+        m_reading.ShowPictures(bShow);
+        if (keeper) {
+            Hold();
+            keeper->RestoreTurned(*m_pControl, keeper->Zoom());
+        }
+    });
+    QueueRefresh();
 }
 
 void VelkoPdfView::SetColors(const PageColors& colors) {

@@ -26,6 +26,9 @@ constexpr int kLongestHoldMs = 300; // of the old frame while the new one render
 // How the zoom follows the window, besides what the control keeps itself.
 constexpr const char* kFitKey = "Widget.Fit";
 
+// How much of the page's text, set anew, stood above the window's top.
+constexpr const char* kShareKey = "Widget.TextShare";
+
 template <class T>
 T ValueOr(const PropertySet& values, const char* szKey, T fallback) {
     return values.HasKey(szKey) && values.Lookup(szKey).Is<T>() ? values.Lookup(szKey).Get<T>()
@@ -60,10 +63,12 @@ VelkoPdfView::Facts VelkoPdfView::ReadFacts() {
     facts.nPageCount = m_pControl->GetPageCount();
     facts.nPage = PageInSight();
     facts.dbZoom = m_pControl->GetScale();
-    facts.eFit = static_cast<Fit>(m_zoom.FitMode());
+    facts.eFit = m_zoom.HasFit() ? static_cast<Fit>(m_zoom.FitMode()) : Fit::None;
     facts.nRotate = m_pControl->GetRotate();
     facts.eLayout = static_cast<Layout>(m_pControl->GetPageLayoutMode());
     facts.colors = {ToQColor(m_pControl->PageBgColor()), ToQColor(m_pControl->PageFgColor())};
+    facts.bTextPictures = m_reading.ShowsPictures();
+    facts.bShowsSomething = !m_pControl->GetVisiblePages().empty();
     facts.bBack = m_history.CanGoBack();
     facts.bForward = m_history.CanGoForward();
     return facts;
@@ -90,6 +95,7 @@ bool VelkoPdfView::Refresh() {
             m_pWindow->ReleaseFrame();
         }
         FollowFit();
+        m_reading.NoteScale();
         UpdateLinks();
         if (m_pPlace) {
             m_pPlace->Changed();
@@ -237,12 +243,17 @@ std::optional<KeptView> VelkoPdfView::PlaceNow(bool bLeft) {
     if (const auto place = m_pControl->GetPageScreenRect(nPage); place && view) {
         auto pValues = std::make_shared<PropertySet>(*view->pValues);
         WriteSavedPlace(*pValues, nPage, place->dbOffsetX, place->dbOffsetY);
+        if (IsReading()) {
+            pValues->Insert(kShareKey,
+                            PropertyValue::Create(-place->dbOffsetY / std::max(1, place->nHeight)));
+        }
         view->pValues = std::move(pValues);
     }
     return view;
 }
 
 void VelkoPdfView::ShowKeptPlace() {
+    m_reading.Forget();
     if (m_return && m_before) {
         ShowPlace(*m_before);
         m_zoom.NoteFit();
@@ -251,6 +262,8 @@ void VelkoPdfView::ShowKeptPlace() {
     const auto pFile = m_pPlace ? m_pControl->GetDocumentFile() : nullptr;
     if (const auto kept = pFile ? FindView(pFile->Path()) : std::nullopt) {
         ShowPlace(*kept);
+    } else if (m_reading.IsOn()) {
+        m_zoom.ZoomTo(m_reading.FirstScale(devicePixelRatioF()));
     } else if (m_zoom.FitMode() == ZoomMode::kFitWidth || m_zoom.FitOr(1.0) < kLeastFit) {
         m_zoom.SetFitMode(ZoomMode::kFitWidth); // a whole page would be a mere strip
         m_zoom.ZoomToFit();
@@ -267,6 +280,10 @@ void VelkoPdfView::ShowPlace(const KeptView& kept) {
     const PDFViewerState state = PDFViewerState::ReadFrom(values, bWide);
     const int nPage = state.CurrentPageIndex;
     const double dbScale = state.Scale;
+    if (m_reading.IsOn()) {
+        ShowTextPlace(values, nPage);
+        return;
+    }
     if (m_pControl->GetRotate() != state.Rotate) {
         m_pControl->RotateViewer(state.Rotate);
     }
@@ -282,6 +299,23 @@ void VelkoPdfView::ShowPlace(const KeptView& kept) {
     m_zoom.ZoomTo(m_zoom.FitOr(dbScale));
     const double dbGrown = m_pControl->GetScale() / dbScale;
     PutPage(nPage, state.OffsetX * dbGrown, state.OffsetY * dbGrown);
+}
+
+// The fit waits for the pages.
+void VelkoPdfView::ShowTextPlace(const PropertySet& values, int nPage) {
+    const PDFViewerState state = PDFViewerState::ReadFrom(values, WasSavedWide(values));
+    m_zoom.SetFitMode(std::clamp(ValueOr<std::int32_t>(values, kFitKey, 0), 0, 3));
+    m_reading.ShowPictures(state.IsReflowShowPicture);
+    m_zoom.ZoomTo(state.ReflowScale);
+    if (nPage < 0 || nPage >= m_pControl->GetPageCount()) {
+        return; // the document has become shorter
+    }
+    m_pControl->GotoPage(nPage);
+    if (const auto place = m_pControl->GetPageScreenRect(nPage)) {
+        const double dbShare = ValueOr<double>(values, kShareKey, 0.0);
+        const double dbTop = std::isfinite(dbShare) ? dbShare * place->nHeight : 0.0;
+        ScrollAndSettle(*m_pControl, place->dbOffsetY + dbTop, 0.0);
+    }
 }
 
 // Brings a page's top left to a place of the screen, as far as the document

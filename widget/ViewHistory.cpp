@@ -32,9 +32,10 @@ void ViewHistory::Go(PDFViewCtrl& control, ViewZoom& zoom, Places& from, Places&
     const Place place = from.back();
     from.pop_back();
     Push(to, control, zoom);
-    place.view.Restore(control, place.view.Zoom());
+    const double dbZoom = place.view.ZoomIn(control);
+    place.view.Restore(control, dbZoom);
     zoom.SetFitMode(place.nFit);
-    if (const double dbFit = zoom.FitOr(place.view.Zoom()); !zoom.IsAt(dbFit)) {
+    if (const double dbFit = zoom.FitOr(dbZoom); !zoom.IsAt(dbFit)) {
         place.view.Restore(control, dbFit);
     }
     zoom.NoteFit();

@@ -62,6 +62,10 @@ bool ShowsSinglePage(PDFViewCtrl& control) {
     return control.GetPageLayoutMode() == LayoutMode::kSinglePage;
 }
 
+bool ShowsText(PDFViewCtrl& control) {
+    return control.GetPageLayoutMode() == LayoutMode::kReflow;
+}
+
 // How far of a move to the right of `dbX` a page goes before it leaves an edge of
 // the screen free.
 double WithinEdges(const Render_PageScreenOffsetInfo& rc, double dbX, double dbScreen) {
@@ -115,11 +119,16 @@ std::optional<ViewKeeper> ViewKeeper::Remember(PDFViewCtrl& control, Anchor eAnc
     keeper.m_dbScreenY = dbY - anchor.dbY;
     keeper.m_dbZoom = control.GetScale();
     keeper.m_nRotate = control.GetRotate();
+    keeper.m_bOfText = ShowsText(control);
     return keeper;
 }
 
+double ViewKeeper::ZoomIn(PDFViewCtrl& control) const {
+    return m_bOfText == ShowsText(control) ? m_dbZoom : control.GetScale();
+}
+
 void ViewKeeper::Restore(PDFViewCtrl& control, double dbZoom) const {
-    if (control.GetRotate() != m_nRotate) {
+    if (control.GetRotate() != m_nRotate && !m_bOfText && !ShowsText(control)) {
         control.RotateViewer(m_nRotate);
     }
     RestoreTurned(control, dbZoom);
@@ -130,8 +139,13 @@ void ViewKeeper::RestoreTurned(PDFViewCtrl& control, double dbZoom) const {
     if (bSingle && control.GetCurrentPageIndex() != m_nPage) {
         control.GotoPage(m_nPage);
     }
-    control.ZoomAtPoint(Point{}, dbZoom, false, true);
-    if (!bSingle) {
+    const bool bText = ShowsText(control);
+    if (!bText || static_cast<float>(dbZoom) != control.GetScale()) {
+        control.ZoomAtPoint(Point{}, dbZoom, false, true);
+    }
+    if (bText) {
+        control.GotoPage(m_nPage);
+    } else if (!bSingle) {
         control.GotoExactlyPage(m_nPage, m_ptPage);
     }
     // The page is on the screen now; the rest is a plain scroll.

@@ -26,6 +26,9 @@ public:
     static std::optional<ViewKeeper> Remember(PDFViewCtrl& control,
                                               Anchor eAnchor = Anchor::TopLeft);
 
+    // In a layout of text set anew a page point is a share of the page's height, and
+    // there is no rotation.
+
     // Turns the pages as they were, zooms to `dbZoom` and brings the remembered
     // point back to its place, as far as the document reaches.
     void Restore(PDFViewCtrl& control, double dbZoom) const;
@@ -34,6 +37,9 @@ public:
     void RestoreTurned(PDFViewCtrl& control, double dbZoom) const;
 
     double Zoom() const { return m_dbZoom; }
+    // The zoom that means the same in the layout that is shown now: text set anew
+    // has a scale of its own.
+    double ZoomIn(PDFViewCtrl& control) const;
     std::int32_t Page() const { return m_nPage; }
 
     // True when both show the same point at the same place, zoom and rotation.
@@ -49,6 +55,7 @@ private:
     double m_dbScreenY = 0.0;
     double m_dbZoom = 1.0;
     std::int32_t m_nRotate = 0;
+    bool m_bOfText = false; // set anew
 };
 
 }

@@ -13,6 +13,7 @@
 #include "platform/system/Environment.h"
 #include "viewers/core/Modes.h"
 #include "widget/PageSteps.h"
+#include "widget/ViewKeeper.h"
 
 namespace velko::vkit {
 
@@ -30,8 +31,12 @@ constexpr double kHair = 0.02;        // of the view, by which a top may have sl
 
 }
 
+bool ViewZoom::ZoomsText() const {
+    return m_control.GetPageLayoutMode() == LayoutMode::kReflow;
+}
+
 bool ViewZoom::HasFit() const {
-    return m_nFit != ZoomMode::kNone;
+    return m_nFit != ZoomMode::kNone && !ZoomsText();
 }
 
 // --- fits ------------------------------------------------------------------
@@ -122,6 +127,9 @@ void ViewZoom::ZoomToFit() {
 // --- zooms -----------------------------------------------------------------
 
 double ViewZoom::Least() const {
+    if (ZoomsText()) {
+        return m_control.GetMinScale();
+    }
     const double dbPage = std::min(m_control.GetFitScale(ZoomMode::kFitWidth),
                                    m_control.GetFitScale(ZoomMode::kFitHeight));
     return std::min({kLeast, static_cast<double>(m_control.GetMinScale()), dbPage});
@@ -150,6 +158,14 @@ void ViewZoom::ZoomTo(double dbZoom) {
 }
 
 void ViewZoom::Zoom(double dbZoom) {
+    if (ZoomsText()) {
+        if (const auto keeper = ViewKeeper::Remember(m_control)) {
+            keeper->RestoreTurned(m_control, dbZoom);
+        } else {
+            m_control.ZoomAtPoint({}, dbZoom, false, true);
+        }
+        return;
+    }
     m_control.ZoomAtPoint(Centre(), dbZoom, false, true);
 }
 

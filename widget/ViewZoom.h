@@ -6,7 +6,8 @@
 // column the width is the one of the widest page that is known by now, so that no
 // page on the way is wider than the window, and a whole page the one that a command
 // goes to. A whole page is fitted by both of its
-// sides, also a turned one.
+// sides, also a turned one. Over text set anew the zoom is its scale, and a fit waits
+// until pages are shown again.
 // Units: 1.0 is 100 %. Fits are the zoom modes of viewers/core/Modes.h.
 // Threads: UI thread only. Errors: failures of the control are raised. All but
 // `FitMode`, `SetFitMode` and the limits need a document.
@@ -27,7 +28,7 @@ public:
 
     std::int32_t FitMode() const { return m_nFit; }
     void SetFitMode(std::int32_t nFit) { m_nFit = nFit; } // nothing is zoomed yet
-    bool HasFit() const;
+    bool HasFit() const;                                  // and follows it
 
     // Less than the control's limit, which is one for gestures: a whole page may
     // need less in a small window, and so does an overview.
@@ -58,6 +59,7 @@ public:
     void FollowPage();
 
 private:
+    bool ZoomsText() const;
     void Zoom(double dbZoom);
     double Fitted() const;
     double WidthOfAll(double dbWidth) const;

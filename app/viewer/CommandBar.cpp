@@ -137,6 +137,7 @@ void CommandBar::MakeViewParts() {
     m_pLayout->addSpacing(10);
     AddButton(Glyph::Continuous, Command::Continuous, kViews);
     AddButton(Glyph::SinglePage, Command::SinglePage, kViews);
+    AddButton(Glyph::Text, Command::Reading, kViews);
     AddButton(Glyph::Rotate, Command::RotateRight, kRotation);
     AddButton(Glyph::Night, Command::Night, kViews);
     AddButton(Glyph::FullScreen, Command::FullScreen, kRotation);

@@ -48,6 +48,9 @@ void Rotate(VelkoPdfView& view) {
     view.RotateBy(nTurns);
 }
 
+bool ShowsPages(const VelkoPdfView& view) {
+    return !view.IsReading();
+}
 bool IsAfterStart(const VelkoPdfView& view) {
     return view.CurrentPage() > 0;
 }
@@ -85,20 +88,27 @@ const std::vector<Entry>& Entries() {
          CanZoomIn},
         {Command::ZoomOut, "Zoom &out", "Ctrl+-", Needs::Document, Run<&View::ZoomOut>, nullptr,
          CanZoomOut},
-        {Command::ActualSize, "&100 %", "Ctrl+0", Needs::Document,
-         [](View& view) { view.ZoomTo(1.0); }},
+        {Command::ActualSize, "&100 %", "Ctrl+0", Needs::Document, Run<&View::ZoomToActualSize>},
         {Command::FitPage, "Fit &page", "Ctrl+2 F", Needs::Document, SetFit<Fit::Page>,
-         HasFit<Fit::Page>},
+         HasFit<Fit::Page>, ShowsPages},
         {Command::FitWidth, "Fit &width", "Ctrl+1 W", Needs::Document, SetFit<Fit::Width>,
-         HasFit<Fit::Width>},
+         HasFit<Fit::Width>, ShowsPages},
         {Command::FitHeight, "Fit &height", "Ctrl+3", Needs::Document, SetFit<Fit::Height>,
-         HasFit<Fit::Height>},
-        {Command::RotateRight, "Rotate &right", "R Ctrl+R", Needs::Document, Rotate<1>},
-        {Command::RotateLeft, "Rotate &left", "Shift+R Ctrl+Shift+R", Needs::Document, Rotate<-1>},
+         HasFit<Fit::Height>, ShowsPages},
+        {Command::RotateRight, "Rotate &right", "R Ctrl+R", Needs::Document, Rotate<1>, nullptr,
+         ShowsPages},
+        {Command::RotateLeft, "Rotate &left", "Shift+R Ctrl+Shift+R", Needs::Document, Rotate<-1>,
+         nullptr, ShowsPages},
         {Command::Continuous, "&Continuous", "C", Needs::Document, SetLayout<Layout::Continuous>,
          HasLayout<Layout::Continuous>},
         {Command::SinglePage, "&One page at a time", "S", Needs::Document,
          SetLayout<Layout::SinglePage>, HasLayout<Layout::SinglePage>},
+        {Command::Reading, "&Text for reading", "T Ctrl+T", Needs::Document,
+         [](View& view) { view.SetReading(!view.IsReading()); }, HasLayout<Layout::Text>},
+        {Command::TextPictures, "P&ictures in the text", "Shift+T", Needs::Document,
+         [](View& view) { view.SetTextPictures(!view.TextPictures()); },
+         [](const View& view) { return view.TextPictures(); },
+         [](const View& view) { return view.IsReading(); }},
         {Command::Night, "&Night mode", "Ctrl+I", Needs::Nothing,
          [](View& view) { view.SetNightMode(!view.NightMode()); },
          [](const View& view) { return view.NightMode(); }},
@@ -147,7 +157,7 @@ Commands::Commands(VelkoPdfView& view, QWidget* pWindow) : QObject(pWindow), m_v
     }
     for (const auto& choices :
          {std::vector{Command::FitPage, Command::FitWidth, Command::FitHeight},
-          std::vector{Command::Continuous, Command::SinglePage}}) {
+          std::vector{Command::Continuous, Command::SinglePage, Command::Reading}}) {
         QActionGroup* const pGroup = GroupOf(this);
         for (const Command eCommand : choices) {
             pGroup->addAction((*this)[eCommand]);

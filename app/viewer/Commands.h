@@ -35,6 +35,8 @@ enum class Command {
     RotateLeft,
     Continuous,
     SinglePage,
+    Reading,
+    TextPictures,
     Night,
     FullScreen,
     Menu,

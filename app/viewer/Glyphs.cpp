@@ -97,6 +97,14 @@ QPainterPath SinglePage() {
 }
 
 // A moon.
+QPainterPath Text() {
+    QPainterPath path;
+    Line(path, {{3.5, 6.5}, {3.5, 4.0}, {16.5, 4.0}, {16.5, 6.5}});
+    Line(path, {{10.0, 4.0}, {10.0, 16.0}});
+    Line(path, {{7.5, 16.0}, {12.5, 16.0}});
+    return path;
+}
+
 QPainterPath Night() {
     QPainterPath disc;
     disc.addEllipse(QPointF(10.0, 10.0), 7.0, 7.0);
@@ -153,6 +161,8 @@ QPainterPath OutlineOf(Glyph eGlyph) {
             return Continuous();
         case Glyph::SinglePage:
             return SinglePage();
+        case Glyph::Text:
+            return Text();
         case Glyph::Night:
             return Night();
         case Glyph::FullScreen:

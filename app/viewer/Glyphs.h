@@ -21,6 +21,7 @@ enum class Glyph {
     Rotate,
     Continuous,
     SinglePage,
+    Text,
     Night,
     FullScreen,
     Close,

@@ -24,7 +24,7 @@ const std::pair<const char*, const char*> kPageKeys[] = {
     {"To the side", "Left, Right, or Shift and the wheel"},
     {"Next page, previous page", "N; P"},
     {"Start and end of the document", "Home; End"},
-    {"Zoom", "+ and −, or Ctrl and the wheel"},
+    {"Zoom, or the size of text for reading", "+ and −, or Ctrl and the wheel"},
     {"Next link, previous link; follow it, leave it", "Tab, Shift+Tab; Return, Esc"},
     {"Leave a field, a notice or the full screen", "Esc"},
 };

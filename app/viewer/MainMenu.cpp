@@ -23,7 +23,8 @@ MainMenu::MainMenu(vkit::VelkoPdfView& view, const Commands& commands, QWidget* 
              {Command::ZoomIn, Command::ZoomOut, Command::ActualSize, Command::FitPage,
               Command::FitWidth, Command::FitHeight});
     AddGroup("&Layout", commands,
-             {Command::Continuous, Command::SinglePage, Command::RotateRight, Command::RotateLeft});
+             {Command::Continuous, Command::SinglePage, Command::Reading, Command::TextPictures,
+              Command::RotateRight, Command::RotateLeft});
     addMenu(new ColorMenu(view, commands[Command::Night], this));
     addAction(commands[Command::FullScreen]);
     addSeparator();

@@ -9,7 +9,6 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QTimer>
 #include <algorithm>
 #include <utility>
 
@@ -68,6 +67,9 @@ void MainWindow::ConnectView() {
     connect(m_pView, &VelkoPdfView::StateChanged, this, &MainWindow::OnState);
     connect(m_pView, &VelkoPdfView::OpenFailed, this, &MainWindow::OnOpenFailed);
     connect(m_pView, &VelkoPdfView::ViewChanged, this, &MainWindow::FollowColors);
+    connect(m_pView, &VelkoPdfView::ViewChanged, this, &MainWindow::FollowText);
+    m_textTimer.setSingleShot(true);
+    m_textTimer.callOnTimeout(this, &MainWindow::TellNoText);
     connect(m_pView, &VelkoPdfView::Failed, this, &MainWindow::TellFailure);
     connect(m_pView, &VelkoPdfView::PageChanged, this, [this] {
         if (m_pNotice != nullptr) {

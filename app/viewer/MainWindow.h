@@ -8,6 +8,7 @@
 
 #include <QSet>
 #include <QString>
+#include <QTimer>
 #include <QWidget>
 #include <memory>
 
@@ -93,6 +94,9 @@ private:
     void OnState(vkit::VelkoPdfView::State eState);
     void OnOpenFailed(const QString& strFile, const QString& strReason);
     void FollowColors();
+    void FollowText();
+    void TellNoText();
+    bool LacksText() const; // text is to be read, and there is none
     void UpdateTitle();
     void PlaceParts();
 
@@ -106,6 +110,7 @@ private:
     QString m_strTarget;           // of the link under the pointer
     QLabel* m_pTarget = nullptr;   // of the link under the pointer
     QSet<QString> m_sites;         // that the reader has agreed to go to
+    QTimer m_textTimer;            // runs while there may be text after all
     bool m_bPasswordTried = false; // for the document that asks for one
 };
 

@@ -98,6 +98,25 @@ void MainWindow::OnDone() {
     }
 }
 
+bool MainWindow::LacksText() const {
+    return m_pView->IsReading() && !m_pView->ShowsSomething();
+}
+
+// Whether a page far on has text may not be known at once.
+void MainWindow::FollowText() {
+    constexpr int kPatienceMs = 700;
+    if (!LacksText()) {
+        m_textTimer.stop();
+    } else if (!m_textTimer.isActive()) {
+        m_textTimer.start(kPatienceMs);
+    }
+}
+
+void MainWindow::TellNoText() {
+    NoticeLine().TellWhile("There is no text to read in this document. Press T to see its pages.",
+                           [this] { return LacksText(); });
+}
+
 // That settings cannot be stored is said as long as it is so.
 void MainWindow::TellFailure(const QString& strReason) {
     using Windows::Storage::ApplicationData;

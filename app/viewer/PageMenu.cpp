@@ -28,7 +28,7 @@ PageMenu::PageMenu(const Commands& commands, const QString& strTarget, QWidget* 
                 commands[Command::FitWidth]});
     addSeparator();
     addActions({commands[Command::Continuous], commands[Command::SinglePage],
-                commands[Command::RotateRight]});
+                commands[Command::Reading], commands[Command::RotateRight]});
     addSeparator();
     addActions({commands[Command::Night], commands[Command::FullScreen]});
     StyleMenu(*this);
