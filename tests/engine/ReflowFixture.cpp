@@ -79,7 +79,7 @@ std::string OnePage(const std::string& strContent) {
     return MakePdf({page});
 }
 
-std::string Illustrated() {
+std::string Illustrated(const std::string& strMore) {
     PdfOptions options;
     options.images.push_back({2, 2, "\x20\x60\xA0\x20\x60\xA0\x20\x60\xA0\x20\x60\xA0"});
     PdfPage page;
@@ -88,7 +88,7 @@ std::string Illustrated() {
             TextAt(60, 700 - 12 * i, "There are several lines of text above the picture,") +
             TextAt(60, 500 - 12 * i, "And there are lines below the picture above it.");
     }
-    page.strContent += "q 180 0 0 100 100 525 cm /I1 Do Q\n";
+    page.strContent += "q 180 0 0 100 100 525 cm /I1 Do Q\n" + strMore;
     return MakePdf({page}, options);
 }
 

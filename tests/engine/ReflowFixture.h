@@ -46,7 +46,7 @@ std::string OnePage(const std::string& strContent);
 
 inline constexpr std::uint32_t kPictureColor = 0xFF2060A0U;
 
-// Lines above and below a picture of one colour, 100 points high.
-std::string Illustrated();
+// Lines above and below a picture of one colour, 100 points high, and more content.
+std::string Illustrated(const std::string& strMore = {});
 
 }

@@ -303,6 +303,16 @@ TEST_F(ReflowTest, PicturesStandInTheirPlaceKeepTheirColoursAndCanBeLeftOut) {
     EXPECT_EQ(TextOf(pReflow), strText);
 }
 
+TEST_F(ReflowTest, AFrameAroundTextAndPictureIsNoReasonToLoseEither) {
+    const auto pPlain = LayoutOf(ReflowOf(Illustrated()));
+    const auto pFramed = LayoutOf(ReflowOf(Illustrated("1 w 40 420 500 300 re S\n")));
+    ASSERT_EQ(pFramed->figures.size(), 1U);
+    EXPECT_EQ(pFramed->nHeight, pPlain->nHeight);
+    EXPECT_EQ(TextOf(*pFramed->pModel), TextOf(*pPlain->pModel));
+    const auto pInset = LayoutOf(ReflowOf(Illustrated("q 60 0 0 40 120 540 cm /I1 Do Q\n")));
+    EXPECT_EQ(pInset->figures.size(), 1U) << "what lies in a picture is part of it";
+}
+
 // What cannot be set as lines is seen as it is, with pictures and without.
 TEST_F(ReflowTest, TextOnACurveIsShownAsItIs) {
     for (const std::int32_t nFlags : {ReflowPage::kText, ReflowPage::kTextAndPictures}) {

@@ -212,7 +212,7 @@ private:
         }
     }
 
-    // In a listing as many spaces as letters would have room.
+    // In a listing as many spaces as letters would have room, and as wide.
     void KeepPitch(TextLine& line, const fz_stext_char& c) const {
         constexpr float kMost = 60.0F;
         Glyphs& glyphs = line.glyphs;
@@ -221,8 +221,10 @@ private:
             return;
         }
         const Place place = PlaceOf(c);
-        const float fGap = place.fStart - m_places[glyphs.size() - 2].fEnd;
-        const float fSpaces = std::round(fGap / (place.fEnd - place.fStart));
+        const float fPitch = place.fEnd - place.fStart;
+        const float fSpaces =
+            std::round((place.fStart - m_places[glyphs.size() - 2].fEnd) / fPitch);
+        KeepRoom(glyphs.back(), fPitch);
         if (fSpaces > 1.0F && fSpaces < kMost) {
             glyphs.insert(glyphs.end(), static_cast<std::size_t>(fSpaces) - 1,
                           Glyph(glyphs.back()));

@@ -1,6 +1,7 @@
 #include "engines/mupdf/reflow/Figures.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "engines/mupdf/reflow/Artwork.h"
@@ -65,10 +66,7 @@ public:
         for (const TextLine& line : m_page.lines) {
             nLetters += line.glyphs.size();
         }
-        for (const ArtworkRegion& region :
-             FindRegions(m_page.artwork, m_rcPage, nLetters >= kTextOnPage)) {
-            AddRegion(region);
-        }
+        AddRegions(nLetters >= kTextOnPage);
         MergeNested();
         AddCurves();
         AddFormulas();
@@ -82,7 +80,24 @@ public:
     }
 
 private:
-    void AddRegion(const ArtworkRegion& region) {
+    // Where lines and areas join pictures with the page's text, the pictures alone
+    // are what is shown.
+    void AddRegions(bool bHasText) {
+        std::vector<ArtworkMark> pictures;
+        for (const ArtworkRegion& region : FindRegions(m_page.artwork, m_rcPage, bHasText)) {
+            if (!AddRegion(region) && region.bPicture) {
+                std::copy_if(m_page.artwork.begin(), m_page.artwork.end(),
+                             std::back_inserter(pictures), [&](const ArtworkMark& mark) {
+                                 return mark.bPicture && IsWithin(mark.rc, region.rc);
+                             });
+            }
+        }
+        for (const ArtworkRegion& region : FindRegions(pictures, m_rcPage, bHasText)) {
+            AddRegion(region);
+        }
+    }
+
+    bool AddRegion(const ArtworkRegion& region) {
         FoundFigure found{{region.rc, false}, {}};
         std::size_t nLetters = 0;
         float fLetterArea = 0.0F;
@@ -96,9 +111,11 @@ private:
                 found.lines.push_back(i);
             }
         }
-        if (IsFigure(region, nLetters, fLetterArea)) {
+        const bool bIsFigure = IsFigure(region, nLetters, fLetterArea);
+        if (bIsFigure) {
             Add(std::move(found));
         }
+        return bIsFigure;
     }
 
     // What lies within another figure is part of it.

@@ -12,6 +12,7 @@ namespace {
 
 constexpr float kCellGapSize = 1.8F; // a wider gap parts cells, in the text's size
 constexpr std::size_t kLongestMarker = 6;
+constexpr float kPitch = 0.6F;       // of a font of one pitch, in the text's size
 constexpr float kLetterWidth = 0.5F; // on average, in the text's size
 
 // Digits, or a single letter, or a Roman number.
@@ -56,7 +57,6 @@ bool IsAll(const Glyphs& glyphs, const PageModel& model, int (*pIs)(fz_context*,
 // As many as the gap has room for between letters of one pitch; 0 for other text.
 std::size_t SpacesOfListing(const RowText& text, const TextLine& line, const PageModel& model,
                             float fGap) {
-    constexpr float kPitch = 0.6F; // in the text's size
     constexpr float kMost = 24.0F;
     if (!IsAll(line.glyphs, model, &fz_font_is_monospaced) ||
         !IsAll(text.glyphs, model, &fz_font_is_monospaced)) {
@@ -107,6 +107,7 @@ RowText MakeRowText(const Row& row, std::vector<TextLine>& lines, const PageMode
             if (bBehindMarker) {
                 text.fAfterMarker = piece.rc.x0;
             } else if (nPitch != 0) {
+                gap.nRoom = static_cast<std::int16_t>(kPitch * 1000.0F);
                 text.glyphs.insert(text.glyphs.end(), nPitch - 1, gap);
             } else if (fGap > kCellGapSize * line.fSize) {
                 gap.nUnicode = kCellGap;
