@@ -241,6 +241,46 @@ TEST_F(ReflowTest, AListingKeepsItsSpacesAndItsLines) {
     EXPECT_LT(lines[3].nInkTop - lines[0].nInkTop, 100) << "no space between its lines";
 }
 
+// Drawn column by column, above columns of prose whose gutter runs through it.
+TEST_F(ReflowTest, ATableAcrossColumnsKeepsItsRowsAndWhereThereIsRoomItsColumns) {
+    std::string strContent;
+    const char* const heads[] = {"names", "loops", "trees", "traces", "aborts", "speed"};
+    for (int nColumn = 0; nColumn < 6; ++nColumn) {
+        const double x = 60 + 90 * nColumn;
+        strContent += TextAt(x, 714, heads[nColumn]);
+        for (int nRow = 0; nRow < 6; ++nRow) {
+            strContent += TextAt(x + (nColumn == 2 && nRow == 3 ? 20 : 0), 700 - 12 * nRow,
+                                 "r" + std::to_string(nRow) + "c" + std::to_string(nColumn));
+        }
+    }
+    for (int nSide = 0; nSide < 2; ++nSide) {
+        for (int nRow = 0; nRow < 12; ++nRow) {
+            strContent += TextAt(60 + 270 * nSide, 600 - 12 * nRow,
+                                 "a line of prose that fills its column, as others do");
+        }
+    }
+    const auto pWide = ReflowOf(OnePage(strContent), {.fWidth = 1200.0F});
+    EXPECT_NE(TextOf(pWide).find("\nr3c0\u2003r3c1\u2003r3c2\u2003r3c3\u2003r3c4\u2003r3c5\n"),
+              std::string::npos)
+        << TextOf(pWide);
+    const auto pLayout = LayoutOf(pWide);
+    const auto fnStart = [&](std::size_t nLine, char32_t c) { // of the cell of that column
+        float x = -1.0F;
+        for (std::size_t i = pLayout->lines[nLine].nFirst; i < pLayout->lines[nLine].nEnd; ++i) {
+            x = pLayout->glyphs[i].nUnicode == c ? pLayout->glyphs[i].x : x;
+        }
+        return x;
+    };
+    for (const char32_t c : {U'1', U'4', U'5'}) {
+        EXPECT_NEAR(fnStart(1, c), fnStart(4, c), 2.0F) << "under each other";
+    }
+    EXPECT_EQ(pLayout->lines[0].nEnd, 32U) << "the head is one row";
+    const auto pNarrow = LayoutOf(ReflowOf(OnePage(strContent), {.fWidth = 300.0F}));
+    for (const auto& glyph : pNarrow->glyphs) {
+        ASSERT_LT(glyph.x, 300.0F);
+    }
+}
+
 TEST_F(ReflowTest, ZoomMeasureAndSpacingsChangeTheHeightAndNotTheText) {
     const auto pReflow = ReflowOf(Article());
     const std::string strText = TextOf(pReflow);

@@ -25,6 +25,8 @@ constexpr float kMostSize = 2000.0F;
 constexpr float kAscent = 0.75F; // of a line's box above its baseline, in its size
 constexpr float kDescent = 0.25F;
 constexpr char32_t kUnknown = 0xFFFD;
+constexpr float kLikePitch = 1.05F;
+constexpr float kWideSpace = 0.6F;  // in the text's size
 constexpr float kLightest = 150.0F; // of letters on white paper, 255 is white
 
 // A fault within a list leaves out the rest of it and nothing else.
@@ -160,6 +162,9 @@ private:
         line.rc = fz_empty_rect;
         float fStart = INFINITY;
         float fEnd = -INFINITY;
+        float fNarrowest = INFINITY;
+        float fWidest = 0.0F;
+        bool bOnePitch = true; // as their fonts say, which may be wrong
         for (const fz_stext_char* p : m_characters) {
             line.rcOnPage = fz_union_rect(line.rcOnPage, fz_rect_from_quad(p->quad));
             if (IsSpace(static_cast<char32_t>(p->c))) {
@@ -168,12 +173,16 @@ private:
             const fz_rect rc = fz_rect_from_quad(fz_transform_quad(p->quad, m_toUpright));
             fStart = std::min(fStart, rc.x0);
             fEnd = std::max(fEnd, rc.x1);
+            fNarrowest = std::min(fNarrowest, rc.x1 - rc.x0);
+            fWidest = std::max(fWidest, rc.x1 - rc.x0);
+            bOnePitch = bOnePitch && fz_font_is_monospaced(ThreadContext(), p->font) != 0;
             sizes.push_back(Kept(p->size, kLeastSize, kMostSize));
             baselines.push_back(fz_transform_point(p->origin, m_toUpright).y);
         }
         if (sizes.empty()) {
             return;
         }
+        line.bFixedPitch = bOnePitch && fWidest < kLikePitch * fNarrowest;
         std::nth_element(sizes.begin(), sizes.begin() + sizes.size() / 2, sizes.end());
         std::nth_element(baselines.begin(), baselines.begin() + baselines.size() / 2,
                          baselines.end());
@@ -189,7 +198,7 @@ private:
             AppendSpace(line);
             return;
         }
-        KeepPitch(line, c);
+        KeepSpace(line, c);
         // The extraction gives a sign of a vertical line the place where it begins.
         const fz_point ptDrawn = m_bVertical ? c.quad.lr : c.origin;
         const RecordedGlyph* const pRecorded = m_recorder.Take(ptDrawn);
@@ -212,18 +221,26 @@ private:
         }
     }
 
-    // In a listing as many spaces as letters would have room, and as wide.
-    void KeepPitch(TextLine& line, const fz_stext_char& c) const {
-        constexpr float kMost = 60.0F;
+    // A space knows how wide it is on the page when that may mean something.
+    void KeepSpace(TextLine& line, const fz_stext_char& c) const {
         Glyphs& glyphs = line.glyphs;
-        if (glyphs.size() < 2 || !IsSpace(glyphs.back().nUnicode) ||
-            fz_font_is_monospaced(ThreadContext(), c.font) == 0) {
+        if (glyphs.size() < 2 || !IsSpace(glyphs.back().nUnicode)) {
             return;
         }
         const Place place = PlaceOf(c);
-        const float fPitch = place.fEnd - place.fStart;
-        const float fSpaces =
-            std::round((place.fStart - m_places[glyphs.size() - 2].fEnd) / fPitch);
+        const float fGap = place.fStart - m_places[glyphs.size() - 2].fEnd;
+        if (line.bFixedPitch) {
+            KeepPitch(glyphs, fGap, place.fEnd - place.fStart);
+        } else if (fGap > kWideSpace * c.size) {
+            glyphs.back().nUnicode = kWideGap;
+            KeepRoom(glyphs.back(), fGap);
+        }
+    }
+
+    // In a listing as many spaces as letters would have room, and as wide.
+    void KeepPitch(Glyphs& glyphs, float fGap, float fPitch) const {
+        constexpr float kMost = 60.0F;
+        const float fSpaces = std::round(fGap / fPitch);
         KeepRoom(glyphs.back(), fPitch);
         if (fSpaces > 1.0F && fSpaces < kMost) {
             glyphs.insert(glyphs.end(), static_cast<std::size_t>(fSpaces) - 1,

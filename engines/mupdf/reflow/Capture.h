@@ -28,6 +28,7 @@ struct TextLine {
     float fSize = 0.0F; // of most of its glyphs
     Direction eDirection = Direction::kRight;
     bool bRightToLeft = false;
+    bool bFixedPitch = false;       // its letters are all as wide
     std::vector<fz_rect> operators; // what the signs of its sums and the like ink
 };
 

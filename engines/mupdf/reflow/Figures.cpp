@@ -38,6 +38,13 @@ bool IsWithin(const fz_rect& rc, const fz_rect& rcOuter) {
     return x > rcOuter.x0 && x < rcOuter.x1 && y > rcOuter.y0 && y < rcOuter.y1;
 }
 
+// What the letters of a line cover; those across a drawing, a watermark's say, are no
+// text that stands on a ground.
+float AreaOf(const TextLine& line) {
+    const float fArea = static_cast<float>(line.glyphs.size()) * line.fSize * line.fSize / 2.0F;
+    return line.eDirection == Direction::kOblique ? 0.0F : fArea;
+}
+
 // Beside a drawing, close to it and short.
 bool IsLabelOf(const TextLine& line, const fz_rect& rcDrawing) {
     const float fMiddle = (line.rcOnPage.y0 + line.rcOnPage.y1) / 2.0F;
@@ -106,7 +113,7 @@ private:
             if (!m_taken[i] && IsWithin(line.rcOnPage, region.rc)) {
                 found.lines.push_back(i);
                 nLetters += line.glyphs.size();
-                fLetterArea += static_cast<float>(line.glyphs.size()) * line.fSize * line.fSize / 2;
+                fLetterArea += AreaOf(line);
             } else if (!m_taken[i] && !region.bPicture && IsLabelOf(line, region.rc)) {
                 found.lines.push_back(i);
             }

@@ -19,6 +19,10 @@ constexpr float kProseFill = 0.55F;     // of its column's width does a line of 
 constexpr float kProseLetters = 14.0F;  // has a line of prose at least
 constexpr float kMostJumps = 0.34F;     // between the sides, for each piece of the smaller one
 
+constexpr float kCellLetters = 9.0F; // has a table's cell at most, on average
+constexpr float kLevel = 0.2F;       // in the text's size, what stands in one row is off at most
+constexpr float kMostLevel = 0.6F;   // of the pieces stand in one row with others: a table
+
 struct Side {
     std::size_t nPieces = 0;
     std::size_t nLetters = 0;
@@ -30,6 +34,10 @@ struct Side {
         nLetters += piece.nLetters;
         fWidths += piece.rc.x1 - piece.rc.x0;
         rc = nPieces == 1 ? piece.rc : fz_union_rect(rc, piece.rc);
+    }
+
+    float MeanLetters() const {
+        return static_cast<float>(nLetters) / static_cast<float>(std::max<std::size_t>(nPieces, 1));
     }
 
     bool IsProse() const {
@@ -104,6 +112,30 @@ std::vector<Gutter> Candidates(const std::array<int, kStrips>& coverage, int nMo
     return gutters;
 }
 
+// Cells of a table, drawn column by column: short pieces, in the same rows on both
+// sides.
+bool PartsCells(std::span<const Piece> pieces, const Gutter& gutter, const Side& left,
+                const Side& right) {
+    if (left.MeanLetters() > kCellLetters || right.MeanLetters() > kCellLetters) {
+        return false;
+    }
+    std::vector<float> middles; // of the right side's
+    for (const Piece& piece : pieces) {
+        if (!piece.IsFigure() && piece.rc.x0 >= gutter.Middle()) {
+            middles.push_back((piece.rc.y0 + piece.rc.y1) / 2.0F);
+        }
+    }
+    std::sort(middles.begin(), middles.end());
+    const auto nLevel = std::count_if(pieces.begin(), pieces.end(), [&](const Piece& piece) {
+        const float fMiddle = (piece.rc.y0 + piece.rc.y1) / 2.0F;
+        const float fNear = kLevel * piece.fSize;
+        const auto it = std::lower_bound(middles.begin(), middles.end(), fMiddle - fNear);
+        return !piece.IsFigure() && piece.rc.x1 <= gutter.Middle() && it != middles.end() &&
+               *it <= fMiddle + fNear;
+    });
+    return static_cast<float>(nLevel) > kMostLevel * static_cast<float>(left.nPieces);
+}
+
 bool PartsColumns(std::span<const Piece> pieces, const Gutter& gutter) {
     std::array<Side, 2> sides;
     std::size_t nJumps = 0;
@@ -129,7 +161,8 @@ bool PartsColumns(std::span<const Piece> pieces, const Gutter& gutter) {
         return false;
     }
     return (left.IsProse() && right.IsProse()) ||
-           static_cast<float>(nJumps) <= kMostJumps * static_cast<float>(nFewest);
+           (!PartsCells(pieces, gutter, left, right) &&
+            static_cast<float>(nJumps) <= kMostJumps * static_cast<float>(nFewest));
 }
 
 }

@@ -39,8 +39,8 @@ public:
           m_model(*layout.pModel),
           m_nMeasure(Whole(parameters.fScreenWidth)),
           m_fScreenHeight(parameters.fScreenHeight),
-          m_fScale(static_cast<float>(parameters.nPercent) / 100.0F *
-                   Kept(m_model.fBodySize, kLeastBody, kMostBody) / m_model.fBodySize),
+          m_fZoom(static_cast<float>(parameters.nPercent) / 100.0F),
+          m_fScale(m_fZoom * Kept(m_model.fBodySize, kLeastBody, kMostBody) / m_model.fBodySize),
           m_fLineSpacing(parameters.fLineSpacing * m_fScale),
           m_fParagraphSpacing(parameters.fParagraphSpacing * m_fScale),
           m_bPictures(parameters.bPictures),
@@ -82,7 +82,11 @@ private:
         if (!paragraph.bClose) {
             LeaveSpace(paragraph.fSpaceAbove);
         }
-        const float fFirst = IndentOf(paragraph.fIndent + paragraph.fFirstLine);
+        // A table that fits keeps the places of its cells.
+        m_bTable = paragraph.fTableWidth > 0.0F &&
+                   paragraph.fTableWidth * m_fScale <= static_cast<float>(m_nMeasure);
+        const float fStart = paragraph.fIndent + paragraph.fFirstLine;
+        const float fFirst = m_bTable ? std::max(fStart * m_fScale, 0.0F) : IndentOf(fStart);
         const float fOthers = IndentOf(paragraph.fIndent);
         const auto fnIndent = [&](std::size_t n) { return n == 0 ? fFirst : fOthers; };
         const auto lines = BreakLines(
@@ -100,9 +104,10 @@ private:
     }
 
     float AdvanceOf(const Glyph& glyph) {
-        return glyph.nRoom == Glyph::kOwnRoom
-                   ? m_metrics.Of(glyph).fAdvance
-                   : static_cast<float>(glyph.nRoom) / 1000.0F * m_metrics.SizeOf(glyph.nStyle);
+        const bool bGap = glyph.nUnicode == kCellGap || glyph.nUnicode == kWideGap;
+        const bool bOwn = glyph.nRoom == Glyph::kOwnRoom || (bGap && !m_bTable);
+        return bOwn ? m_metrics.Of(glyph).fAdvance
+                    : static_cast<float>(glyph.nRoom) / 1000.0F * m_metrics.SizeOf(glyph.nStyle);
     }
 
     float StartOf(const Paragraph& paragraph, const BrokenLine& line, float fIndent) const {
@@ -139,7 +144,8 @@ private:
         m_nTop += std::max(Whole(kLineHeight * fSize + m_fLineSpacing), 1);
     }
 
-    // As large as on the page beside the text, but whole on one screen.
+    // As large as on the page beside the text, but whole on one screen. Huge letters are
+    // set smaller; that is no reason for a figure.
     void SetPicture(const Figure& figure) {
         const float fWidth = figure.rcRegion.x1 - figure.rcRegion.x0;
         const float fHeight = figure.rcRegion.y1 - figure.rcRegion.y0;
@@ -147,8 +153,8 @@ private:
             return;
         }
         const float fScale =
-            std::min({m_fScale, static_cast<float>(m_nMeasure) / fWidth, m_fScreenHeight / fHeight,
-                      std::sqrt(kMostPixels / fWidth / fHeight)});
+            std::min({std::max(m_fScale, m_fZoom), static_cast<float>(m_nMeasure) / fWidth,
+                      m_fScreenHeight / fHeight, std::sqrt(kMostPixels / fWidth / fHeight)});
         LeaveSpace(0.0F);
         const std::int32_t nWidth = std::clamp(Whole(fWidth * fScale), 1, m_nMeasure);
         const std::int32_t nHeight = std::max(Whole(fHeight * fScale), 1);
@@ -162,11 +168,13 @@ private:
     const PageModel& m_model;
     std::int32_t m_nMeasure;
     float m_fScreenHeight;
+    float m_fZoom;
     float m_fScale; // pixels of a point
     float m_fLineSpacing;
     float m_fParagraphSpacing;
     bool m_bPictures;
     GlyphMetrics m_metrics;
+    bool m_bTable = false;   // the paragraph at hand is a row of one, set as such
     std::int32_t m_nTop = 0; // of what comes next
 };
 

@@ -21,6 +21,7 @@ namespace velko::engines::mupdf::reflow {
 using FontHandle = Handle<fz_font, fz_drop_font>;
 
 inline constexpr char32_t kCellGap = 0x2003; // between the cells of a table's row
+inline constexpr char32_t kWideGap = 0x2002; // a space that may be one
 
 // What neighbouring glyphs share. A run is a stretch of glyphs with one style.
 struct Style {
@@ -59,6 +60,7 @@ struct Paragraph {
     float fSpaceAbove = 0.0F; // beyond what stands between any two paragraphs
     Align eAlign = Align::kStart;
     bool bRightToLeft = false;
+    float fTableWidth = 0.0F; // of the table that it is a row of; 0 for none
     bool bFixedPitch = false; // all of it
     bool bClose = false;      // to the one above, as lines of one text
 };

@@ -81,12 +81,13 @@ public:
         : m_rows(rows), m_measure(measure), m_words(words), m_fLeading(UsualLeading(rows)) {}
 
     std::vector<Paragraph> Join() {
+        FindHeads();
         std::vector<Paragraph> paragraphs;
         std::size_t nFirst = 0;
         for (std::size_t i = 1; i <= m_rows.size(); ++i) {
             if (i == m_rows.size() || Begins(nFirst, i)) {
                 paragraphs.push_back(Make(m_rows.subspan(nFirst, i - nFirst)));
-                paragraphs.back().bClose = nFirst > 0 && AreOfListing(nFirst - 1, nFirst);
+                paragraphs.back().bClose = nFirst > 0 && AreClose(nFirst - 1, nFirst);
                 nFirst = i;
             }
         }
@@ -94,6 +95,15 @@ public:
     }
 
 private:
+    // A row above a table's rows that has gaps as well is its head.
+    void FindHeads() {
+        for (std::size_t i = m_rows.size(); i-- > 1;) {
+            const bool bHead = m_rows[i].bCells && m_rows[i - 1].nWideGaps > 1 &&
+                               !IsApart(m_rows[i - 1], m_rows[i]);
+            m_rows[i - 1].bCells = m_rows[i - 1].bCells || bHead;
+        }
+    }
+
     // Whether row `i` begins a paragraph, the one before it being from `nFirst` on.
     bool Begins(std::size_t nFirst, std::size_t i) const {
         const RowText& before = m_rows[i - 1];
@@ -158,9 +168,12 @@ private:
                RoomBehind(before, m_measure) > kVeryShort * WidthOf(m_measure);
     }
 
-    bool AreOfListing(std::size_t nBefore, std::size_t i) const {
-        return m_rows[nBefore].bFixedPitch && m_rows[i].bFixedPitch &&
-               !IsApart(m_rows[nBefore], m_rows[i]);
+    // Rows of a listing or of a table.
+    bool AreClose(std::size_t nBefore, std::size_t i) const {
+        const RowText& before = m_rows[nBefore];
+        const RowText& row = m_rows[i];
+        const bool bLike = (before.bFixedPitch && row.bFixedPitch) || (before.bCells && row.bCells);
+        return bLike && !IsApart(before, row);
     }
 
     Paragraph Make(std::span<RowText> rows) const {
@@ -168,6 +181,7 @@ private:
         const RowText& first = rows.front();
         paragraph.bRightToLeft = first.bRightToLeft;
         paragraph.bFixedPitch = first.bFixedPitch;
+        paragraph.fTableWidth = first.bCells ? WidthOf(m_measure) : 0.0F;
         if (AreCentred(rows, m_measure)) {
             paragraph.eAlign = Align::kCentre;
         } else {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <set>
 #include <utility>
 
 #include "engines/mupdf/reflow/Gutter.h"
@@ -13,12 +14,15 @@ namespace {
 
 using Pieces = std::vector<Piece>;
 
-constexpr int kDeepest = 6;          // columns within columns
-constexpr std::size_t kMostGaps = 8; // are tried to part a page across
-constexpr float kLeastGap = 0.5F;    // in the size of the text below it
-constexpr float kMargin = 0.12F;     // of the page's height may a running head stand in
-constexpr float kAsideGap = 0.9F;    // below or above it, in its size
-constexpr float kLowFigure = 20.0F;  // points from a figure's top to where it comes at most
+constexpr int kDeepest = 6;              // columns within columns
+constexpr std::size_t kMostGaps = 8;     // are tried to part a page across
+constexpr float kLeastGap = 0.5F;        // in the size of the text below it
+constexpr float kMargin = 0.12F;         // of the page's height may a running head stand in
+constexpr float kAsideGap = 0.9F;        // below or above it, in its size
+constexpr std::size_t kCellLetters = 24; // of a cell of a table across columns at most
+constexpr std::size_t kHeadLetters = 40; // of a piece of its head
+constexpr std::size_t kLeastRows = 3;
+constexpr float kLowFigure = 20.0F; // points from a figure's top to where it comes at most
 constexpr std::size_t kAsideLetters = 160;
 
 float Middle(const Piece& piece) {
@@ -108,6 +112,49 @@ bool MostRunLeft(const Pieces& pieces) {
     return 2 * static_cast<std::size_t>(nLeft) > pieces.size();
 }
 
+// Several short pieces on each side.
+bool IsRowOfCells(const Row& row, const Gutter& gutter) {
+    std::array<std::size_t, 2> counts{};
+    for (const Piece& piece : row) {
+        if (piece.IsFigure() || piece.nLetters > kCellLetters) {
+            return false;
+        }
+        ++counts[piece.rc.x0 < gutter.Middle() ? 0 : 1];
+    }
+    return std::min(counts[0], counts[1]) >= 2;
+}
+
+bool IsHeadOf(const Row& row, const Row& below) {
+    const float fGap = below[0].rc.y0 - row[0].rc.y1;
+    return row.size() > 1 && fGap < row[0].fSize &&
+           std::all_of(row.begin(), row.end(), [](const Piece& piece) {
+               return !piece.IsFigure() && piece.nLetters <= kHeadLetters;
+           });
+}
+
+// What stands in rows of cells on both sides of a gutter, and the head above them: a
+// table across columns.
+std::set<std::size_t> CellsAcross(const Gutter& gutter, const Pieces& pieces) {
+    const std::vector<Row> rows = RowsOf(pieces);
+    std::set<std::size_t> cells;
+    for (std::size_t nFirst = 0; nFirst < rows.size();) {
+        std::size_t nEnd = nFirst;
+        while (nEnd < rows.size() && IsRowOfCells(rows[nEnd], gutter)) {
+            ++nEnd;
+        }
+        if (nEnd - nFirst >= kLeastRows) {
+            const bool bHead = nFirst > 0 && IsHeadOf(rows[nFirst - 1], rows[nFirst]);
+            for (std::size_t i = bHead ? nFirst - 1 : nFirst; i < nEnd; ++i) {
+                for (const Piece& piece : rows[i]) {
+                    cells.insert(piece.nIndex);
+                }
+            }
+        }
+        nFirst = nEnd + 1;
+    }
+    return cells;
+}
+
 class Splitter {
 public:
     explicit Splitter(std::vector<Column>& columns) : m_columns(columns) {}
@@ -132,10 +179,12 @@ private:
             return Middle(one) < Middle(two);
         });
         const bool bRightFirst = MostRunLeft(pieces);
+        const std::set<std::size_t> cells = CellsAcross(gutter, pieces);
         std::array<Pieces, 2> sides;
         Pieces crossing;
         for (const Piece& piece : sorted) {
-            const bool bCrosses = gutter.IsCrossedBy(piece.rc);
+            const bool bCrosses =
+                gutter.IsCrossedBy(piece.rc) || cells.find(piece.nIndex) != cells.end();
             if (bCrosses && crossing.empty()) {
                 Flush(sides, bRightFirst, nDepth);
             } else if (!bCrosses && !crossing.empty()) {

@@ -11,6 +11,7 @@ namespace velko::engines::mupdf::reflow {
 namespace {
 
 constexpr float kCellGapSize = 1.8F; // a wider gap parts cells, in the text's size
+constexpr float kWideGapSize = 0.6F; // and a narrower one may
 constexpr std::size_t kLongestMarker = 6;
 constexpr float kPitch = 0.6F;       // of a font of one pitch, in the text's size
 constexpr float kLetterWidth = 0.5F; // on average, in the text's size
@@ -55,15 +56,18 @@ bool IsAll(const Glyphs& glyphs, const PageModel& model, int (*pIs)(fz_context*,
 }
 
 // As many as the gap has room for between letters of one pitch; 0 for other text.
-std::size_t SpacesOfListing(const RowText& text, const TextLine& line, const PageModel& model,
-                            float fGap) {
+std::size_t SpacesOfListing(const RowText& text, const TextLine& line, float fGap) {
     constexpr float kMost = 24.0F;
-    if (!IsAll(line.glyphs, model, &fz_font_is_monospaced) ||
-        !IsAll(text.glyphs, model, &fz_font_is_monospaced)) {
+    if (!line.bFixedPitch || !text.bFixedPitch) {
         return 0;
     }
     const float fSpaces = std::round(fGap / (kPitch * line.fSize));
     return fSpaces <= kMost ? static_cast<std::size_t>(std::max(fSpaces, 1.0F)) : 0;
+}
+
+std::int16_t RoomOfGap(float fGap, float fSize) {
+    constexpr float kMost = 30.0F; // in the text's size
+    return static_cast<std::int16_t>(std::lround(std::min(fGap / fSize, kMost) * 1000.0F));
 }
 
 }
@@ -95,6 +99,7 @@ RowText MakeRowText(const Row& row, std::vector<TextLine>& lines, const PageMode
             text.fBaseline = line.fBaseline;
             text.fSize = line.fSize;
             text.bRightToLeft = line.bRightToLeft;
+            text.bFixedPitch = line.bFixedPitch;
         } else {
             const float fGap = std::max(piece.rc.x0 - pBefore->rc.x1, pBefore->rc.x0 - piece.rc.x1);
             Glyph gap{U' ', Glyph::kNone, text.glyphs.back().nStyle, false};
@@ -103,7 +108,7 @@ RowText MakeRowText(const Row& row, std::vector<TextLine>& lines, const PageMode
                 probe.push_back(gap);
                 return MarkerLength(probe) != 0;
             }();
-            const std::size_t nPitch = bBehindMarker ? 0 : SpacesOfListing(text, line, model, fGap);
+            const std::size_t nPitch = bBehindMarker ? 0 : SpacesOfListing(text, line, fGap);
             if (bBehindMarker) {
                 text.fAfterMarker = piece.rc.x0;
             } else if (nPitch != 0) {
@@ -111,22 +116,29 @@ RowText MakeRowText(const Row& row, std::vector<TextLine>& lines, const PageMode
                 text.glyphs.insert(text.glyphs.end(), nPitch - 1, gap);
             } else if (fGap > kCellGapSize * line.fSize) {
                 gap.nUnicode = kCellGap;
+                gap.nRoom = RoomOfGap(fGap, line.fSize);
                 text.bCells = true;
+            } else if (fGap > kWideGapSize * line.fSize) {
+                gap.nUnicode = kWideGap;
+                gap.nRoom = RoomOfGap(fGap, line.fSize);
             }
             text.glyphs.push_back(gap);
             text.rc = fz_union_rect(text.rc, piece.rc);
             text.fSize = std::max(text.fSize, line.fSize);
+            text.bFixedPitch = text.bFixedPitch && line.bFixedPitch;
         }
         std::move(line.glyphs.begin(), line.glyphs.end(), std::back_inserter(text.glyphs));
         pBefore = &piece;
     }
+    text.nWideGaps = static_cast<std::size_t>(
+        std::count_if(text.glyphs.begin(), text.glyphs.end(),
+                      [](const Glyph& glyph) { return glyph.nUnicode == kWideGap; }));
     text.nMarker = MarkerLength(text.glyphs);
     if (text.fAfterMarker == 0.0F) {
         text.fAfterMarker =
             text.rc.x0 + (static_cast<float>(text.nMarker) + 1.0F) * kLetterWidth * text.fSize;
     }
     text.bBold = IsAll(text.glyphs, model, &fz_font_is_bold);
-    text.bFixedPitch = IsAll(text.glyphs, model, &fz_font_is_monospaced);
     return text;
 }
 

@@ -19,8 +19,9 @@ struct RowText {
     float fSize = 0.0F;
     std::size_t nMarker = 0;   // glyphs of the list's marker that it begins with
     float fAfterMarker = 0.0F; // where the text behind the marker begins
-    bool bCells = false;       // of a table, wide gaps between them
-    bool bBold = false;        // all of it
+    std::size_t nWideGaps = 0;
+    bool bCells = false; // of a table, wide gaps between them
+    bool bBold = false;  // all of it
     bool bFixedPitch = false;
     bool bRightToLeft = false;
 
