@@ -440,7 +440,8 @@ TEST_F(ReflowTest, AnAccentStandsOverItsLetterAndTakesNoRoom) {
     const auto fnPlaces = [](const std::string& strShown) {
         std::map<char32_t, float> places;
         const std::string strContent = "BT /F1 10 Tf 60 700 Td [" + strShown + "] TJ ET";
-        for (const auto& glyph : LayoutOf(ReflowOf(OnePage(strContent)))->glyphs) {
+        const auto pLayout = LayoutOf(ReflowOf(OnePage(strContent)));
+        for (const auto& glyph : pLayout->glyphs) {
             places[glyph.nUnicode] = glyph.x;
         }
         return places;
