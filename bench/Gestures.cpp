@@ -1,6 +1,7 @@
 // How long the UI thread is busy with each frame of a gesture: a fling over a
-// long document while the engine renders at full load, and a pinch over two
-// pages, in which the engine must not be asked at all.
+// long document, and over its text set anew, while the engine renders at full load,
+// and a pinch over two pages, in which the engine must not be asked at all. And how
+// long a jump to the end of such text takes.
 #include <QApplication>
 #include <algorithm>
 #include <chrono>
@@ -83,8 +84,12 @@ void RunRestOfFrame(Clock::time_point frameEnd, Distribution& turns) {
     } while (Clock::now() < frameEnd);
 }
 
-void MeasureFling(ControlUnderTest& control, int nFrames, float fPixelsPerFrame) {
-    control.Open(CorpusFile("text-2000.pdf"));
+enum Layout { kPages = 1, kText = 3 }; // modes of the control
+
+void MeasureFling(ControlUnderTest& control, const std::string& strFile, Layout eLayout,
+                  int nFrames, float fPixelsPerFrame) {
+    control.Open(strFile);
+    control.Control().SetPageLayoutMode(eLayout);
     control.RunUntilIdle();
     const auto& nRenders = control.Session().Counts()->nEngineRenders;
     const std::int64_t nBefore = nRenders;
@@ -103,13 +108,29 @@ void MeasureFling(ControlUnderTest& control, int nFrames, float fPixelsPerFrame)
         RunRestOfFrame(frameEnd, turns);
     }
     finger.Complete(pt, 1.0F);
-    std::printf("fling, %.0f pixels a frame, %d frames: page %d, %lld renders\n",
-                static_cast<double>(fPixelsPerFrame), nFrames,
-                control.Control().GetCurrentPageIndex(),
+    std::printf("fling over %s, %.0f pixels a frame, %d frames: page %d, %lld renders\n",
+                eLayout == kText ? "text set anew" : "pages", static_cast<double>(fPixelsPerFrame),
+                nFrames, control.Control().GetCurrentPageIndex(),
                 static_cast<long long>(nRenders - nBefore));
     steps.Print("  steps");
     turns.Print("  other turns of the UI thread");
     control.RunUntilIdle();
+    control.Close();
+}
+
+// Nothing of what lies between is measured.
+void MeasureFarPage(ControlUnderTest& control) {
+    control.Open(CorpusFile("text-2000.pdf"));
+    control.Control().SetPageLayoutMode(kText);
+    control.RunUntilIdle();
+    const auto start = Clock::now();
+    control.Control().GotoLastPage();
+    const double dbLaidOut = Since(start);
+    control.RunUntilSharp();
+    std::printf(
+        "to the last of 2,000 pages of text set anew: laid out after %.1f ms, sharp after "
+        "%.1f\n",
+        dbLaidOut, Since(start));
     control.Close();
 }
 
@@ -152,12 +173,16 @@ int main(int argc, char** argv) {
     ControlUnderTest control(kWidth, kHeight);
     const int nFrames = argc > 1 ? std::atoi(argv[1]) : 600;
     if (nFrames < 1) {
-        std::fprintf(stderr, "velko-bench-gestures [FRAMES]\n");
+        std::fprintf(stderr, "velko-bench-gestures [FRAMES [FILE.pdf]]\n");
         return 2;
     }
+    const std::string strFile = argc > 2 ? argv[2] : CorpusFile("text-2000.pdf");
     MeasurePinch(control);
-    for (const float fSpeed : {40.0F, 200.0F, 900.0F}) {
-        MeasureFling(control, nFrames, fSpeed);
+    for (const Layout eLayout : {kPages, kText}) {
+        for (const float fSpeed : {40.0F, 200.0F, 900.0F}) {
+            MeasureFling(control, strFile, eLayout, nFrames, fSpeed);
+        }
     }
+    MeasureFarPage(control);
     return 0;
 }
