@@ -256,24 +256,25 @@ private:
         if (pRecorded == nullptr || (nUnicode != kUnknown && !IsOperator(nUnicode))) {
             return;
         }
-        try {
-            const fz_matrix shape = fz_concat(pRecorded->shape, m_toUpright);
-            const fz_rect rc = InkOf(pRecorded->pFont, pRecorded->nGlyph, shape);
-            if (nUnicode != kUnknown || rc.y1 - rc.y0 > kHigh * c.size) {
-                const fz_point pt = fz_transform_point(c.origin, m_toUpright);
-                line.operators.push_back(fz_translate_rect(rc, pt.x, pt.y));
-            }
-        } catch (const LibraryError&) {
-            // Nobody looks for its limits then.
+        const fz_matrix shape = fz_concat(pRecorded->shape, m_toUpright);
+        const fz_rect rc = fz_transform_rect(GlyphInk(*pRecorded), shape);
+        if (nUnicode != kUnknown || rc.y1 - rc.y0 > kHigh * c.size) {
+            const fz_point pt = fz_transform_point(c.origin, m_toUpright);
+            line.operators.push_back(fz_translate_rect(rc, pt.x, pt.y));
         }
     }
 
     bool HasInk(const RecordedGlyph& glyph) {
-        const auto [it, bNew] = m_inked.try_emplace({glyph.pFont, glyph.nGlyph}, true);
+        const fz_rect rc = GlyphInk(glyph);
+        return rc.x1 > rc.x0 && rc.y1 > rc.y0;
+    }
+
+    // In the font's units. What cannot be told is taken for something.
+    fz_rect GlyphInk(const RecordedGlyph& glyph) {
+        const auto [it, bNew] = m_ink.try_emplace({glyph.pFont, glyph.nGlyph}, fz_unit_rect);
         if (bNew) {
             try {
-                const fz_rect rc = InkOf(glyph.pFont, glyph.nGlyph, fz_identity);
-                it->second = rc.x1 > rc.x0 && rc.y1 > rc.y0;
+                it->second = InkOf(glyph.pFont, glyph.nGlyph, fz_identity);
             } catch (const LibraryError&) {
                 // It is drawn as it can be.
             }
@@ -414,7 +415,7 @@ private:
     std::vector<const fz_stext_char*> m_characters; // of the line at hand
     std::vector<PlacedCharacter> m_order;
     std::vector<Place> m_places; // of the glyphs of the line at hand
-    std::map<std::pair<fz_font*, std::int32_t>, bool> m_inked;
+    std::map<std::pair<fz_font*, std::int32_t>, fz_rect> m_ink;
 };
 
 void CollectLines(CapturedPage& page, const fz_stext_page& text, LineReader& reader) {

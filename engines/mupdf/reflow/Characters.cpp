@@ -37,7 +37,7 @@ constexpr std::u32string_view kBullets =
 constexpr std::u32string_view kSentenceEnds = U".!?:;\u2026\u061F\u06D4\u3002\uFF01\uFF1F\uFF1A";
 constexpr std::u32string_view kClosing = U")]}\"'\u00BB\u2019\u201D\u203A\u300D\u300F\uFF09";
 
-constexpr std::u32string_view kAccents = U"^`~\u00A8\u00AF\u00B4\u00B8";
+constexpr std::u32string_view kAccents = U"^`~\u00A8\u00AF\u00B4\u00B8\u25EF";
 
 bool Has(std::u32string_view set, char32_t c) {
     return set.find(c) != std::u32string_view::npos;
