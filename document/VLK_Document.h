@@ -41,6 +41,7 @@
 #include "platform/concurrency/Task.h"
 #include "platform/foundation/Collections.h"
 #include "platform/foundation/Geometry.h"
+#include "platform/foundation/SecretText.h"
 #include "platform/storage/StorageFile.h"
 
 namespace velko::vkit {
@@ -64,7 +65,7 @@ public:
     // task; a file above `kMaxFileSize` fails with `InvalidArgumentException`.
     static concurrency::task<std::shared_ptr<VLK_DocOpenResult>> OpenAsync(
         std::shared_ptr<Windows::Storage::StorageFile> pFile, std::uint32_t nFileSize,
-        std::string strPassword);
+        Platform::SecretText password);
 
     // Around a loaded engine document that the host holds; no file, no reader.
     // Raises `NullReferenceException` without one.
@@ -241,7 +242,7 @@ private:
     // Opening, on a pool thread.
     static concurrency::task<std::shared_ptr<VLK_DocOpenResult>> OpenOnPool(
         std::shared_ptr<Windows::Storage::StorageFile> pFile, std::uint32_t nFileSize,
-        std::string strPassword);
+        Platform::SecretText password);
     void AttachFile(const std::shared_ptr<Windows::Storage::StorageFile>& pFile,
                     std::uint32_t nFileSize);
     velko::common::ErrorCode LoadEngine(const std::string& strPassword);

@@ -28,21 +28,21 @@ void RefuseLargeFile(std::uint64_t nSize) {
 }
 
 concurrency::task<std::shared_ptr<VLK_DocOpenResult>> VLK_Document::OpenAsync(
-    std::shared_ptr<StorageFile> pFile, std::uint32_t nFileSize, std::string strPassword) {
+    std::shared_ptr<StorageFile> pFile, std::uint32_t nFileSize, Platform::SecretText password) {
     if (!pFile) {
         return concurrency::task_from_result<std::shared_ptr<VLK_DocOpenResult>>(
             std::make_shared<VLK_DocOpenResult>());
     }
-    return OpenOnPool(std::move(pFile), nFileSize, std::move(strPassword));
+    return OpenOnPool(std::move(pFile), nFileSize, std::move(password));
 }
 
 concurrency::task<std::shared_ptr<VLK_DocOpenResult>> VLK_Document::OpenOnPool(
-    std::shared_ptr<StorageFile> pFile, std::uint32_t nFileSize, std::string strPassword) {
+    std::shared_ptr<StorageFile> pFile, std::uint32_t nFileSize, Platform::SecretText password) {
     co_await concurrency::resume_background();
     auto pResult = std::make_shared<VLK_DocOpenResult>();
     auto pDocument = std::make_shared<VLK_Document>(PrivateTag{});
     pDocument->AttachFile(pFile, nFileSize);
-    pResult->m_nErrorCode = pDocument->LoadEngine(strPassword);
+    pResult->m_nErrorCode = pDocument->LoadEngine(password.Text());
     pResult->m_pDocument = std::move(pDocument);
     co_return pResult;
 }

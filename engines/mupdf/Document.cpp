@@ -114,7 +114,7 @@ ErrorCode Document::LoadUnderLock(const std::string& strPassword) {
         return ErrorCode::e_ErrFormat;
     }
     auto pLoaded = std::make_shared<Loaded>(nPages);
-    pLoaded->strPassword = strPassword;
+    pLoaded->password = Platform::MaskedText(strPassword);
     pLoaded->nPasswordType = PasswordTypeOf(eAccess);
     pLoaded->nEncryptionType = pFile->EncryptionType();
     pLoaded->bRepaired = pFile->WasRepaired();
@@ -256,7 +256,7 @@ void Document::ReadSizesInTurn(const std::weak_ptr<Document>& wkSelf, Loaded& lo
 
 std::shared_ptr<OpenedFile> Document::OpenAgain(const Loaded& loaded) const {
     auto pFile = std::make_shared<OpenedFile>(m_pReader);
-    if (pFile->Authenticate(loaded.strPassword) == OpenedFile::Access::kRefused ||
+    if (pFile->Authenticate(loaded.password.Reveal().Text()) == OpenedFile::Access::kRefused ||
         pFile->ListPages() != loaded.table.Count()) {
         throw EngineException(ErrorCode::e_ErrConflict, "the file has changed");
     }

@@ -24,6 +24,7 @@
 #include "engines/mupdf/PageTable.h"
 #include "engines/mupdf/reflow/MeasuredSizes.h"
 #include "platform/concurrency/CriticalSection.h"
+#include "platform/foundation/SecretText.h"
 
 namespace velko::engines::mupdf {
 
@@ -72,7 +73,7 @@ private:
     struct Loaded {
         explicit Loaded(std::int32_t nPages) : table(nPages) {}
         PageTable table;
-        std::string strPassword;
+        Platform::MaskedText password; // for `OpenAgain`
         std::int32_t nPasswordType = kNoPassword;
         std::uint32_t nPermissions = 0;
         std::int32_t nEncryptionType = 0;

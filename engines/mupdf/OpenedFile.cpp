@@ -1,10 +1,13 @@
 #include "engines/mupdf/OpenedFile.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <utility>
 
 #include "engines/mupdf/PageTree.h"
+#include "engines/mupdf/PasswordSpellings.h"
+#include "platform/foundation/SecretText.h"
 
 namespace velko::engines::mupdf {
 
@@ -13,6 +16,7 @@ namespace {
 // Bits of `pdf_authenticate_password`.
 constexpr int kNoPasswordNeeded = 1;
 constexpr int kOwnerPassword = 4;
+constexpr int kAes256Type = 5;
 
 // Up to this many bytes the file is probably in memory, so that reading each
 // page's dictionary to know the page tree costs little.
@@ -97,18 +101,43 @@ OpenedFile::~OpenedFile() {
     pdf_drop_document(ThreadContext(), m_pDocument);
 }
 
-OpenedFile::Access OpenedFile::Authenticate(const std::string& strPassword) {
+namespace {
+
+// Beyond this the library's judging of a password does not reach down the stack.
+[[gnu::noinline]] void WipeStack() {
+    std::array<unsigned char, std::size_t{64} << 10> below;
+    Platform::Wipe(below.data(), below.size());
+}
+
+}
+
+// What the library answers; it leaves copies of the password on the stack.
+int OpenedFile::Try(const std::string& strPassword) {
     fz_context* const ctx = ThreadContext();
     int nResult = 0;
+    Use([&] { nResult = pdf_authenticate_password(ctx, m_pDocument, strPassword.c_str()); });
+    WipeStack();
+    return nResult;
+}
+
+OpenedFile::Access OpenedFile::Authenticate(const std::string& strPassword) {
+    fz_context* const ctx = ThreadContext();
     bool bEncrypted = false;
     Use([&] {
         bEncrypted = pdf_is_dict(ctx, pdf_dict_get(ctx, pdf_trailer(ctx, m_pDocument),
                                                    PDF_NAME(Encrypt))) != 0;
-        nResult = pdf_authenticate_password(ctx, m_pDocument, strPassword.c_str());
-        if (nResult == 0) {
-            nResult = pdf_authenticate_password(ctx, m_pDocument, "");
-        }
     });
+    int nResult = 0;
+    if (!strPassword.empty() || !m_bWantsPassword) {
+        const bool bUnicode = bEncrypted && EncryptionType() == kAes256Type;
+        for (const Platform::SecretText& spelling : PasswordSpellings(strPassword, bUnicode)) {
+            nResult = nResult == 0 ? Try(spelling.Text()) : nResult;
+        }
+    }
+    if (nResult == 0 && !m_bWantsPassword) {
+        nResult = Try("");
+        m_bWantsPassword = nResult == 0;
+    }
     if (nResult == 0) {
         return Access::kRefused;
     }

@@ -35,7 +35,8 @@ public:
     std::uint32_t FileSize() const { return m_stream.Size(); }
 
     // May be called again after a refusal. A file that opens without a
-    // password opens with any. Raises as the constructor does.
+    // password opens with any. The password counts in each way in which programs write
+    // one into a file (`PasswordSpellings`). Raises as the constructor does.
     Access Authenticate(const std::string& strPassword);
 
     // Finds the pages and tells how many there are: the leaves of the page tree
@@ -64,11 +65,13 @@ private:
     class UseScope;
 
     void CorrectPageCount(std::int32_t nPages);
+    int Try(const std::string& strPassword);
 
     ReaderStream m_stream;
     pdf_document* m_pDocument = nullptr;
     std::vector<std::int32_t> m_pageObjects; // by page; empty when not listed
     bool m_bDamaged = false;
+    bool m_bWantsPassword = false; // it was refused without one
 };
 
 }

@@ -19,6 +19,7 @@ class SecretText {
 public:
     SecretText() = default;
     SecretText(std::string&& strText);
+    SecretText(const std::string& strText) : SecretText(std::string_view(strText)) {}
     SecretText(std::string_view text);
     SecretText(const char* szText) : SecretText(std::string_view(szText)) {}
     SecretText(const SecretText& other) : SecretText(std::string_view(other.m_strText)) {}
@@ -37,6 +38,20 @@ public:
 
 private:
     std::string m_strText;
+};
+
+// Keeps a secret for long: what lies in memory is not the text, so that who looks
+// through the memory, or an image of it, finds it nowhere. No protection against
+// whoever knows this class.
+class MaskedText {
+public:
+    MaskedText() = default;
+    explicit MaskedText(std::string_view text);
+    SecretText Reveal() const;
+
+private:
+    std::string m_strMask;
+    std::string m_strMasked;
 };
 
 }

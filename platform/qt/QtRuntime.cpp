@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/foundation/Exception.h"
+#include "platform/foundation/TextForm.h"
 #include "platform/storage/ApplicationData.h"
 
 namespace Platform::Qt {
@@ -17,18 +18,53 @@ constexpr unsigned kFewestPoolThreads = 2; // one renders, one loads
 
 }
 
+namespace {
+
+QString::NormalizationForm FormOf(TextForm eForm) {
+    switch (eForm) {
+        case TextForm::Composed:
+            return QString::NormalizationForm_C;
+        case TextForm::Decomposed:
+            return QString::NormalizationForm_D;
+        case TextForm::CompatibleComposed:
+            break;
+    }
+    return QString::NormalizationForm_KC;
+}
+
+template <class Text>
+void WipeText(Text& text) {
+    Wipe(text.data(), static_cast<std::size_t>(text.size()) * sizeof(*text.data()));
+}
+
+SecretText NormalizeByQt(const SecretText& text, TextForm eForm) {
+    QString strText = QString::fromStdString(text.Text());
+    QString strNormal = strText.normalized(FormOf(eForm));
+    QByteArray bytes = strNormal.toUtf8();
+    const SecretText normal(
+        std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
+    WipeText(strText);
+    WipeText(strNormal);
+    WipeText(bytes);
+    return normal;
+}
+
+}
+
 QtRuntime::QtRuntime(QtEnvironment::Options options)
     : m_pDispatcher(QtDispatcher::Create()),
       m_pPool(std::make_shared<concurrency::ThreadPool>(
           std::max(kFewestPoolThreads, std::thread::hardware_concurrency()))),
       m_pEnvironment(std::make_shared<QtEnvironment>(m_pDispatcher, std::move(options))) {
     concurrency::set_task_pool(m_pPool); // from here on nothing raises
+    SetTextNormalizer(NormalizeByQt);
     SetEnvironment(m_pEnvironment);
 }
 
 QtRuntime::~QtRuntime() {
     m_pPool->stop();
     concurrency::set_task_pool(nullptr);
+    SetTextNormalizer(nullptr);
     m_pDispatcher->ShutDown();
     StoreData();
     Windows::Storage::ApplicationData::SetCurrent(nullptr);
