@@ -4,12 +4,21 @@
 
 #include "control/PDFViewCtrl.h"
 #include "control/VelkoViewControl.h"
+#include "control/dialogs/ContentHostedDialog.h"
+#include "control/dialogs/NonVisibilityButton.h"
+#include "control/dialogs/PasswordDialog.h"
 
 namespace velko::vkit {
 
 const std::vector<XamlType>& XamlMetaDataProvider::Types() {
     static const std::vector<XamlType> s_types = {
         {"velko.vkit.PDFViewCtrl", "Windows.UI.Xaml.Controls.ContentControl", &PDFViewCtrl::Create},
+        {"velko.vkit.ContentHostedDialog", "Windows.UI.Xaml.Controls.ContentControl",
+         &ContentHostedDialog::Create},
+        {"velko.vkit.NonVisibilityButton", "Windows.UI.Xaml.Controls.Button",
+         [] { return std::make_shared<NonVisibilityButton>(); }},
+        {"velko.vkit.PasswordDialog", "Windows.UI.Xaml.Controls.UserControl",
+         &PasswordDialog::Create},
         {"velko.vkit.VelkoViewControl", "Windows.UI.Xaml.Controls.UserControl",
          &VelkoViewControl::Create},
     };

@@ -13,6 +13,7 @@ namespace velko::vkit {
 class IPDFViewer;
 class PDFViewCtrl;
 class PDFViewerManager;
+class PasswordDialog;
 class VLK_Document;
 class VelkoViewControl;
 struct PDFViewerState;
@@ -26,6 +27,7 @@ public:
     std::shared_ptr<VelkoViewControl> ViewControl() const; // empty before the template
     std::shared_ptr<VLK_Document> Document() const;        // empty when none is attached
     std::shared_ptr<PDFViewerState> ViewerState() const;   // the last that was read, or empty
+    std::shared_ptr<PasswordDialog> OpenPasswordDialog() const; // empty when none is open
     bool IsProgressRingVisible() const;
 
 private:

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "control/PDFViewCtrl.h"
+#include "control/dialogs/ContentHostedDialog.h"
 #include "document/VLK_Document.h"
 #include "platform/foundation/FirstFailure.h"
 
@@ -13,10 +14,6 @@ using velko::common::ErrorCode;
 InsertDocumentPasswdwordDlgUIOprateion::InsertDocumentPasswdwordDlgUIOprateion(
     std::shared_ptr<VLK_DocOpenRecord> pRecord, std::weak_ptr<PDFViewCtrl> wkControl)
     : m_pRecord(std::move(pRecord)), m_wkControl(std::move(wkControl)) {}
-
-void InsertDocumentPasswdwordDlgUIOprateion::SetCloseDialog(std::function<void()> fnClose) {
-    m_fnCloseDialog = std::move(fnClose);
-}
 
 bool InsertDocumentPasswdwordDlgUIOprateion::IsDocumentOpen() const {
     return m_pRecord->m_pDocument && !m_pRecord->m_pDocument->IsDisposed();
@@ -36,8 +33,8 @@ bool InsertDocumentPasswdwordDlgUIOprateion::TakeAnswer() {
 }
 
 void InsertDocumentPasswdwordDlgUIOprateion::CloseDialog() {
-    if (const auto fnClose = std::exchange(m_fnCloseDialog, nullptr)) {
-        fnClose();
+    if (const auto pDialog = HostedDialog()) {
+        pDialog->Close();
     }
 }
 
@@ -57,10 +54,6 @@ void InsertDocumentPasswdwordDlgUIOprateion::OnPasswordCancel() {
     Answer([this](PDFViewCtrl& control) {
         control.RaiseOpenDoc(m_pRecord->m_pDocument, ErrorCode::e_ErrUnknown, 1);
     });
-}
-
-void InsertDocumentPasswdwordDlgUIOprateion::Abandon() {
-    Answer([](PDFViewCtrl&) {});
 }
 
 template <class F>

@@ -1,12 +1,11 @@
 // Carries out what a password dialog decides, for one protected document.
 //
 // Lifetime: made by the control when an open asks for a password; the dialog
-// holds it. It does nothing for a document that was closed meanwhile or a
-// control that is gone, but always completes the record's event.
+// holds it, and it the dialog weakly. It does nothing for a document that was closed
+// meanwhile or a control that is gone, but always completes the record's event.
 // Threads: UI thread only.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 
@@ -15,6 +14,7 @@
 
 namespace velko::vkit {
 
+class ContentHostedDialog;
 class PDFViewCtrl;
 
 class InsertDocumentPasswdwordDlgUIOprateion final
@@ -24,16 +24,16 @@ public:
     InsertDocumentPasswdwordDlgUIOprateion(std::shared_ptr<VLK_DocOpenRecord> pRecord,
                                            std::weak_ptr<PDFViewCtrl> wkControl);
 
-    // What takes the dialog off the screen; called once, before the answer acts.
-    void SetCloseDialog(std::function<void()> fnClose);
+    // Closed before the answer acts.
+    void HostedDialog(const std::shared_ptr<ContentHostedDialog>& pDialog) {
+        m_wkHostedDialog = pDialog;
+    }
+    std::shared_ptr<ContentHostedDialog> HostedDialog() const { return m_wkHostedDialog.lock(); }
 
     bool JudgePassword(const std::string& strPassword) override;
     std::string GetFileName() override;
     void OnPasswordOK() override;
     void OnPasswordCancel() override;
-
-    // Ends the wait without an answer: the document is being closed.
-    void Abandon();
 
     const std::shared_ptr<VLK_DocOpenRecord>& Record() const { return m_pRecord; }
 
@@ -47,7 +47,7 @@ private:
 
     std::shared_ptr<VLK_DocOpenRecord> m_pRecord;
     std::weak_ptr<PDFViewCtrl> m_wkControl;
-    std::function<void()> m_fnCloseDialog;
+    std::weak_ptr<ContentHostedDialog> m_wkHostedDialog;
     bool m_bAnswered = false;
 };
 

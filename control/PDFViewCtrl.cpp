@@ -7,6 +7,8 @@
 #include "control/Markup.h"
 #include "control/PDFViewerManager.h"
 #include "control/VelkoViewControl.h"
+#include "control/dialogs/ContentHostedDialog.h"
+#include "control/dialogs/PasswordDialog.h"
 #include "document/VLK_Document.h"
 #include "platform/foundation/FirstFailure.h"
 #include "platform/system/Environment.h"
@@ -151,6 +153,7 @@ void PDFViewCtrl::OnApplyTemplate() {
 
 void PDFViewCtrl::OnUnloaded() {
     m_pPageViewMgr.reset();
+    GiveUpPassword(); // nobody can be asked any more
 }
 
 void PDFViewCtrl::ShowProgressRing() {
@@ -189,6 +192,14 @@ std::shared_ptr<PDFViewerState> ControlParts::ViewerState() const {
     return m_control.Enter()->m_pViewerState;
 }
 
+std::shared_ptr<PasswordDialog> ControlParts::OpenPasswordDialog() const {
+    const auto pOperation = m_control.Enter()->m_pPasswordOperation;
+    const auto pHosted = pOperation ? pOperation->HostedDialog() : nullptr;
+    return pHosted && pHosted->IsOpen()
+               ? std::dynamic_pointer_cast<PasswordDialog>(pHosted->Content())
+               : nullptr;
+}
+
 bool ControlParts::IsProgressRingVisible() const {
     const auto pSelf = m_control.Enter();
     return pSelf->m_pProgressRing
@@ -213,6 +224,14 @@ std::shared_ptr<PDFViewCtrl::Grid> PDFViewCtrl::Layout() {
 
 std::shared_ptr<IJudgePasswordHelper> PDFViewCtrl::PasswordJudge() {
     return Enter()->m_pPasswordOperation;
+}
+
+bool PDFViewCtrl::IsPasswordDialogEnabled() {
+    return Enter()->m_bIsPasswordDialogEnabled;
+}
+
+void PDFViewCtrl::IsPasswordDialogEnabled(bool bEnabled) {
+    Enter()->m_bIsPasswordDialogEnabled = bEnabled;
 }
 
 void PDFViewCtrl::SetIsCanScrollPageViewEnabled(bool bEnabled) {

@@ -110,6 +110,11 @@ public:
 
     // Who judges the password of the document that waits for one; empty when none does.
     std::shared_ptr<IJudgePasswordHelper> PasswordJudge();
+    // Whether the control asks for it itself, by a dialog over its pages; true at first. A host
+    // that asks in its own way answers the judge. Closing the document, opening another
+    // and taking the control off its window give the answer "given up".
+    bool IsPasswordDialogEnabled();
+    void IsPasswordDialogEnabled(bool bEnabled);
 
     // --- pages ---
     void GotoPage(std::int32_t nPageIndex);
@@ -317,9 +322,10 @@ private:
     // False when the document was replaced while its first layout was made.
     bool ShowOpenedDocument();
     void ShowPasswordDialog(const std::shared_ptr<VLK_DocOpenRecord>& pRecord);
+    void OpenPasswordDialog(); // once there is a window to open it in
+    void GiveUpPassword();
     void CloseDocument(bool bClearViewer);
     void CloseOpenDocument();
-    void ForgetPasswordOf(const std::shared_ptr<VLK_Document>& pDocument);
     void ForgetPasswordOperation(const InsertDocumentPasswdwordDlgUIOprateion& operation);
     void ClearViewer();
     void RaiseOpenDoc(const std::shared_ptr<VLK_Document>& pDocument, ErrorCode nErrorCode,
@@ -365,6 +371,7 @@ private:
     // The ring's state, also while there is no template to show it.
     bool m_bProgressRingShown = false;
     bool m_bIsCanScrollPageViewEnabled = true;
+    bool m_bIsPasswordDialogEnabled = true;
     // The document whose closing events run; it is not closed twice.
     std::shared_ptr<VLK_Document> m_pClosingDocument;
     std::shared_ptr<InsertDocumentPasswdwordDlgUIOprateion> m_pPasswordOperation;

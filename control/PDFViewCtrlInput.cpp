@@ -28,6 +28,7 @@ void PDFViewCtrl::OnLoaded() {
         ApplyTemplate(); // connects the panel that it makes
     }
     ForwardSize();
+    OpenPasswordDialog(); // which a document may wait for since before there was a window
 }
 
 void PDFViewCtrl::ConnectPanel() {

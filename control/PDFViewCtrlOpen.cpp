@@ -9,6 +9,8 @@
 #include "control/PDFViewCtrl_p.h"
 #include "control/VLK_DocOpenRecord.h"
 #include "control/VelkoViewControl.h"
+#include "control/dialogs/ContentHostedDialog.h"
+#include "control/dialogs/PasswordDialog.h"
 #include "platform/foundation/FirstFailure.h"
 #include "platform/system/Debug.h"
 #include "settings/AppConfig.h"
@@ -19,7 +21,9 @@ namespace velko::vkit {
 
 namespace {
 
+using Platform::SecretText;
 using velko::common::ErrorCode;
+namespace Xaml = Windows::UI::Xaml;
 using OpenResult = std::shared_ptr<VLK_DocOpenResult>;
 using FilePtr = std::shared_ptr<Windows::Storage::StorageFile>;
 
@@ -30,10 +34,10 @@ OpenResult TooLarge() {
     return pResult;
 }
 
-concurrency::task<OpenResult> OpenFile(concurrency::task<FilePtr> file, std::string strPassword) {
+concurrency::task<OpenResult> OpenFile(concurrency::task<FilePtr> file, SecretText password) {
     const FilePtr pFile = co_await file;
     if (!pFile) {
-        const auto opening = VLK_Document::OpenAsync(nullptr, 0, std::move(strPassword));
+        const auto opening = VLK_Document::OpenAsync(nullptr, 0, std::move(password));
         co_return co_await opening;
     }
     const auto asking = pFile->GetBasicPropertiesAsync().AsTask();
@@ -42,16 +46,16 @@ concurrency::task<OpenResult> OpenFile(concurrency::task<FilePtr> file, std::str
         co_return TooLarge();
     }
     const auto opening = VLK_Document::OpenAsync(pFile, static_cast<std::uint32_t>(properties.Size),
-                                                 std::move(strPassword));
+                                                 std::move(password));
     co_return co_await opening;
 }
 
 // Without a context to come back to the steps follow each other at once, also
 // while the UI thread is busy with making its first window.
 concurrency::task<OpenResult> OpenOffUiThread(concurrency::task<FilePtr> file,
-                                              std::string strPassword) {
+                                              SecretText password) {
     const concurrency::context::scope noContext(nullptr);
-    return OpenFile(std::move(file), std::move(strPassword));
+    return OpenFile(std::move(file), std::move(password));
 }
 
 // A saved view may be older than the file: its page may be gone by now.
@@ -77,17 +81,19 @@ void LogOpenError(ErrorCode nErrorCode) {
 
 concurrency::task<ErrorCode> PDFViewCtrl::OpenPdfDocument(std::shared_ptr<StorageFile> pFile,
                                                           std::string strPassword) {
+    SecretText password(std::move(strPassword)); // cleared whatever comes
     const auto pSelf = Enter();
     ShowProgressRing();
     auto file = concurrency::task_from_result<FilePtr>(std::move(pFile));
-    return FinishOpen(OpenOffUiThread(std::move(file), std::move(strPassword)));
+    return FinishOpen(OpenOffUiThread(std::move(file), std::move(password)));
 }
 
 concurrency::task<ErrorCode> PDFViewCtrl::OpenPdfDocument(std::string strPath,
                                                           std::string strPassword) {
+    SecretText password(std::move(strPassword));
     const auto pSelf = Enter();
     const FileTask file = StorageFile::GetFileFromPathAsync(strPath).AsTask();
-    return FinishOpenFromPath(file, OpenOffUiThread(file, std::move(strPassword)));
+    return FinishOpenFromPath(file, OpenOffUiThread(file, std::move(password)));
 }
 
 concurrency::task<ErrorCode> PDFViewCtrl::FinishOpenFromPath(FileTask file, OpenTask opening) {
@@ -191,6 +197,33 @@ void PDFViewCtrl::RaiseOpenDoc(const std::shared_ptr<VLK_Document>& pDocument, E
 void PDFViewCtrl::ShowPasswordDialog(const std::shared_ptr<VLK_DocOpenRecord>& pRecord) {
     m_pPasswordOperation =
         std::make_shared<InsertDocumentPasswdwordDlgUIOprateion>(pRecord, Self());
+    OpenPasswordDialog();
+}
+
+void PDFViewCtrl::OpenPasswordDialog() {
+    const auto pOperation = m_pPasswordOperation;
+    const auto pWindow = Xaml::Window::Of(*this);
+    if (!pOperation || pOperation->HostedDialog() || !m_bIsPasswordDialogEnabled || !pWindow ||
+        !IsLoaded()) {
+        return;
+    }
+    const Xaml::Window::CurrentScope inOwnWindow(pWindow);
+    const auto pHosted = ContentHostedDialog::Create();
+    const auto pDialog = PasswordDialog::Create();
+    pDialog->JudgePassword(pOperation);
+    pOperation->HostedDialog(pHosted);
+    pHosted->Content(pDialog);
+    pHosted->AutomationName("Password");
+    pHosted->IsLightDismissEnabled(false);
+    pHosted->AutoClose(false);
+    pHosted->Open();
+}
+
+// The wait for a password ends with the event that a reader who gives up makes.
+void PDFViewCtrl::GiveUpPassword() {
+    if (const auto pOperation = m_pPasswordOperation) {
+        pOperation->OnPasswordCancel();
+    }
 }
 
 std::shared_ptr<Windows::Storage::StorageFile> PDFViewCtrl::GetDocumentFile() {
@@ -222,7 +255,9 @@ void PDFViewCtrl::CloseDocument() {
 
 void PDFViewCtrl::CloseDocument(bool bClearViewer) {
     Platform::FirstFailure failure;
-    if (m_pDocument && m_pDocument != m_pClosingDocument) {
+    const auto pDocument = m_pDocument;
+    failure.Run([this] { GiveUpPassword(); });
+    if (m_pDocument && m_pDocument == pDocument && m_pDocument != m_pClosingDocument) {
         failure.Run([this] { CloseOpenDocument(); });
     }
     // A document that a host attached inside `CloseDocEvent` keeps its viewer.
@@ -250,15 +285,8 @@ void PDFViewCtrl::CloseOpenDocument() {
     if (m_pClosingDocument == pDocument) {
         m_pClosingDocument.reset();
     }
-    failure.Run([&] { ForgetPasswordOf(pDocument); });
     LetHandlersGo();
     failure.Rethrow();
-}
-
-void PDFViewCtrl::ForgetPasswordOf(const std::shared_ptr<VLK_Document>& pDocument) {
-    if (m_pPasswordOperation && m_pPasswordOperation->Record()->m_pDocument == pDocument) {
-        std::exchange(m_pPasswordOperation, nullptr)->Abandon();
-    }
 }
 
 void PDFViewCtrl::ForgetPasswordOperation(const InsertDocumentPasswdwordDlgUIOprateion& operation) {

@@ -19,9 +19,9 @@
 // Threads: a value.
 #pragma once
 
-#include <QString>
 #include <optional>
 
+#include "platform/foundation/SecretText.h"
 #include "widget/FilePath.h"
 
 namespace velko::vkit {
@@ -32,7 +32,7 @@ public:
 
     struct Request {
         FilePath path;
-        QString strPassword;
+        Platform::SecretText password;
     };
 
     // What becomes of an open that has ended.

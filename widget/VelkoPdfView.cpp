@@ -90,7 +90,8 @@ void VelkoPdfView::ConnectWindow() {
     const QPointer<VelkoPdfView> pView(this); // the control may outlive the view
     m_pControl->OpenDocEvent.add([pView](const auto&, const auto& pArgs) {
         if (pView) {
-            pView->OnControlOpened(pArgs->ErrorCode);
+            pArgs->IsCanceled != 0 ? pView->OnPasswordGivenUp()
+                                   : pView->OnControlOpened(pArgs->ErrorCode);
         }
     });
     m_pControl->PageLayoutModeChangedEvent.add([pView](const auto&, const auto&) {

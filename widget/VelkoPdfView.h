@@ -80,7 +80,7 @@ public:
         Opening, // an earlier document may still be shown meanwhile
         Shown,
         Failed,        // the last open failed and nothing is shown
-        PasswordNeeded // the last open needs another password; nothing is shown
+        PasswordNeeded // the reader is asked for the password of the last open
     };
     Q_ENUM(State)
 
@@ -101,7 +101,7 @@ public:
     // widget or an application object.
     static std::shared_ptr<PDFViewCtrl> CreateControl();
     static Opening BeginOpen(PDFViewCtrl& control, const FilePath& path,
-                             const QString& strPassword = {});
+                             const Platform::SecretText& password = {});
 
     // Gives the control the view's size while the view is hidden and Qt puts its
     // size event off, so that the first layout need not wait for the display.
@@ -115,7 +115,10 @@ public:
     // the task pool, the last one before the view goes.
     void KeepPlace(bool bKeep);
 
-    void Open(const FilePath& path, const QString& strPassword = {});
+    // A document that the password, or none, does not open is asked for by a dialog over
+    // the view, meanwhile in the state `PasswordNeeded`; a reader who gives up leaves
+    // what `CloseDocument` does.
+    void Open(const FilePath& path, Platform::SecretText password = {});
     // Takes up an open that was begun on the control.
     void Follow(const FilePath& path, Opening opening);
     // In the state `PasswordNeeded` it gives up that document only: the one that was
@@ -258,6 +261,7 @@ private:
     void RememberShown();
     void Await(Opening opening);
     void OnControlOpened(velko::common::ErrorCode eCode);
+    void OnPasswordGivenUp();
     void BeginShowing();
     void OnControlLaidOut();
     void OnGiven();

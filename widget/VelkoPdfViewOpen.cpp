@@ -64,8 +64,8 @@ bool ForgetPlaceIn(const FilePath& path) {
 }
 
 VelkoPdfView::Opening VelkoPdfView::BeginOpen(PDFViewCtrl& control, const FilePath& path,
-                                              const QString& strPassword) {
-    return control.OpenPdfDocument(path.Absolute().Bytes(), strPassword.toStdString());
+                                              const Platform::SecretText& password) {
+    return control.OpenPdfDocument(path.Absolute().Bytes(), password.Text());
 }
 
 void VelkoPdfView::KeepPlace(bool bKeep) {
@@ -85,8 +85,8 @@ void VelkoPdfView::KeepPlace(bool bKeep) {
 
 // --- asking ----------------------------------------------------------------
 
-void VelkoPdfView::Open(const FilePath& path, const QString& strPassword) {
-    OpeningQueue::Request request{path.Absolute(), strPassword};
+void VelkoPdfView::Open(const FilePath& path, Platform::SecretText password) {
+    OpeningQueue::Request request{path.Absolute(), std::move(password)};
     if (!m_queue.IsIdle()) {
         m_queue.Replace(std::move(request));
         return;
@@ -100,7 +100,7 @@ void VelkoPdfView::Begin(const OpeningQueue::Request& request) {
         return;
     }
     try {
-        Await(BeginOpen(*m_pControl, request.path, request.strPassword));
+        Await(BeginOpen(*m_pControl, request.path, request.password));
     } catch (...) {
         const std::exception_ptr pError = std::current_exception();
         Await(
@@ -172,6 +172,18 @@ void VelkoPdfView::OnControlOpened(ErrorCode eCode) {
     }
 }
 
+// Not within the control's event, which its closing ends.
+void VelkoPdfView::OnPasswordGivenUp() {
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (m_eState == State::PasswordNeeded && m_queue.IsIdle()) {
+                CloseDocument();
+            }
+        },
+        Qt::QueuedConnection);
+}
+
 void VelkoPdfView::BeginShowing() {
     m_history.Clear();
     m_bSeen = false;
@@ -227,9 +239,9 @@ void VelkoPdfView::TakeOutcome(const OpeningQueue::Ended& ended, const Opening& 
         OnOpenBroken(ended, std::current_exception(), strTrouble);
         return;
     }
-    if (eCode == ErrorCode::e_ErrPassword) {
+    if (eCode == ErrorCode::e_ErrPassword && ended.eState != Arrival::Arrived) {
         OnPasswordNeeded();
-    } else if (eCode != ErrorCode::e_ErrSuccess) {
+    } else if (eCode != ErrorCode::e_ErrSuccess && eCode != ErrorCode::e_ErrPassword) {
         ShowWhatIsLeft(strTrouble.isEmpty() ? ReasonOf(eCode) : strTrouble);
     } else if (m_pControl->GetPageCount() == 0) {
         Guard([this] { m_pControl->CloseDocument(); });
@@ -264,7 +276,7 @@ void VelkoPdfView::OnPasswordNeeded() {
     if (std::exchange(m_return, std::nullopt)) {
         m_before.reset(); // it is the one from before that asks
     }
-    if (SetState(State::PasswordNeeded) && Refresh()) {
+    if (SetState(State::PasswordNeeded) && Refresh() && !m_pControl->IsPasswordDialogEnabled()) {
         emit OpenFailed(path.Text(), ReasonOf(ErrorCode::e_ErrPassword));
     }
 }
@@ -277,7 +289,7 @@ void VelkoPdfView::OnOpenBroken(const OpeningQueue::Ended& ended, const std::exc
         TellLater(ReasonOf(pError));
         OnShown();
     } else if (IsUnreadablePlace(pError) && ForgetPlaceIn(ended.request.path)) {
-        Open(ended.request.path, ended.request.strPassword);
+        Open(ended.request.path, ended.request.password);
     } else {
         ShowWhatIsLeft(strTrouble.isEmpty() ? ReasonOf(pError) : strTrouble);
     }

@@ -58,6 +58,9 @@ public:
         while (m_strComplaint.isEmpty() && m_nNext < m_arguments.size()) {
             Take(m_arguments[m_nNext++]);
         }
+        if (m_strComplaint.isEmpty() && m_result.nPasswordFd && m_result.files.empty()) {
+            m_strComplaint = "A password is given, but no file";
+        }
         if (m_strComplaint.isEmpty() && !m_result.strScreenshot.isEmpty()) {
             CheckPicture();
         }
@@ -105,6 +108,10 @@ private:
             m_result.strScreenshot = Value(strArgument);
         } else if (strArgument == "--page") {
             TakePage(Value(strArgument));
+        } else if (strArgument == "--password-fd") {
+            TakePasswordFd(Value(strArgument));
+        } else if (strArgument == "--family") {
+            m_result.strFamily = Value(strArgument);
         } else if (strArgument == "--size") {
             TakeSize(Value(strArgument));
         } else if (strArgument.section('=', 0, 0) == "--time-to-ink") {
@@ -127,6 +134,14 @@ private:
         m_result.nPage = strValue.toInt(&bGood);
         if (m_strComplaint.isEmpty() && (!bGood || *m_result.nPage < 1)) {
             m_strComplaint = "Not a page number: " + strValue;
+        }
+    }
+
+    void TakePasswordFd(const QString& strValue) {
+        bool bGood = false;
+        m_result.nPasswordFd = strValue.toInt(&bGood);
+        if (m_strComplaint.isEmpty() && (!bGood || *m_result.nPasswordFd < 0)) {
+            m_strComplaint = "Not the number of a descriptor: " + strValue;
         }
     }
 
@@ -174,6 +189,7 @@ QString UsageText() {
         "  --screenshot OUT.png  write a picture of the window and end\n"
         "  --page N              begin at page N of the first file\n"
         "  --size WxH            size of the first window; else as it was left\n"
+        "  --password-fd N       read the first file's password from descriptor N\n"
         "  --version             print the version\n"
         "  --help                print this\n");
 }

@@ -24,8 +24,10 @@ struct CommandLine {
     std::vector<vkit::FilePath> files; // a window each; may be empty
     QStringList foreign;               // addresses of what is no file of this machine
     QString strScreenshot;
-    std::optional<int> nPage;  // as the reader counts; else where the document was left
-    std::optional<QSize> size; // of the window; else the one that was kept
+    std::optional<int> nPage;       // as the reader counts; else where the document was left
+    std::optional<QSize> size;      // of the window; else the one that was kept
+    std::optional<int> nPasswordFd; // from which the first file's password is read
+    QString strFamily;              // of the device, to see the others' dialogs; empty: a desktop
     bool bHelp = false;
     bool bVersion = false;
     bool bTimeToInk = false;                // print how long the start took, then end

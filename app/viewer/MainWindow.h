@@ -75,7 +75,6 @@ private:
     void CarryOut(Command eCommand);
     void AskForFile(bool bOwnWindow);
     void CloseDocument();
-    void AskForPassword();
     void OpenPageMenu(QPoint ptGlobal);
     void AskToClear(); // the recent files
     void AskToBrowse(const QUrl& address);
@@ -107,11 +106,10 @@ private:
     StartPane* m_pMessage = nullptr; // these are made when first needed
     NoticeBar* m_pNotice = nullptr;
     Hint* m_pHint = nullptr;
-    QString m_strTarget;           // of the link under the pointer
-    QLabel* m_pTarget = nullptr;   // of the link under the pointer
-    QSet<QString> m_sites;         // that the reader has agreed to go to
-    QTimer m_textTimer;            // runs while there may be text after all
-    bool m_bPasswordTried = false; // for the document that asks for one
+    QString m_strTarget;         // of the link under the pointer
+    QLabel* m_pTarget = nullptr; // of the link under the pointer
+    QSet<QString> m_sites;       // that the reader has agreed to go to
+    QTimer m_textTimer;          // runs while there may be text after all
 };
 
 }

@@ -148,9 +148,9 @@ void MainWindow::OnState(VelkoPdfView::State eState) {
         if (m_pNotice != nullptr) {
             m_pNotice->OnDocument();
         }
-    } else if (eState == VelkoPdfView::State::Shown) {
+    } else if (eState == VelkoPdfView::State::Shown ||
+               eState == VelkoPdfView::State::PasswordNeeded) {
         HideMessages();
-        m_bPasswordTried = false;
         m_pView->setFocus();
     }
 }
@@ -159,12 +159,6 @@ void MainWindow::OnOpenFailed(const QString& strFile, const QString& strReason) 
     UpdateTitle();
     const FilePath file(strFile);
     const QString strTitle = QStringLiteral("“%1” was not opened").arg(file.Name());
-    if (m_pView->ViewState() == VelkoPdfView::State::PasswordNeeded) {
-        ShowMessage(m_pView->File().Name(), strReason);
-        AskForPassword();
-        return;
-    }
-    m_bPasswordTried = false;
     if (m_pView->ViewState() == VelkoPdfView::State::Shown) {
         NoticeLine().Tell(
             QStringLiteral("%1. %2 Its folder: %3").arg(strTitle, strReason, file.Folder()));
@@ -182,19 +176,6 @@ void MainWindow::RefuseAddress(const QString& strAddress) {
     } else {
         NoticeLine().Tell(QStringLiteral("%1. %2").arg(strTitle, strReason));
     }
-}
-
-void MainWindow::AskForPassword() {
-    const bool bWrong = std::exchange(m_bPasswordTried, true);
-    const FilePath path = m_pView->File();
-    NoticeLine().AskPassword(
-        bWrong ? "That password does not open the document. Try another:"
-               : "This document is protected. Its password:",
-        [this, path](const QString& strPassword) { m_pView->Open(path, strPassword); },
-        [this] {
-            m_bPasswordTried = false;
-            m_pView->CloseDocument();
-        });
 }
 
 void MainWindow::AskToClear() {

@@ -5,7 +5,6 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <utility>
 
@@ -16,17 +15,12 @@
 namespace velko::viewer {
 
 namespace {
-constexpr int kAnswerWidth = 180;
-constexpr int kGap = 8; // after a question
 constexpr int kWatchMs = 2'000;
 constexpr int kOwnMoveMs = 700; // within which the notice's coming has moved the pages
 }
 
 NoticeBar::NoticeBar(QWidget* pParent)
-    : QFrame(pParent),
-      m_pText(new QLabel(this)),
-      m_pAnswer(new QLineEdit(this)),
-      m_pYes(new TextButton(this)) {
+    : QFrame(pParent), m_pText(new QLabel(this)), m_pYes(new TextButton(this)) {
     MakeAlert(*this);
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::ToolTipBase);
@@ -35,21 +29,16 @@ NoticeBar::NoticeBar(QWidget* pParent)
     m_pText->setTextFormat(Qt::PlainText);
     m_pText->setWordWrap(true);
     m_pText->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    m_pAnswer->setEchoMode(QLineEdit::Password);
-    m_pAnswer->setAccessibleName("Password");
-    m_pAnswer->setMaximumWidth(kAnswerWidth);
     auto* pClose = new GlyphButton(Glyph::Close, nullptr, this);
     pClose->setAccessibleName("Close");
     pClose->setToolTip("Close (Esc)");
     auto* pLayout = new QHBoxLayout(this);
     pLayout->setContentsMargins(12, 4, 6, 4);
     pLayout->addWidget(m_pText, 1);
-    pLayout->addWidget(m_pAnswer);
     pLayout->addWidget(m_pYes);
     pLayout->addStretch(0);
     pLayout->addWidget(pClose);
     connect(m_pYes, &QPushButton::clicked, this, &NoticeBar::Agree);
-    connect(m_pAnswer, &QLineEdit::returnPressed, this, &NoticeBar::Agree);
     connect(pClose, &QToolButton::clicked, this, &NoticeBar::Dismiss);
     m_watch.setInterval(kWatchMs);
     connect(&m_watch, &QTimer::timeout, this, &NoticeBar::CheckStanding);
@@ -60,12 +49,9 @@ void NoticeBar::Show(Kind eKind, const QString& strText, const QString& strYes) 
     m_eKind = eKind;
     m_since.start();
     m_fnYes = nullptr;
-    m_fnCancel = nullptr;
-    m_pText->setMaximumWidth(QWIDGETSIZE_MAX);
     m_pText->setText(strText);
     m_pYes->setText(strYes);
     m_pYes->setVisible(!strYes.isEmpty());
-    m_pAnswer->hide();
     Announce(*this, strText);
     show();
     raise();
@@ -110,18 +96,6 @@ void NoticeBar::Ask(const QString& strText, const QString& strYes, std::function
     m_pYes->setFocus();
 }
 
-void NoticeBar::AskPassword(const QString& strText, std::function<void(const QString&)> fnAnswer,
-                            std::function<void()> fnCancel) {
-    Show(Kind::Password, strText, "Open");
-    m_fnYes = [this, fnAnswer = std::move(fnAnswer)] { fnAnswer(m_pAnswer->text()); };
-    m_fnCancel = std::move(fnCancel);
-    m_pText->setMaximumWidth(m_pText->fontMetrics().horizontalAdvance(strText) + kGap);
-    m_pAnswer->clear();
-    m_pAnswer->show();
-    m_pAnswer->setFocus();
-    emit Changed();
-}
-
 void NoticeBar::Agree() {
     if (const auto fnYes = m_fnYes) { // it may put the next question
         fnYes();
@@ -131,8 +105,6 @@ void NoticeBar::Agree() {
 // What stands comes up again behind it.
 void NoticeBar::Withdraw() {
     m_fnYes = nullptr;
-    m_fnCancel = nullptr;
-    m_pAnswer->clear();
     if (isHidden()) {
         return;
     }
@@ -149,14 +121,10 @@ void NoticeBar::Withdraw() {
 }
 
 void NoticeBar::Dismiss() {
-    const auto fnCancel = std::exchange(m_fnCancel, nullptr);
     if (m_eKind == Kind::Standing) {
         m_fnHolds = nullptr;
     }
     Withdraw();
-    if (fnCancel) {
-        fnCancel();
-    }
 }
 
 void NoticeBar::OnDone() {

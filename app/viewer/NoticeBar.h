@@ -6,7 +6,6 @@
 // an answer. It goes when the reader closes it and, by its kind:
 //   Tell, Ask    with the next command that succeeds, or another document
 //   TellWhile    when it does not hold any more; others stand before it meanwhile
-//   AskPassword  with another document
 // Threads: UI thread only.
 #pragma once
 
@@ -16,7 +15,6 @@
 #include <functional>
 
 class QLabel;
-class QLineEdit;
 class QPushButton;
 
 namespace velko::viewer {
@@ -34,11 +32,6 @@ public:
 
     // `fnYes` runs when the reader agrees; nothing does otherwise.
     void Ask(const QString& strText, const QString& strYes, std::function<void()> fnYes);
-
-    // `fnAnswer` gets what the reader enters. `fnCancel` runs when the reader gives
-    // up.
-    void AskPassword(const QString& strText, std::function<void(const QString&)> fnAnswer,
-                     std::function<void()> fnCancel);
 
     // As the reader does who gives up.
     void Dismiss();
@@ -63,7 +56,7 @@ protected:
     void keyPressEvent(QKeyEvent* pEvent) override;
 
 private:
-    enum class Kind { Told, Standing, Password };
+    enum class Kind { Told, Standing };
 
     void Show(Kind eKind, const QString& strText, const QString& strYes);
     void Withdraw(); // a question stays without an answer
@@ -72,12 +65,10 @@ private:
     void Agree();
 
     QLabel* m_pText;
-    QLineEdit* m_pAnswer;
     QPushButton* m_pYes;
     Kind m_eKind = Kind::Told;
     QElapsedTimer m_since; // this notice came
     std::function<void()> m_fnYes;
-    std::function<void()> m_fnCancel;
     QString m_strStanding;
     std::function<bool()> m_fnHolds; // empty: nothing stands
     QTimer m_watch;

@@ -22,6 +22,7 @@ Screenshot::Screenshot(MainWindow& window, const CommandLine& options, QObject* 
       m_strFile(options.strScreenshot),
       m_nPage(options.nPage.value_or(1) - 1) {
     VelkoPdfView& view = m_window.View();
+    view.Control()->IsPasswordDialogEnabled(false); // nobody sits there to be asked
     connect(&view, &VelkoPdfView::Opened, this, &Screenshot::OnOpened);
     connect(&view, &VelkoPdfView::Painted, this, &Screenshot::OnPainted, Qt::QueuedConnection);
     connect(&view, &VelkoPdfView::OpenFailed, this,

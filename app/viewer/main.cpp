@@ -5,10 +5,12 @@
 #include <QTemporaryDir>
 #include <cstdio>
 #include <optional>
+#include <utility>
 
 #include "app/viewer/CommandBar.h"
 #include "app/viewer/CommandLine.h"
 #include "app/viewer/MainWindow.h"
+#include "app/viewer/PasswordFd.h"
 #include "app/viewer/Screenshot.h"
 #include "app/viewer/StartClock.h"
 #include "app/viewer/WindowList.h"
@@ -54,6 +56,9 @@ vkit::VelkoRuntime::Options RuntimeOptions(const CommandLine& options, const QSt
     vkit::VelkoRuntime::Options runtime;
     runtime.fnRegisterEngine = engines::mupdf::RegisterEngine;
     runtime.strDataFolder = strFresh;
+    if (!options.strFamily.isEmpty()) {
+        runtime.environment.strDeviceFamily = options.strFamily.toStdString();
+    }
     runtime.environment.size = {static_cast<float>(size.width()),
                                 static_cast<float>(size.height() - CommandBar::kHeight)};
     return runtime;
@@ -75,7 +80,7 @@ void OpenOthers(WindowList& windows, MainWindow& first, const CommandLine& optio
         Qt::QueuedConnection);
 }
 
-int RunViewer(int argc, char** argv, const CommandLine& options) {
+int RunViewer(int argc, char** argv, const CommandLine& options, Platform::SecretText password) {
     std::optional<QTemporaryDir> fresh;
     if (!options.strScreenshot.isEmpty()) {
         fresh.emplace();
@@ -84,7 +89,8 @@ int RunViewer(int argc, char** argv, const CommandLine& options) {
     auto pControl = vkit::VelkoPdfView::CreateControl();
     vkit::VelkoPdfView::Opening opening;
     if (!options.files.empty()) {
-        opening = vkit::VelkoPdfView::BeginOpen(*pControl, options.files[0]);
+        opening =
+            vkit::VelkoPdfView::BeginOpen(*pControl, options.files[0], std::exchange(password, {}));
     }
     if (!options.strScreenshot.isEmpty() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -129,7 +135,16 @@ int Run(int argc, char** argv) {
         std::fputs(qUtf8Printable(strText), stdout);
         return 0;
     }
-    return RunViewer(argc, argv, *options);
+    std::optional<Platform::SecretText> password = Platform::SecretText();
+    if (options->nPasswordFd) {
+        password = ReadPassword(*options->nPasswordFd);
+    }
+    if (!password) {
+        std::fprintf(stderr, "velko-viewer: No password can be read from descriptor %d\n",
+                     *options->nPasswordFd);
+        return kUsageError;
+    }
+    return RunViewer(argc, argv, *options, std::move(*password));
 }
 
 }

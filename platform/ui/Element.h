@@ -148,6 +148,9 @@ public:
     Foundation::Event<Input::KeyRoutedEventArgs&> KeyDown;
 
 protected:
+    FrameworkElement(Xaml::HorizontalAlignment eHorizontal, Xaml::VerticalAlignment eVertical)
+        : m_eHorizontal(eHorizontal), m_eVertical(eVertical) {}
+
     // One element whose size an arrangement changed.
     struct SizeStep {
         std::shared_ptr<FrameworkElement> pElement;

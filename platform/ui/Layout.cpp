@@ -235,7 +235,8 @@ Size StackPanel::MeasureContents(float fWidthLimit) const {
         }
         const Size wanted = pChild->Measure(fInside);
         const bool bDown = m_eOrientation == Orientation::Vertical;
-        fLength += (bDown ? wanted.Height : wanted.Width) + (fLength > 0.0F ? fSpacing : 0.0F);
+        const float fOwn = bDown ? wanted.Height : wanted.Width;
+        fLength += fOwn + (fLength > 0.0F && fOwn > 0.0F ? fSpacing : 0.0F);
         fBreadth = std::max(fBreadth, bDown ? wanted.Width : wanted.Height);
     }
     const Size size =
@@ -256,11 +257,11 @@ void StackPanel::ArrangeContents(Size size, SizeSteps& steps) {
         if (m_eOrientation == Orientation::Vertical) {
             rcNext.Height = wanted.Height;
             ArrangeIn(rcNext, *pChild, steps);
-            rcNext.Y += wanted.Height + fSpacing;
+            rcNext.Y += wanted.Height > 0.0F ? wanted.Height + fSpacing : 0.0F;
         } else {
             rcNext.Width = wanted.Width;
             ArrangeIn(rcNext, *pChild, steps);
-            rcNext.X += wanted.Width + fSpacing;
+            rcNext.X += wanted.Width > 0.0F ? wanted.Width + fSpacing : 0.0F;
         }
     }
 }

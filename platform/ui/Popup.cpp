@@ -6,11 +6,6 @@
 
 namespace Windows::UI::Xaml::Controls::Primitives {
 
-Popup::Popup() {
-    HorizontalAlignment(Xaml::HorizontalAlignment::Left);
-    VerticalAlignment(Xaml::VerticalAlignment::Top);
-}
-
 void Popup::Child(std::shared_ptr<FrameworkElement> pChild) {
     HideChild();
     m_pChild = std::move(pChild);

@@ -14,7 +14,7 @@ namespace Windows::UI::Xaml::Controls::Primitives {
 
 class Popup : public FrameworkElement {
 public:
-    Popup();
+    Popup() : FrameworkElement(Xaml::HorizontalAlignment::Left, Xaml::VerticalAlignment::Top) {}
     const std::shared_ptr<FrameworkElement>& Child() const { return m_pChild; }
     void Child(std::shared_ptr<FrameworkElement> pChild);
     bool IsOpen() const { return m_bOpen; }

@@ -77,6 +77,11 @@ void Window::TellSize() {
 
 // --- keys ------------------------------------------------------------------
 
+std::shared_ptr<Controls::Control> Window::FocusedElement() const {
+    const auto pFocused = m_wkFocused.lock();
+    return pFocused && pFocused->IsLoaded() ? pFocused : nullptr;
+}
+
 bool Window::Focus(const std::shared_ptr<Controls::Control>& pElement, FocusState eState) {
     m_wkFocused = pElement;
     m_eFocusState = eState;

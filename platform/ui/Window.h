@@ -75,7 +75,7 @@ public:
     void TellSize(); // for the toolkit, once the content has its size
 
     // --- keys ---
-    std::shared_ptr<Controls::Control> FocusedElement() const { return m_wkFocused.lock(); }
+    std::shared_ptr<Controls::Control> FocusedElement() const; // empty once it is unloaded
     FocusState FocusStateNow() const { return m_eFocusState; }
     bool Focus(const std::shared_ptr<Controls::Control>& pElement, FocusState eState);
     void LoseFocus(const Controls::Control& element); // nothing when another one has it

@@ -41,7 +41,7 @@ TEST(OpeningQueueTest, TheLastWishDecidesWhatBecomesOfAnOpen) {
         EXPECT_EQ(ended.eState, eState) << szSteps;
         EXPECT_EQ(ended.next ? ended.next->path.Bytes() : "", szNext) << szSteps;
         EXPECT_EQ(ended.request.path.Bytes(), "first");
-        EXPECT_EQ(ended.request.strPassword, "secret");
+        EXPECT_EQ(ended.request.password, "secret");
     }
 }
 

@@ -7,7 +7,6 @@
 #include <QContextMenuEvent>
 #include <QDialog>
 #include <QGuiApplication>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
 #include <cmath>
@@ -373,28 +372,7 @@ TEST_F(LinkTest, TheMenuAtAWebLinkCopiesItsAddress) {
     EXPECT_EQ(QGuiApplication::clipboard()->text(), "https://example.org/a");
 }
 
-// --- passwords, recent files, the dark -------------------------------------
-
-TEST_F(ViewerCommandsTest, APasswordIsAskedForInTheWindow) {
-    const QString strFile = WriteLocked();
-    const auto fnAnswer = [&](const char* szPassword) {
-        auto* const pField = m_pWindow->findChild<viewer::NoticeBar*>()->findChild<QLineEdit*>();
-        pField->setText(szPassword);
-        QTest::keyClick(pField, Qt::Key_Return);
-    };
-    TheView().Open(strFile);
-    ASSERT_TRUE(RunUntil([&] { return m_pWindow->Notice().contains("protected"); }));
-    fnAnswer("wrong");
-    ASSERT_TRUE(RunUntil([&] { return m_pWindow->Notice().contains("does not open"); }));
-    fnAnswer("secret");
-    ASSERT_TRUE(RunUntil([&] { return TheView().ViewState() == View::State::Shown; }));
-    EXPECT_TRUE(m_pWindow->Notice().isEmpty());
-    TheView().Open(strFile);
-    ASSERT_TRUE(RunUntil([&] { return m_pWindow->Notice().contains("Its password"); }));
-    QTest::keyClick(m_pWindow->findChild<viewer::NoticeBar*>(), Qt::Key_Escape);
-    EXPECT_TRUE(RunUntil([&] { return TheView().ViewState() == View::State::Empty; }));
-    EXPECT_TRUE(ShowUntilSharp(WritePages("free.pdf", 1))) << "the window stays usable";
-}
+// --- recent files, the dark -------------------------------------
 
 TEST_F(ViewerCommandsTest, RecentFilesOpenFromTheMenuAndMissingOnesAreMarked) {
     const QString strKept = WritePages("kept.pdf", 3);

@@ -4,6 +4,7 @@
 #include <string>
 
 #include <QImage>
+#include <QPixmap>
 
 #include "platform/concurrency/Task.h"
 #include "platform/foundation/Exception.h"
@@ -42,7 +43,8 @@ void RunState(Session& session, const CommandFields&, JsonObject& result) {
 
 void RunScreenshot(Session& session, const CommandFields& fields, JsonObject& result) {
     const std::string strFile = fields.Text("file");
-    const QImage frame = session.Window().FrontImage();
+    const QImage frame = fields.BoolOr("widgets", false) ? session.Window().grab().toImage()
+                                                         : session.Window().FrontImage();
     if (frame.isNull()) {
         throw Platform::ChangedStateException("the canvas has shown no frame yet");
     }

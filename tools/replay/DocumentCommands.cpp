@@ -2,8 +2,14 @@
 #include <array>
 #include <cstdint>
 
-#include "control/IJudgePasswordHelper.h"
+#include <QCoreApplication>
+#include <QInputMethodEvent>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include "control/ControlParts.h"
 #include "control/PDFViewCtrl.h"
+#include "platform/qt/QtElementWindow.h"
 #include "tools/replay/Commands.h"
 #include "tools/replay/Session.h"
 
@@ -22,24 +28,47 @@ void RunClose(Session& session, const CommandFields&, JsonObject&) {
     session.Control().CloseDocument();
 }
 
-bool IsPasswordAwaited(Session& session) {
-    return session.Control().PasswordJudge() != nullptr;
+bool IsDialogOpen(Session& session) {
+    return velko::vkit::ControlParts(session.Control()).OpenPasswordDialog() != nullptr;
 }
 
-// What a dialog's OK does: a wrong password leaves the question open.
-void RunPassword(Session& session, const CommandFields& fields, JsonObject& result) {
-    const std::string strPassword = fields.Text("text");
-    const auto pJudge = session.Control().PasswordJudge();
-    if (pJudge && pJudge->JudgePassword(strPassword)) {
-        pJudge->OnPasswordOK();
+// The dialog's widget that can be used now; null without a dialog.
+template <class Widget, class F>
+Widget* FindVisible(Session& session, F fnIsIt) {
+    for (auto* const pWidget : session.Window().findChildren<Widget*>()) {
+        if (pWidget->isVisible() && fnIsIt(*pWidget)) {
+            return pWidget;
+        }
     }
-    result.Add("open", IsPasswordAwaited(session));
+    return nullptr;
+}
+
+void Press(Session& session, const char* szButton) {
+    auto* const pButton = FindVisible<QPushButton>(
+        session, [szButton](const QPushButton& button) { return button.text() == szButton; });
+    session.ThroughWindow([pButton] {
+        if (pButton != nullptr) {
+            pButton->click();
+        }
+    });
+}
+
+// As an input method does it, so that any letter can be typed.
+void RunPassword(Session& session, const CommandFields& fields, JsonObject& result) {
+    const QString strText = QString::fromStdString(fields.Text("text"));
+    if (auto* const pBox = FindVisible<QLineEdit>(session, [](const QLineEdit& edit) {
+            return edit.echoMode() == QLineEdit::Password;
+        })) {
+        QInputMethodEvent event;
+        event.setCommitString(strText);
+        QCoreApplication::sendEvent(pBox, &event);
+    }
+    Press(session, "OK");
+    result.Add("open", IsDialogOpen(session));
 }
 
 void RunPasswordCancel(Session& session, const CommandFields&, JsonObject&) {
-    if (const auto pJudge = session.Control().PasswordJudge()) {
-        pJudge->OnPasswordCancel();
-    }
+    Press(session, "Cancel");
 }
 
 }

@@ -186,16 +186,31 @@ void RunKey(Session& session, const CommandFields& fields, JsonObject& result) {
     result.Add("handled", press.isAccepted());
 }
 
+// --- what a machine does ---
+
+void RunBack(Session& session, const CommandFields&, JsonObject& result) {
+    result.Add("handled", session.Window().View().RequestBack());
+}
+
+// The on-screen keyboard covers this of the window; without a height it goes.
+void RunKeyboard(Session& session, const CommandFields& fields, JsonObject&) {
+    const Windows::Foundation::Rect rc(fields.FloatOr("x", 0.0F), fields.FloatOr("y", 0.0F),
+                                       fields.FloatOr("w", 0.0F), fields.FloatOr("h", 0.0F));
+    session.Window().View().InputPane().Occlude(rc);
+}
+
 }
 
 std::span<const CommandEntry> InputCommands() {
-    static constexpr std::array<CommandEntry, 6> kCommands{{
+    static constexpr std::array<CommandEntry, 8> kCommands{{
         {"resize", RunResize},
         {"wheel", RunWheel},
         {"manip", RunManip},
         {"drag", RunDrag},
         {"pinch", RunPinch},
         {"key", RunKey},
+        {"back", RunBack},
+        {"keyboard", RunKeyboard},
     }};
     return kCommands;
 }

@@ -67,7 +67,7 @@ void AddControl(JsonObject& text, PDFViewCtrl& control) {
         .Add("zoom_mode", control.GetZoomMode())
         .Add("night", control.NightMode())
         .Add("ring", velko::vkit::ControlParts(control).IsProgressRingVisible())
-        .Add("dialog", control.PasswordJudge() != nullptr)
+        .Add("dialog", velko::vkit::ControlParts(control).OpenPasswordDialog() != nullptr)
         .Add("visible", JsonArray(control.GetVisiblePages()));
 }
 
