@@ -39,8 +39,10 @@ void InsertDocumentPasswdwordDlgUIOprateion::CloseDialog() {
 }
 
 void InsertDocumentPasswdwordDlgUIOprateion::OnPasswordOK() {
-    Answer([this](PDFViewCtrl& control) {
+    if (!m_bAnswered && IsDocumentOpen()) {
         m_pRecord->m_nErrorCode = ErrorCode::e_ErrSuccess;
+    }
+    Answer([this](PDFViewCtrl& control) {
         const auto& pDocument = m_pRecord->m_pDocument;
         control.AttachDocument(pDocument);
         control.RaiseOpenDoc(pDocument, ErrorCode::e_ErrSuccess, 0);

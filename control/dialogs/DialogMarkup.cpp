@@ -34,6 +34,13 @@ std::shared_ptr<T> Make(const char* szName, Args... args) {
     return pElement;
 }
 
+std::shared_ptr<NonVisibilityButton> MakeFocusHolder() {
+    auto pButton = Make<NonVisibilityButton>(kNonVisibilityButtonPart);
+    pButton->HorizontalAlignment(HorizontalAlignment::Left);
+    pButton->VerticalAlignment(VerticalAlignment::Top);
+    return pButton;
+}
+
 // --- the hosted dialog -----------------------------------------------------
 
 // On a desktop the content stands in the middle, elsewhere at the top, where the
@@ -61,10 +68,7 @@ std::shared_ptr<Xaml::FrameworkElement> BuildHostedDialog() {
     pPresenter->HorizontalAlignment(HorizontalAlignment::Center);
     pPresenter->VerticalAlignment(VerticalAlignment::Top);
     pRoot->AppendChild(pPresenter);
-    auto pButton = Make<NonVisibilityButton>(kNonVisibilityButtonPart);
-    pButton->HorizontalAlignment(HorizontalAlignment::Left);
-    pButton->VerticalAlignment(VerticalAlignment::Top);
-    pRoot->AppendChild(pButton);
+    pRoot->AppendChild(MakeFocusHolder());
     pRoot->VisualStateGroups.push_back(PlacesOf(pPresenter));
     return pRoot;
 }
@@ -176,7 +180,7 @@ std::shared_ptr<Xaml::FrameworkElement> BuildPasswordDialog() {
     pRoot->AppendChild(pLandscape);
     auto pPortrait = MakePanel("PortraitPanel", kSpacing);
     pRoot->AppendChild(pPortrait);
-    pRoot->AppendChild(Make<NonVisibilityButton>(kNonVisibilityButtonPart));
+    pRoot->AppendChild(MakeFocusHolder());
     pRoot->VisualStateGroups.push_back(RoomOf(pPortrait, FollowAreaOf(pRoot)));
     return pRoot;
 }

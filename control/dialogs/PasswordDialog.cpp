@@ -206,6 +206,8 @@ void PasswordDialog::OnUnloaded() {
     for (const Arrangement* pArrangement : {&m_landscape, &m_portrait}) {
         pArrangement->pBox->Password({});
     }
+    m_bInputPaneVisible = false; // from now on nobody hears of it
+    m_pLiftTransform.reset();
     const auto pWindow = m_wkWindow.lock();
     m_wkWindow.reset();
     if (!pWindow) {

@@ -120,6 +120,12 @@ private:
                     return true;
                 }
                 return false;
+            case QEvent::MouseButtonPress:
+                if (static_cast<QMouseEvent&>(event).button() == ::Qt::BackButton) {
+                    m_tree.OnBack();
+                    return true;
+                }
+                return false;
             default:
                 return false;
         }
@@ -312,12 +318,23 @@ private:
 
 class PushButton : public QPushButton {
 public:
-    PushButton(bool bDrawn, QWidget& parent) : QPushButton(&parent), m_bDrawn(bDrawn) {}
+    PushButton(bool bDrawn, QWidget& parent) : QPushButton(&parent), m_bDrawn(bDrawn) {
+        setAttribute(::Qt::WA_TransparentForMouseEvents, !bDrawn);
+    }
 
 protected:
     void paintEvent(QPaintEvent* pEvent) override {
-        if (m_bDrawn) {
-            QPushButton::paintEvent(pEvent);
+        if (!m_bDrawn) {
+            return;
+        }
+        QPushButton::paintEvent(pEvent);
+        if (hasFocus()) { // many styles hardly show it
+            constexpr double kRadius = 3.0;
+            QPainter painter(this);
+            painter.setRenderHint(QPainter::Antialiasing);
+            painter.setPen(QPen(palette().color(QPalette::WindowText), 2.0));
+            painter.drawRoundedRect(QRectF(rect()).adjusted(2.0, 2.0, -2.0, -2.0), kRadius,
+                                    kRadius);
         }
     }
     void keyPressEvent(QKeyEvent* pEvent) override {

@@ -51,6 +51,11 @@ protected:
         return std::any_of(labels.begin(), labels.end(),
                            [&](const QLabel* pLabel) { return pLabel->text().contains(strWords); });
     }
+    // As the window system delivers it: to whatever lies on top there.
+    void Click(QWidget* pAt, Qt::MouseButton eButton = Qt::LeftButton) {
+        QTest::mouseClick(m_pWindow->windowHandle(), eButton, {},
+                          pAt->mapTo(m_pWindow.get(), pAt->rect().center()));
+    }
     bool Comes(State eState) {
         return RunUntil([&] { return TheView().ViewState() == eState; });
     }
@@ -91,8 +96,8 @@ TEST_F(PasswordDialogTest, IsCancelledByEscapeAClickAndAButtonOfTheMouse) {
     const std::function<void()> ways[] = {
         [&] { QTest::keyClick(Box(), Qt::Key_Escape); },
         [&] { QTest::keyClick(Box(), Qt::Key_Left, Qt::AltModifier); },
-        [&] { QTest::mouseClick(Button("Cancel"), Qt::LeftButton); },
-        [&] { QTest::mouseClick(Box()->parentWidget(), Qt::BackButton); },
+        [&] { Click(Button("Cancel")); },
+        [&] { Click(Box()->parentWidget()->parentWidget(), Qt::BackButton); },
     };
     for (const auto& fnCancel : ways) {
         Ask();
@@ -104,7 +109,7 @@ TEST_F(PasswordDialogTest, IsCancelledByEscapeAClickAndAButtonOfTheMouse) {
     }
     Ask();
     QTest::keyClicks(Box(), "secret");
-    QTest::mouseClick(Button("OK"), Qt::LeftButton);
+    Click(Button("OK"));
     EXPECT_TRUE(Comes(State::Shown));
     EXPECT_EQ(TheView().PageCount(), 3);
 }
