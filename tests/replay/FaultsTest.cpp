@@ -99,6 +99,18 @@ TEST_F(FaultsTest, AWrongPasswordKeepsAskingAndTheRightOneOpens) {
     EXPECT_TRUE(replay.Run({{"op", "password"}, {"text", "guess"}}).value("open").toBool());
     EXPECT_FALSE(replay.Run({{"op", "password"}, {"text", "reader"}}).value("open").toBool(true));
     EXPECT_EQ(CountBlank(replay), 0);
+
+    EXPECT_EQ(Open(replay, strPath).value("error").toInt(-1), 3);
+    replay.Run({{"op", "password_cancel"}});
+    EXPECT_FALSE(State(replay).value("dialog").toBool(true));
+    EXPECT_FALSE(replay.Run({{"op", "password"}, {"text", "reader"}}).value("open").toBool(true));
+    EXPECT_EQ(State(replay).value("count").toInt(-1), 0) << "nobody asks any more";
+    EXPECT_EQ(Open(replay, strPath).value("error").toInt(-1), 3);
+    EXPECT_TRUE(replay.Run({{"op", "back"}}).value("handled").toBool());
+    EXPECT_FALSE(replay.Run({{"op", "back"}}).value("handled").toBool(true));
+    EXPECT_EQ(Open(replay, strPath).value("error").toInt(-1), 3);
+    EXPECT_TRUE(replay.Run({{"op", "key"}, {"key", "Escape"}}).value("handled").toBool());
+    EXPECT_FALSE(State(replay).value("dialog").toBool(true));
 }
 
 }
