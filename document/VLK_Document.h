@@ -155,10 +155,12 @@ public:
     // --- text set anew ---
 
     // Sets and measures the page, on any thread, by the engine's document alone:
-    // the page table does not change. Empty for an index out of range. Raises
-    // what the engine does, and notes it as a load does.
-    std::shared_ptr<VLK_ReflowPage> CreateReflowPage(std::int32_t nPageIndex,
-                                                     const ReflowParameters& wanted);
+    // the page table does not change. Empty for an index out of range, and when
+    // `pPause` (which may be empty) stopped it. Raises what the engine does, and
+    // notes it as a load does.
+    std::shared_ptr<VLK_ReflowPage> CreateReflowPage(
+        std::int32_t nPageIndex, const ReflowParameters& wanted,
+        velko::common::IPauseCallback* pPause = nullptr);
 
     // As `RenderPageBlock`, of a band of the set text; hosts draw nothing into it.
     bool RenderReflowBlock(const ReflowBlockRequest& request, BitmapBox& outBox);
@@ -270,7 +272,9 @@ private:
     EntryPtr FindEntry(const PdfDocPtr& pPdfDoc, std::int32_t nPageIndex);
     void BringBack(const PdfDocPtr& pPdfDoc, const EntryPtr& pEntry, std::int32_t nPageIndex)
         VLK_REQUIRES(*m_spPageLock);
-    void ParseToEnd(velko::pdf::PDFPage& page) const;
+    // False when `pPause`, which may be empty, stopped it.
+    bool ParseToEnd(velko::pdf::PDFPage& page,
+                    velko::common::IPauseCallback* pPause = nullptr) const;
     static EntryPtr MakeEntry(const PdfDocPtr& pPdfDoc, std::int32_t nPageIndex);
     EntryPtr Publish(const EntryPtr& pNew, std::int32_t nPageIndex);
     EntryPtr EnsureEntry(const PdfDocPtr& pPdfDoc, std::int32_t nPageIndex);

@@ -155,11 +155,15 @@ void VLK_Document::BringBack(const PdfDocPtr& pPdfDoc, const EntryPtr& pEntry,
 
 // A long parse under the page lock ends early once the document is disposed, so
 // that closing does not wait for it.
-void VLK_Document::ParseToEnd(PDFPage& page) const {
-    const std::shared_ptr<Progressive> pProgress = page.StartParse(0, nullptr, 0);
+bool VLK_Document::ParseToEnd(PDFPage& page, velko::common::IPauseCallback* pPause) const {
+    const std::shared_ptr<Progressive> pProgress = page.StartParse(0, pPause, 0);
     while (pProgress->Continue() == Progressive::kToBeContinued) {
         ThrowIfDisposed();
+        if (pPause != nullptr && pPause->NeedToPauseNow()) {
+            return false;
+        }
     }
+    return true;
 }
 
 VLK_Document::EntryPtr VLK_Document::MakeEntry(const PdfDocPtr& pPdfDoc, std::int32_t nPageIndex) {

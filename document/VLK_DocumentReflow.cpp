@@ -13,6 +13,8 @@ namespace velko::vkit {
 using concurrency::critical_section;
 using velko::common::EngineException;
 using velko::common::ErrorCode;
+using velko::common::IPauseCallback;
+using velko::common::Progressive;
 using velko::common::vxbase::Matrix2D;
 using velko::pdf::PDFPage;
 using velko::pdf::ReflowPage;
@@ -27,7 +29,13 @@ PageFailures::Part PartOf(const ReflowBlockRequest& request) {
             {request.nLeft, request.nTop, request.nBitmapWidth, request.nBitmapHeight}};
 }
 
-std::shared_ptr<ReflowPage> Set(std::shared_ptr<PDFPage> pPage, const ReflowParameters& wanted) {
+bool IsPaused(const std::shared_ptr<Progressive>& pProgress, IPauseCallback* pPause) {
+    return pPause != nullptr && pProgress->Continue() == Progressive::kToBeContinued;
+}
+
+// Empty when it was paused.
+std::shared_ptr<ReflowPage> Set(std::shared_ptr<PDFPage> pPage, const ReflowParameters& wanted,
+                                IPauseCallback* pPause) {
     auto pReflow =
         Platform::GetActivationFactory<velko::pdf::IReflowPageFactory>(velko::pdf::kReflowPageClass)
             ->Create(std::move(pPage));
@@ -36,8 +44,8 @@ std::shared_ptr<ReflowPage> Set(std::shared_ptr<PDFPage> pPage, const ReflowPara
     pReflow->SetSpacing1(wanted.fSpacing1);
     pReflow->SetSpacing2(wanted.fSpacing2);
     pReflow->SetParseFlags(wanted.bShowPicture ? ReflowPage::kTextAndPictures : ReflowPage::kText);
-    pReflow->StartParse(nullptr); // set when it returns
-    return pReflow;
+    const bool bPaused = IsPaused(pReflow->StartParse(pPause), pPause);
+    return bPaused ? nullptr : pReflow; // set by now
 }
 
 Matrix2D MakeBandMatrix(const ReflowBlockRequest& request) {
@@ -51,7 +59,8 @@ Matrix2D MakeBandMatrix(const ReflowBlockRequest& request) {
 }
 
 std::shared_ptr<VLK_ReflowPage> VLK_Document::CreateReflowPage(std::int32_t nPageIndex,
-                                                               const ReflowParameters& wanted) {
+                                                               const ReflowParameters& wanted,
+                                                               IPauseCallback* pPause) {
     const PdfDocPtr pPdfDoc = EngineDoc();
     if (!IsPageIndex(nPageIndex)) {
         return nullptr;
@@ -62,10 +71,13 @@ std::shared_ptr<VLK_ReflowPage> VLK_Document::CreateReflowPage(std::int32_t nPag
         if (!pPage) {
             throw EngineException(ErrorCode::e_ErrNotFound, "the document has no such page");
         }
-        if (!pPage->IsParsed()) {
-            ParseToEnd(*pPage);
+        if (!pPage->IsParsed() && !ParseToEnd(*pPage, pPause)) {
+            return nullptr;
         }
-        pRecord->m_pReflowPage = Set(pPage, wanted);
+        pRecord->m_pReflowPage = Set(pPage, wanted, pPause);
+        if (!pRecord->m_pReflowPage) {
+            return nullptr;
+        }
         pRecord->nContentWidth = pRecord->m_pReflowPage->GetContentWidth();
         pRecord->nContentHeight = pRecord->m_pReflowPage->GetContentHeight();
     } catch (...) {

@@ -8,7 +8,15 @@
 
 namespace velko::common {
 
-class IPauseCallback; // always absent in this component: 0 is handed over
+// Lets the caller stop a piece of work that it cannot wait for. An engine that is
+// given one asks it now and then on the working thread, waits of its own excepted,
+// and leaves off when it says so: nothing of what was done is kept, the first step of
+// the progress says `kToBeContinued`, and the next does all of it, without asking.
+class IPauseCallback {
+public:
+    virtual ~IPauseCallback() = default;
+    virtual bool NeedToPauseNow() = 0; // does not raise; once true, true for good
+};
 
 class Progressive {
 public:

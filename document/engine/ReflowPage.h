@@ -33,7 +33,8 @@ public:
     virtual void SetSpacing2(float fSpacing) = 0;                // between paragraphs, likewise
     virtual void SetParseFlags(std::int32_t nFlags) = 0;         // one of the above
 
-    // Without a pause object the page is laid out when this returns.
+    // Without a pause object the page is laid out when this returns. One that paused
+    // it leaves the last parse in force.
     virtual std::shared_ptr<common::Progressive> StartParse(common::IPauseCallback* pPause) = 0;
 
     // 0 for a page with nothing to show: no text, and no pictures or none wanted.

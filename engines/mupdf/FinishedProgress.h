@@ -1,5 +1,9 @@
-// The progress of work that was done at once.
+// The progress of work that was done at once, and of work that was put off.
 #pragma once
+
+#include <cstdint>
+#include <functional>
+#include <utility>
 
 #include "document/engine/Progressive.h"
 
@@ -12,6 +16,26 @@ public:
 
 private:
     std::int32_t m_nState;
+};
+
+// Its first step says that there is something left to do, the second does it.
+class PutOffProgress final : public common::Progressive {
+public:
+    explicit PutOffProgress(std::function<std::int32_t()> fnWork) : m_fnWork(std::move(fnWork)) {}
+    std::int32_t Continue() override {
+        if (!std::exchange(m_bTold, true)) {
+            return kToBeContinued;
+        }
+        if (const auto fnWork = std::exchange(m_fnWork, nullptr)) {
+            m_nEnd = fnWork();
+        }
+        return m_nEnd;
+    }
+
+private:
+    std::function<std::int32_t()> m_fnWork;
+    bool m_bTold = false;
+    std::int32_t m_nEnd = 0; // failed
 };
 
 }

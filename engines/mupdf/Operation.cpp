@@ -12,6 +12,7 @@ namespace {
 constexpr unsigned kPollsPerClock = 16;
 
 thread_local Operation* t_pOperation = nullptr;
+thread_local common::IPauseCallback* t_pPause = nullptr;
 
 std::atomic<std::int64_t> g_nParseBudget{Budgets().parse.count()};
 std::atomic<std::int64_t> g_nRenderBudget{Budgets().render.count()};
@@ -44,6 +45,9 @@ void Operation::ThrowIfAborted() const {
     if (IsAborted()) {
         throw concurrency::task_canceled();
     }
+    if (m_bPaused) {
+        throw Paused();
+    }
 }
 
 Operation::Waiting::~Waiting() {
@@ -61,11 +65,26 @@ void Operation::Poll() noexcept {
     }
     if (pOperation->IsAborted()) {
         pOperation->m_cookie.abort = 1;
-    } else if (++pOperation->m_nPolls % kPollsPerClock == 0 &&
-               Clock::now() > pOperation->m_deadline) {
-        pOperation->m_bTimedOut = true;
-        pOperation->m_cookie.abort = 1;
+    } else if (++pOperation->m_nPolls % kPollsPerClock == 0) {
+        pOperation->LookAtClock();
     }
+}
+
+void Operation::LookAtClock() noexcept {
+    if (t_pPause != nullptr && t_pPause->NeedToPauseNow()) {
+        m_bPaused = true;
+        m_cookie.abort = 1;
+    } else if (Clock::now() > m_deadline) {
+        m_bTimedOut = true;
+        m_cookie.abort = 1;
+    }
+}
+
+Operation::Patience::Patience(common::IPauseCallback* pPause)
+    : m_pOuter(std::exchange(t_pPause, pPause)) {}
+
+Operation::Patience::~Patience() {
+    t_pPause = m_pOuter;
 }
 
 }

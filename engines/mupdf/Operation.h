@@ -19,6 +19,8 @@
 #include <chrono>
 #include <memory>
 
+#include "document/engine/Progressive.h"
+
 namespace velko::engines::mupdf {
 
 // How long one piece of work may take before what it has done must do.
@@ -49,8 +51,25 @@ public:
     bool IsAborted() const { return m_pAbort && m_pAbort->load(std::memory_order_acquire); }
     bool IsTimedOut() const { return m_bTimedOut; }
 
-    // Raises `task_canceled` when the flag is set.
+    // Raises `task_canceled` when the flag is set, `Paused` when the thread's caller
+    // would not wait any longer.
     void ThrowIfAborted() const;
+
+    // No failure: the work is to be done at another time.
+    struct Paused {};
+
+    // For its length the operations of the thread stop when the callback says so; it
+    // may be empty.
+    class Patience {
+    public:
+        explicit Patience(common::IPauseCallback* pPause);
+        ~Patience();
+        Patience(const Patience&) = delete;
+        Patience& operator=(const Patience&) = delete;
+
+    private:
+        common::IPauseCallback* const m_pOuter;
+    };
 
     // For its length the thread waits for bytes.
     class Waiting {
@@ -68,11 +87,14 @@ public:
     static void Poll() noexcept;
 
 private:
+    void LookAtClock() noexcept;
+
     Operation* m_pOuter;
     AbortFlag m_pAbort;
     Clock::time_point m_deadline;
     unsigned m_nPolls = 0;
     bool m_bTimedOut = false;
+    bool m_bPaused = false;
     fz_cookie m_cookie{};
 };
 

@@ -18,14 +18,23 @@ Page::Page(std::shared_ptr<Document> pDocument, std::int32_t nIndex, const PageF
       m_facts(facts),
       m_bParsed(m_pDocument->Sizes().Knows(nIndex)) {}
 
-std::shared_ptr<common::Progressive> Page::StartParse(std::int32_t, common::IPauseCallback*,
+std::int32_t Page::Parse() {
+    Content(nullptr);
+    return m_bParsed ? common::Progressive::kFinished : common::Progressive::kCutShort;
+}
+
+std::shared_ptr<common::Progressive> Page::StartParse(std::int32_t, common::IPauseCallback* pPause,
                                                       std::int32_t nReparse) {
     if (nReparse != 0) {
         m_pDocument->ForgetCutShort(m_nIndex);
     }
-    Content(nullptr);
-    return std::make_shared<FinishedProgress>(m_bParsed ? FinishedProgress::kFinished
-                                                        : FinishedProgress::kCutShort);
+    try {
+        const Operation::Patience patience(pPause);
+        return std::make_shared<FinishedProgress>(Parse());
+    } catch (const Operation::Paused&) {
+        return std::make_shared<PutOffProgress>(
+            [pSelf = shared_from_this()] { return pSelf->Parse(); });
+    }
 }
 
 std::shared_ptr<const Drawing> Page::Content(Operation::AbortFlag pAbort) {

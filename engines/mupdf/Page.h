@@ -48,6 +48,7 @@ public:
 private:
     using Kinds = std::vector<std::int32_t>;
 
+    std::int32_t Parse(); // how it ended, as a progress says it
     std::shared_ptr<const Kinds> AnnotKinds();
 
     const std::shared_ptr<Document> m_pDocument;

@@ -8,6 +8,7 @@
 #include "platform/concurrency/Cancellation.h"
 #include "platform/concurrency/Scheduler.h"
 #include "tests/engine/MuPdfFixture.h"
+#include "tests/engine/ReflowFixture.h"
 #include "tests/support/pdf_writer/PdfWriter.h"
 
 namespace velko::testing {
@@ -110,6 +111,45 @@ TEST_F(LimitsTest, AParseBeyondItsBudgetKeepsWhatItHas) {
     EXPECT_TRUE(bIncomplete);
     EXPECT_LT(Since(start), kPatience);
     EXPECT_EQ(PixelAt(*pBitmap, 50, 50), 0xFFFF0000U) << "what came before the bomb";
+}
+
+// For a caller that can wait for so many questions.
+class Impatience final : public common::IPauseCallback {
+public:
+    explicit Impatience(int nQuestions) : m_nLeft(nQuestions) {}
+    bool NeedToPauseNow() override { return m_nLeft-- <= 0; }
+
+private:
+    int m_nLeft;
+};
+
+TEST_F(LimitsTest, WhatACallerCannotWaitForIsDoneWholeAtAnotherTime) {
+    using common::Progressive;
+    const auto pDoc = OpenDoc(StrokesDocument(1000));
+    ASSERT_TRUE(pDoc);
+    const auto pPage = pDoc->GetPage(0);
+    for (const int nQuestions : {0, 1, 5, 20}) {
+        Impatience impatience(nQuestions);
+        const auto pProgress = pPage->StartParse(0, &impatience, 0);
+        EXPECT_EQ(pProgress->Continue(), Progressive::kToBeContinued) << nQuestions;
+        EXPECT_FALSE(pPage->IsParsed()) << "nothing half done is kept";
+    }
+    Impatience impatience(3);
+    const auto pReflow = CreateReflow(pPage);
+    pReflow->SetScreenSize(300.0F, 400.0F);
+    const auto pProgress = pReflow->StartParse(&impatience);
+    EXPECT_EQ(pProgress->Continue(), Progressive::kToBeContinued);
+    EXPECT_EQ(pReflow->GetContentHeight(), 0);
+    EXPECT_EQ(pProgress->Continue(), Progressive::kFinished);
+    EXPECT_EQ(pProgress->Continue(), Progressive::kFinished);
+    EXPECT_GT(pReflow->GetContentHeight(), 0);
+    EXPECT_TRUE(pPage->IsParsed());
+    Impatience none(0); // what is known takes no time
+    EXPECT_EQ(pReflow->StartParse(&none)->Continue(), Progressive::kFinished);
+
+    const auto pBomb = OpenDoc(NestedFormsDocument(12))->GetPage(0);
+    Impatience brief(50);
+    EXPECT_EQ(pBomb->StartParse(0, &brief, 0)->Continue(), Progressive::kToBeContinued);
 }
 
 // A machine that was busy for a while must not leave half a page for ever.

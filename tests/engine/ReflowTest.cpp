@@ -433,6 +433,16 @@ TEST_F(ReflowTest, LinesBreakWhereTheirScriptAllowsIt) {
     EXPECT_EQ(fnBreak(U"\u6F22\u5B57\u3002\u300C\u304B\u306A\u300D\u3067", 3),
               (Lines{U"\u6F22\u5B57\u3002", U"\u300C\u304B", U"\u306A\u300D\u3067"}))
         << "no full stop begins a line and no bracket opens at its end";
+
+    const auto fnWidest = [](const std::u32string& strText) {
+        Glyphs glyphs;
+        for (const char32_t c : strText) {
+            glyphs.push_back({c, Glyph::kNone, 0, false});
+        }
+        return WidestPart(glyphs, [](std::size_t) { return 1.0F; });
+    };
+    EXPECT_EQ(fnWidest(U"a well-known word"), 5.0F); // to which an indent gives way
+    EXPECT_EQ(fnWidest(U"  \u6F22\u5B57 "), 1.0F);
 }
 
 // Whether a file says "i" and then sets dots over it, or has no dots at all.

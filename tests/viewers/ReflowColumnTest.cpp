@@ -223,7 +223,7 @@ TEST_F(ReflowColumnTest, AStepDoesNotMeasureForLong) {
 TEST_F(ReflowColumnTest, AColumnThatEndsUnknownIsNotTheDocumentsEnd) {
     OpenTexts({300, 60, 300, 300, 300, 300});
     w.Settle();
-    TakeTime(150ms);
+    TakeTime(60ms);
     w.Viewer().SetScale(2.0F);
     w.Viewer().InitLayOut(1, 1.0, 0, 0);
     EXPECT_EQ(w.Laid(), (Places{{1, 30, 0, 240, 120}})); // the others are not known yet
@@ -234,6 +234,25 @@ TEST_F(ReflowColumnTest, AColumnThatEndsUnknownIsNotTheDocumentsEnd) {
     w.Viewer().SetScale(1.5F);
     w.Viewer().InitLayOut(1, 1.0, 0, 0);
     EXPECT_EQ(After(50), (Places{{1, 30, -50, 240, 90}, {2, 30, 45, 240, 450}}));
+}
+
+TEST_F(ReflowColumnTest, APageThatTakesLongIsLeftToThePool) {
+    w.Make(Texts({200, 200, 200}), 300, 500);
+    w.Viewer().SetScale(1.0F);
+    TakeTime(5s);
+    w.Viewer().InitLayOut(1, 1.0, 0, 0);
+    EXPECT_TRUE(w.Laid().empty());
+    EXPECT_FALSE(w.pDocument->PageFailureOf(1).has_value());
+    // While the pool is at it no step waits for the engine.
+    w.host.Dispatcher().RunAll();
+    const int nBefore = Measured();
+    w.host.Clock().Advance(1s);
+    After(100);
+    w.Viewer().GotoPage(2);
+    EXPECT_EQ(Measured(), nBefore);
+    w.ExpectSharp();
+    EXPECT_EQ(w.Laid(),
+              (Places{{0, 30, -110, 240, 200}, {1, 30, 95, 240, 200}, {2, 30, 300, 240, 200}}));
 }
 
 TEST_F(ReflowColumnTest, APageThatCannotBeSetTakesAPlaceAndNoOtherWithIt) {

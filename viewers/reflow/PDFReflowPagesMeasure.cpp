@@ -19,9 +19,27 @@ using concurrency::task;
 
 namespace {
 
-// A step begins to measure no further page after this long: pages take about a
-// millisecond, and only very many without text, or very slow ones, come to it.
+// A step measures for no longer than this: pages take about a millisecond, and only
+// very many without text, or very slow ones, come to it. The pool has all the time.
 constexpr std::chrono::milliseconds kMostMeasuring{100};
+
+// One that the pool has been at for this long keeps the engine to itself: a step that
+// measured now would wait for it.
+constexpr std::chrono::milliseconds kLongMeasuring{20};
+
+std::chrono::nanoseconds Now() {
+    return Platform::Environment()->MonotonicTime();
+}
+
+// Of a step, for the engine.
+class Patience final : public velko::common::IPauseCallback {
+public:
+    explicit Patience(std::chrono::nanoseconds end) : m_end(end) {}
+    bool NeedToPauseNow() override { return Now() > m_end; }
+
+private:
+    const std::chrono::nanoseconds m_end;
+};
 
 // How far around the screen pages are measured ahead, in screens.
 constexpr double kScreensAhead = 3.0;
@@ -31,15 +49,20 @@ constexpr double kFailedShare = 0.25;
 
 using Content = ReflowMeasures::Content;
 
-// Nothing else may be known of a page that a step could not wait for.
-std::pair<std::shared_ptr<VLK_ReflowPage>, Content> MeasurePage(
-    VLK_Document& document, std::int32_t nPageIndex, const ReflowParameters& parameters) {
+struct Measured {
+    std::shared_ptr<VLK_ReflowPage> pPage; // empty where it failed or was paused
+    std::optional<Content> content;        // empty where it was paused
+};
+
+Measured MeasurePage(VLK_Document& document, std::int32_t nPageIndex,
+                     const ReflowParameters& parameters, velko::common::IPauseCallback* pPause) {
     try {
-        auto pPage = document.CreateReflowPage(nPageIndex, parameters);
-        if (pPage) {
-            const Content content{pPage->nContentWidth, pPage->nContentHeight, false};
-            return {std::move(pPage), content};
+        auto pPage = document.CreateReflowPage(nPageIndex, parameters, pPause);
+        if (!pPage) {
+            return {};
         }
+        const Content content{pPage->nContentWidth, pPage->nContentHeight, false};
+        return {std::move(pPage), content};
     } catch (const concurrency::task_canceled&) {
         throw;
     } catch (const Platform::ObjectDisposedException&) {
@@ -47,7 +70,7 @@ std::pair<std::shared_ptr<VLK_ReflowPage>, Content> MeasurePage(
     } catch (...) {
         // The document has noted why.
     }
-    return {nullptr, {0, 0, true}};
+    return {nullptr, Content{0, 0, true}};
 }
 
 }
@@ -98,10 +121,15 @@ std::shared_ptr<VLK_ReflowPage> PDFReflowPagesViewer::Measure(std::int32_t nPage
         throw Platform::ObjectDisposedException();
     }
     UpdateParameters();
+    Patience patience((m_bHasMeasured ? m_stepStart : Now()) + kMostMeasuring);
     m_bHasMeasured = true;
-    auto [pPage, content] = MeasurePage(*pDocument, nPageIndex, m_measures.Parameters());
-    m_measures.Note(nPageIndex, content);
-    return pPage;
+    const bool bIsKnown = m_measures.Find(nPageIndex) != nullptr; // to the engine too
+    const Measured measured = MeasurePage(*pDocument, nPageIndex, m_measures.Parameters(),
+                                          bIsKnown ? nullptr : &patience);
+    if (measured.content) {
+        m_measures.Note(nPageIndex, *measured.content);
+    }
+    return measured.pPage;
 }
 
 // One that has failed is not tried again within the same layout.
@@ -118,24 +146,21 @@ DisplaySize PDFReflowPagesViewer::GetReflowDisplaySize(ReflowViewerPageItem& ite
 // --- what the column asks ---
 
 bool PDFReflowPagesViewer::MayMeasure() const {
-    if (m_bIsFillingOn || !HasScreen()) {
+    const bool bWouldWait = m_aheadStart && Now() - *m_aheadStart > kLongMeasuring;
+    if (m_bIsFillingOn || bWouldWait || !HasScreen()) {
         return false;
     }
-    return !m_bHasMeasured ||
-           Platform::Environment()->MonotonicTime() - m_stepStart < kMostMeasuring;
+    return !m_bHasMeasured || Now() - m_stepStart < kMostMeasuring;
 }
 
 bool PDFReflowPagesViewer::IsMeasured(std::int32_t nPageIndex) {
     UpdateParameters();
-    if (m_measures.Find(nPageIndex) != nullptr) {
-        return true;
+    if (m_measures.Find(nPageIndex) == nullptr && MayMeasure()) {
+        Measure(nPageIndex);
     }
-    if (!MayMeasure()) {
-        m_bEndsUnknown = true;
-        return false;
-    }
-    Measure(nPageIndex);
-    return true;
+    const bool bKnown = m_measures.Find(nPageIndex) != nullptr;
+    m_bEndsUnknown = m_bEndsUnknown || !bKnown;
+    return bKnown;
 }
 
 float PDFReflowPagesViewer::HeightInColumn(std::int32_t nPageIndex) {
@@ -151,7 +176,7 @@ bool PDFReflowPagesViewer::TakesRoom(std::int32_t nPageIndex) {
 
 void PDFReflowPagesViewer::BeginChange() {
     ColumnViewer::BeginChange();
-    m_stepStart = Platform::Environment()->MonotonicTime();
+    m_stepStart = Now();
     m_bHasMeasured = false;
     m_bEndsUnknown = false;
 }
@@ -172,12 +197,17 @@ task<void> PDFReflowPagesViewer::RunAhead(cancellation_token token) {
         while (const auto nPage = token.is_canceled() ? std::nullopt : NextToMeasure()) {
             const auto pDocument = OpenDocument();
             const ReflowParameters parameters = m_measures.Parameters();
+            m_aheadStart = Now();
             co_await concurrency::resume_background(token);
-            const Content content = MeasurePage(*pDocument, *nPage, parameters).second;
+            const Measured measured = MeasurePage(*pDocument, *nPage, parameters, nullptr);
             co_await concurrency::resume_foreground(pDispatcher, concurrency::priority::low);
-            if (!token.is_canceled() && parameters == m_measures.Parameters()) {
+            if (token.is_canceled()) {
+                break;
+            }
+            m_aheadStart.reset();
+            if (measured.content && parameters == m_measures.Parameters()) {
                 bHasLearned = true;
-                TakeMeasured(*nPage, content);
+                TakeMeasured(*nPage, *measured.content);
             }
         }
     } catch (...) {
@@ -235,7 +265,11 @@ void PDFReflowPagesViewer::FillOn() {
         Platform::FirstFailure steps;
         steps.Run([&] {
             if (viewer.HasItems()) {
-                viewer.ShowStep(viewer.MakeTask(0.0, 0.0));
+                viewer.LayOut(viewer.MakeTask(0.0, 0.0));
+                viewer.PinEnds();
+                viewer.OnLaidOut();
+                viewer.StartRenders(false);
+                viewer.PaintCanvas();
             } else {
                 viewer.ShowPage(viewer.m_nCurPageIndex, true);
             }

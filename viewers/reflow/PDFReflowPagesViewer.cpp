@@ -160,6 +160,7 @@ void PDFReflowPagesViewer::OnClosed() {
     ColumnViewer::OnClosed();
     m_ctsAhead.Renew();
     m_bMeasuringAhead = false;
+    m_aheadStart.reset();
     m_measures = ReflowMeasures();
 }
 

@@ -164,6 +164,7 @@ private:
     bool m_bIsFillingOn = false;             // it lays out what the pool has measured
     bool m_bEndsUnknown = false;             // the column ends before a page not measured yet
     bool m_bMeasuringAhead = false;
+    std::optional<std::chrono::nanoseconds> m_aheadStart; // of the page that the pool is at
     CancellationGeneration m_ctsAhead;
 };
 

@@ -85,14 +85,18 @@ private:
         // A table that fits keeps the places of its cells.
         m_bTable = paragraph.fTableWidth > 0.0F &&
                    paragraph.fTableWidth * m_fScale <= static_cast<float>(m_nMeasure);
+        const auto fnAdvance = [&](std::size_t i) { return AdvanceOf(paragraph.glyphs[i]); };
         const float fStart = paragraph.fIndent + paragraph.fFirstLine;
-        const float fFirst = m_bTable ? std::max(fStart * m_fScale, 0.0F) : IndentOf(fStart);
-        const float fOthers = IndentOf(paragraph.fIndent);
+        // An indent gives way to a word that it would break.
+        const float fMost =
+            static_cast<float>(m_nMeasure) - WidestPart(paragraph.glyphs, fnAdvance);
+        const float fFirst = m_bTable ? std::max(fStart * m_fScale, 0.0F)
+                                      : Kept(IndentOf(fStart), 0.0F, std::max(fMost, 0.0F));
+        const float fOthers = Kept(IndentOf(paragraph.fIndent), 0.0F, std::max(fMost, 0.0F));
         const auto fnIndent = [&](std::size_t n) { return n == 0 ? fFirst : fOthers; };
         const auto lines = BreakLines(
             paragraph.glyphs,
-            [&](std::size_t n) { return static_cast<float>(m_nMeasure) - fnIndent(n); },
-            [&](std::size_t i) { return AdvanceOf(paragraph.glyphs[i]); });
+            [&](std::size_t n) { return static_cast<float>(m_nMeasure) - fnIndent(n); }, fnAdvance);
         const Levels levels = LevelsOf(paragraph);
         for (std::size_t n = 0; n < lines.size(); ++n) {
             if (m_nTop > Layout::kMaxHeight - 2 * Layout::kMaxWidth) {

@@ -83,6 +83,21 @@ std::vector<BrokenLine> BreakLines(const Glyphs& glyphs,
     return lines;
 }
 
+float WidestPart(const Glyphs& glyphs, const std::function<float(std::size_t)>& fnAdvance) {
+    float fWidest = 0.0F;
+    float fPart = 0.0F;
+    for (std::size_t i = 0; i < glyphs.size(); ++i) {
+        if (i > 0 && MayBreakBefore(glyphs, i)) {
+            fPart = 0.0F;
+        }
+        if (!IsSpace(glyphs[i].nUnicode)) {
+            fPart += fnAdvance(i);
+            fWidest = std::max(fWidest, fPart);
+        }
+    }
+    return fWidest;
+}
+
 Levels LevelsOf(const Paragraph& paragraph) {
     const bool bPlain = !paragraph.bRightToLeft &&
                         std::none_of(paragraph.glyphs.begin(), paragraph.glyphs.end(),

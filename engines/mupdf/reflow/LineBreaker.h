@@ -19,6 +19,9 @@ struct BrokenLine {
     float fWidth = 0.0F;
 };
 
+// The room that the widest word takes.
+float WidestPart(const Glyphs& glyphs, const std::function<float(std::size_t)>& fnAdvance);
+
 // Fills lines up to their room: `fnRoom(n)` is that of line `n`, `fnAdvance(i)`
 // the width of glyph `i`. Lines break at spaces, behind hyphens and between
 // ideographs, and within a word that no line holds.

@@ -79,10 +79,10 @@ std::shared_ptr<const Layout> ReflowedPage::MakeLayout(const Parsed& parsed) con
     return pLayout;
 }
 
-std::shared_ptr<common::Progressive> ReflowedPage::StartParse(common::IPauseCallback*) {
+std::int32_t ReflowedPage::Parse(const SetParameters& parameters) {
     MeasuredSizes& sizes = m_pPage->Owner().Sizes();
     Parsed parsed;
-    parsed.parameters = Bounded(m_parameters);
+    parsed.parameters = parameters;
     parsed.nNumber = sizes.NumberOf(parsed.parameters);
     parsed.pLayout = FindLayout(parsed.nNumber);
     if (const auto size = sizes.Find(parsed.nNumber, m_pPage->GetIndex())) {
@@ -94,8 +94,18 @@ std::shared_ptr<common::Progressive> ReflowedPage::StartParse(common::IPauseCall
     const bool bCutShort = parsed.size.bCutShort;
     const Lock lock(m_lock);
     m_last = std::move(parsed);
-    return std::make_shared<FinishedProgress>(bCutShort ? FinishedProgress::kCutShort
-                                                        : FinishedProgress::kFinished);
+    return bCutShort ? common::Progressive::kCutShort : common::Progressive::kFinished;
+}
+
+std::shared_ptr<common::Progressive> ReflowedPage::StartParse(common::IPauseCallback* pPause) {
+    const SetParameters parameters = Bounded(m_parameters);
+    try {
+        const Operation::Patience patience(pPause);
+        return std::make_shared<FinishedProgress>(Parse(parameters));
+    } catch (const Operation::Paused&) {
+        return std::make_shared<PutOffProgress>(
+            [pSelf = shared_from_this(), parameters] { return pSelf->Parse(parameters); });
+    }
 }
 
 std::shared_ptr<const Layout> ReflowedPage::Result() const {

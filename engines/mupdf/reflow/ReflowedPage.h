@@ -21,7 +21,8 @@
 
 namespace velko::engines::mupdf::reflow {
 
-class ReflowedPage final : public pdf::ReflowPage {
+class ReflowedPage final : public pdf::ReflowPage,
+                           public std::enable_shared_from_this<ReflowedPage> {
 public:
     explicit ReflowedPage(std::shared_ptr<Page> pPage) : m_pPage(std::move(pPage)) {}
 
@@ -47,6 +48,7 @@ private:
         std::shared_ptr<const Layout> pLayout; // empty until it is needed
     };
 
+    std::int32_t Parse(const SetParameters& parameters); // how it ended
     Parsed Last() const;
     PageCache::Key KeyOf(PageCache::Kind eKind, std::uint64_t nVariant = 0) const;
     void TouchModel(std::uint64_t nGeneration) const;

@@ -271,8 +271,11 @@ private:
 
 }
 
-std::shared_ptr<common::Progressive> ScriptedReflow::StartParse(common::IPauseCallback*) {
+std::shared_ptr<common::Progressive> ScriptedReflow::StartParse(common::IPauseCallback* pPause) {
     m_pEngine->Arrive({EngineOp::Reflow, Index()});
+    if (pPause != nullptr && pPause->NeedToPauseNow()) {
+        return std::make_shared<CountedProgress>(1);
+    }
     const ScriptedPage& page = m_pPage->Script();
     const bool bPictures = m_nFlags == kTextAndPictures;
     m_nHeight = (page.nTextHeight + (bPictures ? page.nPictureHeight : 0)) * m_nPercent / 100;
