@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "document/Conversion.h"
+#include "document/PagePicture.h"
 #include "document/RenderPageEventArgs.h"
 #include "document/RenderTarget_p.h"
 #include "document/Utility.h"
@@ -79,6 +80,22 @@ Matrix2D Reverse(const Matrix2D& matrix) {
     return reverse;
 }
 
+}
+
+std::shared_ptr<Bitmap> DrawPagePicture(const std::shared_ptr<PDFPage>& pPage, std::int32_t nWidth,
+                                        std::int32_t nHeight,
+                                        const concurrency::cancellation_token& token) {
+    RenderBlockRequest request;
+    request.pPage = pPage;
+    request.nBitmapWidth = nWidth;
+    request.nBitmapHeight = nHeight;
+    request.fDisplayWidth = static_cast<float>(nWidth);
+    request.fDisplayHeight = static_cast<float>(nHeight);
+    token.throw_if_canceled();
+    auto pBitmap = MakeBlockBitmap(request);
+    const auto pRenderer = detail::MakeRenderer(request, token, pBitmap);
+    DrawPage(request, *pRenderer, MakeBlockMatrix(request));
+    return pRenderer->IsIncomplete() ? nullptr : pBitmap;
 }
 
 void VLK_Document::FillRenderState(RenderBlockRequest& request) const {

@@ -18,6 +18,7 @@
 #include "app/viewer/Hint.h"
 #include "app/viewer/NoticeBar.h"
 #include "app/viewer/PageMenu.h"
+#include "app/viewer/PictureMaker.h"
 #include "app/viewer/RecentMenu.h"
 #include "app/viewer/StartPane.h"
 #include "app/viewer/TopEdge.h"
@@ -102,6 +103,11 @@ void MainWindow::ConnectLinks() {
     connect(m_pView, &VelkoPdfView::LinkRefused, this,
             [this](const QString& strReason) { NoticeLine().Tell(strReason); });
     connect(m_pView, &VelkoPdfView::LinkHovered, this, &MainWindow::ShowTarget);
+}
+
+void MainWindow::KeepPlaces() {
+    m_pView->KeepPlace(true);
+    new PictureMaker(*m_pView);
 }
 
 void MainWindow::Begin(const FilePath& path, VelkoPdfView::Opening opening) {

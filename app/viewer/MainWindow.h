@@ -31,6 +31,10 @@ class MainWindow : public QWidget {
 public:
     MainWindow(std::shared_ptr<vkit::PDFViewCtrl> pControl, QSize size);
 
+    // From now on the reader's places, with a picture of each document for the list of
+    // recent files.
+    void KeepPlaces();
+
     // Shows the document whose open was begun, or without one the start.
     void Begin(const vkit::FilePath& path, vkit::VelkoPdfView::Opening opening);
 

@@ -7,6 +7,7 @@
 #include <system_error>
 #include <utility>
 
+#include "app/viewer/RecentPictures.h"
 #include "component/KeptView.h"
 #include "platform/concurrency/Task.h"
 
@@ -43,10 +44,12 @@ void RecentFiles::Forget(const std::vector<FilePath>& files) {
         paths.push_back(file.Bytes());
     }
     vkit::ForgetViews(paths);
+    RecentPictures::Forget(files);
 }
 
 void RecentFiles::ForgetAll() {
     vkit::ForgetAllViews();
+    RecentPictures::ForgetAll();
 }
 
 void RecentFiles::AskWhichAreThere(const std::vector<FilePath>& files, QObject* pReceiver,

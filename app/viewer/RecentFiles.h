@@ -18,7 +18,7 @@ public:
     // Latest first, at most `nMost`.
     static std::vector<vkit::FilePath> Latest(std::size_t nMost);
 
-    // Takes files out of the list, with the places in them.
+    // Takes files out of the list, with the places in them and their pictures.
     static void Forget(const std::vector<vkit::FilePath>& files);
     static void ForgetAll();
 

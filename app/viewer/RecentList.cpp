@@ -3,10 +3,13 @@
 #include <QLabel>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <map>
+#include <utility>
 
 #include "app/viewer/Announce.h"
 #include "app/viewer/FocusRing.h"
 #include "app/viewer/RecentFiles.h"
+#include "app/viewer/RecentPictures.h"
 #include "app/viewer/RecentRow.h"
 
 namespace velko::viewer {
@@ -53,13 +56,16 @@ RecentList::RecentList(QWidget* pParent)
 }
 
 void RecentList::Fill() {
+    std::map<std::string, QImage> pictures; // shown until they are read anew
     for (RecentRow* const pRow : std::exchange(m_rows, {})) {
+        pictures[pRow->File().Bytes()] = pRow->Picture();
         pRow->hide();
         pRow->deleteLater(); // it may be the one that asked for this
     }
     const std::vector<FilePath> files = RecentFiles::Latest(kMostRows);
     for (const FilePath& path : files) {
         AddRow(path);
+        m_rows.back()->SetPicture(pictures[path.Bytes()]);
     }
     if (!m_rows.empty()) {
         setTabOrder(m_rows.back()->RemoveButton(), m_pClear);
@@ -75,15 +81,34 @@ void RecentList::Fill() {
                 }
             }
         });
+    AskForPictures(files);
+}
+
+void RecentList::AskForPictures(const std::vector<FilePath>& files) {
+    RecentPictures::Read(files, this,
+                         [this, nFilling = m_nFilling](std::size_t n, const QImage& image) {
+                             if (nFilling == m_nFilling) {
+                                 m_rows[n]->SetPicture(image);
+                             }
+                         });
 }
 
 void RecentList::AddRow(const FilePath& path) {
     auto* const pRow = new RecentRow(path, this);
+    pRow->SetLow(m_bLow);
     m_rows.push_back(pRow);
     m_pRowLayout->addWidget(pRow);
     connect(pRow, &RecentRow::Removed, this, [this, pRow] { Remove(pRow); });
     connect(pRow, &RecentRow::Stepped, this, [this, pRow](int nRows) { Step(pRow, nRows); });
     connect(pRow, &QAbstractButton::clicked, this, [this, path] { emit Wanted(path); });
+}
+
+void RecentList::SetLow(bool bLow) {
+    if (std::exchange(m_bLow, bLow) != bLow) {
+        for (RecentRow* const pRow : m_rows) {
+            pRow->SetLow(bLow);
+        }
+    }
 }
 
 void RecentList::Step(const RecentRow* pRow, int nRows) {

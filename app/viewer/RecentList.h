@@ -28,6 +28,8 @@ public:
     // The first row gets the keys; false without rows.
     bool TakeKeys();
     const std::vector<RecentRow*>& Rows() const { return m_rows; }
+    // Rows that take less height, for where it is scarce.
+    void SetLow(bool bLow);
     QPushButton* ClearButton() const { return m_pClear; } // asks first
 
 signals:
@@ -35,6 +37,7 @@ signals:
 
 private:
     void AddRow(const vkit::FilePath& path);
+    void AskForPictures(const std::vector<vkit::FilePath>& files);
     void Remove(RecentRow* pRow);
     void Step(const RecentRow* pRow, int nRows);
     void Ask(bool bAsk);
@@ -45,6 +48,7 @@ private:
     QPushButton* m_pClear;
     QPushButton* m_pKeep;
     bool m_bAsking = false;
+    bool m_bLow = false;
     int m_nFilling = 0;
 };
 

@@ -1,11 +1,12 @@
-// One of the files opened lately, as a row to press: its name, and below it its
-// folder. The whole path is its tip; a button at its end takes it out of the list.
-// A file that is not there is faint and says so.
+// One of the files opened lately, as a row to press: a small picture of its first page, or
+// a blank sheet, its name, and below that its folder. The whole path is its tip; a button at its
+// end takes it out of the list. A file that is not there is faint and says so.
 //
 // Threads: UI thread only.
 #pragma once
 
 #include <QAbstractButton>
+#include <QImage>
 
 #include "widget/FilePath.h"
 
@@ -21,6 +22,10 @@ public:
     QWidget* RemoveButton() const { return m_pRemove; }
     void MarkGone();
     bool IsGone() const { return m_bGone; }
+    void SetPicture(const QImage& image);
+    const QImage& Picture() const { return m_picture; }
+    // With a smaller picture, no higher than the text is.
+    void SetLow(bool bLow);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -35,9 +40,16 @@ protected:
     void resizeEvent(QResizeEvent* pEvent) override;
 
 private:
+    QSize PictureRoom() const;
+    QRectF PicturePlace() const;
+    void PaintPicture(QPainter& painter) const;
+    void PaintText(QPainter& painter) const;
+
     const vkit::FilePath m_path;
     QWidget* m_pRemove; // a child
     bool m_bGone = false;
+    bool m_bLow = false;
+    QImage m_picture; // null: there is none
 };
 
 }

@@ -13,6 +13,7 @@ namespace {
 
 constexpr int kMargin = 24;
 constexpr int kWidestList = 560;
+constexpr int kLowPane = 420; // where less than a few high rows are in sight
 
 }
 
@@ -61,6 +62,11 @@ void StartPane::Show(const QString& strTitle, const QString& strText) {
 
 void StartPane::FillList() {
     m_pRecent->Fill();
+}
+
+void StartPane::resizeEvent(QResizeEvent* pEvent) {
+    m_pRecent->SetLow(height() < kLowPane);
+    QScrollArea::resizeEvent(pEvent);
 }
 
 void StartPane::TakeKeys() {

@@ -32,6 +32,9 @@ public:
 
     QString Text() const; // title and text, as they are marked up
 
+protected:
+    void resizeEvent(QResizeEvent* pEvent) override;
+
 signals:
     void OpenWanted();
     void FileWanted(const velko::vkit::FilePath& path);

@@ -56,7 +56,7 @@ MainWindow& WindowList::Open(const FilePath& path) {
         opening = VelkoPdfView::BeginOpen(*pControl, path);
     }
     MainWindow& window = Add(std::move(pControl), std::nullopt);
-    window.View().KeepPlace(true);
+    window.KeepPlaces();
     window.Begin(path, std::move(opening));
     window.show();
     return window;

@@ -109,7 +109,7 @@ int RunViewer(int argc, char** argv, const CommandLine& options, Platform::Secre
     if (bPicture) {
         new Screenshot(window, options, &window);
     } else {
-        window.View().KeepPlace(true);
+        window.KeepPlaces();
         ShowFirst(window.View(), options.nPage);
     }
     window.Begin(options.files.empty() ? vkit::FilePath() : options.files[0], std::move(opening));
