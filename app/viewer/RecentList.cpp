@@ -1,6 +1,7 @@
 #include "app/viewer/RecentList.h"
 
 #include <QLabel>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <map>
@@ -81,10 +82,21 @@ void RecentList::Fill() {
                 }
             }
         });
-    AskForPictures(files);
+    m_bPicturesDue = true;
 }
 
-void RecentList::AskForPictures(const std::vector<FilePath>& files) {
+// The pictures are read once the rows can be seen.
+void RecentList::paintEvent(QPaintEvent* /*pEvent*/) {
+    if (std::exchange(m_bPicturesDue, false)) {
+        QTimer::singleShot(0, this, &RecentList::AskForPictures);
+    }
+}
+
+void RecentList::AskForPictures() {
+    std::vector<FilePath> files;
+    for (const RecentRow* const pRow : m_rows) {
+        files.push_back(pRow->File());
+    }
     RecentPictures::Read(files, this,
                          [this, nFilling = m_nFilling](std::size_t n, const QImage& image) {
                              if (nFilling == m_nFilling) {
@@ -114,8 +126,13 @@ void RecentList::SetLow(bool bLow) {
 void RecentList::Step(const RecentRow* pRow, int nRows) {
     const auto nRow = std::find(m_rows.begin(), m_rows.end(), pRow) - m_rows.begin() + nRows;
     if (nRow >= 0 && nRow < std::ssize(m_rows)) {
-        m_rows[static_cast<std::size_t>(nRow)]->setFocus(Qt::TabFocusReason);
+        GiveKeys(*m_rows[static_cast<std::size_t>(nRow)]);
     }
+}
+
+void RecentList::GiveKeys(QWidget& part) {
+    part.setFocus(Qt::TabFocusReason);
+    emit KeysMoved();
 }
 
 // The keys go to the row that comes in its place.
@@ -124,7 +141,7 @@ void RecentList::Remove(RecentRow* pRow) {
     RecentFiles::Forget({pRow->File()});
     Fill();
     if (!m_rows.empty()) {
-        m_rows[std::min<std::size_t>(nRow, m_rows.size() - 1)]->setFocus(Qt::TabFocusReason);
+        GiveKeys(*m_rows[std::min<std::size_t>(nRow, m_rows.size() - 1)]);
     }
 }
 
@@ -135,7 +152,7 @@ void RecentList::Ask(bool bAsk) {
     m_pKeep->setVisible(bAsk);
     m_pClear->setText(bAsk ? "Clear" : "Clear this list…");
     if (bAsk) {
-        m_pKeep->setFocus(Qt::TabFocusReason);
+        GiveKeys(*m_pKeep);
     }
 }
 

@@ -32,14 +32,19 @@ public:
     void SetLow(bool bLow);
     QPushButton* ClearButton() const { return m_pClear; } // asks first
 
+protected:
+    void paintEvent(QPaintEvent* pEvent) override;
+
 signals:
     void Wanted(const velko::vkit::FilePath& path);
+    void KeysMoved(); // within the list, other than by Tab or the pointer
 
 private:
     void AddRow(const vkit::FilePath& path);
-    void AskForPictures(const std::vector<vkit::FilePath>& files);
+    void AskForPictures();
     void Remove(RecentRow* pRow);
     void Step(const RecentRow* pRow, int nRows);
+    void GiveKeys(QWidget& part);
     void Ask(bool bAsk);
 
     QVBoxLayout* m_pRowLayout;
@@ -49,6 +54,7 @@ private:
     QPushButton* m_pKeep;
     bool m_bAsking = false;
     bool m_bLow = false;
+    bool m_bPicturesDue = false;
     int m_nFilling = 0;
 };
 

@@ -47,6 +47,8 @@ StartPane::StartPane(QWidget* pParent) : QScrollArea(pParent) {
     pLayout->addStretch(1);
     setWidget(pInner);
     connect(m_pOpen, &QPushButton::clicked, this, &StartPane::OpenWanted);
+    // Queued, as the rows have their places only then.
+    connect(m_pRecent, &RecentList::KeysMoved, this, &StartPane::ShowKeys, Qt::QueuedConnection);
     connect(m_pRecent, &RecentList::Wanted, this, &StartPane::FileWanted);
 }
 
@@ -67,6 +69,13 @@ void StartPane::FillList() {
 void StartPane::resizeEvent(QResizeEvent* pEvent) {
     m_pRecent->SetLow(height() < kLowPane);
     QScrollArea::resizeEvent(pEvent);
+}
+
+void StartPane::ShowKeys() {
+    QWidget* const pKeys = m_pRecent->window()->focusWidget();
+    if (pKeys != nullptr && m_pRecent->isAncestorOf(pKeys)) {
+        ensureWidgetVisible(pKeys, 0, kMargin / 2);
+    }
 }
 
 void StartPane::TakeKeys() {

@@ -40,6 +40,7 @@ signals:
     void FileWanted(const velko::vkit::FilePath& path);
 
 private:
+    void ShowKeys(); // scrolls to the part that has them
     QLabel* m_pText; // these are children
     QPushButton* m_pOpen;
     RecentList* m_pRecent;

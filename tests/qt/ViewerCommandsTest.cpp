@@ -19,6 +19,7 @@
 #include "app/viewer/RecentList.h"
 #include "app/viewer/RecentMenu.h"
 #include "app/viewer/RecentRow.h"
+#include "app/viewer/StartPane.h"
 #include "app/viewer/ValueField.h"
 #include "component/KeptView.h"
 #include "platform/qt/QtElementWindow.h"
@@ -401,6 +402,25 @@ TEST_F(ViewerCommandsTest, RecentFilesOpenFromTheMenuAndMissingOnesAreMarked) {
     EXPECT_FALSE(vkit::RecentFiles().empty());
     QTest::keyClick(m_pWindow->focusWidget(), Qt::Key_Return);
     EXPECT_TRUE(vkit::RecentFiles().empty());
+}
+
+TEST_F(ViewerCommandsTest, TheRowWithTheKeysIsInSightAlsoInASmallWindow) {
+    TheView().KeepPlace(true);
+    m_pWindow->resize(400, 300);
+    for (int nFile = 0; nFile < 8; ++nFile) {
+        ASSERT_TRUE(ShowUntilSharp(WritePages(QString::number(nFile), 1)));
+    }
+    TheView().CloseDocument();
+    const auto& rows = m_pWindow->findChild<viewer::RecentList*>()->Rows();
+    const auto* const pPane = m_pWindow->findChild<viewer::StartPane*>();
+    const auto fnIsInSight = [&](const QWidget* pRow) {
+        return pPane->rect().contains(QRect(pRow->mapTo(pPane, QPoint()), pRow->size()));
+    };
+    ASSERT_TRUE(RunUntil([&] { return rows.size() == 8 && !fnIsInSight(rows[7]); }));
+    for (std::size_t nRow = 0; nRow < 7; ++nRow) {
+        QTest::keyClick(rows[nRow], Qt::Key_Down);
+    }
+    EXPECT_TRUE(RunUntil([&] { return fnIsInSight(rows[7]); }));
 }
 
 // As contrasts are counted by.
