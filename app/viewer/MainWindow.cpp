@@ -311,7 +311,8 @@ bool MainWindow::LeaveWhatIsOpen() {
 
 // --- input -----------------------------------------------------------------
 
-// The buttons of a mouse that go back and forth, and the one for the menu.
+// The keys for the pane in place of the pages, the buttons of a mouse that go back and
+// forth, and the one for the menu.
 bool MainWindow::eventFilter(QObject* pWatched, QEvent* pEvent) {
     if (pEvent->type() == QEvent::ContextMenu) {
         const QPoint ptGlobal = static_cast<QContextMenuEvent*>(pEvent)->globalPos();
@@ -323,6 +324,10 @@ bool MainWindow::eventFilter(QObject* pWatched, QEvent* pEvent) {
     if (m_pHint != nullptr &&
         (pEvent->type() == QEvent::KeyPress || pEvent->type() == QEvent::Wheel)) {
         m_pHint->FadeOut();
+    }
+    if (pEvent->type() == QEvent::FocusIn && m_pMessage != nullptr && m_pMessage->isVisible()) {
+        // Nobody sees the keys where there are no pages.
+        QMetaObject::invokeMethod(m_pMessage, &StartPane::TakeKeys, Qt::QueuedConnection);
     }
     if (pEvent->type() == QEvent::MouseButtonPress) {
         const auto eButton = static_cast<QMouseEvent*>(pEvent)->button();

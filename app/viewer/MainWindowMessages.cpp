@@ -40,6 +40,7 @@ void MainWindow::ShowMessage(const QString& strTitle, const QString& strText) {
     const bool bTakesKeys = pKeys == nullptr || pKeys == m_pView || pKeys == &m_pView->Window() ||
                             m_pMessage->isAncestorOf(pKeys);
     PlaceParts();
+    m_pView->Window().setFocusPolicy(Qt::ClickFocus); // Tab has nothing to find behind it
     m_pMessage->Show(strTitle, strText);
     CompleteBar();
     if (bTakesKeys) {
@@ -86,6 +87,7 @@ void MainWindow::ShowTarget(const QString& strTarget) {
 void MainWindow::HideMessages() {
     if (m_pMessage != nullptr) {
         m_pMessage->hide();
+        m_pView->Window().setFocusPolicy(Qt::StrongFocus);
     }
     if (m_pNotice != nullptr) {
         m_pNotice->OnDocument();

@@ -79,6 +79,9 @@ void StartPane::ShowKeys() {
 }
 
 void StartPane::TakeKeys() {
+    if (isHidden()) {
+        return;
+    }
     if (!m_pRecent->TakeKeys()) {
         m_pOpen->setFocus(Qt::TabFocusReason);
     }

@@ -27,7 +27,7 @@ public:
 
     void FillList(); // anew
 
-    // The list's first file gets the keys, without one the button.
+    // The list's first file gets the keys, without one the button; nothing while hidden.
     void TakeKeys();
 
     QString Text() const; // title and text, as they are marked up

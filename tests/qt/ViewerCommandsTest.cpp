@@ -9,6 +9,7 @@
 #include <QGuiApplication>
 #include <QPushButton>
 #include <QTest>
+#include <QToolButton>
 #include <cmath>
 #include <functional>
 #include <vector>
@@ -421,6 +422,10 @@ TEST_F(ViewerCommandsTest, TheRowWithTheKeysIsInSightAlsoInASmallWindow) {
         QTest::keyClick(rows[nRow], Qt::Key_Down);
     }
     EXPECT_TRUE(RunUntil([&] { return fnIsInSight(rows[7]); }));
+    auto* const pButton = m_pWindow->findChild<viewer::CommandBar*>()->findChild<QToolButton*>();
+    pButton->setFocus();
+    QTest::keyClick(pButton, Qt::Key_Escape);
+    EXPECT_TRUE(RunUntil([&] { return rows[0]->hasFocus(); })) << "there are no pages to go to";
 }
 
 // As contrasts are counted by.
