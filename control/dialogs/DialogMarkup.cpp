@@ -24,7 +24,6 @@ using Xaml::ThemeBrush;
 using Xaml::Thickness;
 using Xaml::VerticalAlignment;
 using Xaml::Visibility;
-using Xaml::VisualState;
 using Xaml::VisualStateGroup;
 
 template <class T, class... Args>
