@@ -17,6 +17,7 @@
 #include <memory>
 #include <optional>
 
+#include "platform/ui/Element.h"
 #include "viewers/core/ColumnViewer.h"
 #include "viewers/reflow/IReflowPages.h"
 #include "viewers/reflow/ReflowMeasures.h"
@@ -24,16 +25,10 @@
 
 namespace velko::vkit {
 
-// Around the text; device pixels.
-struct Thickness {
-    double Left = 0.0;
-    double Top = 0.0;
-    double Right = 0.0;
-    double Bottom = 0.0;
-};
-
 class PDFReflowPagesViewer final : public ColumnViewer, public IReflowPages {
 public:
+    using Thickness = Windows::UI::Xaml::Thickness;
+
     PDFReflowPagesViewer(std::weak_ptr<IViewerOwner> wkOwner,
                          std::shared_ptr<VLK_Document> pDocument,
                          std::shared_ptr<PDFViewCanvas> pCanvas);
@@ -48,6 +43,7 @@ public:
     void Property3(std::int32_t nValue) { m_nProperty3 = nValue; }
     bool ShowPicture() const { return m_bShowPicture; }
     void ShowPicture(bool bShow) { m_bShowPicture = bShow; }
+    // Around the text; device pixels.
     const Thickness& Margin() const { return m_rcMargin; }
     void Margin(const Thickness& rcMargin) { m_rcMargin = rcMargin; }
     double Spacing1() const { return m_dbSpacing1; } // between lines, points
