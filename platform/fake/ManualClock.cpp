@@ -76,7 +76,7 @@ std::shared_ptr<ManualTimer> ManualClock::NextDue(std::chrono::nanoseconds until
 void ManualClock::Advance(std::chrono::nanoseconds span) {
     const std::chrono::nanoseconds until = m_now + span;
     while (const auto pTimer = NextDue(until)) {
-        m_now = pTimer->Due();
+        m_now = std::max(m_now, pTimer->Due());
         pTimer->Restart();
         m_pDispatcher->RunNow([pTimer] { pTimer->Tick.raise(); });
     }

@@ -24,6 +24,8 @@ public:
     // Lets time pass; timers that fall due tick in the order of their times,
     // those of one time in the order in which they were started.
     void Advance(std::chrono::nanoseconds span);
+    // Time that the UI thread is at work: what falls due meanwhile ticks later.
+    void Pass(std::chrono::nanoseconds span) { m_now += span; }
 
     // A stopped timer of one second. An interval below a millisecond counts as one.
     std::shared_ptr<Windows::UI::Xaml::DispatcherTimer> CreateTimer();

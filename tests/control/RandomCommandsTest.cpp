@@ -106,6 +106,9 @@ protected:
         pEngine = std::make_shared<ScriptedEngine>(MixedPages(random, GetParam().nPages));
         pReplaced = std::make_unique<ScriptedEngine::Registration>(pEngine);
         host.Environment().SetDeviceFamily(GetParam().szFamily);
+        pEngine->OnCall(EngineOp::Reflow, [this](const auto&) {
+            host.Clock().Pass(std::chrono::milliseconds(nMeasuring));
+        });
         Show(480.0F, 360.0F);
         Panel().CompositionScale(GetParam().fScale, GetParam().fScale);
         Open();
@@ -318,10 +321,12 @@ protected:
             host.AwaitFiles(); // so that a seed gives the same steps on any disk
         }
     }
-    // A render that fails, a frame that fails, a device that is lost.
+    // A render that fails, text that takes long, a frame that fails, a device that is
+    // lost.
     void Fault() {
         OneOf({[&] { pEngine->FailCall(EngineOp::StartRender, 1 + Below(4)); },
                [&] { pEngine->FailCall(EngineOp::Reflow, 1 + Below(4)); },
+               [&] { nMeasuring = Below(3) * 60; },
                [&] { pGraphics->FailCallOf(Platform::Fake::GraphicsCall::Present1, 1 + Below(3)); },
                [&] { pGraphics->LoseDeviceAtPresent(1 + Below(3)); }});
     }
@@ -517,6 +522,7 @@ protected:
     std::weak_ptr<vkit::IViewerInspection> seenIn;
     std::int32_t nSeenRotate = 0;
     std::uint32_t nFaultsSeen = 0;
+    int nMeasuring = 0;  // a page's text, milliseconds
     std::string strDone; // the actions of a step, by their numbers
     int nFrames = 0;
     int nMisdeeds = 0;

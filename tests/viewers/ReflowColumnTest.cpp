@@ -39,7 +39,7 @@ protected:
     // Measuring a page takes that long.
     void TakeTime(std::chrono::milliseconds span) {
         w.pEngine->OnCall(EngineOp::Reflow,
-                          [this, span](const auto&) { w.host.Clock().Advance(span); });
+                          [this, span](const auto&) { w.host.Clock().Pass(span); });
     }
 };
 
@@ -48,6 +48,8 @@ TEST_F(ReflowColumnTest, StandsInAColumnBetweenMarginsAndSkipsEmptyPages) {
     EXPECT_EQ(w.Laid(),
               (Places{{1, 30, 0, 240, 200}, {4, 30, 205, 240, 100}, {5, 30, 310, 240, 400}}));
     EXPECT_EQ(After(-1), w.Laid());
+    After(101);
+    EXPECT_EQ(w.Viewer().GetCurrentPageIndex(), 4); // the next that shows
     EXPECT_EQ(After(1e6).back(), (Place{5, 30, 100, 240, 400}));
     EXPECT_FALSE(Text().CanScrollDown());
     EXPECT_TRUE(Text().CanScrollUp());
@@ -73,6 +75,21 @@ TEST_F(ReflowColumnTest, HasNothingToShowOfADocumentWithoutText) {
     EXPECT_EQ(w.Viewer().GetCurrentPageIndex(), 2);
     EXPECT_FALSE(Text().CanScrollDown() || Text().CanScrollUp());
     EXPECT_EQ(Measured(), 3); // each once
+}
+
+TEST_F(ReflowColumnTest, PicturesThatComeBackDoSoAtThePageThatWasRead) {
+    std::vector<ScriptedPage> pages = Texts({0, 0, 0, 0});
+    for (ScriptedPage& page : pages) {
+        page.nPictureHeight = 400;
+    }
+    w.Make(pages, 300, 500);
+    w.Viewer().InitLayOut(2, 1.0, 0, 0);
+    for (const bool bShow : {false, true}) {
+        Text().Style({.bShowPicture = bShow});
+        w.Viewer().InvaildateLayout();
+        EXPECT_EQ(w.Laid().empty(), !bShow);
+    }
+    EXPECT_EQ(w.Laid().front().nPage, 2);
 }
 
 TEST_F(ReflowColumnTest, AnOnlyPageEndsTheColumnWhereItsTextEnds) {
@@ -146,6 +163,17 @@ TEST_F(ReflowColumnTest, IsCutIntoBandsOfAScreenAtMost) {
     EXPECT_EQ(it->matrix.A, 1.0F);
 }
 
+TEST_F(ReflowColumnTest, AScreenOfAFewPixelsMakesFewBands) {
+    OpenTexts({9000, 100});
+    w.Resize(300, 2);
+    w.Viewer().InvaildateLayout();
+    EXPECT_EQ(w.ItemOf(0).grid.nRows, w.ItemOf(0).screenRect.nHeight / 64);
+    // A page that there is not is never laid out, from whichever end.
+    w.Viewer().InitLayOut(99, 1.0, 0, 0);
+    w.Viewer().PageSizeChanged(0, -50);
+    EXPECT_EQ(w.Viewer().GetVisiblePages(), (std::vector<std::int32_t>{1}));
+}
+
 TEST_F(ReflowColumnTest, ShowsWhatItHadUntilTheNewTextIsRendered) {
     OpenTexts({200, 900, 400});
     w.ExpectSharp();
@@ -203,6 +231,18 @@ TEST_F(ReflowColumnTest, MeasuresNeighboursAheadAndNothingInBetween) {
     EXPECT_EQ(Measured(), 1);
 }
 
+TEST_F(ReflowColumnTest, ScrollingGoesOnMeasuringAhead) {
+    OpenTexts({300, 2500, 300, 0, 300, 300});
+    w.Settle();
+    EXPECT_EQ(Measured(2), 0);
+    After(2000); // most of the long page lies behind
+    EXPECT_EQ(Measured(2), 0);
+    w.Settle();
+    EXPECT_EQ(Measured(2), 1);
+    EXPECT_EQ(Measured(4), 1);
+    EXPECT_TRUE(w.host.DebugContains("index: 1, VOFFSET: -1695"));
+}
+
 TEST_F(ReflowColumnTest, AStepDoesNotMeasureForLong) {
     std::vector<int> heights(300, 0);
     heights[250] = 900;
@@ -253,6 +293,20 @@ TEST_F(ReflowColumnTest, APageThatTakesLongIsLeftToThePool) {
     w.ExpectSharp();
     EXPECT_EQ(w.Laid(),
               (Places{{0, 30, -110, 240, 200}, {1, 30, 95, 240, 200}, {2, 30, 300, 240, 200}}));
+}
+
+// What goes before the last pages may be known only later: the document's last screen
+// is whole all the same, also where a frame of it failed meanwhile.
+TEST_F(ReflowColumnTest, TheLastScreenFillsFromAboveAsPagesBecomeKnown) {
+    OpenTexts(std::vector<int>(30, 100));
+    TakeTime(60ms);
+    w.Viewer().GotoPage(29);
+    EXPECT_EQ(w.Laid(), (Places{{29, 30, 0, 240, 100}}));
+    w.pFactory->FailCallOf(GraphicsCall::Present1, 1);
+    w.Settle();
+    EXPECT_EQ(w.Laid().back(), (Place{29, 30, 400, 240, 100}));
+    EXPECT_EQ(w.Laid().front(), (Place{25, 30, -20, 240, 100}));
+    w.ExpectSharp();
 }
 
 TEST_F(ReflowColumnTest, APageThatCannotBeSetTakesAPlaceAndNoOtherWithIt) {

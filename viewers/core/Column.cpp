@@ -110,15 +110,19 @@ double Column::TailOverflow(std::int32_t& nPageIndex) {
     }
     double dbLeft = m_dbScreen;
     bool bIsLast = true;
+    std::int32_t nStart = nPageIndex;
     for (std::int32_t nPage = m_pages.ColumnLength() - 1; nPage >= 0 && dbLeft > 0.0; --nPage) {
         if (!m_pages.IsMeasured(nPage)) {
             break;
         }
-        nPageIndex = nPage;
+        nStart = nPage;
         if (m_pages.TakesRoom(nPage)) {
             dbLeft -= m_pages.HeightInColumn(nPage) + (bIsLast ? 0.0 : m_dbGap);
             bIsLast = false;
         }
+    }
+    if (!bIsLast) { // else there is no last screen, and the page stays the one wanted
+        nPageIndex = nStart;
     }
     return std::min(dbLeft, 0.0);
 }

@@ -75,7 +75,8 @@ public:
 
     // When the pages from `nPageIndex` to the last do not fill the screen: sets
     // it to the page at which the document's last screen starts, and gives how
-    // much of that page hangs over the top, as a number of at most 0. Else 0.
+    // much of that page hangs over the top, as a number of at most 0. Else 0, as
+    // where no page takes room.
     double TailOverflow(std::int32_t& nPageIndex);
 
 private:

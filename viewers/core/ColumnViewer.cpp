@@ -63,6 +63,7 @@ void ColumnViewer::OnMoveScreen(double dbOffsetY, double dbOffsetX) {
     bool bMoved = MoveInSteps(dbOffsetY, dbOffsetX);
     bMoved = PinEnds() || bMoved;
     if (bMoved) {
+        OnLaidOut();
         StartRenders(false);
         PaintCanvas();
     }

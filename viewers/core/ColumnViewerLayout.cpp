@@ -115,7 +115,7 @@ void ColumnViewer::EnumPageTop(std::int32_t nPageIndex, PageItems& list,
                                const PDFRenderTask& task) {
     double dbBelow = std::abs(task.dbOffsetY); // where the page below starts
     double dbLeft = FirstX(task);
-    std::int32_t nPage = nPageIndex;
+    std::int32_t nPage = std::min(nPageIndex, PageCount() - 1);
     if (!list.empty()) {
         const ViewerPageItem& first = *list.front();
         if (first.screenRect.dbOffsetY <= 0.0) {

@@ -226,16 +226,22 @@ std::optional<std::int32_t> PDFReflowPagesViewer::NextToMeasure() const {
     if (!OpenDocument() || !HasScreen()) {
         return std::nullopt;
     }
-    const std::int32_t nFirst = HasItems() ? m_pPageItems->front()->nPageIndex : m_nCurPageIndex;
-    const std::int32_t nLast = HasItems() ? m_pPageItems->back()->nPageIndex : m_nCurPageIndex;
-    const auto nBelow = FirstUnknown(nLast, 1);
-    return nBelow ? nBelow : FirstUnknown(nFirst, -1);
+    const double dbAhead = kScreensAhead * CanvasRect().Height;
+    if (!HasItems()) {
+        const auto nBelow = FirstUnknown(m_nCurPageIndex, 1, dbAhead);
+        return nBelow ? nBelow : FirstUnknown(m_nCurPageIndex, -1, dbAhead);
+    }
+    // Counted from the screen's edges: of a long page most may lie behind.
+    const LaidOutPage& first = *m_pPageItems->front();
+    const LaidOutPage& last = *m_pPageItems->back();
+    const auto nBelow =
+        FirstUnknown(last.nPageIndex, 1, dbAhead + CanvasRect().Height - last.screenRect.dbOffsetY);
+    return nBelow ? nBelow : FirstUnknown(first.nPageIndex, -1, dbAhead + BottomOf(first));
 }
 
-// Within the screens that are to be known, from the page on.
 std::optional<std::int32_t> PDFReflowPagesViewer::FirstUnknown(std::int32_t nPageIndex,
-                                                               std::int32_t nStep) const {
-    double dbLeft = kScreensAhead * CanvasRect().Height;
+                                                               std::int32_t nStep,
+                                                               double dbLeft) const {
     for (; IsPage(nPageIndex) && dbLeft > 0.0; nPageIndex += nStep) {
         const Content* const pContent = m_measures.Find(nPageIndex);
         if (pContent == nullptr) {
@@ -254,29 +260,38 @@ void PDFReflowPagesViewer::TakeMeasured(std::int32_t nPageIndex, const Content& 
     }
 }
 
-// The column goes on with what is known by now; nothing is measured for it.
+// A frame that fails, or a handler of the host, does not end the measuring: what is
+// known next lays out again.
 void PDFReflowPagesViewer::FillOn() {
-    ChangeByItself([](ViewerCore& core) {
-        auto& viewer = static_cast<PDFReflowPagesViewer&>(core);
-        if (!viewer.CanLayOut() || !viewer.m_pPageItems) {
-            return;
+    try {
+        ChangeByItself(
+            [](ViewerCore& core) { static_cast<PDFReflowPagesViewer&>(core).OnFillOn(); });
+    } catch (...) {
+        WriteChainOutcome("PDFReflowPagesViewer::FillOn");
+    }
+}
+
+// The column goes on with what is known by now, and hangs off no end of the document
+// that has come into sight; nothing is measured for it.
+void PDFReflowPagesViewer::OnFillOn() {
+    if (!CanLayOut() || !m_pPageItems) {
+        return;
+    }
+    m_bIsFillingOn = true;
+    Platform::FirstFailure steps;
+    steps.Run([this] {
+        if (HasItems()) {
+            LayOut(MakeTask(0.0, 0.0));
+            PinEnds();
+            OnLaidOut();
+            StartRenders(false);
+            PaintCanvas();
+        } else {
+            ShowPage(m_nCurPageIndex, true);
         }
-        viewer.m_bIsFillingOn = true;
-        Platform::FirstFailure steps;
-        steps.Run([&] {
-            if (viewer.HasItems()) {
-                viewer.LayOut(viewer.MakeTask(0.0, 0.0));
-                viewer.PinEnds();
-                viewer.OnLaidOut();
-                viewer.StartRenders(false);
-                viewer.PaintCanvas();
-            } else {
-                viewer.ShowPage(viewer.m_nCurPageIndex, true);
-            }
-        });
-        viewer.m_bIsFillingOn = false;
-        steps.Rethrow();
     });
+    m_bIsFillingOn = false;
+    steps.Rethrow();
 }
 
 }

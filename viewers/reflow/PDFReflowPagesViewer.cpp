@@ -21,6 +21,9 @@ constexpr float kMinScale = 1.0F;
 constexpr float kMaxScale = 4.0F;
 constexpr float kFirstScale = 2.5F;
 
+// A screen of a few pixels must not cut a long page into thousands of bands.
+constexpr std::int32_t kLeastBand = 64;
+
 }
 
 PDFReflowPagesViewer::PDFReflowPagesViewer(std::weak_ptr<IViewerOwner> wkOwner,
@@ -56,9 +59,15 @@ float PDFReflowPagesViewer::GetMaxScale() {
     return kMaxScale;
 }
 
+// The page after the first one is the next that has anything to show.
 std::int32_t PDFReflowPagesViewer::GetCurrentPageIndex() {
     ThrowIfDisposed();
-    return HasItems() ? ColumnViewer::GetCurrentPageIndex() : std::max(0, PageCount() - 1);
+    if (!HasItems()) {
+        return std::max(0, PageCount() - 1);
+    }
+    const std::int32_t nCurrent = ColumnViewer::GetCurrentPageIndex();
+    const bool bIsFirst = nCurrent == m_pPageItems->front()->nPageIndex;
+    return bIsFirst || m_pPageItems->size() == 1 ? nCurrent : (*m_pPageItems)[1]->nPageIndex;
 }
 
 void PDFReflowPagesViewer::SaveViewerState(PropertySet& values) {
@@ -105,7 +114,8 @@ std::int32_t PDFReflowPagesViewer::GetBlockCount(const LaidOutPage& item) const 
     if (dbHeight <= m_dbScreenHeight || m_dbScreenHeight < 1.0) {
         return 1;
     }
-    return static_cast<std::int32_t>(dbHeight / m_dbScreenHeight) + 1;
+    const auto nBands = static_cast<std::int32_t>(dbHeight / m_dbScreenHeight) + 1;
+    return std::min(nBands, std::max(1, item.screenRect.nHeight / kLeastBand));
 }
 
 Render_PageDavidBlock PDFReflowPagesViewer::CalcPageDavidBlock(const ViewerPageItem& item) const {

@@ -139,9 +139,12 @@ private:
     void MeasureAhead();
     concurrency::task<void> RunAhead(concurrency::cancellation_token token);
     std::optional<std::int32_t> NextToMeasure() const;
-    std::optional<std::int32_t> FirstUnknown(std::int32_t nPageIndex, std::int32_t nStep) const;
+    // From the page on, within that many pixels.
+    std::optional<std::int32_t> FirstUnknown(std::int32_t nPageIndex, std::int32_t nStep,
+                                             double dbLeft) const;
     void TakeMeasured(std::int32_t nPageIndex, const ReflowMeasures::Content& content);
     void FillOn();
+    void OnFillOn();
 
     bool m_bShowPicture = true;
     std::int32_t m_nProperty1 = 12;
