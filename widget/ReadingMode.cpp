@@ -51,6 +51,11 @@ void ReadingMode::ShowPictures(bool bShow) {
     m_control.TextStyle(style);
 }
 
+std::optional<ViewKeeper> ReadingMode::Place() const {
+    const auto seen = ViewKeeper::Remember(m_control);
+    return seen ? seen : m_place;
+}
+
 void ReadingMode::KeepPages() {
     m_pages = {m_control.GetScale(), m_control.GetRotate()};
 }

@@ -8,6 +8,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+
+#include "widget/ViewKeeper.h"
 
 namespace velko::vkit {
 
@@ -37,15 +40,22 @@ public:
     // Before a change to it, and for the change back.
     void KeepPages();
     const Pages& KeptPages() const { return m_pages; }
+
+    // What the reader sees; where no page has anything to show, what was kept last.
+    std::optional<ViewKeeper> Place() const;
+    void KeepPlace(const std::optional<ViewKeeper>& place) { m_place = place; }
+
     // For another document.
     void Forget() {
         m_pages = {};
+        m_place.reset();
         m_dbNoted = 0.0;
     }
 
 private:
     PDFViewCtrl& m_control;
     Pages m_pages;
+    std::optional<ViewKeeper> m_place;
     double m_dbNoted = 0.0; // the size of letters as last seen; 0: not in this mode
 };
 

@@ -201,7 +201,8 @@ void VelkoPdfView::SetLayoutMode(Layout eLayout) {
 }
 
 void VelkoPdfView::ShowLayout(Layout eLayout) {
-    const auto keeper = ViewKeeper::Remember(*m_pControl);
+    const auto keeper = m_reading.Place();
+    m_reading.KeepPlace(keeper);
     if (!m_reading.IsOn()) {
         m_reading.KeepPages();
         m_eLastPages = static_cast<Layout>(m_pControl->GetPageLayoutMode());
@@ -231,12 +232,12 @@ void VelkoPdfView::SetReading(bool bOn) {
 
 void VelkoPdfView::SetTextPictures(bool bShow) {
     Guard([&] {
-        const auto keeper =
-            m_reading.IsOn() ? ViewKeeper::Remember(*m_pControl) : std::optional<ViewKeeper>();
+        const auto keeper = m_reading.IsOn() ? m_reading.Place() : std::optional<ViewKeeper>();
+        m_reading.KeepPlace(keeper);
         m_reading.ShowPictures(bShow);
         if (keeper) {
             Hold();
-            keeper->RestoreTurned(*m_pControl, keeper->Zoom());
+            keeper->RestoreTurned(*m_pControl, keeper->ZoomIn(*m_pControl));
         }
     });
     QueueRefresh();

@@ -75,9 +75,13 @@ VelkoPdfView::Facts VelkoPdfView::ReadFacts() {
 }
 
 // While a page is turned the one of which more is in sight: the release would stay
-// with that.
+// with that. The one before where nothing of the text shows.
 int VelkoPdfView::PageInSight() {
     const auto pages = m_pControl->GetVisiblePages();
+    const auto unseen = pages.empty() ? m_reading.Place() : std::nullopt;
+    if (unseen) {
+        return unseen->Page();
+    }
     const auto place = m_steps.ShowsSinglePage() && pages.size() == 2
                            ? m_pControl->GetPageScreenRect(pages.back())
                            : std::nullopt;

@@ -109,6 +109,9 @@ void MainWindow::FollowText() {
     constexpr int kPatienceMs = 700;
     if (!LacksText()) {
         m_textTimer.stop();
+        if (m_pNotice != nullptr) {
+            m_pNotice->CheckStanding();
+        }
     } else if (!m_textTimer.isActive()) {
         m_textTimer.start(kPatienceMs);
     }

@@ -29,6 +29,7 @@ public:
 
     // `fnHolds` is asked from time to time.
     void TellWhile(const QString& strText, std::function<bool()> fnHolds);
+    void CheckStanding(); // at once
 
     // `fnYes` runs when the reader agrees; nothing does otherwise.
     void Ask(const QString& strText, const QString& strYes, std::function<void()> fnYes);
@@ -60,7 +61,6 @@ private:
 
     void Show(Kind eKind, const QString& strText, const QString& strYes);
     void Withdraw(); // a question stays without an answer
-    void CheckStanding();
     bool IsPassing() const { return !isHidden() && m_eKind == Kind::Told; }
     void Agree();
 

@@ -85,6 +85,30 @@ TEST_F(ReadingTest, GoesToTheSamePlaceAndBackToThePagesAsTheyWere) {
     EXPECT_EQ(pView->Control()->GetScale(), 2.0F);
 }
 
+// Nothing of the text shows: the page and the place on it stay known.
+TEST_F(ReadingTest, ComesBackFromADocumentWithoutTextToThePlaceThatWasSeen) {
+    const auto pView = MakeView({500, 400});
+    std::vector<PdfPage> pages(9);
+    for (PdfPage& page : pages) {
+        page.strContent = " ";
+    }
+    ASSERT_TRUE(OpenUntilSharp(*pView, Write("blank.pdf", MakePdf(pages))));
+    pView->FitWidth();
+    pView->GotoPage(5);
+    pView->ScrollBy(0.0, 200.0);
+    const double dbShare = ShareAbove(*pView, 5);
+    ASSERT_GT(dbShare, 0.1);
+    pView->SetReading(true);
+    pView->SetTextPictures(false);
+    pView->SetTextPictures(true);
+    ASSERT_TRUE(RunUntil([&] { return pView->IsReading() && !pView->ShowsSomething(); }));
+    EXPECT_EQ(pView->CurrentPage(), 5);
+    EXPECT_EQ(pView->Zoom(), 2.5); // not that of the pages
+    pView->SetReading(false);
+    ASSERT_TRUE(Settles(*pView));
+    EXPECT_NEAR(ShareAbove(*pView, 5), dbShare, 0.01);
+}
+
 TEST_F(ReadingTest, PagesOfTextAreSteppedByScreensAndFoundByNumber) {
     const auto pView = MakeView();
     ASSERT_TRUE(OpenUntilSharp(*pView, WriteBook(9)));
