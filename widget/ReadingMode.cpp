@@ -1,7 +1,5 @@
 #include "widget/ReadingMode.h"
 
-#include <algorithm>
-
 #include "control/PDFViewCtrl.h"
 #include "settings/AppConfig.h"
 #include "viewers/core/Modes.h"
@@ -11,8 +9,6 @@ namespace velko::vkit {
 namespace {
 
 constexpr double kFirstScale = 2.5; // a text of ten points in letters of 25 pixels
-constexpr double kLeastScale = 1.0;
-constexpr double kMostScale = 4.0;
 
 // Some ninety letters of a text of ten points: more are hard to follow.
 constexpr double kWidestLine = 420.0;
@@ -29,8 +25,7 @@ bool ReadingMode::IsOn() const {
 
 double ReadingMode::FirstScale(double dbPixelRatio) const {
     const double dbChosen = AppConfig::ReflowTextScale();
-    return std::clamp(dbChosen > 0.0 ? dbChosen : kFirstScale * dbPixelRatio, kLeastScale,
-                      kMostScale);
+    return dbChosen > 0.0 ? dbChosen : kFirstScale * dbPixelRatio;
 }
 
 void ReadingMode::NoteScale() {

@@ -29,7 +29,8 @@ public:
     bool IsOn() const;
 
     // For a document that has not been read in this way before. Device pixels to a
-    // unit of the window: letters are no smaller on a dense screen.
+    // unit of the window: letters are no smaller on a dense screen. Not within the
+    // limits of the zoom yet.
     double FirstScale(double dbPixelRatio) const;
     // Keeps the size that is in force, when the reader has changed it.
     void NoteScale();

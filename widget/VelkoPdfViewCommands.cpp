@@ -214,8 +214,9 @@ void VelkoPdfView::ShowLayout(Layout eLayout) {
         m_pControl->RotateViewer(pages.nRotate);
     }
     const double dbPages = pages.dbZoom > 0.0 ? pages.dbZoom : m_pControl->GetScale();
-    const double dbZoom =
-        m_reading.IsOn() ? m_reading.FirstScale(devicePixelRatioF()) : m_zoom.FitOr(dbPages);
+    const double dbZoom = m_reading.IsOn()
+                              ? m_zoom.Limited(m_reading.FirstScale(devicePixelRatioF()))
+                              : m_zoom.FitOr(dbPages);
     if (keeper) {
         keeper->RestoreTurned(*m_pControl, dbZoom);
     } else {

@@ -342,5 +342,21 @@ TEST_F(ReflowColumnTest, ClosingEndsWhatIsMeasuredAhead) {
     EXPECT_NO_THROW(w.Settle());
 }
 
+TEST_F(ReflowColumnTest, TheLastOfAViewerGoesOnTheUiThread) {
+    w.Make(Texts(std::vector<int>(50, 300)), 300, 500);
+    for (int nPage = 0; nPage < 10; ++nPage) { // so that nothing is rendered beside
+        w.pEngine->FailPage(EngineOp::Reflow, nPage);
+    }
+    w.Viewer().InitLayOut(0, 1.0, 0, 0);
+    w.host.Dispatcher().RunAll(); // a page is handed to the pool
+    const std::weak_ptr<vkit::PageViewerBase> wkViewer = w.pViewer;
+    w.pDocument->Dispose(); // so that measuring it fails
+    std::exchange(w.pViewer, nullptr)->Dispose();
+    w.host.Pool().RunAll();
+    EXPECT_FALSE(wkViewer.expired());
+    w.Settle();
+    EXPECT_TRUE(wkViewer.expired());
+}
+
 }
 }

@@ -187,32 +187,35 @@ void PDFReflowPagesViewer::MeasureAhead() {
     }
 }
 
-// One page after another, each chosen by where the reader is by then.
+// One page after another, each chosen by where the reader is by then. It waits on the
+// UI thread alone, where what it holds last goes.
 task<void> PDFReflowPagesViewer::RunAhead(cancellation_token token) {
     const auto pSelf = std::static_pointer_cast<PDFReflowPagesViewer>(shared_from_this());
     const auto pDispatcher = UiDispatcher();
     bool bHasLearned = false;
-    try {
+    while (true) {
         co_await concurrency::resume_foreground(pDispatcher, concurrency::priority::low);
-        while (const auto nPage = token.is_canceled() ? std::nullopt : NextToMeasure()) {
-            const auto pDocument = OpenDocument();
-            const ReflowParameters parameters = m_measures.Parameters();
-            m_aheadStart = Now();
-            co_await concurrency::resume_background(token);
-            const Measured measured = MeasurePage(*pDocument, *nPage, parameters, nullptr);
-            co_await concurrency::resume_foreground(pDispatcher, concurrency::priority::low);
-            if (token.is_canceled()) {
-                break;
-            }
-            m_aheadStart.reset();
-            if (measured.content && parameters == m_measures.Parameters()) {
-                bHasLearned = true;
-                TakeMeasured(*nPage, *measured.content);
-            }
+        const auto nPage = token.is_canceled() ? std::nullopt : NextToMeasure();
+        if (!nPage) {
+            break;
         }
-    } catch (...) {
-        WriteChainOutcome("PDFReflowPagesViewer::RunAhead");
-        co_return; // the document or the viewer has been closed
+        const ReflowParameters parameters = m_measures.Parameters();
+        m_aheadStart = Now();
+        const auto fnMeasure = [pDocument = OpenDocument(), nPage, parameters] {
+            return MeasurePage(*pDocument, *nPage, parameters, nullptr).content;
+        };
+        const auto measuring = concurrency::create_task(fnMeasure, token);
+        co_await measuring.settled();
+        measuring.mark_observed(); // it fails with the end of the document only
+        if (token.is_canceled()) {
+            break;
+        }
+        m_aheadStart.reset();
+        const auto content = measuring.is_value() ? measuring.get() : std::nullopt;
+        if (content && parameters == m_measures.Parameters()) {
+            bHasLearned = true;
+            TakeMeasured(*nPage, *content);
+        }
     }
     if (!token.is_canceled()) {
         m_bMeasuringAhead = false;

@@ -51,8 +51,7 @@ public:
     double Spacing2() const { return m_dbSpacing2; } // between paragraphs, points
     void Spacing2(double dbSpacing) { m_dbSpacing2 = dbSpacing; }
     void PageGap(double dbGap) { m_dbPageGap = dbGap; }
-    // The three that a host chooses, together.
-    ReflowStyle Style() const { return {m_bShowPicture, m_bUsesPageColors, m_dbWidestLine}; }
+    // All that a host chooses, together.
     void Style(const ReflowStyle& style);
 
     // --- scrolling ---
