@@ -5,6 +5,7 @@
 #include <functional>
 #include <utility>
 
+#include "control/dialogs/BackRequests.h"
 #include "control/dialogs/DialogMarkup.h"
 #include "platform/foundation/FirstFailure.h"
 #include "platform/system/Environment.h"
@@ -14,13 +15,10 @@
 namespace velko::vkit {
 
 namespace Xaml = Windows::UI::Xaml;
-using Windows::Foundation::Metadata::ApiInformation;
 
 namespace {
 
 constexpr std::chrono::seconds kAutoCloseAfter{4};
-constexpr const char* kPhoneButtons = "Windows.Phone.UI.Input.HardwareButtons";
-constexpr const char* kNavigation = "Windows.UI.Core.SystemNavigationManager";
 
 std::shared_ptr<Xaml::Controls::Panel> FindPanel(
     const std::shared_ptr<Xaml::FrameworkElement>& pElement) {
@@ -215,13 +213,9 @@ void ContentHostedDialog::SubscribeToBack() {
     UnsubscribeFromBack();
     const auto pWindow = Window::Of(*this);
     m_wkWindow = pWindow;
-    if (pWindow && ApiInformation::IsTypePresent(kPhoneButtons)) {
-        m_tkBackPressed = pWindow->BackPressed.add(
-            WhileAlive([](ContentHostedDialog& self, auto& args) { self.OnBackRequested(args); }));
-    }
-    if (pWindow && ApiInformation::IsTypePresent(kNavigation)) {
-        m_tkBackRequested = pWindow->BackRequested.add(
-            WhileAlive([](ContentHostedDialog& self, auto& args) { self.OnBackRequested(args); }));
+    if (pWindow) {
+        HearBackRequests(*pWindow, WhileAlive(std::mem_fn(&ContentHostedDialog::OnBackRequested)),
+                         m_tkBackPressed, m_tkBackRequested);
     }
 }
 

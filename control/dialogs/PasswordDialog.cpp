@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "control/IJudgePasswordHelper.h"
+#include "control/dialogs/BackRequests.h"
 #include "control/dialogs/DialogMarkup.h"
 #include "platform/foundation/Exception.h"
 #include "platform/system/Debug.h"
@@ -18,15 +19,12 @@ namespace Xaml = Windows::UI::Xaml;
 using Platform::Debug::OutputDebugString;
 using Windows::Foundation::Point;
 using Windows::Foundation::Rect;
-using Windows::Foundation::Metadata::ApiInformation;
 using Windows::System::VirtualKey;
 using Windows::System::Profile::AnalyticsInfo;
 
 namespace {
 
 constexpr double kDesktopBoxWidth = 324.0; // 96ths of an inch
-constexpr const char* kPhoneButtons = "Windows.Phone.UI.Input.HardwareButtons";
-constexpr const char* kNavigation = "Windows.UI.Core.SystemNavigationManager";
 constexpr const char* kIntersects = "IntersectsWith...\n";
 
 bool IsDesktop() {
@@ -178,7 +176,8 @@ void PasswordDialog::OnLoaded() {
         if (!IsDesktop()) {
             SubscribeToKeyboard(*pWindow);
         }
-        SubscribeToBack(*pWindow);
+        HearBackRequests(*pWindow, WhileAlive(&PasswordDialog::OnBackRequested),
+                         m_ptrBackPressedToken, m_ptrBackRequestedToken);
     }
     ArrangeLayout();
 }
@@ -189,17 +188,6 @@ void PasswordDialog::SubscribeToKeyboard(Window& window) {
     m_ptrPaneHidingToken = window.InputPane().Hiding.add(
         WhileAlive([](PasswordDialog& self, PaneArgs& args) { self.OnInputPane(args, false); }));
     m_ptrKeyDownToken = window.KeyDown.add(WhileAlive(&PasswordDialog::OnWindowKeyDown));
-}
-
-void PasswordDialog::SubscribeToBack(Window& window) {
-    if (ApiInformation::IsTypePresent(kPhoneButtons)) {
-        m_ptrBackPressedToken =
-            window.BackPressed.add(WhileAlive(&PasswordDialog::OnBackRequested));
-    }
-    if (ApiInformation::IsTypePresent(kNavigation)) {
-        m_ptrBackRequestedToken =
-            window.BackRequested.add(WhileAlive(&PasswordDialog::OnBackRequested));
-    }
 }
 
 void PasswordDialog::OnUnloaded() {

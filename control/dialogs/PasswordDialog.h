@@ -64,7 +64,6 @@ private:
 
     void OnLoaded();
     void OnUnloaded();
-    void SubscribeToBack(Window& window);
     void SubscribeToKeyboard(Window& window);
     void OnWindowSizeChanged();
     void OnBackRequested(Windows::UI::Xaml::BackRequest& args);
