@@ -1,0 +1,53 @@
+// The text of a page with its places, for hosts that select, mark or search it.
+//
+// A host asks for it with a dynamic cast on the engine's document.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "document/engine/AnnotEditor.h"
+#include "document/engine/Geometry.h"
+
+namespace velko::pdf {
+
+// Indexes count `PageText::chars`, the end excluded. Units: page space, points.
+struct TextChar {
+    char32_t nCode = 0; // a space between words stands for itself; no line ends
+    TextQuad quad;
+    float fFontSize = 0.0F;
+};
+
+struct TextLine {
+    std::int32_t nFirst = 0;
+    std::int32_t nEnd = 0;
+    common::vxbase::PointF ptDirection; // in which it is read, of length 1
+    bool bHyphenated = false;           // its last word goes on in the next line
+};
+
+struct TextBlock {
+    std::int32_t nFirstLine = 0;
+    std::int32_t nEndLine = 0;
+};
+
+// In the order of reading, within a line too: right-to-left text is in the order of
+// its letters. Immutable.
+struct PageText {
+    std::vector<TextChar> chars;
+    std::vector<TextLine> lines;
+    std::vector<TextBlock> blocks;
+};
+
+class ITextSource {
+public:
+    virtual ~ITextSource() = default;
+
+    // Never empty; a page without text has none in it. Kept by the engine within its
+    // bound, so asking again is cheap. Any thread but the UI thread: it may wait for
+    // the page to be read. Raises `EngineException`: e_ErrNotLoaded before `Load`,
+    // e_ErrParam for an index out of range, and the codes of `PDFPage::StartParse`.
+    virtual std::shared_ptr<const PageText> TextOf(std::int32_t nPageIndex) = 0;
+};
+
+}
