@@ -18,6 +18,7 @@
 
 #include "document/engine/HostServices.h"
 #include "document/engine/PDFDoc.h"
+#include "document/engine/PageText.h"
 #include "engines/mupdf/Drawing.h"
 #include "engines/mupdf/OpenedFile.h"
 #include "engines/mupdf/Operation.h"
@@ -32,6 +33,7 @@ class Document final : public pdf::PDFDoc,
                        public pdf::ILinkSource,
                        public pdf::IPageExtents,
                        public pdf::IRepair,
+                       public pdf::ITextSource,
                        public std::enable_shared_from_this<Document> {
 public:
     explicit Document(std::shared_ptr<common::vxbase::IFileReaderCallback> pReader);
@@ -52,6 +54,8 @@ public:
 
     pdf::PageExtent LargestPage() const override; // nothing until loaded
     bool WasRepaired() const override;
+
+    std::shared_ptr<const pdf::PageText> TextOf(std::int32_t nPageIndex) override;
 
     // For pages and renderers. What a page draws, from the cache or made now;
     // `pAbort` may be empty. Raises `EngineException` and `task_canceled`.

@@ -33,8 +33,8 @@ struct CacheItem {
 class PageCache {
 public:
     // Each is an item of one type: `Drawing` twice, `reflow::PageModel`,
-    // `reflow::Layout`.
-    enum class Kind { Content, Annots, Model, Layout };
+    // `reflow::Layout`, `text::CachedText`.
+    enum class Kind { Content, Annots, Model, Layout, Text };
 
     struct Key {
         std::uint64_t nDocument = 0;

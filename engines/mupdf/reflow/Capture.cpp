@@ -8,70 +8,15 @@
 #include "engines/mupdf/Allocator.h"
 #include "engines/mupdf/reflow/Characters.h"
 #include "engines/mupdf/reflow/GlyphInk.h"
-#include "engines/mupdf/reflow/LogicalOrder.h"
 #include "engines/mupdf/reflow/StyleTable.h"
 
 namespace velko::engines::mupdf::reflow {
 
 namespace {
 
-void DropText(fz_context* ctx, fz_stext_page* pText) {
-    fz_drop_stext_page(ctx, pText);
-}
-using TextHandle = Handle<fz_stext_page, DropText>;
-
-constexpr float kLeastSize = 0.5F; // points; what is smaller is set as if it had that
-constexpr float kMostSize = 2000.0F;
-constexpr float kAscent = 0.75F; // of a line's box above its baseline, in its size
-constexpr float kDescent = 0.25F;
 constexpr char32_t kUnknown = 0xFFFD;
-constexpr float kLikePitch = 1.05F;
 constexpr float kWideSpace = 0.6F;  // in the text's size
 constexpr float kLightest = 150.0F; // of letters on white paper, 255 is white
-
-// A fault within a list leaves out the rest of it and nothing else.
-template <class Body>
-void Leniently(Body&& body) {
-    try {
-        Guard(ThreadContext(), std::forward<Body>(body));
-    } catch (const LibraryError& error) {
-        if (error.Kind() == FZ_ERROR_MEMORY) {
-            throw;
-        }
-    }
-}
-
-TextHandle ExtractText(const PageModel& model, const fz_rect& rcPage, fz_cookie* pCookie) {
-    fz_context* const ctx = ThreadContext();
-    TextHandle text;
-    DeviceHandle device;
-    const fz_stext_options options = {FZ_STEXT_PRESERVE_LIGATURES, 1.0F};
-    Guard(ctx, [&] {
-        text.Out() = fz_new_stext_page(ctx, rcPage);
-        device.Out() = fz_new_stext_device(ctx, text.Get(), &options);
-    });
-    ForEachList(model, [&](fz_display_list* pList) {
-        Leniently([&] {
-            fz_run_display_list(ctx, pList, device.Get(), fz_identity, fz_infinite_rect, pCookie);
-        });
-    });
-    Leniently([&] { fz_close_device(ctx, device.Get()); });
-    return text;
-}
-
-Direction DirectionOf(fz_point dir) {
-    constexpr float kStraight = 0.998F; // within some three degrees
-    if (dir.x > kStraight) {
-        return Direction::kRight;
-    }
-    if (dir.y > kStraight) {
-        return Direction::kDown;
-    }
-    if (dir.x < -kStraight) {
-        return Direction::kLeft;
-    }
-    return dir.y < -kStraight ? Direction::kUp : Direction::kOblique;
-}
 
 // Letters that are too light for white paper become darker.
 std::uint32_t Readable(int nColor) {
@@ -87,10 +32,6 @@ std::uint32_t Readable(int nColor) {
     return nReadable;
 }
 
-float Kept(float f, float fLeast, float fMost) {
-    return f >= fLeast ? std::min(f, fMost) : fLeast; // not a number is the least
-}
-
 // Type 3 fonts choose their own unit; their box tells what a letter's height is.
 float UnitOf(fz_font* pFont) {
     if (pFont->t3procs == nullptr) {
@@ -104,23 +45,17 @@ float UnitOf(fz_font* pFont) {
 class LineReader {
 public:
     LineReader(PageModel& model, GlyphRecorder& recorder, const fz_rect& rcPage)
-        : m_styles(model), m_recorder(recorder), m_rcPage(rcPage) {}
+        : m_styles(model), m_recorder(recorder), m_line(rcPage) {}
 
     // A line without glyphs for one that has nothing to read on the page.
     TextLine Read(const fz_stext_line& line) {
         TextLine result;
-        result.eDirection = DirectionOf(line.dir);
-        m_toUpright = Upright(result.eDirection, line.dir);
+        static_cast<LineBox&>(result) = m_line.Read(line);
+        m_toUpright = m_line.ToUpright();
         m_bVertical = line.wmode != 0;
-        CollectCharacters(line);
-        if (m_characters.empty()) {
-            return result;
-        }
-        MeasureLine(result);
-        result.bRightToLeft = ToLogicalOrder(m_order);
         m_places.clear();
-        for (const PlacedCharacter& placed : m_order) {
-            Append(result, *m_characters[placed.nIndex]);
+        for (const fz_stext_char* p : m_line.Characters()) {
+            Append(result, *p);
         }
         if (!result.glyphs.empty() && IsSpace(result.glyphs.back().nUnicode)) {
             result.glyphs.pop_back();
@@ -135,62 +70,6 @@ private:
         float fEnd = 0.0F;
         float fOrigin = 0.0F;
     };
-
-    void CollectCharacters(const fz_stext_line& line) {
-        m_characters.clear();
-        m_order.clear();
-        for (const fz_stext_char* p = line.first_char; p != nullptr; p = p->next) {
-            if (IsOnPage(*p)) {
-                const fz_rect rc = fz_rect_from_quad(fz_transform_quad(p->quad, m_toUpright));
-                m_order.push_back(
-                    {static_cast<char32_t>(p->c), (rc.x0 + rc.x1) / 2.0F, m_characters.size()});
-                m_characters.push_back(p);
-            }
-        }
-    }
-
-    bool IsOnPage(const fz_stext_char& c) const {
-        const fz_rect rc = fz_rect_from_quad(c.quad);
-        return std::isfinite(c.origin.x) && std::isfinite(c.origin.y) && std::isfinite(c.size) &&
-               rc.x1 >= m_rcPage.x0 && rc.x0 <= m_rcPage.x1 && rc.y1 >= m_rcPage.y0 &&
-               rc.y0 <= m_rcPage.y1;
-    }
-
-    void MeasureLine(TextLine& line) {
-        std::vector<float> sizes;
-        std::vector<float> baselines;
-        line.rc = fz_empty_rect;
-        float fStart = INFINITY;
-        float fEnd = -INFINITY;
-        float fNarrowest = INFINITY;
-        float fWidest = 0.0F;
-        bool bOnePitch = true; // as their fonts say, which may be wrong
-        for (const fz_stext_char* p : m_characters) {
-            line.rcOnPage = fz_union_rect(line.rcOnPage, fz_rect_from_quad(p->quad));
-            if (IsSpace(static_cast<char32_t>(p->c))) {
-                continue;
-            }
-            const fz_rect rc = fz_rect_from_quad(fz_transform_quad(p->quad, m_toUpright));
-            fStart = std::min(fStart, rc.x0);
-            fEnd = std::max(fEnd, rc.x1);
-            fNarrowest = std::min(fNarrowest, rc.x1 - rc.x0);
-            fWidest = std::max(fWidest, rc.x1 - rc.x0);
-            bOnePitch = bOnePitch && fz_font_is_monospaced(ThreadContext(), p->font) != 0;
-            sizes.push_back(Kept(p->size, kLeastSize, kMostSize));
-            baselines.push_back(fz_transform_point(p->origin, m_toUpright).y);
-        }
-        if (sizes.empty()) {
-            return;
-        }
-        line.bFixedPitch = bOnePitch && fWidest < kLikePitch * fNarrowest;
-        std::nth_element(sizes.begin(), sizes.begin() + sizes.size() / 2, sizes.end());
-        std::nth_element(baselines.begin(), baselines.begin() + baselines.size() / 2,
-                         baselines.end());
-        line.fSize = sizes[sizes.size() / 2];
-        line.fBaseline = baselines[baselines.size() / 2];
-        line.rc = fz_make_rect(fStart, line.fBaseline - kAscent * line.fSize, fEnd,
-                               line.fBaseline + kDescent * line.fSize);
-    }
 
     void Append(TextLine& line, const fz_stext_char& c) {
         const auto nUnicode = static_cast<char32_t>(c.c);
@@ -409,46 +288,22 @@ private:
 
     StyleTable m_styles;
     GlyphRecorder& m_recorder;
-    fz_rect m_rcPage;
+    LineCharacters m_line; // at hand
     fz_matrix m_toUpright = fz_identity;
-    bool m_bVertical = false;                       // the line at hand
-    std::vector<const fz_stext_char*> m_characters; // of the line at hand
-    std::vector<PlacedCharacter> m_order;
+    bool m_bVertical = false;    // the line at hand
     std::vector<Place> m_places; // of the glyphs of the line at hand
     std::map<std::pair<fz_font*, std::int32_t>, fz_rect> m_ink;
 };
 
-void CollectLines(CapturedPage& page, const fz_stext_page& text, LineReader& reader) {
-    for (const fz_stext_block* pBlock = text.first_block; pBlock != nullptr;
-         pBlock = pBlock->next) {
-        if (pBlock->type != FZ_STEXT_BLOCK_TEXT) {
-            continue;
+void CollectLines(CapturedPage& page, const ExtractedText& text, LineReader& reader) {
+    ForEachLine(text, [&](const fz_stext_line& extracted, std::size_t) {
+        TextLine line = reader.Read(extracted);
+        if (!line.glyphs.empty()) {
+            page.lines.push_back(std::move(line));
         }
-        for (const fz_stext_line* pLine = pBlock->u.t.first_line; pLine != nullptr;
-             pLine = pLine->next) {
-            TextLine line = reader.Read(*pLine);
-            if (!line.glyphs.empty()) {
-                page.lines.push_back(std::move(line));
-            }
-        }
-    }
+    });
 }
 
-}
-
-fz_matrix Upright(Direction eDirection, fz_point dir) {
-    switch (eDirection) {
-        case Direction::kRight:
-            return fz_identity;
-        case Direction::kDown:
-            return fz_make_matrix(0.0F, -1.0F, 1.0F, 0.0F, 0.0F, 0.0F);
-        case Direction::kLeft:
-            return fz_make_matrix(-1.0F, 0.0F, 0.0F, -1.0F, 0.0F, 0.0F);
-        case Direction::kUp:
-            return fz_make_matrix(0.0F, 1.0F, -1.0F, 0.0F, 0.0F, 0.0F);
-        default:
-            return fz_make_matrix(dir.x, -dir.y, dir.y, dir.x, 0.0F, 0.0F);
-    }
 }
 
 CapturedPage CapturePage(PageModel& model, const fz_rect& rcPage, Operation& operation) {
@@ -465,10 +320,11 @@ CapturedPage CapturePage(PageModel& model, const fz_rect& rcPage, Operation& ope
     page.bars = recorder.Bars();
     page.bTooMuch = recorder.IsFull();
     if (!page.bTooMuch && recorder.GlyphCount() != 0) {
-        const TextHandle text = ExtractText(model, rcPage, operation.Cookie());
+        const ExtractedText text =
+            ExtractText({model.pContent.get(), model.pAnnots.get()}, rcPage, operation.Cookie());
         operation.ThrowIfAborted();
         LineReader reader(model, recorder, rcPage);
-        CollectLines(page, *text.Get(), reader);
+        CollectLines(page, text, reader);
     }
     model.bCutShort = model.bCutShort || operation.IsTimedOut();
     if (watch.WasRefused() && !operation.IsTimedOut()) {

@@ -127,11 +127,15 @@ bool MayNotEnd(char32_t c) {
     return Has(kNoEnd, c);
 }
 
-void AppendUtf8(std::string& strText, char32_t c) {
+std::string_view LettersOf(char32_t c) {
     const auto it = std::find_if(kLigatures.begin(), kLigatures.end(),
                                  [&](const Ligature& ligature) { return ligature.nCode == c; });
-    if (it != kLigatures.end()) {
-        strText += it->szLetters;
+    return it == kLigatures.end() ? std::string_view() : it->szLetters;
+}
+
+void AppendUtf8(std::string& strText, char32_t c) {
+    if (const std::string_view strLetters = LettersOf(c); !strLetters.empty()) {
+        strText += strLetters;
     } else if (c < 0x80) {
         strText += static_cast<char>(c);
     } else {

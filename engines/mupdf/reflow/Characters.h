@@ -4,6 +4,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace velko::engines::mupdf::reflow {
 
@@ -25,6 +26,9 @@ bool IsBullet(char32_t c);
 // Signs that no line may begin or end with.
 bool MayNotBegin(char32_t c);
 bool MayNotEnd(char32_t c);
+
+// Those that a ligature stands for; empty for another character.
+std::string_view LettersOf(char32_t c);
 
 // Appends the character in UTF-8; ligatures as the letters they stand for.
 void AppendUtf8(std::string& strText, char32_t c);

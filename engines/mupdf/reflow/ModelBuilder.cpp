@@ -1,7 +1,6 @@
 #include "engines/mupdf/reflow/ModelBuilder.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <map>
 #include <utility>
@@ -16,9 +15,6 @@ namespace velko::engines::mupdf::reflow {
 
 namespace {
 
-constexpr std::array<Direction, 5> kDirections = {
-    Direction::kRight, Direction::kDown, Direction::kLeft, Direction::kUp, Direction::kOblique};
-
 // The size of most letters, in tenths of a point.
 float BodySizeOf(const std::vector<TextLine>& lines) {
     std::map<int, std::size_t> letters;
@@ -31,18 +27,12 @@ float BodySizeOf(const std::vector<TextLine>& lines) {
     return it == letters.end() ? 10.0F : static_cast<float>(it->first) / 10.0F;
 }
 
-// The directions that occur, the one of most letters first.
-std::vector<Direction> DirectionsOf(const std::vector<TextLine>& lines) {
-    std::array<std::size_t, kDirections.size()> letters{};
+std::vector<Direction> DirectionsIn(const std::vector<TextLine>& lines) {
+    LettersByDirection letters{};
     for (const TextLine& line : lines) {
         letters[static_cast<std::size_t>(line.eDirection)] += line.glyphs.size();
     }
-    std::vector<Direction> directions(kDirections.begin(), kDirections.end());
-    const auto fnLetters = [&](Direction e) { return letters[static_cast<std::size_t>(e)]; };
-    std::erase_if(directions, [&](Direction e) { return fnLetters(e) == 0; });
-    std::stable_sort(directions.begin(), directions.end(),
-                     [&](Direction one, Direction two) { return fnLetters(one) > fnLetters(two); });
-    return directions;
+    return DirectionsOf(letters);
 }
 
 fz_rect BoundsOf(const std::vector<Piece>& pieces) {
@@ -67,7 +57,7 @@ public:
                 m_inFigure[i] = true;
             }
         }
-        std::vector<Direction> directions = DirectionsOf(m_page.lines);
+        std::vector<Direction> directions = DirectionsIn(m_page.lines);
         if (directions.empty() || directions.front() == Direction::kOblique) {
             directions.insert(directions.begin(), Direction::kRight);
         }

@@ -4,22 +4,12 @@
 
 #include "engines/mupdf/Document.h"
 #include "engines/mupdf/FinishedProgress.h"
+#include "engines/mupdf/reflow/ExtractedText.h"
 #include "engines/mupdf/reflow/ModelBuilder.h"
 
 namespace velko::engines::mupdf::reflow {
 
 using Lock = concurrency::critical_section::scoped_lock;
-
-namespace {
-
-// Not the size that is told, which is kept within limits.
-fz_rect PageInLists(const PageFacts& facts) {
-    const common::vxbase::RectF& rc = facts.rcBox;
-    return fz_transform_rect(fz_make_rect(rc.Left, rc.Bottom, rc.Right, rc.Top),
-                             facts.mListFromPage);
-}
-
-}
 
 void ReflowedPage::SetScreenSize(float fWidth, float fHeight) {
     m_parameters.fScreenWidth = fWidth;
