@@ -172,12 +172,14 @@ void VelkoPdfView::OnControlOpened(ErrorCode eCode) {
     }
 }
 
-// Not within the control's event, which its closing ends.
+// Not within the control's event, which its closing ends. By then another document may
+// be the one that is asked for.
 void VelkoPdfView::OnPasswordGivenUp() {
     QMetaObject::invokeMethod(
         this,
         [this] {
-            if (m_eState == State::PasswordNeeded && m_queue.IsIdle()) {
+            if (m_eState == State::PasswordNeeded && m_queue.IsIdle() &&
+                !m_pControl->PasswordJudge()) {
                 CloseDocument();
             }
         },
@@ -276,7 +278,12 @@ void VelkoPdfView::OnPasswordNeeded() {
     if (std::exchange(m_return, std::nullopt)) {
         m_before.reset(); // it is the one from before that asks
     }
-    if (SetState(State::PasswordNeeded) && Refresh() && !m_pControl->IsPasswordDialogEnabled()) {
+    if (!SetState(State::PasswordNeeded) || !Refresh()) {
+        return;
+    }
+    if (!m_pControl->PasswordJudge()) { // given up before the open had ended
+        OnPasswordGivenUp();
+    } else if (!m_pControl->IsPasswordDialogEnabled()) {
         emit OpenFailed(path.Text(), ReasonOf(ErrorCode::e_ErrPassword));
     }
 }

@@ -11,6 +11,8 @@
 #include <QTest>
 
 #include "app/viewer/PasswordFd.h"
+#include "control/IJudgePasswordHelper.h"
+#include "control/PDFViewCtrl.h"
 #include "platform/qt/QtElementWindow.h"
 #include "platform/qt/QtSecretEdit.h"
 #include "platform/ui/Window.h"
@@ -184,6 +186,27 @@ TEST_F(PasswordDialogTest, WhateverEndsTheQuestionLeavesNoWidget) {
     TheView().Control()->OpenDocEvent.add([&](const auto&, const auto&) { m_pWindow.reset(); });
     QTest::keyClick(Box(), Qt::Key_Return);
     EXPECT_EQ(m_pWindow, nullptr);
+}
+
+TEST_F(PasswordDialogTest, TheLastDocumentAskedForIsTheOneThatAsks) {
+    const QString strBefore = WritePages("before.pdf", 2);
+    ASSERT_TRUE(ShowUntilSharp(strBefore));
+    for (int nRound = 0; nRound < 2; ++nRound) { // a question takes the place of another
+        Ask();
+        QCoreApplication::processEvents(); // what the first one's end left to be done
+        EXPECT_EQ(TheView().ViewState(), State::PasswordNeeded);
+        EXPECT_NE(Box(), nullptr);
+    }
+    QTest::keyClick(Box(), Qt::Key_Escape);
+    ASSERT_TRUE(Comes(State::Shown));
+    EXPECT_EQ(TheView().File().Text(), strBefore);
+}
+
+TEST_F(PasswordDialogTest, AQuestionGivenUpAtOnceIsOver) {
+    TheView().Open(WriteLocked());
+    ASSERT_TRUE(RunUntil([&] { return TheView().Control()->PasswordJudge() != nullptr; }));
+    TheView().Control()->PasswordJudge()->OnPasswordCancel();
+    EXPECT_TRUE(Comes(State::Empty));
 }
 
 TEST_F(PasswordDialogTest, WhatWasTypedIsClearedWhereItStood) {
