@@ -100,6 +100,8 @@ public:
 
     // The size that it wants within a width, margin included; nothing while collapsed.
     Foundation::Size Measure(float fWidthLimit) const;
+    // False for what lies over its parent: the others stand as if it were not there.
+    virtual bool TakesRoom() const { return true; }
     // Lays the whole tree out anew; done by whatever changes the layout.
     void InvalidateLayout();
     // On a root: places, sizes or the tree have changed, or may have.

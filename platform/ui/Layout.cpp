@@ -95,7 +95,7 @@ void FrameworkElement::RenderTransform(std::shared_ptr<Media::TranslateTransform
 }
 
 Size FrameworkElement::Measure(float fWidthLimit) const {
-    if (m_eVisibility == Xaml::Visibility::Collapsed) {
+    if (m_eVisibility == Xaml::Visibility::Collapsed || !TakesRoom()) {
         return {};
     }
     const Size margin = RoomOf(m_margin);
@@ -253,7 +253,11 @@ void StackPanel::ArrangeContents(Size size, SizeSteps& steps) {
             ArrangeIn({rcNext.X, rcNext.Y, 0.0F, 0.0F}, *pChild, steps);
             continue;
         }
-        const Size wanted = pChild->Measure(rc.Width);
+        if (!pChild->TakesRoom()) {
+            ArrangeIn(rc, *pChild, steps);
+            continue;
+        }
+        const Size wanted = pChild->Measure(std::max(rc.X + rc.Width - rcNext.X, 0.0F));
         if (m_eOrientation == Orientation::Vertical) {
             rcNext.Height = wanted.Height;
             ArrangeIn(rcNext, *pChild, steps);

@@ -1,5 +1,5 @@
-// An element that shows its child above everything else in the window, at the place
-// where the popup stands.
+// An element that shows its child above everything else in the window, from the top left
+// of its parent on. It takes no room there.
 //
 // The child is in the tree, and loaded, while the popup is open. A popup counts as
 // loaded only then: its `Loaded` comes once the child is laid out.
@@ -19,6 +19,7 @@ public:
     void Child(std::shared_ptr<FrameworkElement> pChild);
     bool IsOpen() const { return m_bOpen; }
     void IsOpen(bool bOpen);
+    bool TakesRoom() const override { return false; }
 
     Foundation::Event<> Closed;
 

@@ -83,6 +83,24 @@ TEST_F(HostedDialogTest, ComesFromAContentControlOrFromNowhere) {
     ExpectClosedWithNothingLeft();
 }
 
+TEST_F(HostedDialogTest, LiesOverAPanelThatIsAsLargeAsItsChildren) {
+    auto pColumn = std::make_shared<Xaml::Controls::StackPanel>();
+    auto pPanel = std::make_shared<Xaml::Controls::StackPanel>();
+    auto pFirst = std::make_shared<Grid>();
+    pFirst->Height(150.0);
+    pPage->AppendChild(pColumn);
+    pColumn->AppendChild(pPanel);
+    pPanel->AppendChild(pFirst);
+    pPanel->AppendChild(pDialog);
+    pDialog->Visibility(Visibility::Collapsed);
+    ShowWindow("Windows.Desktop", {800, 600});
+    pDialog->Open();
+    EXPECT_EQ(pPanel->ActualHeight(), 150.0) << "it takes no room there";
+    EXPECT_EQ(PlaceOf(*LayoutRoot()), Rect(0, 0, 800, 150));
+    pFirst->Height(300.0);
+    EXPECT_EQ(PlaceOf(*LayoutRoot()), Rect(0, 0, 800, 300));
+}
+
 TEST_F(HostedDialogTest, OpensNowhereWithoutAWindow) {
     EXPECT_THROW(pDialog->Open(), Platform::InvalidCastException);
     EXPECT_FALSE(pDialog->IsOpen());
