@@ -43,12 +43,8 @@ void InsertDocumentPasswdwordDlgUIOprateion::OnPasswordOK() {
         m_pRecord->m_nErrorCode = ErrorCode::e_ErrSuccess;
     }
     Answer([this](PDFViewCtrl& control) {
-        const auto& pDocument = m_pRecord->m_pDocument;
-        control.AttachDocument(pDocument);
-        control.RaiseOpenDoc(pDocument, ErrorCode::e_ErrSuccess, 0);
-        if (control.m_pDocument == pDocument) {
-            control.ShowOpenedDocument();
-        }
+        control.AttachDocument(m_pRecord->m_pDocument);
+        control.TellAndShow();
     });
 }
 

@@ -321,6 +321,7 @@ private:
     void AttachDocument(const std::shared_ptr<VLK_Document>& pDocument);
     // False when the document was replaced while its first layout was made.
     bool ShowOpenedDocument();
+    void TellAndShow(); // the attached document: the event first, then the viewer
     void ShowPasswordDialog(const std::shared_ptr<VLK_DocOpenRecord>& pRecord);
     void OpenPasswordDialog(); // once there is a window to open it in
     void GiveUpPassword();

@@ -194,6 +194,17 @@ void PDFViewCtrl::RaiseOpenDoc(const std::shared_ptr<VLK_Document>& pDocument, E
                        std::make_shared<DocEventArgs>(pDocument->PdfDoc(), nErrorCode, nCanceled));
 }
 
+// A host's handler that fails leaves no document without a viewer.
+void PDFViewCtrl::TellAndShow() {
+    const auto pDocument = m_pDocument;
+    Platform::FirstFailure failure;
+    failure.Run([&] { RaiseOpenDoc(pDocument, ErrorCode::e_ErrSuccess, 0); });
+    if (m_pDocument == pDocument) {
+        failure.Run([this] { ShowOpenedDocument(); });
+    }
+    failure.Rethrow();
+}
+
 void PDFViewCtrl::ShowPasswordDialog(const std::shared_ptr<VLK_DocOpenRecord>& pRecord) {
     m_pPasswordOperation =
         std::make_shared<InsertDocumentPasswdwordDlgUIOprateion>(pRecord, Self());
@@ -242,10 +253,7 @@ void PDFViewCtrl::SetPDFDoc(const std::shared_ptr<PDFDoc>& pPdfDoc) {
     }
     const auto pDocument = std::make_shared<VLK_Document>(pPdfDoc);
     AttachDocument(pDocument);
-    RaiseOpenDoc(pDocument, ErrorCode::e_ErrSuccess, 0);
-    if (m_pDocument == pDocument) {
-        ShowOpenedDocument();
-    }
+    TellAndShow();
 }
 
 void PDFViewCtrl::CloseDocument() {

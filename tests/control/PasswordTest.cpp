@@ -141,6 +141,14 @@ TEST_F(PasswordTest, AHostThatClosesInTheEventGetsNoViewer) {
     EXPECT_TRUE(completed.is_done());
 }
 
+TEST_F(PasswordTest, AHostWhoseHandlerFailsGetsItsViewer) {
+    InEvent("OpenDoc", [] { throw std::runtime_error("the host's"); });
+    EXPECT_THROW(Answer("reader"), std::runtime_error);
+    EXPECT_TRUE(pControl->HasViewer());
+    EXPECT_FALSE(IsDialogOpen());
+    EXPECT_TRUE(completed.is_done());
+}
+
 TEST_F(PasswordTest, AHostThatClosesWhenItIsGivenUpClosesOnce) {
     InEvent("OpenDoc", [&] { pControl->CloseDocument(); });
     pControl->CloseDocument();
