@@ -43,6 +43,12 @@ void SetRole(QWidget& widget, QAccessible::Role eRole) {
     widget.setProperty(kRole, static_cast<int>(eRole));
 }
 
+// A key that is held down answers once, not the next question too.
+bool IsHeldAnswer(const QKeyEvent& event) {
+    return event.isAutoRepeat() &&
+           (event.key() == ::Qt::Key_Return || event.key() == ::Qt::Key_Enter);
+}
+
 // What all presenters with a widget share. The widget outlives the presenter by a turn
 // of the event loop: a handler of an event of its own may have closed it.
 class WidgetPresenter : public IElementPresenter {
@@ -93,8 +99,10 @@ protected:
     // Keys and the ways back go to the element first.
     void WatchControl(const std::shared_ptr<Controls::Control>& pControl) {
         m_pWidget->setFocusPolicy(pControl->IsTabStop() ? ::Qt::StrongFocus : ::Qt::NoFocus);
-        m_pFilter = new QtEventFilter(
-            *m_pWidget, [this, pControl](QEvent& event) { return HandleEvent(pControl, event); });
+        Watch([this, pControl](QEvent& event) { return HandleEvent(pControl, event); });
+    }
+    void Watch(QtEventFilter::Handler fnHandle) {
+        m_pFilter = new QtEventFilter(*m_pWidget, std::move(fnHandle));
     }
 
     QtElementTree& m_tree;
@@ -114,12 +122,14 @@ private:
                     return true;
                 }
                 return false;
-            case QEvent::KeyPress:
-                if (m_tree.OnKey(pControl, static_cast<QKeyEvent&>(event))) {
+            case QEvent::KeyPress: {
+                const auto& key = static_cast<QKeyEvent&>(event);
+                if (IsHeldAnswer(key) || m_tree.OnKey(pControl, key)) {
                     event.accept();
                     return true;
                 }
                 return false;
+            }
             case QEvent::MouseButtonPress:
                 if (static_cast<QMouseEvent&>(event).button() == ::Qt::BackButton) {
                     m_tree.OnBack();
@@ -193,7 +203,15 @@ public:
         setAttribute(::Qt::WA_NoMousePropagation); // of fingers too, which the pages would take
         SetRole(*this, QAccessible::Dialog);
     }
-    void FocusFirst() { FocusNext(true, nullptr); }
+    // Where they were before, else what comes first.
+    void TakeKeys() {
+        QWidget* const pLast = focusWidget();
+        if (pLast != nullptr && pLast != this && pLast->isVisible() && pLast->isEnabled()) {
+            pLast->setFocus(::Qt::OtherFocusReason); // what is selected in it stays
+        } else {
+            FocusNext(true, nullptr);
+        }
+    }
 
 protected:
     bool focusNextPrevChild(bool bNext) override {
@@ -214,9 +232,14 @@ private:
         }
         const auto nFrom = std::find(stops.begin(), stops.end(), pFrom) - stops.begin();
         const bool bFound = nFrom < stops.size();
+        const qsizetype nFirst = bNext ? 0 : stops.size() - 1;
         const qsizetype nStep = bNext ? 1 : stops.size() - 1;
-        stops[bFound ? (nFrom + nStep) % stops.size() : 0]->setFocus(
-            bNext ? ::Qt::TabFocusReason : ::Qt::BacktabFocusReason);
+        if (!bFound) { // what had them has gone: the reader did not ask for it
+            stops[nFirst]->setFocus(::Qt::OtherFocusReason);
+        } else {
+            stops[(nFrom + nStep) % stops.size()]->setFocus(bNext ? ::Qt::TabFocusReason
+                                                                  : ::Qt::BacktabFocusReason);
+        }
     }
 };
 
@@ -226,7 +249,7 @@ public:
         : WidgetPresenter(tree, pElement, pWidget), m_pPopupWidget(pWidget) {}
     void TakeKeys() override {
         if (m_pPopupWidget) {
-            m_pPopupWidget->FocusFirst();
+            m_pPopupWidget->TakeKeys();
         }
     }
 
@@ -264,9 +287,6 @@ protected:
         m_pLabel->setText(m_pLabel->wordWrap() ? strText
                                                : m_pLabel->fontMetrics().elidedText(
                                                      strText, ::Qt::ElideMiddle, rc.width()));
-        if (m_text.Role() == Controls::TextRole::Alert) {
-            UseAlertColor();
-        }
     }
     void OnVisible(bool bVisible) override {
         if (bVisible && m_text.Role() == Controls::TextRole::Alert) {
@@ -286,15 +306,23 @@ private:
             m_pLabel->setFont(font);
         } else if (m_text.Role() == Controls::TextRole::Alert) {
             SetRole(*m_pLabel, QAccessible::AlertMessage);
+            UseAlertColor();
+            Watch([this](const QEvent& event) {
+                if (event.type() == QEvent::PaletteChange) {
+                    UseAlertColor();
+                }
+                return false;
+            });
         }
     }
 
     // Of enough contrast on what it stands on.
     void UseAlertColor() {
-        QPalette palette = m_pLabel->parentWidget()->palette();
-        const bool bDark = palette.color(QPalette::Window).lightness() < 128;
-        palette.setColor(QPalette::WindowText, bDark ? QColor(255, 160, 150) : QColor(170, 0, 20));
-        if (m_pLabel->palette() != palette) {
+        const bool bDark = m_pLabel->palette().color(QPalette::Window).lightness() < 128;
+        const QColor color = bDark ? QColor(255, 160, 150) : QColor(170, 0, 20);
+        if (m_pLabel->palette().color(QPalette::WindowText) != color) {
+            QPalette palette;
+            palette.setColor(QPalette::WindowText, color);
             m_pLabel->setPalette(palette);
         }
     }

@@ -1,10 +1,13 @@
 #include "platform/qt/QtSecretEdit.h"
 
+#include <QEvent>
+
 namespace Platform::Qt {
 
 namespace {
 
 constexpr int kRoom = 512; // letters
+constexpr int kHintAlpha = 150;
 
 }
 
@@ -13,12 +16,31 @@ QtSecretEdit::QtSecretEdit(QWidget* pParent) : QLineEdit(pParent) {
     setInputMethodHints(::Qt::ImhHiddenText | ::Qt::ImhSensitiveData | ::Qt::ImhNoPredictiveText |
                         ::Qt::ImhNoAutoUppercase);
     MakeRoom();
+    UseHintColor();
     connect(this, &QLineEdit::textChanged, this, &QtSecretEdit::Tell);
 }
 
 QtSecretEdit::~QtSecretEdit() {
     m_bSetting = true;
     WipeText();
+}
+
+void QtSecretEdit::changeEvent(QEvent* pEvent) {
+    QLineEdit::changeEvent(pEvent);
+    if (pEvent->type() == QEvent::PaletteChange) {
+        UseHintColor();
+    }
+}
+
+// The colour that a dark desktop brings along is often that of a light one.
+void QtSecretEdit::UseHintColor() {
+    QColor color = palette().color(QPalette::Text);
+    color.setAlpha(kHintAlpha);
+    if (palette().color(QPalette::PlaceholderText) != color) {
+        QPalette hint;
+        hint.setColor(QPalette::PlaceholderText, color);
+        setPalette(hint);
+    }
 }
 
 void QtSecretEdit::Tell() {

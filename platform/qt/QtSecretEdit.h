@@ -23,10 +23,14 @@ public:
     void SetSecret(const SecretText& secret);
     std::function<void(SecretText)> OnTyped;
 
+protected:
+    void changeEvent(QEvent* pEvent) override;
+
 private:
     void WipeText();
     void MakeRoom();
     void Tell();
+    void UseHintColor();
 
     bool m_bSetting = false;
 };

@@ -116,6 +116,54 @@ TEST_F(PasswordDialogTest, IsCancelledByEscapeAClickAndAButtonOfTheMouse) {
     EXPECT_EQ(TheView().PageCount(), 3);
 }
 
+TEST_F(PasswordDialogTest, AClickBesideTheBoxKeepsWhatWasTyped) {
+    Ask();
+    QTest::keyClicks(Box(), "sec");
+    QTest::mouseClick(m_pWindow->windowHandle(), Qt::LeftButton, {},
+                      TheView().mapTo(m_pWindow.get(), QPoint(20, 20)));
+    EXPECT_EQ(m_pWindow->focusWidget(), Box());
+    QTest::keyClicks(m_pWindow->focusWidget(), "ret");
+    QTest::keyClick(m_pWindow->focusWidget(), Qt::Key_Return);
+    EXPECT_TRUE(Comes(State::Shown));
+}
+
+TEST_F(PasswordDialogTest, AKeyThatIsHeldDownAnswersOnce) {
+    Ask();
+    QTest::keyClicks(Box(), "guess");
+    for (const bool bRepeated : {false, true, true}) {
+        QKeyEvent event(QEvent::KeyPress, Qt::Key_Return, {}, "\r", bRepeated);
+        QCoreApplication::sendEvent(m_pWindow->focusWidget(), &event);
+    }
+    EXPECT_TRUE(Says("does not open"));
+    EXPECT_FALSE(Says("Enter the password"));
+}
+
+TEST_F(PasswordDialogTest, HintsCanBeReadInColorsThatChange) {
+    const QPalette before = QGuiApplication::palette();
+    Ask();
+    QTest::keyClick(Box(), Qt::Key_Return);
+    const auto fnGap = [](const QWidget* pWidget, QPalette::ColorRole eText,
+                          QPalette::ColorRole eOn) {
+        const QPalette& palette = pWidget->palette();
+        return std::abs(palette.color(eText).lightness() - palette.color(eOn).lightness());
+    };
+    for (const bool bDark : {false, true}) {
+        QPalette palette(bDark ? QColor(30, 30, 30) : QColor(240, 240, 240));
+        palette.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128)); // whatever stands around
+        QApplication::setPalette(palette);
+        EXPECT_GT(fnGap(Box(), QPalette::PlaceholderText, QPalette::Base), 100) << bDark;
+        int nAlerts = 0;
+        for (const auto* const pLabel : Shown<QLabel>()) {
+            nAlerts += pLabel->text() == "Enter the password." &&
+                               fnGap(pLabel, QPalette::WindowText, QPalette::Window) > 100
+                           ? 1
+                           : 0;
+        }
+        EXPECT_EQ(nAlerts, 1) << bDark;
+    }
+    QApplication::setPalette(before);
+}
+
 TEST_F(PasswordDialogTest, SpeaksToAScreenReader) {
     Ask();
     QTest::keyClicks(Box(), "x");
