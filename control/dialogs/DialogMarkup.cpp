@@ -75,6 +75,8 @@ std::shared_ptr<Xaml::FrameworkElement> BuildHostedDialog() {
 // --- the password dialog ---------------------------------------------------
 
 constexpr double kSpacing = 8.0;
+constexpr double kTight = 3.0; // of the wide arrangement, which has little height
+constexpr Thickness kLow{10.0, 4.0, 10.0, 4.0};
 constexpr Thickness kNarrow{10.0, 8.0, 10.0, 8.0};
 constexpr Thickness kRoomy{28.0, 22.0, 28.0, 24.0};
 constexpr double kRoomyHeight = 420.0; // 96ths of an inch, of the area around
@@ -119,20 +121,29 @@ std::shared_ptr<StackPanel> MakeButtons() {
     return pButtons;
 }
 
-std::shared_ptr<Grid> MakePanel(const char* szName, double dbSpacing) {
+std::shared_ptr<StackPanel> MakeHead(Orientation eOrientation) {
     auto pTitle = Make<TextBlock>("TitleBlock", TextRole::Title);
     pTitle->Text("This document is protected");
     pTitle->HorizontalAlignment(HorizontalAlignment::Left);
+    auto pFileName = Make<TextBlock>("FileNameBlock");
+    pFileName->VerticalAlignment(VerticalAlignment::Center);
+    auto pHead = Make<StackPanel>("Head", eOrientation, kSpacing);
+    pHead->AppendChild(pTitle);
+    pHead->AppendChild(pFileName);
+    return pHead;
+}
+
+std::shared_ptr<Grid> MakePanel(const char* szName, Orientation eHead, const Thickness& padding,
+                                double dbSpacing) {
     auto pStack = Make<StackPanel>("Lines", Orientation::Vertical, dbSpacing);
     pStack->VerticalAlignment(VerticalAlignment::Center);
-    pStack->AppendChild(pTitle);
-    pStack->AppendChild(Make<TextBlock>("FileNameBlock"));
+    pStack->AppendChild(MakeHead(eHead));
     pStack->AppendChild(MakeBox());
     pStack->AppendChild(MakeHints());
     pStack->AppendChild(MakeButtons());
     auto pPanel = Make<Grid>(szName);
     pPanel->Background(ThemeBrush::Surface);
-    pPanel->Padding(kNarrow);
+    pPanel->Padding(padding);
     pPanel->AppendChild(pStack);
     return pPanel;
 }
@@ -172,12 +183,11 @@ std::shared_ptr<ControlSizeTrigger> FollowAreaOf(const std::shared_ptr<Grid>& pR
 }
 
 std::shared_ptr<Xaml::FrameworkElement> BuildPasswordDialog() {
-    constexpr double kTight = 3.0;
     auto pRoot = Make<Grid>("PasswordRoot");
-    auto pLandscape = MakePanel("LandscapePanel", kTight);
+    auto pLandscape = MakePanel("LandscapePanel", Orientation::Horizontal, kLow, kTight);
     pLandscape->Visibility(Visibility::Collapsed);
     pRoot->AppendChild(pLandscape);
-    auto pPortrait = MakePanel("PortraitPanel", kSpacing);
+    auto pPortrait = MakePanel("PortraitPanel", Orientation::Vertical, kNarrow, kSpacing);
     pRoot->AppendChild(pPortrait);
     pRoot->AppendChild(MakeFocusHolder());
     pRoot->VisualStateGroups.push_back(RoomOf(pPortrait, FollowAreaOf(pRoot)));

@@ -139,7 +139,7 @@ void PasswordDialog::OnOkClick() {
         return;
     }
     const auto pJudge = m_pJudge;
-    if (pJudge && pJudge->JudgePassword(text.Text())) {
+    if (pJudge && Judge(*pJudge, text)) {
         active.pBox->Password({});
         pJudge->OnPasswordOK();
         return;
@@ -148,6 +148,12 @@ void PasswordDialog::OnOkClick() {
     Show(*active.pWrongHint, true);
     active.pBox->Password({});
     active.pBox->Focus(Xaml::FocusState::Programmatic);
+}
+
+// Many letters, coded in several ways, take the engine long enough to be noticed.
+bool PasswordDialog::Judge(IJudgePasswordHelper& judge, const Platform::SecretText& password) {
+    const Window::WaitScope waiting(m_wkWindow.lock());
+    return judge.JudgePassword(password.Text());
 }
 
 void PasswordDialog::OnCancelClick() {
@@ -268,8 +274,13 @@ void PasswordDialog::ArrangeInPortrait(double dbWidth) {
     m_portrait.pPanel->Width(dbWidth);
 }
 
+// What was typed goes along.
 void PasswordDialog::ShowArrangement(bool bLandscape) {
-    m_bLandscape = bLandscape;
+    if (std::exchange(m_bLandscape, bLandscape) != bLandscape) {
+        auto& boxBefore = bLandscape ? *m_portrait.pBox : *m_landscape.pBox;
+        ActiveBox()->Password(boxBefore.Password());
+        boxBefore.Password({});
+    }
     Show(*m_portrait.pPanel, !bLandscape);
     Show(*m_landscape.pPanel, bLandscape);
 }

@@ -62,6 +62,7 @@ private:
     auto WhileAlive(F fnHandler);
     const Arrangement& Active() const { return m_bLandscape ? m_landscape : m_portrait; }
 
+    bool Judge(IJudgePasswordHelper& judge, const Platform::SecretText& password);
     void OnLoaded();
     void OnUnloaded();
     void SubscribeToKeyboard(Window& window);

@@ -1,6 +1,7 @@
 #include "platform/qt/QtElementTree.h"
 
 #include <QFocusEvent>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPointer>
 #include <QWidget>
@@ -18,6 +19,7 @@ namespace Xaml = Windows::UI::Xaml;
 using Windows::Foundation::Point;
 using Windows::Foundation::Size;
 using Windows::System::VirtualKey;
+using Windows::UI::Core::CoreCursorType;
 using Xaml::Controls::Primitives::Popup;
 
 namespace {
@@ -74,11 +76,18 @@ QtElementTree::QtElementTree(QWidget& window, std::shared_ptr<ElementWindow> pWi
             MoveFocus();
         }
     });
+    m_cursorToken = m_pWindow->PointerCursorChanged.add([this, wkAlive] {
+        if (!wkAlive.expired()) {
+            ShowWaiting(m_pWindow->PointerCursor() == CoreCursorType::Wait);
+        }
+    });
 }
 
 QtElementTree::~QtElementTree() {
     m_pWindow->Content()->LayoutUpdated.remove(m_layoutToken);
     m_pWindow->FocusMoved.remove(m_focusToken);
+    m_pWindow->PointerCursorChanged.remove(m_cursorToken);
+    ShowWaiting(false);
 }
 
 void QtElementTree::Register(const std::type_info& type, PresenterFactory fnMake) {
@@ -183,6 +192,17 @@ void QtElementTree::DropUnseen() {
     });
     if (bHadKeys) { // before Qt gives them to whatever comes next
         m_window.setFocus(::Qt::OtherFocusReason);
+    }
+}
+
+void QtElementTree::ShowWaiting(bool bWaiting) {
+    if (std::exchange(m_bWaiting, bWaiting) == bWaiting) {
+        return;
+    }
+    if (bWaiting) {
+        QGuiApplication::setOverrideCursor(::Qt::WaitCursor);
+    } else {
+        QGuiApplication::restoreOverrideCursor();
     }
 }
 

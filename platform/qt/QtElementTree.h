@@ -82,6 +82,7 @@ private:
     void DropUnseen();
     IElementPresenter* OpenPopup() const; // null: nothing lies over the pages
     void MoveFocus();
+    void ShowWaiting(bool bWaiting);
     QRect ToQt(QPointF pt, const Element& element) const;
 
     QWidget& m_window;
@@ -91,6 +92,7 @@ private:
     std::map<const Element*, Presented> m_presented;
     Windows::Foundation::EventRegistrationToken m_layoutToken;
     Windows::Foundation::EventRegistrationToken m_focusToken;
+    Windows::Foundation::EventRegistrationToken m_cursorToken;
     double m_dbScaleX = 1.0;
     double m_dbScaleY = 1.0;
     unsigned m_nRound = 0;
@@ -98,6 +100,7 @@ private:
     bool m_bUpdating = false;
     bool m_bAgain = false;
     bool m_bMovingFocus = false;
+    bool m_bWaiting = false; // the program's pointer says so
     const std::shared_ptr<int> m_pAlive = std::make_shared<int>();
 };
 

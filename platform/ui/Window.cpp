@@ -122,6 +122,28 @@ bool Window::RequestBack() {
     return request.Handled;
 }
 
+// --- the pointer -----------------------------------------------------------
+
+void Window::PointerCursor(Core::CoreCursorType eCursor) {
+    if (std::exchange(m_ePointerCursor, eCursor) != eCursor) {
+        PointerCursorChanged.raise();
+    }
+}
+
+Window::WaitScope::WaitScope(std::shared_ptr<Window> pWindow)
+    : m_pWindow(std::move(pWindow)),
+      m_eBefore(m_pWindow ? m_pWindow->PointerCursor() : Core::CoreCursorType::Arrow) {
+    if (m_pWindow) {
+        m_pWindow->PointerCursor(Core::CoreCursorType::Wait);
+    }
+}
+
+Window::WaitScope::~WaitScope() {
+    if (m_pWindow) {
+        m_pWindow->PointerCursor(m_eBefore);
+    }
+}
+
 }
 
 namespace Windows::Foundation::Metadata {

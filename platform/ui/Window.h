@@ -1,5 +1,6 @@
 // The window that a tree of elements stands in, as far as elements ask for it: its
-// bounds, who has the keys, key presses, back requests and the on-screen keyboard.
+// bounds, who has the keys, key presses, back requests, the pointer's shape and the
+// on-screen keyboard.
 //
 // The toolkit makes one for each of its windows that hosts a tree, tells it of the
 // size, and passes on what the reader does.
@@ -36,6 +37,12 @@ public:
 private:
     Foundation::Rect m_rcOccluded;
 };
+
+}
+
+namespace Windows::UI::Core {
+
+enum class CoreCursorType { Arrow = 0, Wait = 12 };
 
 }
 
@@ -93,6 +100,24 @@ public:
 
     ViewManagement::InputPane& InputPane() { return m_inputPane; }
 
+    // The pointer's shape over the whole program; in force when the call returns, so
+    // that it can be told before work that holds the thread.
+    Core::CoreCursorType PointerCursor() const { return m_ePointerCursor; }
+    void PointerCursor(Core::CoreCursorType eCursor);
+    Foundation::Event<> PointerCursorChanged; // for the toolkit
+    // The pointer says meanwhile that the program is at work. `pWindow` may be empty.
+    class WaitScope {
+    public:
+        explicit WaitScope(std::shared_ptr<Window> pWindow);
+        ~WaitScope();
+        WaitScope(const WaitScope&) = delete;
+        WaitScope& operator=(const WaitScope&) = delete;
+
+    private:
+        const std::shared_ptr<Window> m_pWindow;
+        const Core::CoreCursorType m_eBefore;
+    };
+
 private:
     explicit Window(std::shared_ptr<FrameworkElement> pContent);
 
@@ -101,6 +126,7 @@ private:
     FocusState m_eFocusState = FocusState::Unfocused;
     Foundation::Size m_sizeTold;
     ViewManagement::InputPane m_inputPane;
+    Core::CoreCursorType m_ePointerCursor = Core::CoreCursorType::Arrow;
 };
 
 }

@@ -15,12 +15,14 @@ class Judge : public vkit::IJudgePasswordHelper {
 public:
     bool JudgePassword(const std::string& strPassword) override {
         log.push_back("judge " + strPassword);
+        eCursor = Xaml::Window::Current()->PointerCursor();
         return strPassword == "right";
     }
     std::string GetFileName() override { return "locked.pdf"; }
     void OnPasswordOK() override { log.emplace_back("ok"); }
     void OnPasswordCancel() override { log.emplace_back("cancel"); }
     std::vector<std::string> log;
+    Windows::UI::Core::CoreCursorType eCursor{}; // while it judged
 };
 
 class PasswordDialogTest : public DialogFixture {
@@ -81,8 +83,11 @@ TEST_F(PasswordDialogTest, EachFamilyHasItsArrangement) {
     EXPECT_EQ(Part("CancelButton")->ActualHeight(), 37.5);
     EXPECT_TRUE(HasBoxKeys()) << "the keys go with the arrangement";
 
+    Type("half a");
     Resize({500, 500}); // not above the height
     EXPECT_FALSE(pDialog->IsLandscape());
+    EXPECT_EQ(Box().Password(), "half a") << "what was typed goes along";
+    EXPECT_TRUE(Find<PasswordBox>(*Panel(true), "PasswordBox")->Password().IsEmpty());
     EXPECT_EQ(Panel(false)->ActualWidth(), 500.0);
     EXPECT_EQ(Box().ActualWidth(), 400.0);
     EXPECT_EQ(Part("TitleBlock")->ActualWidth(), 440.0);
@@ -98,6 +103,8 @@ TEST_F(PasswordDialogTest, JudgesWhatIsTypedAndSaysWhatIsWrong) {
     Type("guess");
     pWindow->LoseFocus(Box());
     Press("OkButton");
+    EXPECT_EQ(pJudge->eCursor, Windows::UI::Core::CoreCursorType::Wait);
+    EXPECT_EQ(pWindow->PointerCursor(), Windows::UI::Core::CoreCursorType::Arrow);
     EXPECT_FALSE(IsHintShown("EmptyPasswordHint"));
     EXPECT_TRUE(IsHintShown("WrongPasswordHint"));
     EXPECT_TRUE(Box().Password().IsEmpty());
