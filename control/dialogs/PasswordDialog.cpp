@@ -41,6 +41,12 @@ void Show(Xaml::FrameworkElement& element, bool bVisible) {
     element.Visibility(bVisible ? Xaml::Visibility::Visible : Xaml::Visibility::Collapsed);
 }
 
+// Anew where it is shown already, so that it is spoken again.
+void TellHint(Xaml::FrameworkElement& hint) {
+    Show(hint, false);
+    Show(hint, true);
+}
+
 std::string Text(const Rect& rc) {
     return std::to_string(rc.X) + ", " + std::to_string(rc.Y) + ", " + std::to_string(rc.Width) +
            ", " + std::to_string(rc.Height);
@@ -135,7 +141,7 @@ void PasswordDialog::OnOkClick() {
     const Platform::SecretText text = active.pBox->Password();
     if (text.IsEmpty()) {
         Show(*active.pWrongHint, false);
-        Show(*active.pEmptyHint, true);
+        TellHint(*active.pEmptyHint);
         return;
     }
     const auto pJudge = m_pJudge;
@@ -145,7 +151,7 @@ void PasswordDialog::OnOkClick() {
         return;
     }
     Show(*m_portrait.pEmptyHint, false); // this one also where the other arrangement is in use
-    Show(*active.pWrongHint, true);
+    TellHint(*active.pWrongHint);
     active.pBox->Password({});
     active.pBox->Focus(Xaml::FocusState::Programmatic);
 }

@@ -24,16 +24,28 @@ using Windows::UI::Xaml::ThemeBrush;
 
 namespace {
 
-constexpr const char* kRole = "elementRole"; // a property: what a screen reader says it is
+// Properties: what a screen reader says it is, and whether it passes it over.
+constexpr const char* kRole = "elementRole";
+constexpr const char* kPassedOver = "elementPassedOver";
 constexpr int kShadeAlpha = 120;
 constexpr int kLeastButtonWidth = 88;
 constexpr double kTitleSize = 1.15; // times the size of other text
+
+class ElementAccessible : public QAccessibleWidget {
+public:
+    using QAccessibleWidget::QAccessibleWidget;
+    QAccessible::State state() const override {
+        QAccessible::State now = QAccessibleWidget::state();
+        now.invisible = now.invisible || widget()->property(kPassedOver).toBool();
+        return now;
+    }
+};
 
 QAccessibleInterface* InterfaceOf(const QString& /*strClass*/, QObject* pObject) {
     auto* const pWidget = qobject_cast<QWidget*>(pObject);
     const QVariant role = pWidget != nullptr ? pWidget->property(kRole) : QVariant();
     return role.isValid()
-               ? new QAccessibleWidget(pWidget, static_cast<QAccessible::Role>(role.toInt()))
+               ? new ElementAccessible(pWidget, static_cast<QAccessible::Role>(role.toInt()))
                : nullptr;
 }
 
@@ -348,6 +360,10 @@ class PushButton : public QPushButton {
 public:
     PushButton(bool bDrawn, QWidget& parent) : QPushButton(&parent), m_bDrawn(bDrawn) {
         setAttribute(::Qt::WA_TransparentForMouseEvents, !bDrawn);
+        if (!bDrawn) {
+            setProperty(kPassedOver, true);
+            SetRole(*this, QAccessible::Button);
+        }
     }
 
 protected:

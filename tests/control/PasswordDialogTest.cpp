@@ -122,6 +122,20 @@ TEST_F(PasswordDialogTest, JudgesWhatIsTypedAndSaysWhatIsWrong) {
     EXPECT_FALSE(host.DebugContains("OccludedRect"));
 }
 
+TEST_F(PasswordDialogTest, AHintComesUpAtEachAnswer) { // a screen reader speaks what comes up
+    Open("Windows.Desktop", {1000, 800});
+    int nShown = 0;
+    for (const char* szHint : {"EmptyPasswordHint", "WrongPasswordHint"}) {
+        Part(szHint)->VisibilityChanged.add(
+            [&](Visibility eNow) { nShown += eNow == Visibility::Visible ? 1 : 0; });
+    }
+    for (int nAnswer = 1; nAnswer <= 4; ++nAnswer) {
+        Type(nAnswer <= 2 ? "guess" : "");
+        Press("OkButton");
+        EXPECT_EQ(nShown, nAnswer);
+    }
+}
+
 TEST_F(PasswordDialogTest, TheWideArrangementKeepsItsEmptyHint) {
     Open("Windows.Mobile", {800, 400});
     Press("OkButton");
