@@ -211,6 +211,9 @@ void QtElementWindow::FollowKeyboard() {
 
 void QtElementWindow::resizeEvent(QResizeEvent* /*pEvent*/) {
     Arrange();
+    if (QGuiApplication::inputMethod()->isVisible()) { // it may cover another part of this now
+        FollowKeyboard();
+    }
 }
 
 void QtElementWindow::showEvent(QShowEvent* /*pEvent*/) {

@@ -70,7 +70,11 @@ TEST_F(PasswordDialogTest, IsUsedByKeysAlone) {
     QTest::keyClick(Box(), Qt::Key_Return);
     EXPECT_TRUE(Says("Enter the password"));
     QTest::keyClicks(Box(), "guess");
+    std::vector<bool> waits; // what the pointer says while it is judged, and after
+    TheView().Window().View().PointerCursorChanged.add(
+        [&] { waits.push_back(QGuiApplication::overrideCursor() != nullptr); });
     QTest::keyClick(Box(), Qt::Key_Return);
+    EXPECT_EQ(waits, (std::vector<bool>{true, false}));
     EXPECT_TRUE(Says("does not open"));
     EXPECT_FALSE(Says("Enter the password"));
     EXPECT_TRUE(Box()->text().isEmpty());
