@@ -17,16 +17,19 @@
 
 namespace velko::pdf {
 
-// A link on a page: its area in page space, and one of three: an action inside
-// the document, a URI outside, or an action of another kind, for the host to
-// carry out or to refuse. None of them when what it names is not in the document.
-// A value: it may outlive the page and the document.
-struct LinkRecord {
-    common::vxbase::RectF rcArea;
+// Where a link leads, one of three: an action inside the document, a URI outside, or
+// an action of another kind, for the host to carry out or to refuse. None of them when
+// what it names is not in the document. A value: it may outlive the document.
+struct LinkGoal {
     std::shared_ptr<IAction> pAction;
     std::string strUri;
     std::string strOtherKind;  // as the file names it, such as "Named" or "Launch"
     std::string strOtherValue; // the command of "Named", the file of "Launch" and "GoToR"
+};
+
+// A link on a page, with its area in page space.
+struct LinkRecord : LinkGoal {
+    common::vxbase::RectF rcArea;
 };
 
 // Points, as the pages lie in the file.

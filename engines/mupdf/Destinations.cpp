@@ -25,14 +25,18 @@ struct RawDestination {
     std::array<bool, kMaxOperands> absent = {true, true, true, true};
 };
 
-// A link as the file has it. Texts are borrowed from the file's objects.
-struct RawLink {
-    fz_rect rcArea = fz_empty_rect;
+// Where something leads, as the file has it. Texts are borrowed from its objects.
+struct RawGoal {
     RawDestination destination;
     const char* szUri = nullptr;
     const char* szOtherKind = nullptr;
     const char* szOtherValue = "";
     bool bAsks = false; // for anything at all
+};
+
+struct RawLink {
+    fz_rect rcArea = fz_empty_rect;
+    RawGoal goal;
 };
 
 class Destination final : public pdf::IDestination {
@@ -140,21 +144,15 @@ pdf_obj* ResolveNames(fz_context* ctx, pdf_document* pDocument, pdf_obj* pDestin
     return pdf_is_array(ctx, pDestination) ? pDestination : nullptr;
 }
 
-std::int32_t PageOf(fz_context* ctx, pdf_document* pDocument, pdf_obj* pPage) {
-    if (pdf_is_int(ctx, pPage)) {
-        return pdf_to_int(ctx, pPage);
-    }
-    return pdf_is_dict(ctx, pPage) ? pdf_lookup_page_number(ctx, pDocument, pPage) : -1;
-}
-
-RawDestination ReadDestination(fz_context* ctx, pdf_document* pDocument, pdf_obj* pDestination,
+RawDestination ReadDestination(fz_context* ctx, const OpenedFile& file, pdf_obj* pDestination,
                                std::int32_t nPages) {
     RawDestination raw;
-    pdf_obj* const pArray = ResolveNames(ctx, pDocument, pDestination);
+    pdf_obj* const pArray = ResolveNames(ctx, file.Document(), pDestination);
     if (pArray == nullptr) {
         return raw;
     }
-    raw.nPage = PageOf(ctx, pDocument, pdf_array_get(ctx, pArray, 0));
+    pdf_obj* const pPage = pdf_array_get(ctx, pArray, 0);
+    raw.nPage = pdf_is_int(ctx, pPage) != 0 ? pdf_to_int(ctx, pPage) : file.FindPage(ctx, pPage);
     raw.nMode = ModeOf(pdf_to_name(ctx, pdf_array_get(ctx, pArray, 1)));
     for (int i = 0; i < kMaxOperands; ++i) {
         pdf_obj* const pOperand = pdf_array_get(ctx, pArray, i + 2);
@@ -177,38 +175,50 @@ const char* FileNamed(fz_context* ctx, pdf_obj* pFile) {
     return pdf_to_text_string(ctx, pFile);
 }
 
-void ReadAction(fz_context* ctx, pdf_obj* pAction, pdf_obj*& pTarget, RawLink& link) {
+void ReadAction(fz_context* ctx, pdf_obj* pAction, pdf_obj*& pTarget, RawGoal& goal) {
     pdf_obj* const pKind = pdf_dict_get(ctx, pAction, PDF_NAME(S));
     if (pdf_name_eq(ctx, pKind, PDF_NAME(GoTo))) {
         pTarget = pdf_dict_get(ctx, pAction, PDF_NAME(D));
     } else if (pdf_name_eq(ctx, pKind, PDF_NAME(URI))) {
-        link.szUri = pdf_to_text_string(ctx, pdf_dict_get(ctx, pAction, PDF_NAME(URI)));
+        goal.szUri = pdf_to_text_string(ctx, pdf_dict_get(ctx, pAction, PDF_NAME(URI)));
     } else if (pdf_is_name(ctx, pKind)) {
-        link.szOtherKind = pdf_to_name(ctx, pKind);
-        link.szOtherValue = pdf_name_eq(ctx, pKind, PDF_NAME(Named))
+        goal.szOtherKind = pdf_to_name(ctx, pKind);
+        goal.szOtherValue = pdf_name_eq(ctx, pKind, PDF_NAME(Named))
                                 ? pdf_to_name(ctx, pdf_dict_get(ctx, pAction, PDF_NAME(N)))
                                 : FileNamed(ctx, pdf_dict_get(ctx, pAction, PDF_NAME(F)));
     }
 }
 
-RawLink ReadLink(fz_context* ctx, pdf_document* pDocument, pdf_obj* pAnnot, std::int32_t nPages) {
-    RawLink link;
-    link.rcArea = pdf_dict_get_rect(ctx, pAnnot, PDF_NAME(Rect));
-    pdf_obj* pTarget = pdf_dict_get(ctx, pAnnot, PDF_NAME(Dest));
+RawGoal ReadRawGoal(fz_context* ctx, const OpenedFile& file, pdf_obj* pEntry, std::int32_t nPages) {
+    RawGoal goal;
+    pdf_obj* pTarget = pdf_dict_get(ctx, pEntry, PDF_NAME(Dest));
     if (pTarget == nullptr) {
-        ReadAction(ctx, pdf_dict_get(ctx, pAnnot, PDF_NAME(A)), pTarget, link);
+        ReadAction(ctx, pdf_dict_get(ctx, pEntry, PDF_NAME(A)), pTarget, goal);
     }
-    link.bAsks = pTarget != nullptr || pdf_is_dict(ctx, pdf_dict_get(ctx, pAnnot, PDF_NAME(A)));
+    goal.bAsks = pTarget != nullptr || pdf_is_dict(ctx, pdf_dict_get(ctx, pEntry, PDF_NAME(A)));
     if (pTarget != nullptr) {
-        link.destination = ReadDestination(ctx, pDocument, pTarget, nPages);
+        goal.destination = ReadDestination(ctx, file, pTarget, nPages);
     }
-    return link;
+    return goal;
 }
 
 // From here on plain C++ again.
 
 std::shared_ptr<pdf::IAction> MakeAction(const RawDestination& raw, const PageTop& fnPageTop) {
     return std::make_shared<GoToAction>(std::make_shared<Destination>(raw, fnPageTop(raw.nPage)));
+}
+
+pdf::LinkGoal MakeGoal(const RawGoal& raw, const PageTop& fnPageTop) {
+    pdf::LinkGoal goal;
+    if (raw.destination.bFound) {
+        goal.pAction = MakeAction(raw.destination, fnPageTop);
+    } else if (raw.szUri != nullptr) {
+        goal.strUri = raw.szUri;
+    } else if (raw.szOtherKind != nullptr) {
+        goal.strOtherKind = raw.szOtherKind;
+        goal.strOtherValue = raw.szOtherValue;
+    }
+    return goal;
 }
 
 // The link of one entry; nothing for other annotations, hidden and broken ones.
@@ -221,7 +231,8 @@ std::optional<RawLink> LinkAt(OpenedFile& file, pdf_obj* pArray, int nEntry, std
             pdf_obj* const pAnnot = pdf_array_get(ctx, pArray, nEntry);
             bLink = IsShownLink(ctx, file.Document(), pAnnot);
             if (bLink) {
-                link = ReadLink(ctx, file.Document(), pAnnot, nPages);
+                link.rcArea = pdf_dict_get_rect(ctx, pAnnot, PDF_NAME(Rect));
+                link.goal = ReadRawGoal(ctx, file, pAnnot, nPages);
             }
         });
     } catch (const LibraryError&) {
@@ -245,22 +256,27 @@ std::vector<pdf::LinkRecord> ReadLinks(OpenedFile& file, std::int32_t nPage, std
     std::vector<pdf::LinkRecord> links;
     for (int i = 0; i < nEntries; ++i) {
         const std::optional<RawLink> link = LinkAt(file, pArray, i, nPages);
-        if (!link || !link->bAsks) {
+        if (!link || !link->goal.bAsks) {
             continue;
         }
         pdf::LinkRecord record;
+        static_cast<pdf::LinkGoal&>(record) = MakeGoal(link->goal, fnPageTop);
         record.rcArea = {link->rcArea.x0, link->rcArea.y0, link->rcArea.x1, link->rcArea.y1};
-        if (link->destination.bFound) {
-            record.pAction = MakeAction(link->destination, fnPageTop);
-        } else if (link->szUri != nullptr) {
-            record.strUri = link->szUri;
-        } else if (link->szOtherKind != nullptr) {
-            record.strOtherKind = link->szOtherKind;
-            record.strOtherValue = link->szOtherValue;
-        }
         links.push_back(std::move(record));
     }
     return links;
+}
+
+pdf::LinkGoal ReadGoal(OpenedFile& file, pdf_obj* pEntry, std::int32_t nPages,
+                       const PageTop& fnPageTop) {
+    fz_context* const ctx = ThreadContext();
+    RawGoal raw;
+    try {
+        file.Use([&] { raw = ReadRawGoal(ctx, file, pEntry, nPages); });
+    } catch (const LibraryError&) {
+        return {};
+    }
+    return MakeGoal(raw, fnPageTop);
 }
 
 std::shared_ptr<pdf::IAction> ReadNamedDestination(OpenedFile& file, const std::string& strName,
@@ -271,7 +287,7 @@ std::shared_ptr<pdf::IAction> ReadNamedDestination(OpenedFile& file, const std::
     try {
         file.Use([&] {
             name.Out() = pdf_new_string(ctx, strName.data(), strName.size());
-            raw = ReadDestination(ctx, file.Document(), name.Get(), nPages);
+            raw = ReadDestination(ctx, file, name.Get(), nPages);
         });
     } catch (const LibraryError&) {
         return nullptr;

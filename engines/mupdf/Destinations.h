@@ -25,6 +25,12 @@ using PageTop = std::function<float(std::int32_t nPage)>;
 std::vector<pdf::LinkRecord> ReadLinks(OpenedFile& file, std::int32_t nPage, std::int32_t nPages,
                                        const PageTop& fnPageTop);
 
+// Where an entry leads that says so as a link does: by a destination or an action.
+// Nothing for one that does not, or that is broken. Raises `EngineException` for a
+// failed read.
+pdf::LinkGoal ReadGoal(OpenedFile& file, pdf_obj* pEntry, std::int32_t nPages,
+                       const PageTop& fnPageTop);
+
 // Empty for a name that the document does not know or that leads nowhere.
 std::shared_ptr<pdf::IAction> ReadNamedDestination(OpenedFile& file, const std::string& strName,
                                                    std::int32_t nPages, const PageTop& fnPageTop);

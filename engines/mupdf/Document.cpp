@@ -183,11 +183,15 @@ std::shared_ptr<pdf::PDFPage> Document::GetPage(std::int32_t nIndex) {
     return std::make_shared<Page>(shared_from_this(), nIndex, FactsOf(nIndex));
 }
 
-PageFacts Document::FactsOf(std::int32_t nPage) {
-    const auto pState = LoadedState();
-    if (nPage < 0 || nPage >= pState->table.Count()) {
+void Document::CheckPage(const Loaded& loaded, std::int32_t nPage) {
+    if (nPage < 0 || nPage >= loaded.table.Count()) {
         throw EngineException(ErrorCode::e_ErrParam, "the document has no such page");
     }
+}
+
+PageFacts Document::FactsOf(std::int32_t nPage) {
+    const auto pState = LoadedState();
+    CheckPage(*pState, nPage);
     if (const auto facts = pState->table.Find(nPage)) {
         return *facts;
     }
@@ -328,9 +332,7 @@ float Document::PageTop(OpenedFile& file, Loaded& loaded, std::int32_t nPage) {
 
 std::vector<pdf::LinkRecord> Document::GetLinks(std::int32_t nPageIndex) {
     const auto pState = LoadedState();
-    if (nPageIndex < 0 || nPageIndex >= pState->table.Count()) {
-        throw EngineException(ErrorCode::e_ErrParam, "the document has no such page");
-    }
+    CheckPage(*pState, nPageIndex);
     const Lock lock(m_lock);
     const std::shared_ptr<OpenedFile> pFile = UsableFile();
     return ReadLinks(*pFile, nPageIndex, pState->table.Count(),

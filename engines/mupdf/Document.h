@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "document/engine/DocumentFacts.h"
 #include "document/engine/HostServices.h"
 #include "document/engine/PDFDoc.h"
 #include "document/engine/PageText.h"
@@ -31,6 +32,7 @@ namespace velko::engines::mupdf {
 
 class Document final : public pdf::PDFDoc,
                        public pdf::ILinkSource,
+                       public pdf::IDocumentFacts,
                        public pdf::IPageExtents,
                        public pdf::IRepair,
                        public pdf::ITextSource,
@@ -51,6 +53,13 @@ public:
 
     std::vector<pdf::LinkRecord> GetLinks(std::int32_t nPageIndex) override;
     std::shared_ptr<pdf::IAction> FindNamedDestination(const std::string& strName) override;
+
+    std::vector<pdf::OutlineEntry> GetOutline() override;
+    pdf::PageLabels GetPageLabels() override;
+    pdf::DocumentProperties GetProperties() override;
+    std::vector<pdf::FontFact> GetFonts(std::int32_t nPageIndex) override;
+    std::vector<pdf::AttachedFile> GetAttachedFiles() override;
+    std::vector<std::uint8_t> LoadAttachedFile(std::int32_t nFile) override;
 
     pdf::PageExtent LargestPage() const override; // nothing until loaded
     bool WasRepaired() const override;
@@ -97,6 +106,7 @@ private:
     std::shared_ptr<OpenedFile> UsableFile() VLK_REQUIRES(m_lock);
     std::shared_ptr<OpenedFile> OpenAgain(const Loaded& loaded) const;
 
+    static void CheckPage(const Loaded& loaded, std::int32_t nPage); // raises without it
     PageFacts FactsOf(std::int32_t nPage);
     void ReadFactsAround(Loaded& loaded, std::int32_t nPage);
     void ReadSizesAhead();

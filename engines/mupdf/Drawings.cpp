@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "engines/mupdf/LenientUse.h"
 #include "engines/mupdf/LinkBorder.h"
 #include "engines/mupdf/PictureProbe.h"
 
@@ -35,17 +36,6 @@ std::int32_t KindOf(const char* szSubtype) {
 
 pdf_obj* AnnotArray(fz_context* ctx, pdf_obj* pPage) {
     return pdf_dict_get(ctx, pPage, PDF_NAME(Annots));
-}
-
-// Runs what only the file's content can make fail; such a failure leaves out
-// the rest of the body and nothing else.
-template <class Body>
-void UseLeniently(OpenedFile& file, Body&& body) {
-    try {
-        file.Use(std::forward<Body>(body));
-    } catch (const LibraryError&) {
-        // What came before the fault stays.
-    }
 }
 
 // A page of the library. Raises `EngineException` where the file has none that

@@ -203,6 +203,27 @@ pdf_obj* OpenedFile::LoadPageObject(fz_context* ctx, std::int32_t nPage) const {
     return pdf_keep_obj(ctx, pdf_lookup_page_obj(ctx, m_pDocument, nPage));
 }
 
+void OpenedFile::IndexPages() {
+    if (!m_pagesByObject.empty()) {
+        return;
+    }
+    m_pagesByObject.reserve(m_pageObjects.size());
+    std::int32_t nPage = 0;
+    for (const std::int32_t nObject : m_pageObjects) {
+        m_pagesByObject.emplace_back(nObject, nPage++);
+    }
+    std::sort(m_pagesByObject.begin(), m_pagesByObject.end());
+}
+
+std::int32_t OpenedFile::FindPage(fz_context* ctx, pdf_obj* pPage) const {
+    const std::pair<std::int32_t, std::int32_t> first(pdf_to_num(ctx, pPage), 0);
+    const auto it = std::lower_bound(m_pagesByObject.begin(), m_pagesByObject.end(), first);
+    if (it != m_pagesByObject.end() && it->first == first.first) {
+        return it->second;
+    }
+    return pdf_is_dict(ctx, pPage) != 0 ? pdf_lookup_page_number(ctx, m_pDocument, pPage) : -1;
+}
+
 std::int32_t OpenedFile::EncryptionType() {
     fz_context* const ctx = ThreadContext();
     int nType = 0;

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "document/engine/IFileReaderCallback.h"
@@ -48,6 +49,11 @@ public:
     // has no such page. Guarded bodies only.
     pdf_obj* LoadPageObject(fz_context* ctx, std::int32_t nPage) const;
 
+    // The page that an object is; -1 for none. Guarded bodies only. `IndexPages`
+    // before makes it quick where the pages are listed.
+    std::int32_t FindPage(fz_context* ctx, pdf_obj* pPage) const;
+    void IndexPages();
+
     std::int32_t EncryptionType();
     bool WasRepaired(); // the file's table of objects was no use
     std::uint32_t Permissions();
@@ -70,6 +76,7 @@ private:
     ReaderStream m_stream;
     pdf_document* m_pDocument = nullptr;
     std::vector<std::int32_t> m_pageObjects; // by page; empty when not listed
+    std::vector<std::pair<std::int32_t, std::int32_t>> m_pagesByObject; // sorted, once asked for
     bool m_bDamaged = false;
     bool m_bWantsPassword = false; // it was refused without one
 };
