@@ -2,7 +2,8 @@
 //
 // A host asks for it with a dynamic cast on the engine's document. An edit is in
 // force when its call returns: pages and annotations that are held see it, and a page
-// counts and draws anew. It is made for good by `PDFDoc::StartSaveAs` only.
+// counts and draws anew. It is made for good by `PDFDoc::StartSaveAs` only; another `Load`
+// begins without edits.
 //
 // Threads: any, but where it is not said otherwise not the UI thread: calls wait for
 // the engine and for the file. A render that is under way may show the page before or
@@ -38,9 +39,10 @@ struct TextQuad {
 // What there is to say of an annotation. Of what its kind has no use for, nothing is
 // read, and the value here is what listing gives.
 struct AnnotRecord {
-    std::int32_t nType = 0;                                   // as `IAnnot::GetType`
-    common::vxbase::RectF rcArea;                             // of marks, ink and lines: found out
-    std::vector<TextQuad> quads;                              // Highlight to StrikeOut
+    std::int32_t nType = 0;       // as `IAnnot::GetType`
+    common::vxbase::RectF rcArea; // of marks, ink and lines: found out; of a Note the corner
+                                  // counts that is its top left one on the page as it lies
+    std::vector<TextQuad> quads;  // Highlight to StrikeOut
     std::vector<std::vector<common::vxbase::PointF>> strokes; // Ink
     common::vxbase::PointF ptStart;                           // Line
     common::vxbase::PointF ptEnd;
@@ -71,7 +73,9 @@ public:
     // and Ink can be made. It comes on top of the others.
     virtual AnnotId AddAnnot(std::int32_t nPageIndex, const AnnotRecord& record) = 0;
 
-    // Puts the record in the place of what the annotation says; the type stays.
+    // Puts the record in the place of what the annotation says; the type stays. What the
+    // record says as listing does, and what it does not say, stays as the file has it; so
+    // the record that was listed at first brings all of the annotation back.
     virtual void ChangeAnnot(std::int32_t nPageIndex, AnnotId nId, const AnnotRecord& record) = 0;
 
     // Takes it out of the page, of whatever kind it is, and puts it back where it was.

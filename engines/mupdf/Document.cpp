@@ -9,6 +9,8 @@
 #include "engines/mupdf/Drawings.h"
 #include "engines/mupdf/Page.h"
 #include "engines/mupdf/PageCache.h"
+#include "engines/mupdf/edit/ApplyEdit.h"
+#include "engines/mupdf/edit/FileAnnots.h"
 #include "platform/concurrency/Scheduler.h"
 #include "platform/foundation/Exception.h"
 
@@ -140,6 +142,8 @@ void Document::Publish(std::shared_ptr<OpenedFile> pFile, std::shared_ptr<Loaded
     m_sizes.Clear();
     const Lock lock(m_stateLock);
     m_pState = std::move(pLoaded);
+    m_edits = EditLog(); // of what was loaded before
+    m_nRevision = 0;
 }
 
 std::shared_ptr<Document::Loaded> Document::State() const {
@@ -181,6 +185,11 @@ std::int32_t Document::GetEncryptionType() const {
 
 std::shared_ptr<pdf::PDFPage> Document::GetPage(std::int32_t nIndex) {
     return std::make_shared<Page>(shared_from_this(), nIndex, FactsOf(nIndex));
+}
+
+std::optional<PageFacts> Document::FactsNow(std::int32_t nPage) const {
+    const auto pState = State();
+    return pState && nPage < pState->table.Count() ? pState->table.Find(nPage) : std::nullopt;
 }
 
 void Document::CheckPage(const Loaded& loaded, std::int32_t nPage) {
@@ -269,20 +278,23 @@ std::shared_ptr<OpenedFile> Document::OpenAgain(const Loaded& loaded) const {
 
 std::shared_ptr<OpenedFile> Document::UsableFile() {
     if (m_pFile->IsDamaged()) {
-        m_pFile = OpenAgain(*LoadedState());
+        const auto pFile = OpenAgain(*LoadedState());
+        Replay(Edits().Entries(), *pFile);
+        m_pFile = pFile;
         m_sizes.Clear(); // what was set of the old one is not found any more
     }
     return m_pFile;
 }
 
-template <class Draw>
-std::shared_ptr<const Drawing> Document::CachedOrDrawn(const PageCache::Key& key,
-                                                       Operation::AbortFlag pAbort, Draw&& fnDraw) {
+template <class KeyOf, class Draw>
+std::shared_ptr<const Drawing> Document::CachedOrDrawn(KeyOf&& fnKey, Operation::AbortFlag pAbort,
+                                                       Draw&& fnDraw) {
     PageCache& cache = PageCache::Instance();
-    if (auto pDrawing = cache.Find<Drawing>(key)) {
+    if (auto pDrawing = cache.Find<Drawing>(fnKey())) {
         return pDrawing;
     }
     const Lock lock(m_lock);
+    const PageCache::Key key = fnKey();
     if (auto pDrawing = cache.Find<Drawing>(key)) {
         return pDrawing; // another thread was faster
     }
@@ -297,18 +309,22 @@ std::shared_ptr<const Drawing> Document::CachedOrDrawn(const PageCache::Key& key
 
 std::shared_ptr<const Drawing> Document::ContentOf(std::int32_t nPage,
                                                    Operation::AbortFlag pAbort) {
-    return CachedOrDrawn({m_nKey, nPage, PageCache::Kind::Content}, std::move(pAbort),
+    const PageCache::Key key{m_nKey, nPage, PageCache::Kind::Content};
+    return CachedOrDrawn([&key] { return key; }, std::move(pAbort),
                          [nPage](const std::shared_ptr<OpenedFile>& pFile, Operation& operation) {
                              return DrawContent(pFile, nPage, operation);
                          });
 }
 
-std::shared_ptr<const Drawing> Document::AnnotsOf(std::int32_t nPage, std::int32_t nAnnots,
-                                                  Operation::AbortFlag pAbort) {
+std::shared_ptr<const Drawing> Document::AnnotsOf(std::int32_t nPage, Operation::AbortFlag pAbort) {
     return CachedOrDrawn(
-        {m_nKey, nPage, PageCache::Kind::Annots}, std::move(pAbort),
-        [nPage, nAnnots](const std::shared_ptr<OpenedFile>& pFile, Operation& operation) {
-            return DrawAnnots(pFile, nPage, nAnnots, operation);
+        [&] {
+            return PageCache::Key{m_nKey, nPage, PageCache::Kind::Annots,
+                                  FactsNow(nPage).value_or(PageFacts()).nGeneration};
+        },
+        std::move(pAbort),
+        [nPage](const std::shared_ptr<OpenedFile>& pFile, Operation& operation) {
+            return DrawAnnots(pFile, nPage, operation);
         });
 }
 
@@ -317,10 +333,10 @@ void Document::ForgetCutShort(std::int32_t nPage) {
     m_sizes.ForgetCutShort(nPage);
 }
 
-std::vector<std::int32_t> Document::AnnotKindsOf(std::int32_t nPage, std::int32_t nAnnots) {
+std::vector<AnnotEntry> Document::AnnotEntriesOf(std::int32_t nPage) {
     const Lock lock(m_lock);
     LoadedState();
-    return ReadAnnotKinds(*UsableFile(), nPage, nAnnots);
+    return UsableFile()->Annots().List(nPage);
 }
 
 float Document::PageTop(OpenedFile& file, Loaded& loaded, std::int32_t nPage) {

@@ -13,9 +13,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "document/engine/AnnotEditor.h"
 #include "document/engine/DocumentFacts.h"
 #include "document/engine/HostServices.h"
 #include "document/engine/PDFDoc.h"
@@ -24,6 +26,7 @@
 #include "engines/mupdf/OpenedFile.h"
 #include "engines/mupdf/Operation.h"
 #include "engines/mupdf/PageTable.h"
+#include "engines/mupdf/edit/EditLog.h"
 #include "engines/mupdf/reflow/MeasuredSizes.h"
 #include "platform/concurrency/CriticalSection.h"
 #include "platform/foundation/SecretText.h"
@@ -36,6 +39,7 @@ class Document final : public pdf::PDFDoc,
                        public pdf::IPageExtents,
                        public pdf::IRepair,
                        public pdf::ITextSource,
+                       public pdf::IAnnotEditor,
                        public std::enable_shared_from_this<Document> {
 public:
     explicit Document(std::shared_ptr<common::vxbase::IFileReaderCallback> pReader);
@@ -66,18 +70,27 @@ public:
 
     std::shared_ptr<const pdf::PageText> TextOf(std::int32_t nPageIndex) override;
 
+    std::vector<pdf::ListedAnnot> ListAnnots(std::int32_t nPageIndex) override;
+    pdf::AnnotId AddAnnot(std::int32_t nPageIndex, const pdf::AnnotRecord& record) override;
+    void ChangeAnnot(std::int32_t nPageIndex, pdf::AnnotId nId,
+                     const pdf::AnnotRecord& record) override;
+    void RemoveAnnot(std::int32_t nPageIndex, pdf::AnnotId nId) override;
+    void RestoreAnnot(std::int32_t nPageIndex, pdf::AnnotId nId) override;
+    std::uint64_t Revision() const override;
+
     // For pages and renderers. What a page draws, from the cache or made now;
     // `pAbort` may be empty. Raises `EngineException` and `task_canceled`.
     std::shared_ptr<const Drawing> ContentOf(std::int32_t nPage, Operation::AbortFlag pAbort);
-    std::shared_ptr<const Drawing> AnnotsOf(std::int32_t nPage, std::int32_t nAnnots,
-                                            Operation::AbortFlag pAbort);
+    std::shared_ptr<const Drawing> AnnotsOf(std::int32_t nPage, Operation::AbortFlag pAbort);
+    std::vector<AnnotEntry> AnnotEntriesOf(std::int32_t nPage);
+    // What is known of the page now; waits for nothing.
+    std::optional<PageFacts> FactsNow(std::int32_t nPage) const;
     // Lets go of what was kept of the page although its time ran out.
     void ForgetCutShort(std::int32_t nPage);
     // What is known of its pages set anew; a page that was measured whole has been
     // interpreted and needs no parse, though what it draws may have left the cache.
     reflow::MeasuredSizes& Sizes() { return m_sizes; }
     std::uint64_t CacheNumber() const { return m_nKey; }
-    std::vector<std::int32_t> AnnotKindsOf(std::int32_t nPage, std::int32_t nAnnots);
 
 private:
     using Lock = concurrency::critical_section::scoped_lock;
@@ -113,9 +126,14 @@ private:
     static void ReadSizesInTurn(const std::weak_ptr<Document>& wkSelf, Loaded& loaded);
     float PageTop(OpenedFile& file, Loaded& loaded, std::int32_t nPage);
 
-    template <class Draw>
-    std::shared_ptr<const Drawing> CachedOrDrawn(const PageCache::Key& key,
-                                                 Operation::AbortFlag pAbort, Draw&& fnDraw);
+    void CarryOut(AnnotEdit edit);
+    void Keep(AnnotEdit edit, bool bIsOriginal);
+    EditLog Edits() const;
+
+    // `fnKey` is asked again under the lock, where no edit comes between it and the drawing.
+    template <class KeyOf, class Draw>
+    std::shared_ptr<const Drawing> CachedOrDrawn(KeyOf&& fnKey, Operation::AbortFlag pAbort,
+                                                 Draw&& fnDraw);
 
     const std::shared_ptr<common::vxbase::IFileReaderCallback> m_pReader;
     const std::uint64_t m_nKey; // in the cache of pages
@@ -124,12 +142,15 @@ private:
     concurrency::critical_section m_lock;
     std::shared_ptr<OpenedFile> m_pFile VLK_GUARDED_BY(m_lock);   // empty until loaded
     std::shared_ptr<OpenedFile> m_pLocked VLK_GUARDED_BY(m_lock); // waits for its password
+    std::uint64_t m_nGeneration VLK_GUARDED_BY(m_lock) = 0; // the last of any page's annotations
 
     concurrency::critical_section m_sizesLock;
     std::shared_ptr<OpenedFile> m_pSizesFile VLK_GUARDED_BY(m_sizesLock); // opened when needed
 
     mutable concurrency::critical_section m_stateLock;
     std::shared_ptr<Loaded> m_pState VLK_GUARDED_BY(m_stateLock);
+    EditLog m_edits VLK_GUARDED_BY(m_stateLock); // changed under the document's lock only
+    std::uint64_t m_nRevision VLK_GUARDED_BY(m_stateLock) = 0;
     std::int32_t m_nRefusedEncryption VLK_GUARDED_BY(m_stateLock) =
         0; // of a file that is not open yet
 };

@@ -6,11 +6,13 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "engines/mupdf/Guard.h"
 #include "engines/mupdf/OpenedFile.h"
 #include "engines/mupdf/PageCache.h"
+#include "engines/mupdf/edit/AnnotEntry.h"
 
 namespace velko::engines::mupdf {
 
@@ -26,6 +28,10 @@ struct Drawing : CacheItem {
 
     std::shared_ptr<OpenedFile> pFile; // the lists may point into its fonts
     std::vector<Part> parts;
+    std::vector<AnnotEntry> annots; // a part for each, of a drawing of annotations
+
+    // The part of that annotation; empty for one that is not there.
+    std::optional<std::size_t> PartOf(pdf::AnnotId nId) const;
 
     enum class Brightness { Unknown, Dark, Bright };
     // Of a page that is a picture, once somebody needed it.

@@ -8,53 +8,16 @@
 
 #include "engines/mupdf/LenientUse.h"
 #include "engines/mupdf/LinkBorder.h"
+#include "engines/mupdf/LoadedPage.h"
 #include "engines/mupdf/PictureProbe.h"
+#include "engines/mupdf/edit/FileAnnots.h"
 
 namespace velko::engines::mupdf {
 
 namespace {
 
-void DropPage(fz_context* ctx, pdf_page* pPage) {
-    fz_drop_page(ctx, &pPage->super);
-}
-
-using PageHandle = Handle<pdf_page, DropPage>;
-
-// The kinds from 1 on, in their order.
-constexpr std::array<const char*, 27> kSubtypes = {
-    "Text",        "Link",      "FreeText",       "Line",     "Square",    "Circle", "Polygon",
-    "PolyLine",    "Highlight", "Underline",      "Squiggly", "StrikeOut", "Stamp",  "Caret",
-    "Ink",         "PSInk",     "FileAttachment", "Sound",    "Movie",     "Widget", "Screen",
-    "PrinterMark", "TrapNet",   "Watermark",      "3D",       "Popup",     "Redact"};
-
-std::int32_t KindOf(const char* szSubtype) {
-    const auto it = std::find_if(kSubtypes.begin(), kSubtypes.end(), [&](const char* szName) {
-        return std::strcmp(szName, szSubtype) == 0;
-    });
-    return it == kSubtypes.end() ? 0 : static_cast<std::int32_t>(it - kSubtypes.begin()) + 1;
-}
-
 pdf_obj* AnnotArray(fz_context* ctx, pdf_obj* pPage) {
     return pdf_dict_get(ctx, pPage, PDF_NAME(Annots));
-}
-
-// A page of the library. Raises `EngineException` where the file has none that
-// can be loaded: an empty page in its place would be a wrong one.
-PageHandle LoadPage(OpenedFile& file, std::int32_t nPage) {
-    fz_context* const ctx = ThreadContext();
-    PageHandle page;
-    try {
-        file.Use([&] {
-            page.Out() = pdf_load_page(ctx, file.Document(), nPage);
-            if (!pdf_is_dict(ctx, page.Get()->obj)) { // the library makes a page of nothing
-                fz_throw(ctx, FZ_ERROR_GENERIC, "its object is missing");
-            }
-        });
-    } catch (const LibraryError& error) {
-        throw common::EngineException(common::ErrorCode::e_ErrNotFound,
-                                      std::string("the file has no such page: ") + error.what());
-    }
-    return page;
 }
 
 // Records what `fnRun` draws into the device that it is given, on a page of that
@@ -180,6 +143,13 @@ void Measure(OpenedFile& file, Drawing::Part& part) {
 
 }
 
+std::optional<std::size_t> Drawing::PartOf(pdf::AnnotId nId) const {
+    const auto it = std::find_if(annots.begin(), annots.end(),
+                                 [nId](const AnnotEntry& entry) { return entry.nId == nId; });
+    return it == annots.end() ? std::nullopt
+                              : std::optional(static_cast<std::size_t>(it - annots.begin()));
+}
+
 std::shared_ptr<const Drawing> DrawContent(std::shared_ptr<OpenedFile> pFile, std::int32_t nPage,
                                            Operation& operation) {
     const AllocationWatch watch;
@@ -195,11 +165,13 @@ std::shared_ptr<const Drawing> DrawContent(std::shared_ptr<OpenedFile> pFile, st
 }
 
 std::shared_ptr<const Drawing> DrawAnnots(std::shared_ptr<OpenedFile> pFile, std::int32_t nPage,
-                                          std::int32_t nAnnots, Operation& operation) {
+                                          Operation& operation) {
     const AllocationWatch watch;
     auto pDrawing = std::make_shared<Drawing>();
     pDrawing->pFile = pFile;
-    pDrawing->parts.resize(static_cast<std::size_t>(nAnnots));
+    pDrawing->annots = pFile->Annots().List(nPage);
+    const auto nAnnots = static_cast<std::int32_t>(pDrawing->annots.size());
+    pDrawing->parts.resize(pDrawing->annots.size());
     const PageHandle page = LoadPage(*pFile, nPage);
     const std::vector<pdf_annot*> annots = MatchAnnots(*pFile, page.Get(), nAnnots);
     const std::vector<LinkBorder> borders = ReadBorders(*pFile, page.Get(), annots);
@@ -218,23 +190,6 @@ std::shared_ptr<const Drawing> DrawAnnots(std::shared_ptr<OpenedFile> pFile, std
         Measure(*pFile, part);
     }
     return Finish(std::move(pDrawing), watch, operation);
-}
-
-std::vector<std::int32_t> ReadAnnotKinds(OpenedFile& file, std::int32_t nPage,
-                                         std::int32_t nAnnots) {
-    fz_context* const ctx = ThreadContext();
-    std::vector<std::int32_t> kinds(static_cast<std::size_t>(nAnnots), -1);
-    UseLeniently(file, [&] {
-        pdf_obj* const pArray = AnnotArray(ctx, pdf_lookup_page_obj(ctx, file.Document(), nPage));
-        for (int i = 0; i < nAnnots; ++i) {
-            pdf_obj* const pEntry = pdf_array_get(ctx, pArray, i);
-            if (pdf_is_dict(ctx, pEntry)) {
-                kinds[static_cast<std::size_t>(i)] =
-                    KindOf(pdf_to_name(ctx, pdf_dict_get(ctx, pEntry, PDF_NAME(Subtype))));
-            }
-        }
-    });
-    return kinds;
 }
 
 }

@@ -6,7 +6,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <vector>
 
 #include "engines/mupdf/Drawing.h"
 #include "engines/mupdf/OpenedFile.h"
@@ -21,13 +20,8 @@ namespace velko::engines::mupdf {
 std::shared_ptr<const Drawing> DrawContent(std::shared_ptr<OpenedFile> pFile, std::int32_t nPage,
                                            Operation& operation);
 
-// As above, with one part for each of the `nAnnots` entries of the page's list.
+// As above, with one part for each entry of the page's list.
 std::shared_ptr<const Drawing> DrawAnnots(std::shared_ptr<OpenedFile> pFile, std::int32_t nPage,
-                                          std::int32_t nAnnots, Operation& operation);
-
-// The kinds of the page's annotations as in `document/engine/Annot.h`; -1 for
-// an entry that is no annotation. Raises `EngineException` for a failed read.
-std::vector<std::int32_t> ReadAnnotKinds(OpenedFile& file, std::int32_t nPage,
-                                         std::int32_t nAnnots);
+                                          Operation& operation);
 
 }

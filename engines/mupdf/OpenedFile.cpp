@@ -7,6 +7,7 @@
 
 #include "engines/mupdf/PageTree.h"
 #include "engines/mupdf/PasswordSpellings.h"
+#include "engines/mupdf/edit/FileAnnots.h"
 #include "platform/foundation/SecretText.h"
 
 namespace velko::engines::mupdf {
@@ -81,7 +82,7 @@ int EncryptionTypeOf(fz_context* ctx, pdf_obj* pEncrypt) {
 }
 
 OpenedFile::OpenedFile(std::shared_ptr<common::vxbase::IFileReaderCallback> pReader)
-    : m_stream(std::move(pReader)) {
+    : m_stream(std::move(pReader)), m_pAnnots(std::make_unique<FileAnnots>(*this)) {
     fz_context* const ctx = ThreadContext();
     try {
         StreamHandle stream;
@@ -98,6 +99,7 @@ OpenedFile::OpenedFile(std::shared_ptr<common::vxbase::IFileReaderCallback> pRea
 }
 
 OpenedFile::~OpenedFile() {
+    m_pAnnots.reset(); // it holds objects of the document
     pdf_drop_document(ThreadContext(), m_pDocument);
 }
 
@@ -222,6 +224,15 @@ std::int32_t OpenedFile::FindPage(fz_context* ctx, pdf_obj* pPage) const {
         return it->second;
     }
     return pdf_is_dict(ctx, pPage) != 0 ? pdf_lookup_page_number(ctx, m_pDocument, pPage) : -1;
+}
+
+pdf_obj* OpenedFile::LoadPageReference(fz_context* ctx, std::int32_t nPage) const {
+    if (static_cast<std::size_t>(nPage) >= m_pageObjects.size()) {
+        return pdf_keep_obj(ctx, pdf_lookup_page_obj(ctx, m_pDocument, nPage));
+    }
+    const std::int32_t nObject = m_pageObjects[static_cast<std::size_t>(nPage)];
+    const pdf_xref_entry* const pEntry = pdf_get_xref_entry(ctx, m_pDocument, nObject);
+    return pdf_new_indirect(ctx, m_pDocument, nObject, pEntry->type == 'n' ? pEntry->gen : 0);
 }
 
 std::int32_t OpenedFile::EncryptionType() {

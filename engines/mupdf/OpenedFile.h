@@ -20,6 +20,8 @@
 
 namespace velko::engines::mupdf {
 
+class FileAnnots;
+
 class OpenedFile {
 public:
     // What authentication found; `kRefused` is a wrong or missing password.
@@ -54,6 +56,9 @@ public:
     std::int32_t FindPage(fz_context* ctx, pdf_obj* pPage) const;
     void IndexPages();
 
+    // The same as a reference to the object, where it is one of its own.
+    pdf_obj* LoadPageReference(fz_context* ctx, std::int32_t nPage) const;
+
     std::int32_t EncryptionType();
     bool WasRepaired(); // the file's table of objects was no use
     std::uint32_t Permissions();
@@ -66,6 +71,9 @@ public:
     void Use(Body&& body);
 
     bool IsDamaged() const { return m_bDamaged; }
+    void MarkDamaged() { m_bDamaged = true; }
+
+    FileAnnots& Annots() { return *m_pAnnots; }
 
 private:
     class UseScope;
@@ -75,6 +83,7 @@ private:
 
     ReaderStream m_stream;
     pdf_document* m_pDocument = nullptr;
+    std::unique_ptr<FileAnnots> m_pAnnots;   // never empty
     std::vector<std::int32_t> m_pageObjects; // by page; empty when not listed
     std::vector<std::pair<std::int32_t, std::int32_t>> m_pagesByObject; // sorted, once asked for
     bool m_bDamaged = false;

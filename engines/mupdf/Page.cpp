@@ -16,7 +16,8 @@ Page::Page(std::shared_ptr<Document> pDocument, std::int32_t nIndex, const PageF
     : m_pDocument(std::move(pDocument)),
       m_nIndex(nIndex),
       m_facts(facts),
-      m_bParsed(m_pDocument->Sizes().Knows(nIndex)) {}
+      m_bParsed(m_pDocument->Sizes().Knows(nIndex)),
+      m_nMostAnnots(facts.nAnnots) {}
 
 std::int32_t Page::Parse() {
     Content(nullptr);
@@ -44,7 +45,7 @@ std::shared_ptr<const Drawing> Page::Content(Operation::AbortFlag pAbort) {
 }
 
 std::shared_ptr<const Drawing> Page::Annots(Operation::AbortFlag pAbort) {
-    return m_pDocument->AnnotsOf(m_nIndex, m_facts.nAnnots, std::move(pAbort));
+    return m_pDocument->AnnotsOf(m_nIndex, std::move(pAbort));
 }
 
 common::vxbase::Matrix2D Page::GetDisplayMatrix(std::int32_t nLeft, std::int32_t nTop,
@@ -54,32 +55,48 @@ common::vxbase::Matrix2D Page::GetDisplayMatrix(std::int32_t nLeft, std::int32_t
                                   nRotate);
 }
 
-std::shared_ptr<const Page::Kinds> Page::AnnotKinds() {
+std::uint64_t Page::AnnotGeneration() const {
+    return m_pDocument->FactsNow(m_nIndex).value_or(m_facts).nGeneration;
+}
+
+std::int32_t Page::GetAnnotCount() {
+    const std::int32_t nCount = m_pDocument->FactsNow(m_nIndex).value_or(m_facts).nAnnots;
+    std::int32_t nMost = m_nMostAnnots;
+    while (nMost < nCount && !m_nMostAnnots.compare_exchange_weak(nMost, nCount)) {
+    }
+    return nCount;
+}
+
+std::shared_ptr<const Page::Annotations> Page::ListAnnots() {
+    const std::uint64_t nGeneration = AnnotGeneration();
     {
-        const concurrency::critical_section::scoped_lock lock(m_kindsLock);
-        if (m_pKinds) {
-            return m_pKinds;
+        const concurrency::critical_section::scoped_lock lock(m_annotsLock);
+        if (m_pAnnots && m_pAnnots->nGeneration == nGeneration) {
+            return m_pAnnots;
         }
     }
-    auto pKinds =
-        std::make_shared<const Kinds>(m_pDocument->AnnotKindsOf(m_nIndex, m_facts.nAnnots));
-    const concurrency::critical_section::scoped_lock lock(m_kindsLock);
-    m_pKinds = pKinds;
-    return pKinds;
+    auto pAnnots = std::make_shared<const Annotations>(
+        Annotations{nGeneration, m_pDocument->AnnotEntriesOf(m_nIndex)});
+    const concurrency::critical_section::scoped_lock lock(m_annotsLock);
+    m_pAnnots = pAnnots;
+    return pAnnots;
 }
 
+// Whoever goes through the annotations was told how many there are before an edit may
+// have taken one away.
 std::shared_ptr<pdf::IAnnot> Page::GetAnnot(std::int32_t nIndex) {
-    if (nIndex < 0 || nIndex >= m_facts.nAnnots) {
+    if (nIndex < 0 || (nIndex >= GetAnnotCount() && nIndex >= m_nMostAnnots)) {
         throw EngineException(ErrorCode::e_ErrParam, "the page has no such annotation");
     }
-    const std::int32_t nKind = (*AnnotKinds())[static_cast<std::size_t>(nIndex)];
-    if (nKind < 0) {
+    const auto pAnnots = ListAnnots();
+    const auto nAt = static_cast<std::size_t>(nIndex);
+    if (nAt >= pAnnots->entries.size() || pAnnots->entries[nAt].nId == 0) {
         return nullptr;
     }
-    return std::make_shared<Annotation>(shared_from_this(), nIndex, nKind);
+    return std::make_shared<Annotation>(shared_from_this(), pAnnots->entries[nAt]);
 }
 
-Annotation::Annotation(std::shared_ptr<Page> pPage, std::int32_t nIndex, std::int32_t nKind)
-    : m_pPage(std::move(pPage)), m_nIndex(nIndex), m_nKind(nKind) {}
+Annotation::Annotation(std::shared_ptr<Page> pPage, const AnnotEntry& entry)
+    : m_pPage(std::move(pPage)), m_entry(entry) {}
 
 }

@@ -36,8 +36,11 @@ public:
     common::vxbase::Matrix2D GetDisplayMatrix(std::int32_t nLeft, std::int32_t nTop,
                                               std::int32_t nWidth, std::int32_t nHeight,
                                               std::int32_t nRotate) const override;
-    std::int32_t GetAnnotCount() override { return m_facts.nAnnots; }
+    std::int32_t GetAnnotCount() override;
     std::shared_ptr<pdf::IAnnot> GetAnnot(std::int32_t nIndex) override;
+
+    // Another one after each edit of its annotations.
+    std::uint64_t AnnotGeneration() const;
 
     // For renderers.
     Document& Owner() const { return *m_pDocument; }
@@ -46,34 +49,39 @@ public:
     std::shared_ptr<const Drawing> Annots(Operation::AbortFlag pAbort);
 
 private:
-    using Kinds = std::vector<std::int32_t>;
+    // As they are in a generation.
+    struct Annotations {
+        std::uint64_t nGeneration = 0;
+        std::vector<AnnotEntry> entries;
+    };
 
     std::int32_t Parse(); // how it ended, as a progress says it
-    std::shared_ptr<const Kinds> AnnotKinds();
+    std::shared_ptr<const Annotations> ListAnnots();
 
     const std::shared_ptr<Document> m_pDocument;
     const std::int32_t m_nIndex;
-    const PageFacts m_facts;
+    const PageFacts m_facts; // but for what edits change
     std::atomic<bool> m_bParsed;
+    std::atomic<std::int32_t> m_nMostAnnots; // the largest count that was told
 
-    concurrency::critical_section m_kindsLock;                         // a leaf
-    std::shared_ptr<const Kinds> m_pKinds VLK_GUARDED_BY(m_kindsLock); // empty until asked for
+    concurrency::critical_section m_annotsLock; // a leaf
+    std::shared_ptr<const Annotations> m_pAnnots
+        VLK_GUARDED_BY(m_annotsLock); // empty until asked for
 };
 
-class Annotation final : public pdf::IAnnot {
+class Annotation : public pdf::IAnnot {
 public:
-    Annotation(std::shared_ptr<Page> pPage, std::int32_t nIndex, std::int32_t nKind);
+    Annotation(std::shared_ptr<Page> pPage, const AnnotEntry& entry);
 
-    std::int32_t GetType() const override { return m_nKind; }
+    std::int32_t GetType() const override { return m_entry.nKind; }
 
     // For renderers.
     const std::shared_ptr<Page>& Owner() const { return m_pPage; }
-    std::int32_t Index() const { return m_nIndex; }
+    pdf::AnnotId Id() const { return m_entry.nId; }
 
 private:
     std::shared_ptr<Page> m_pPage;
-    std::int32_t m_nIndex;
-    std::int32_t m_nKind;
+    AnnotEntry m_entry;
 };
 
 }

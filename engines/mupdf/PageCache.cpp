@@ -62,6 +62,11 @@ void PageCache::DropDocument(std::uint64_t nDocument) {
     Drop({nDocument, 0}, {nDocument + 1, 0}, [](const CacheItem&) { return true; });
 }
 
+void PageCache::DropWithAnnots(std::uint64_t nDocument, std::int32_t nPage) {
+    Drop({nDocument, nPage, Kind::Annots}, {nDocument, nPage, Kind::Text},
+         [](const CacheItem&) { return true; });
+}
+
 void PageCache::DropCutShort(std::uint64_t nDocument, std::int32_t nPage) {
     Drop({nDocument, nPage}, {nDocument, nPage + 1},
          [](const CacheItem& item) { return item.bCutShort; });

@@ -33,7 +33,8 @@ struct CacheItem {
 class PageCache {
 public:
     // Each is an item of one type: `Drawing` twice, `reflow::PageModel`,
-    // `reflow::Layout`, `text::CachedText`.
+    // `reflow::Layout`, `text::CachedText`. Those from `Annots` on, before `Text`, show
+    // the annotations.
     enum class Kind { Content, Annots, Model, Layout, Text };
 
     struct Key {
@@ -63,6 +64,8 @@ public:
     void Touch(const Key& key) { FindItem(key); }
     void Put(const Key& key, std::shared_ptr<const CacheItem> pItem);
     void DropDocument(std::uint64_t nDocument);
+    // All but its content.
+    void DropWithAnnots(std::uint64_t nDocument, std::int32_t nPage);
     void DropCutShort(std::uint64_t nDocument, std::int32_t nPage);
 
     void SetLimits(const Limits& limits);

@@ -107,7 +107,7 @@ std::shared_ptr<common::Progressive> PageRenderer::StartRender(std::shared_ptr<p
     if ((m_nContentFlags & kRenderContent) != 0) {
         const Layer layer{pOwn->Content(m_pAbort), 0, Place(pOwn->Facts(), matrix)};
         m_bDims = false;
-        Draw(layer, pOwn->Facts().nAnnots == 0);
+        Draw(layer, pOwn->GetAnnotCount() == 0);
     }
     return std::make_shared<FinishedProgress>();
 }
@@ -119,8 +119,9 @@ bool PageRenderer::RenderAnnot(std::shared_ptr<pdf::IAnnot> pAnnot, const Matrix
     }
     Layer layer;
     layer.pDrawing = pOwn->Owner()->Annots(m_pAbort);
-    layer.nPart = static_cast<std::size_t>(pOwn->Index());
-    if (!layer.Part().list) {
+    const auto nPart = layer.pDrawing->PartOf(pOwn->Id());
+    layer.nPart = nPart.value_or(0);
+    if (!nPart || !layer.Part().list) {
         m_bIncomplete = m_bIncomplete || layer.pDrawing->bCutShort;
         return false;
     }

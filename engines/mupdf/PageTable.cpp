@@ -135,6 +135,14 @@ void PageTable::Put(std::int32_t nPage, const PageFacts& facts) {
     }
 }
 
+void PageTable::RenewAnnots(std::int32_t nPage, std::int32_t nAnnots, std::uint64_t nGeneration) {
+    const Lock lock(m_lock);
+    auto& entry = (*m_chunks[static_cast<std::size_t>(nPage / kChunk)])[static_cast<std::size_t>(
+        nPage % kChunk)];
+    entry->nAnnots = nAnnots;
+    entry->nGeneration = nGeneration;
+}
+
 pdf::PageExtent PageTable::Largest() const {
     const Lock lock(m_lock);
     return m_largest;

@@ -7,6 +7,7 @@
 #include "engines/mupdf/Document.h"
 #include "engines/mupdf/PageRenderer.h"
 #include "engines/mupdf/PixelBitmap.h"
+#include "engines/mupdf/edit/TypedAnnot.h"
 #include "engines/mupdf/reflow/ReflowedPage.h"
 
 namespace velko::engines::mupdf {
@@ -37,6 +38,7 @@ void RegisterEngine() {
                                         std::make_shared<PixelBitmapFactory>());
     Platform::RegisterActivationFactory(common::kRendererClass,
                                         std::make_shared<PageRendererFactory>());
+    RegisterAnnotClasses();
 }
 
 }

@@ -21,6 +21,7 @@ struct MeasuredSize {
     std::int32_t nWidth = 0; // pixels
     std::int32_t nHeight = 0;
     bool bCutShort = false;
+    std::uint64_t nAnnots = 0; // the generation of the page's annotations
 };
 
 class MeasuredSizes {

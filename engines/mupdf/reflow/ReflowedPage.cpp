@@ -29,16 +29,23 @@ PageCache::Key ReflowedPage::KeyOf(PageCache::Kind eKind, std::uint64_t nVariant
     return {m_pPage->Owner().CacheNumber(), m_pPage->GetIndex(), eKind, nVariant};
 }
 
+// Of what was made with the page's annotations as they are now.
+PageCache::Key ReflowedPage::KeyWithAnnots(PageCache::Kind eKind, std::uint64_t nNumber) const {
+    constexpr unsigned kNumberBits = 32U;
+    return KeyOf(eKind, m_pPage->AnnotGeneration() << kNumberBits | nNumber);
+}
+
 // What a layout keeps alive leaves the cache after it.
-void ReflowedPage::TouchModel(std::uint64_t nGeneration) const {
+void ReflowedPage::TouchModel() const {
     PageCache& cache = PageCache::Instance();
-    cache.Touch(KeyOf(PageCache::Kind::Model, nGeneration));
+    cache.Touch(KeyWithAnnots(PageCache::Kind::Model, m_pPage->Owner().Sizes().Generation()));
     cache.Touch(KeyOf(PageCache::Kind::Content));
-    cache.Touch(KeyOf(PageCache::Kind::Annots));
+    cache.Touch(KeyOf(PageCache::Kind::Annots, m_pPage->AnnotGeneration()));
 }
 
 std::shared_ptr<const PageModel> ReflowedPage::MakeModel() const {
-    const PageCache::Key key = KeyOf(PageCache::Kind::Model, m_pPage->Owner().Sizes().Generation());
+    const PageCache::Key key =
+        KeyWithAnnots(PageCache::Kind::Model, m_pPage->Owner().Sizes().Generation());
     if (auto pModel = PageCache::Instance().Find<PageModel>(key)) {
         return pModel;
     }
@@ -52,20 +59,22 @@ std::shared_ptr<const PageModel> ReflowedPage::MakeModel() const {
 }
 
 std::shared_ptr<const Layout> ReflowedPage::FindLayout(std::uint64_t nNumber) const {
-    auto pLayout = PageCache::Instance().Find<Layout>(KeyOf(PageCache::Kind::Layout, nNumber));
+    auto pLayout =
+        PageCache::Instance().Find<Layout>(KeyWithAnnots(PageCache::Kind::Layout, nNumber));
     if (pLayout) {
-        TouchModel(m_pPage->Owner().Sizes().Generation());
+        TouchModel();
     }
     return pLayout;
 }
 
 std::shared_ptr<const Layout> ReflowedPage::MakeLayout(const Parsed& parsed) const {
+    const std::uint64_t nAnnots = m_pPage->AnnotGeneration(); // an edit may come meanwhile
+    const PageCache::Key key = KeyWithAnnots(PageCache::Kind::Layout, parsed.nNumber);
     auto pLayout = SetModel(MakeModel(), parsed.parameters);
-    MeasuredSizes& sizes = m_pPage->Owner().Sizes();
-    sizes.Put(parsed.nNumber, m_pPage->GetIndex(),
-              {pLayout->nWidth, pLayout->nHeight, pLayout->bCutShort});
-    PageCache::Instance().Put(KeyOf(PageCache::Kind::Layout, parsed.nNumber), pLayout);
-    TouchModel(sizes.Generation());
+    m_pPage->Owner().Sizes().Put(parsed.nNumber, m_pPage->GetIndex(),
+                                 {pLayout->nWidth, pLayout->nHeight, pLayout->bCutShort, nAnnots});
+    PageCache::Instance().Put(key, pLayout);
+    TouchModel();
     return pLayout;
 }
 
@@ -75,11 +84,13 @@ std::int32_t ReflowedPage::Parse(const SetParameters& parameters) {
     parsed.parameters = parameters;
     parsed.nNumber = sizes.NumberOf(parsed.parameters);
     parsed.pLayout = FindLayout(parsed.nNumber);
-    if (const auto size = sizes.Find(parsed.nNumber, m_pPage->GetIndex())) {
+    const auto size = sizes.Find(parsed.nNumber, m_pPage->GetIndex());
+    if (size && size->nAnnots == m_pPage->AnnotGeneration()) {
         parsed.size = *size;
     } else {
         parsed.pLayout = MakeLayout(parsed);
-        parsed.size = {parsed.pLayout->nWidth, parsed.pLayout->nHeight, parsed.pLayout->bCutShort};
+        const Layout& layout = *parsed.pLayout;
+        parsed.size = {layout.nWidth, layout.nHeight, layout.bCutShort};
     }
     const bool bCutShort = parsed.size.bCutShort;
     const Lock lock(m_lock);

@@ -51,7 +51,8 @@ private:
     std::int32_t Parse(const SetParameters& parameters); // how it ended
     Parsed Last() const;
     PageCache::Key KeyOf(PageCache::Kind eKind, std::uint64_t nVariant = 0) const;
-    void TouchModel(std::uint64_t nGeneration) const;
+    PageCache::Key KeyWithAnnots(PageCache::Kind eKind, std::uint64_t nNumber) const;
+    void TouchModel() const;
     std::shared_ptr<const Layout> FindLayout(std::uint64_t nNumber) const;
     std::shared_ptr<const Layout> MakeLayout(const Parsed& parsed) const;
     std::shared_ptr<const PageModel> MakeModel() const;
