@@ -1,6 +1,7 @@
 #include "platform/qt/QtSecretEdit.h"
 
 #include <QEvent>
+#include <string_view>
 
 namespace Platform::Qt {
 
@@ -43,13 +44,14 @@ void QtSecretEdit::UseHintColor() {
     }
 }
 
+// Without the line's end that a text from the clipboard may have.
 void QtSecretEdit::Tell() {
     if (m_bSetting || !OnTyped) {
         return;
     }
     QByteArray bytes = text().toUtf8();
-    OnTyped(
-        SecretText(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size()))));
+    const std::string_view all(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    OnTyped(SecretText(all.substr(0, all.find_last_not_of("\r\n") + 1)));
     Wipe(bytes.data(), static_cast<std::size_t>(bytes.size()));
 }
 

@@ -280,6 +280,8 @@ TEST_F(PasswordDialogTest, WhatWasTypedIsClearedWhereItStood) {
     EXPECT_TRUE(edit.text().isEmpty());
     edit.SetSecret("again");
     EXPECT_EQ(edit.text(), "again");
+    edit.insert(" and again\r\n"); // as a line is copied
+    EXPECT_EQ(typed, "again and again");
 }
 
 TEST_F(PasswordDialogTest, AccentsCountHoweverTheyAreCoded) {
