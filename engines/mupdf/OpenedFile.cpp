@@ -5,6 +5,7 @@
 #include <cstring>
 #include <utility>
 
+#include "engines/mupdf/BytePassword.h"
 #include "engines/mupdf/PageTree.h"
 #include "engines/mupdf/PasswordSpellings.h"
 #include "engines/mupdf/edit/FileAnnots.h"
@@ -122,6 +123,27 @@ int OpenedFile::Try(const std::string& strPassword) {
     return nResult;
 }
 
+int OpenedFile::TryBytes(const std::string& strPassword) {
+    fz_context* const ctx = ThreadContext();
+    int nResult = 0;
+    Use([&] { nResult = AuthenticateBytes(ctx, m_pDocument, strPassword); });
+    WipeStack();
+    return nResult;
+}
+
+// As letters first, which is what the format says.
+int OpenedFile::TrySpellings(const std::string& strPassword, bool bUnicode) {
+    const auto spellings = PasswordSpellings(strPassword, bUnicode);
+    int nResult = 0;
+    for (const Platform::SecretText& spelling : spellings) {
+        nResult = nResult == 0 ? Try(spelling.Text()) : nResult;
+    }
+    for (const Platform::SecretText& spelling : spellings) {
+        nResult = nResult == 0 && !bUnicode ? TryBytes(spelling.Text()) : nResult;
+    }
+    return nResult;
+}
+
 OpenedFile::Access OpenedFile::Authenticate(const std::string& strPassword) {
     fz_context* const ctx = ThreadContext();
     bool bEncrypted = false;
@@ -132,9 +154,7 @@ OpenedFile::Access OpenedFile::Authenticate(const std::string& strPassword) {
     int nResult = 0;
     if (!strPassword.empty() || !m_bWantsPassword) {
         const bool bUnicode = bEncrypted && EncryptionType() == kAes256Type;
-        for (const Platform::SecretText& spelling : PasswordSpellings(strPassword, bUnicode)) {
-            nResult = nResult == 0 ? Try(spelling.Text()) : nResult;
-        }
+        nResult = TrySpellings(strPassword, bUnicode);
     }
     if (nResult == 0 && !m_bWantsPassword) {
         nResult = Try("");

@@ -39,7 +39,7 @@ public:
 
     // May be called again after a refusal. A file that opens without a
     // password opens with any. The password counts in each way in which programs write
-    // one into a file (`PasswordSpellings`). Raises as the constructor does.
+    // one into a file: in several spellings, as letters or as bytes. Raises as the constructor does.
     Access Authenticate(const std::string& strPassword);
 
     // Finds the pages and tells how many there are: the leaves of the page tree
@@ -80,6 +80,8 @@ private:
 
     void CorrectPageCount(std::int32_t nPages);
     int Try(const std::string& strPassword);
+    int TryBytes(const std::string& strPassword);
+    int TrySpellings(const std::string& strPassword, bool bUnicode);
 
     ReaderStream m_stream;
     pdf_document* m_pDocument = nullptr;

@@ -1,9 +1,6 @@
 #include "engines/mupdf/PasswordSpellings.h"
 
-#include <mupdf/fitz.h>
-
 #include <algorithm>
-#include <array>
 
 #include "platform/foundation/TextForm.h"
 
@@ -26,23 +23,6 @@ SecretText Shortened(const SecretText& text) {
     return SecretText(std::string_view(text.Text()).substr(0, kMostUnicodeBytes));
 }
 
-// A text that the library turns into these very bytes, whatever they are; empty when
-// there is none.
-SecretText SpelledByBytes(const std::string& strBytes) {
-    std::array<char, 8> code{};
-    std::string strText;
-    strText.reserve(strBytes.size() * 3 + 1);
-    for (const char ch : strBytes) {
-        const int nLetter = fz_unicode_from_pdf_doc_encoding[static_cast<unsigned char>(ch)];
-        if (nLetter == 0) {
-            Platform::Wipe(strText);
-            return {};
-        }
-        strText.append(code.data(), static_cast<std::size_t>(fz_runetochar(code.data(), nLetter)));
-    }
-    return SecretText(std::move(strText));
-}
-
 void AddOnce(std::vector<SecretText>& spellings, SecretText spelling) {
     if (!spelling.IsEmpty() &&
         std::find(spellings.begin(), spellings.end(), spelling) == spellings.end()) {
@@ -54,22 +34,16 @@ void AddOnce(std::vector<SecretText>& spellings, SecretText spelling) {
 
 std::vector<SecretText> PasswordSpellings(const std::string& strPassword, bool bUnicode) {
     const SecretText typed{std::string_view(strPassword)};
-    std::vector<SecretText> forms;
-    forms.reserve(4);
-    forms.push_back(bUnicode ? Shortened(typed) : typed);
+    std::vector<SecretText> spellings;
+    spellings.reserve(4);
+    spellings.push_back(bUnicode ? Shortened(typed) : typed);
     if (IsAscii(strPassword)) {
-        return forms;
+        return spellings;
     }
     for (const TextForm eForm :
          {TextForm::CompatibleComposed, TextForm::Composed, TextForm::Decomposed}) {
         const SecretText form = NormalizedText(typed, eForm);
-        AddOnce(forms, bUnicode ? Shortened(form) : form);
-    }
-    std::vector<SecretText> spellings = forms;
-    for (const SecretText& form : forms) {
-        if (!bUnicode) {
-            AddOnce(spellings, SpelledByBytes(form.Text()));
-        }
+        AddOnce(spellings, bUnicode ? Shortened(form) : form);
     }
     return spellings;
 }

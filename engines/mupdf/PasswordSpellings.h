@@ -1,7 +1,6 @@
 // The ways in which a password may have been written into a file.
 //
-// The same letters have several codes: accents of their own or not, and in files older
-// than the Unicode ones the bytes of whatever the program's text was.
+// The same letters have several codes: accents of their own or not.
 // Threads: any.
 #pragma once
 
@@ -12,7 +11,7 @@
 
 namespace velko::engines::mupdf {
 
-// As the library takes them, UTF-8; each once, the likeliest first. One alone for a
+// UTF-8, each once, the likeliest first. One alone for a
 // password of ASCII letters. `bUnicode`: of a file whose passwords are Unicode.
 std::vector<Platform::SecretText> PasswordSpellings(const std::string& strPassword, bool bUnicode);
 

@@ -26,10 +26,21 @@ std::string Box(const PdfBox& box) {
            Number(box.dbTop) + "]";
 }
 
-// The same document, encrypted by RC4 with 40 bits.
+int MethodOf(PdfEncryption eEncryption) {
+    switch (eEncryption) {
+        case PdfEncryption::Rc4Bits128:
+            return PDF_ENCRYPT_RC4_128;
+        case PdfEncryption::AesBits128:
+            return PDF_ENCRYPT_AES_128;
+        default:
+            return PDF_ENCRYPT_RC4_40;
+    }
+}
+
+// The same document, encrypted.
 std::string Encrypted(const std::string& strBytes, const PdfOptions& options) {
     pdf_write_options writing = pdf_default_write_options;
-    writing.do_encrypt = PDF_ENCRYPT_RC4_40;
+    writing.do_encrypt = MethodOf(options.eEncryption);
     writing.permissions = options.nPermissions;
     const std::string& strOwner =
         options.strOwnerPassword.empty() ? options.strUserPassword : options.strOwnerPassword;

@@ -39,12 +39,15 @@ struct PdfImage {
     std::string strPixels;
 };
 
+enum class PdfEncryption { Rc4Bits40, Rc4Bits128, AesBits128 };
+
 struct PdfOptions {
     std::vector<PdfImage> images;
     std::string strCatalogExtra;           // further entries of the catalogue
     std::vector<std::string> extraObjects; // numbered from `kFirstExtraObject` on
-    std::string strUserPassword;           // with either: RC4 with 40 bits
+    std::string strUserPassword;           // with either it is encrypted
     std::string strOwnerPassword;
+    PdfEncryption eEncryption = PdfEncryption::Rc4Bits40;
     std::int32_t nPermissions = -4;
 };
 
