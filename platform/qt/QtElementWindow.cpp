@@ -12,6 +12,7 @@
 
 #include "platform/foundation/FirstFailure.h"
 #include "platform/qt/QtBusyMark.h"
+#include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtElementTree.h"
 #include "platform/qt/QtSwapChain.h"
 
@@ -83,6 +84,7 @@ QtElementWindow::QtElementWindow(std::shared_ptr<QtEnvironment> pEnvironment,
       m_pEnvironment(std::move(pEnvironment)),
       m_pRoot(WithTemplate(std::move(pRoot))),
       m_pView(Xaml::Window::Create(m_pRoot)) {
+    m_pView->Dialogs(std::make_shared<QtDialogs>(*this, m_pEnvironment->Dispatcher()));
     MakeTree();
     if (!m_pPanel) {
         throw InvalidArgumentException("a tree of elements without a swap chain panel");

@@ -110,6 +110,14 @@ bool Window::PressKey(const std::shared_ptr<FrameworkElement>& pElement, std::in
     return args.Handled;
 }
 
+IDialogs& Window::CurrentDialogs() {
+    const auto pWindow = Current();
+    if (!pWindow || !pWindow->Dialogs()) {
+        throw Platform::NullReferenceException("there is no window to show a dialog in");
+    }
+    return *pWindow->Dialogs();
+}
+
 // --- back ------------------------------------------------------------------
 
 bool Window::RequestBack() {

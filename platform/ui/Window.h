@@ -10,11 +10,16 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "platform/foundation/Event.h"
 #include "platform/foundation/Geometry.h"
 #include "platform/ui/Controls.h"
 #include "platform/ui/Keys.h"
+
+namespace Windows::UI {
+class IDialogs;
+}
 
 namespace Windows::UI::ViewManagement {
 
@@ -118,6 +123,12 @@ public:
         const Core::CoreCursorType m_eBefore;
     };
 
+    // --- dialogs of the system above it ---
+    // The toolkit's; empty until it has set them.
+    const std::shared_ptr<IDialogs>& Dialogs() const { return m_pDialogs; }
+    void Dialogs(std::shared_ptr<IDialogs> pDialogs) { m_pDialogs = std::move(pDialogs); }
+    static IDialogs& CurrentDialogs(); // raises `NullReferenceException` where there are none
+
 private:
     explicit Window(std::shared_ptr<FrameworkElement> pContent);
 
@@ -127,6 +138,7 @@ private:
     Foundation::Size m_sizeTold;
     ViewManagement::InputPane m_inputPane;
     Core::CoreCursorType m_ePointerCursor = Core::CoreCursorType::Arrow;
+    std::shared_ptr<IDialogs> m_pDialogs;
 };
 
 }
