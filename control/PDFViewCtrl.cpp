@@ -11,8 +11,10 @@
 #include "control/dialogs/PasswordDialog.h"
 #include "document/VLK_Document.h"
 #include "platform/foundation/FirstFailure.h"
+#include "platform/storage/FileSavePicker.h"
 #include "platform/system/Environment.h"
 #include "platform/ui/CoreDispatcher.h"
+#include "platform/ui/MessageDialog.h"
 #include "platform/ui/SwapChainPanel.h"
 #include "settings/AppConfig.h"
 #include "surface/PDFViewCanvas.h"
@@ -91,7 +93,7 @@ void PDFViewCtrl::ForEachEvent(F fnVisit) {
     const auto fnAll = [&](auto&... events) { (fnVisit(events), ...); };
     fnAll(RenderCanvasEvent, RenderPageEvent, OpenDocEvent, CloseDocEvent, PageLoadedEvent,
           PageUnloadedEvent, PageVisibleEvent, PageInvisibleEvent, PageChangedEvent,
-          PageLayoutModeChangedEvent, PageFailureEvent, ReflowCanvasEvent);
+          PageLayoutModeChangedEvent, PageFailureEvent, ReflowCanvasEvent, SaveProgressEvent);
 }
 
 void PDFViewCtrl::Dispose() {
@@ -112,6 +114,7 @@ void PDFViewCtrl::Dispose() {
     m_pAppBar.reset();
     m_pProgressRing.reset();
     m_pExtensionsManager.reset();
+    m_fnSaveCheck = nullptr;
     ForEachEvent([](auto& event) { event.Close(); });
     LetHandlersGo();
     failure.Rethrow();
@@ -154,6 +157,7 @@ void PDFViewCtrl::OnApplyTemplate() {
 void PDFViewCtrl::OnUnloaded() {
     m_pPageViewMgr.reset();
     GiveUpPassword(); // nobody can be asked any more
+    GiveUpSavePrompt();
 }
 
 void PDFViewCtrl::ShowProgressRing() {

@@ -34,6 +34,7 @@
 #include "control/events/ControlEvent.h"
 #include "control/events/DocEventArgs.h"
 #include "control/events/PageEventArgs.h"
+#include "control/events/SaveProgressEventArgs.h"
 #include "document/IDocumentOwner.h"
 #include "document/engine/Action.h"
 #include "document/engine/ErrorCode.h"
@@ -48,8 +49,21 @@
 #include "viewers/core/Records.h"
 #include "viewers/reflow/ReflowStyle.h"
 
+namespace Windows::Storage::Pickers {
+class FileSavePicker;
+}
+
+namespace Windows::UI::Popups {
+class MessageDialog;
+struct UICommand;
+}
+
 namespace Windows::UI::Xaml::Controls {
 class SwapChainPanel;
+}
+
+namespace velko::pdf {
+class IAnnotEditor;
 }
 
 namespace velko::vkit {
@@ -224,6 +238,41 @@ public:
     void TextStyle(const ReflowStyle& style);
     ControlEvent<RenderCanvasEventArgs> ReflowCanvasEvent;
 
+    // --- changing and saving the document ---
+
+    // Runs `fnEdit` on the pool, between two blocks of the document's renders, then
+    // shows the page anew; edits run in the order of the calls. Fails with what it
+    // raises, as cancelled when the document is closed first, and with e_ErrUnsupported
+    // when the engine changes nothing. No document: ends at once.
+    concurrency::task<void> EditPage(std::int32_t nPageIndex,
+                                     std::function<void(velko::pdf::IAnnotEditor&)> fnEdit);
+
+    // Writes the document into its file; true: saved. False without a document, for one
+    // without a file, and when the settings say that nothing is saved (`IsAutoSave`; the
+    // progress ring stays shown then). For a read-only file the reader is asked where
+    // else it shall go: the answer is false whatever comes of it, and giving up the
+    // choice of the file fails with `NullReferenceException`; the document stays with
+    // its file. Fails with `FileChangedException` when another program has changed
+    // the file, which then stays as it is. Closing the document cancels a save that has
+    // not come to the replacing of the file, and takes the question away.
+    // There is one save of a document at a time: another one, `SaveDocumentAs` included,
+    // raises `SaveInProgressException`.
+    concurrency::task<bool> SaveDocument();
+
+    // Writes the document into this file, which becomes its file; false: no document, or
+    // the engine said that it failed.
+    concurrency::task<bool> SaveDocumentAs(std::shared_ptr<StorageFile> pFile);
+
+    // Looks at what is to replace the document's file, on a pool thread, before it does;
+    // what it raises ends the save. For saves that begin later. Empty: nobody looks.
+    using SaveCheck = std::function<void(const std::shared_ptr<StorageFile>&)>;
+    void SetSaveCheck(SaveCheck fnCheck);
+
+    // After a `FileChangedException`: the next save replaces the file as it is now.
+    concurrency::task<void> AcceptChangedFile(); // none: ends at once
+
+    ControlEvent<SaveProgressEventArgs> SaveProgressEvent;
+
     // --- colours ---
     Color PageBgColor();      // none: black
     Color PageFgColor();      // none: black
@@ -277,6 +326,7 @@ private:
     void RaisePageUnloaded(const std::shared_ptr<PDFDoc>& pPdfDoc,
                            std::int32_t nPageIndex) override;
     void RaisePageFailure(std::int32_t nPageIndex) override;
+    void RaiseSaveProgress(float fDone) override;
     void RaiseRenderPage(const std::shared_ptr<RenderPageEventArgs>& pArgs) override;
 
     PDFViewCtrl();
@@ -335,6 +385,23 @@ private:
     void ShowProgressRing();
     void HideProgressRing();
 
+    // Saving and editing. `pSave` is held until the save has ended.
+    using CommandTask = concurrency::task<std::shared_ptr<const Windows::UI::Popups::UICommand>>;
+    concurrency::task<bool> SaveInPlace(std::shared_ptr<VLK_Document> pDocument,
+                                        std::shared_ptr<void> pSave);
+    static concurrency::task<bool> PromptSaveAs(std::weak_ptr<PDFViewCtrl> wkControl,
+                                                std::shared_ptr<VLK_Document> pDocument,
+                                                std::shared_ptr<void> pSave, CommandTask asking);
+    CommandTask AskSaveAs();
+    static FileTask PickSaveFile(const std::weak_ptr<PDFViewCtrl>& wkControl,
+                                 const VLK_Document& document);
+    void GiveUpSavePrompt();
+    concurrency::task<bool> FinishSaveAs(std::shared_ptr<VLK_Document> pDocument,
+                                         std::shared_ptr<void> pSave,
+                                         std::shared_ptr<StorageFile> pFile);
+    concurrency::task<void> FinishEdit(std::shared_ptr<VLK_Document> pDocument,
+                                       std::int32_t nPageIndex, concurrency::task<void> editing);
+
     // Commands.
     std::shared_ptr<IPDFViewer> Viewer() const;         // empty without manager or viewer
     std::shared_ptr<VLK_Document> OpenDocument() const; // empty also while it is being closed
@@ -376,6 +443,9 @@ private:
     // The document whose closing events run; it is not closed twice.
     std::shared_ptr<VLK_Document> m_pClosingDocument;
     std::shared_ptr<InsertDocumentPasswdwordDlgUIOprateion> m_pPasswordOperation;
+    SaveCheck m_fnSaveCheck;
+    std::unique_ptr<Windows::UI::Popups::MessageDialog> m_pSaveQuestion;
+    std::unique_ptr<Windows::Storage::Pickers::FileSavePicker> m_pSavePicker;
     std::atomic<bool> m_bDisposed{false}; // render workers raise events
 };
 

@@ -282,6 +282,7 @@ void PDFViewCtrl::CloseOpenDocument() {
     m_pClosingDocument = pDocument;
     Platform::FirstFailure failure;
     failure.Run([&] { pDocument->Dispose(); });
+    failure.Run([this] { GiveUpSavePrompt(); });
     failure.Run([&] {
         CloseDocEvent.raise(pSelf,
                             std::make_shared<DocEventArgs>(pPdfDoc, ErrorCode::e_ErrSuccess, 0));

@@ -2,8 +2,8 @@
 //
 // The document holds it weakly and does nothing once it is gone.
 // Threads: `RaiseRenderPage` on a render worker, under the document's render
-// lock; `RaisePageFailure` on the UI thread; the other page events on the thread
-// that the page table names for each.
+// lock; `RaisePageFailure` and `RaiseSaveProgress` on the UI thread; the other
+// page events on the thread that the page table names for each.
 #pragma once
 
 #include <cstdint>
@@ -33,6 +33,11 @@ public:
     // queue, so several changes may be told as one; what a handler raises goes
     // to the queue.
     virtual void RaisePageFailure(std::int32_t nPageIndex) = 0;
+
+    // A save has come so far, 0 to 1, never less than before in the same save. On the
+    // UI thread; what comes fast is told as one. A save that succeeds tells 1 before
+    // it ends.
+    virtual void RaiseSaveProgress(float fDone) = 0;
 
     // A page or a block was rendered; the host may draw on the bitmap.
     virtual void RaiseRenderPage(const std::shared_ptr<RenderPageEventArgs>& pArgs) = 0;

@@ -60,6 +60,9 @@ public:
 
     std::int32_t Size() const { return m_nFileSize; }
 
+    // What is read: the file as it was when it was set, pinned; empty without one.
+    const std::shared_ptr<Windows::Storage::StorageFile>& File() const { return m_pFile; }
+
     // The file's own size as its stream told it last, which can be above the
     // size told to `SetFile` when that one was cut to 32 bits; 0 before.
     std::uint64_t StreamSize() const { return m_nStreamSize; }

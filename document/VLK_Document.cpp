@@ -14,7 +14,8 @@ using concurrency::critical_section;
 
 VLK_Document::VLK_Document(PrivateTag /*tag*/)
     : m_pLoadQueue(std::make_shared<concurrency::serial_queue>()),
-      m_pRenderQueue(std::make_shared<concurrency::serial_queue>()) {}
+      m_pRenderQueue(std::make_shared<concurrency::serial_queue>()),
+      m_pEditQueue(std::make_shared<concurrency::serial_queue>()) {}
 
 VLK_Document::VLK_Document(std::shared_ptr<velko::pdf::PDFDoc> pPdfDoc)
     : VLK_Document(PrivateTag{}) {
@@ -38,6 +39,7 @@ void VLK_Document::Dispose() {
     if (m_bDisposed.exchange(true)) {
         return;
     }
+    m_Cancellation.cancel();
     // First of all: whoever waits for the file may hold the lock of the table.
     if (const auto pReadWrite = m_pFileReadWrite.lock()) {
         pReadWrite->EndWaits();
@@ -60,11 +62,13 @@ void VLK_Document::Dispose() {
 // owner has told of the closing.
 void VLK_Document::ReleaseMembers() {
     m_vecHiddenAnnotTypes.clear();
-    m_pFile.reset();
     m_pFileReadWrite.reset();
     {
         const critical_section::scoped_lock lock(m_refLock);
         m_wkOwner.reset();
+        m_pFile.reset();
+        m_pPinnedFile.reset();
+        m_pTempFile.reset();
     }
 }
 
@@ -108,6 +112,7 @@ std::int32_t VLK_Document::GetEncryptKind() {
 
 std::shared_ptr<Windows::Storage::StorageFile> VLK_Document::File() const {
     ThrowIfDisposed();
+    const critical_section::scoped_lock lock(m_refLock);
     return m_pFile;
 }
 

@@ -22,6 +22,7 @@
 #include <atomic>
 #include <cstdint>
 #include <exception>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -32,6 +33,7 @@
 #include "document/PageFailures.h"
 #include "document/PageTable.h"
 #include "document/RenderBlockRequest.h"
+#include "document/SaveSteps.h"
 #include "document/VLK_DocOpenResult.h"
 #include "document/VLK_ReflowPage.h"
 #include "document/engine/Bitmap.h"
@@ -43,6 +45,10 @@
 #include "platform/foundation/Geometry.h"
 #include "platform/foundation/SecretText.h"
 #include "platform/storage/StorageFile.h"
+
+namespace velko::pdf {
+class IAnnotEditor;
+}
 
 namespace velko::vkit {
 
@@ -151,6 +157,46 @@ public:
     // engine is not asked then), while the engine draws, and when the document
     // was disposed while it waited.
     bool RenderPageBlock(const RenderBlockRequest& request, BitmapBox& outBox);
+
+    // --- changing and saving ---
+    // The document goes on reading the bytes that it was opened with, whatever its
+    // file holds by then. Closing it cancels what follows here before its next step,
+    // never within the replacing of a file.
+
+    using SaveCheck = std::function<void(const std::shared_ptr<Windows::Storage::StorageFile>&)>;
+
+    // Runs `fnEdit` on the pool while no block of the document is drawn; edits run in
+    // the order of the calls. Fails with what it raises, and with e_ErrUnsupported when
+    // the engine changes nothing.
+    concurrency::task<void> EditAsync(std::function<void(velko::pdf::IAnnotEditor&)> fnEdit);
+
+    // Writes the document over its file, through the one temporary file of the
+    // application, whose turn it waits for some seconds (`FileLockedException`). Before
+    // the file is replaced `fnCheck`, which may be empty, looks at what is to replace
+    // it, on a pool thread; what it raises ends the save. Fails with
+    // `FileChangedException` for a file that is not the one that was opened or saved
+    // last, `NullReferenceException` for a document without a file, and as engine and
+    // storage do; the file is then as it was.
+    concurrency::task<void> SaveAndReplaceAsync(SaveCheck fnCheck = nullptr);
+
+    // Writes the document into another file, at once; the temporary file has no part in
+    // it. False when the engine says that it failed. The document's file stays its file.
+    concurrency::task<bool> SaveToFileAsync(std::shared_ptr<Windows::Storage::StorageFile> pFile);
+
+    // The temporary file, empty and made anew.
+    concurrency::task<std::shared_ptr<Windows::Storage::StorageFile>> GetTempFileAsync();
+
+    // Later saves go into `pFile`, which holds what the document says; for a host that
+    // has just saved it there.
+    concurrency::task<void> RebindFile(std::shared_ptr<Windows::Storage::StorageFile> pFile);
+
+    // The next save replaces the file as it is now, whoever has changed it: the way of a
+    // reader who has been asked. Fails as the file does.
+    concurrency::task<void> AcceptChangedFile();
+
+    // For the length of a save, the reader's answers included: there is one at a time.
+    // Raises `SaveInProgressException` while another's is held.
+    std::shared_ptr<void> BeginSave();
 
     // --- text set anew ---
 
@@ -286,10 +332,22 @@ private:
     bool IsPageIndex(std::int32_t nPageIndex) const;
     std::shared_ptr<velko::pdf::PDFPage> TablePage(std::int32_t nPageIndex);
 
+    // Editing and saving, on pool threads and those of the file operations.
+    using FilePtr = std::shared_ptr<Windows::Storage::StorageFile>;
+    concurrency::task<void> EditOnPool(PdfDocPtr pPdfDoc,
+                                       std::function<void(velko::pdf::IAnnotEditor&)> fnEdit);
+    void ForgetAnnotLists();
+    concurrency::task<void> ReplaceFile(PdfDocPtr pPdfDoc, FilePtr pFile, SaveCheck fnCheck);
+    concurrency::task<FilePtr> MakeTempFile(const FilePtr& pFile,
+                                            const concurrency::cancellation_token& token);
+    concurrency::task<bool> SaveToFile(PdfDocPtr pPdfDoc, FilePtr pFile);
+    SaveSteps MakeSaveSteps(float fFrom, float fTo);
+    void TellSaveProgress(float fDone);
+
     void ReleaseMembers();
 
     // In the order of the document's life: what comes later goes first.
-    mutable concurrency::critical_section m_refLock; // a leaf: owner and engine document
+    mutable concurrency::critical_section m_refLock; // a leaf: owner, engine document, files
     std::weak_ptr<IDocumentOwner> m_wkOwner VLK_GUARDED_BY(m_refLock);
     std::uint32_t m_nFileSize = 0;
     const std::shared_ptr<concurrency::critical_section> m_spPageLock =
@@ -298,13 +356,20 @@ private:
     concurrency::critical_section m_RenderLock;
     const std::shared_ptr<concurrency::scheduler> m_pLoadQueue;
     const std::shared_ptr<concurrency::scheduler> m_pRenderQueue;
+    const std::shared_ptr<concurrency::scheduler> m_pEditQueue;
     std::int32_t m_nPermissions = 0;
     std::int32_t m_nPasswordType = velko::pdf::PDFDoc::kNoPassword;
     bool m_bDeleteFileOnClose = false;
     std::uint32_t m_nRenderFlags = kRenderContent | kRenderAnnots;
     std::weak_ptr<VLKS_FileHandlerReadWrite> m_pFileReadWrite; // owned by the handler
     std::shared_ptr<VLKS_FileHandler> m_pFileHandler;
-    std::shared_ptr<Windows::Storage::StorageFile> m_pFile;
+    FilePtr m_pFile VLK_GUARDED_BY(m_refLock);
+    FilePtr m_pPinnedFile VLK_GUARDED_BY(m_refLock); // what the engine reads
+    FilePtr m_pTempFile VLK_GUARDED_BY(m_refLock);   // the last one, also when it is gone
+    std::weak_ptr<void> m_wkSave VLK_GUARDED_BY(m_refLock);
+    const concurrency::cancellation_token_source m_Cancellation; // of edits and saves
+    std::atomic<float> m_fSaveProgress{0.0F};
+    std::atomic<bool> m_bSaveProgressPosted{false};
     PdfDocPtr m_pPdfDoc VLK_GUARDED_BY(m_refLock);
     std::atomic<std::int32_t> m_nPageCount{0}; // workers check indexes against it
     PageFailures m_failures;

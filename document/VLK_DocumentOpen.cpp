@@ -58,7 +58,9 @@ void VLK_Document::AttachFile(const std::shared_ptr<StorageFile>& pFile, std::ui
     m_pFileHandler = std::make_shared<VLKS_FileHandler>();
     m_pFileHandler->SetReadWrite(pReadWrite);
     m_pFileReadWrite = pReadWrite;
+    const critical_section::scoped_lock lock(m_refLock);
     m_pFile = pFile;
+    m_pPinnedFile = pReadWrite->File();
 }
 
 ErrorCode VLK_Document::LoadEngine(const std::string& strPassword) {

@@ -31,6 +31,10 @@ public:
     void RaisePageFailure(std::int32_t nPageIndex) override {
         Note("failure of ", nPageIndex, std::function<void(std::int32_t)>(), nPageIndex);
     }
+    void RaiseSaveProgress(float fDone) override {
+        const std::lock_guard<std::mutex> lock(m_lock);
+        m_progress.push_back(fDone);
+    }
     void RaiseRenderPage(const std::shared_ptr<vkit::RenderPageEventArgs>& pArgs) override {
         Note("rendered ", pArgs->PageIndex, fnOnRendered, *pArgs);
     }
@@ -38,6 +42,11 @@ public:
     std::vector<std::string> TakeEvents() {
         const std::lock_guard<std::mutex> lock(m_lock);
         return std::exchange(m_events, {});
+    }
+
+    std::vector<float> TakeProgress() {
+        const std::lock_guard<std::mutex> lock(m_lock);
+        return std::exchange(m_progress, {});
     }
 
 private:
@@ -55,6 +64,7 @@ private:
 
     std::mutex m_lock;
     std::vector<std::string> m_events;
+    std::vector<float> m_progress;
 };
 
 }

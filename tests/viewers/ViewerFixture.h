@@ -74,6 +74,7 @@ public:
     }
     void RaisePageUnloaded(const std::shared_ptr<pdf::PDFDoc>&, std::int32_t) override {}
     void RaisePageFailure(std::int32_t) override {}
+    void RaiseSaveProgress(float) override {}
     void RaiseRenderPage(const std::shared_ptr<vkit::RenderPageEventArgs>&) override {}
 
     std::function<void(std::int32_t)> fnLoaded;

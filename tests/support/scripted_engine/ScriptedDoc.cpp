@@ -16,12 +16,15 @@ namespace {
 constexpr std::int32_t kUserPassword = 2;
 constexpr std::int32_t kOwnerPassword = 3;
 
-class ScriptedDoc final : public pdf::PDFDoc, public std::enable_shared_from_this<ScriptedDoc> {
+class ScriptedDoc final : public pdf::PDFDoc,
+                          public ScriptedEditor,
+                          public std::enable_shared_from_this<ScriptedDoc> {
 public:
     using ReaderPtr = std::shared_ptr<common::vxbase::IFileReaderCallback>;
 
     ScriptedDoc(EnginePtr pEngine, ReaderPtr pReader)
-        : m_pEngine(std::move(pEngine)),
+        : ScriptedEditor(pEngine),
+          m_pEngine(std::move(pEngine)),
           m_counted(m_pEngine->m_nDocs),
           m_pReader(std::move(pReader)) {}
 
@@ -51,10 +54,10 @@ public:
         const std::scoped_lock lock(m_mutex);
         return m_contents.nEncryptionType;
     }
-    std::shared_ptr<common::Progressive> StartSaveAs(std::shared_ptr<Windows::Storage::StorageFile>,
-                                                     std::uint32_t,
-                                                     common::IPauseCallback*) override {
-        throw EngineException(ErrorCode::e_ErrUnsupported, "the scripted engine does not save");
+    std::shared_ptr<common::Progressive> StartSaveAs(
+        std::shared_ptr<Windows::Storage::StorageFile> pFile, std::uint32_t,
+        common::IPauseCallback*) override {
+        return StartScriptedSave(m_pEngine, m_pReader.get(), *pFile, Revision());
     }
 
 private:
@@ -97,6 +100,7 @@ ErrorCode ScriptedDoc::Load(const std::string& strPassword) {
     }
     const std::scoped_lock lock(m_mutex);
     m_contents = std::move(contents);
+    TakePages(m_contents.pages);
     m_nPasswordType = nType;
     return ErrorCode::e_ErrSuccess;
 }
@@ -169,7 +173,7 @@ private:
     std::shared_ptr<ScriptedPageObject> m_pPage;
 };
 
-ScriptedPageObject::ScriptedPageObject(EnginePtr pEngine, std::shared_ptr<pdf::PDFDoc> pDoc,
+ScriptedPageObject::ScriptedPageObject(EnginePtr pEngine, std::shared_ptr<ScriptedEditor> pDoc,
                                        ScriptedPage page, std::int32_t nIndex)
     : m_pEngine(std::move(pEngine)),
       m_counted(m_pEngine->m_nPages),
@@ -208,19 +212,25 @@ common::vxbase::Matrix2D ScriptedPageObject::GetDisplayMatrix(std::int32_t nLeft
 
 std::int32_t ScriptedPageObject::GetAnnotCount() {
     m_pEngine->Arrive({EngineOp::GetAnnotCount, m_nIndex});
-    return static_cast<std::int32_t>(m_page.annots.size());
+    const auto nCount = static_cast<std::int32_t>(m_pDoc->AnnotsOf(m_nIndex).size());
+    for (std::int32_t nTold = m_nToldAnnots;
+         nTold < nCount && !m_nToldAnnots.compare_exchange_weak(nTold, nCount);) {
+    }
+    return nCount;
 }
 
 std::shared_ptr<pdf::IAnnot> ScriptedPageObject::GetAnnot(std::int32_t nIndex) {
     m_pEngine->Arrive({EngineOp::GetAnnot, m_nIndex, nIndex});
-    if (nIndex < 0 || static_cast<std::size_t>(nIndex) >= m_page.annots.size()) {
+    const std::vector<ScriptedAnnot> annots = m_pDoc->AnnotsOf(m_nIndex);
+    const auto nCount = static_cast<std::int32_t>(annots.size());
+    if (nIndex < 0 || nIndex >= std::max<std::int32_t>(nCount, m_nToldAnnots)) {
         throw EngineException(ErrorCode::e_ErrParam, "the page has no such annotation");
     }
-    const ScriptedAnnot& annot = m_page.annots[static_cast<std::size_t>(nIndex)];
-    if (annot.nType == 0) {
+    if (nIndex >= nCount || annots[static_cast<std::size_t>(nIndex)].nType == 0) {
         return nullptr;
     }
-    return std::make_shared<ScriptedAnnotObject>(annot, m_nIndex, nIndex);
+    return std::make_shared<ScriptedAnnotObject>(annots[static_cast<std::size_t>(nIndex)], m_nIndex,
+                                                 nIndex);
 }
 
 }

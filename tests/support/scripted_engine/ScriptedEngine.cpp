@@ -69,6 +69,15 @@ void ScriptedEngine::CutShort(std::int32_t nPage, bool bCut) {
     Locked([&] { bCut ? void(m_cutShort.insert(nPage)) : void(m_cutShort.erase(nPage)); });
 }
 
+void ScriptedEngine::SetSave(SaveScript script) {
+    Locked([&] { m_save = script; });
+}
+
+SaveScript ScriptedEngine::GetSaveScript() const {
+    const std::scoped_lock lock(m_mutex);
+    return m_save;
+}
+
 bool ScriptedEngine::IsCutShort(std::int32_t nPage) const {
     const std::scoped_lock lock(m_mutex);
     return m_cutShort.contains(nPage);

@@ -10,8 +10,9 @@
 //     pGate->Open();
 //     EXPECT_EQ(pEngine->Count(EngineOp::StartRender), 2);
 //
-// It passes the tests of every engine (tests/engine), and does not save. The abort flag is looked
-// at before a drawing, at a gate, and once a row.
+// It passes the tests of every engine (tests/engine); what it saves is the bytes that it
+// read and "edits N\n". The abort flag is looked at before a drawing, at a gate, and once
+// a row.
 //
 // Threads: script before the call that it is about; everything may be called
 // from any thread. No lock of the engine is held while a hook runs or a gate waits.
@@ -50,6 +51,15 @@ enum class EngineOp {
     RenderAnnot,
     Reflow,
     ReleaseReader,
+    Edit,
+    StartSaveAs,
+    SaveStep, // by its number, as `nIndex`
+};
+
+// How saves go: in so many steps, none being nothing to save, to the last answer.
+struct SaveScript {
+    std::int32_t nSteps = 2;
+    std::int32_t nResult = common::Progressive::kFinished;
 };
 
 struct EngineCall {
@@ -107,6 +117,7 @@ public:
     void SetLoadReads(bool bReads);
     void QueueLoadResult(common::ErrorCode eCode); // the next `Load` answers this
     void CutShort(std::int32_t nPage, bool bCut);  // its renders run out of their time
+    void SetSave(SaveScript script);
 
     // Makes calls wait; one gate per operation and page, the last one counts.
     std::shared_ptr<Gate> Hold(EngineOp eOp, std::int32_t nPage = kAnyPage);
@@ -161,6 +172,7 @@ public:
     Contents GetContents() const;
     common::ErrorCode TakeLoadResult();
     bool IsCutShort(std::int32_t nPage) const;
+    SaveScript GetSaveScript() const;
 
     std::atomic<int> m_nDocs = 0;
     std::atomic<int> m_nPages = 0;
@@ -191,6 +203,7 @@ private:
     Contents m_contents;
     std::deque<common::ErrorCode> m_loadResults;
     std::set<std::int32_t> m_cutShort;
+    SaveScript m_save;
     std::map<std::pair<EngineOp, std::int32_t>, std::shared_ptr<Gate>> m_gates;
     std::vector<Failure> m_failures;
     std::map<EngineOp, Hook> m_hooks;

@@ -8,6 +8,7 @@
 #include "document/engine/PDFDoc.h"
 #include "document/engine/ReflowPage.h"
 #include "document/engine/Renderer.h"
+#include "tests/support/scripted_engine/ScriptedEditor.h"
 #include "tests/support/scripted_engine/ScriptedEngine.h"
 
 namespace velko::testing {
@@ -18,6 +19,10 @@ std::shared_ptr<pdf::IPDFDocFactory> MakeDocFactory(EnginePtr pEngine);
 std::shared_ptr<common::IBitmapFactory> MakeBitmapFactory(EnginePtr pEngine);
 std::shared_ptr<common::IRendererFactory> MakeRendererFactory(EnginePtr pEngine);
 std::shared_ptr<pdf::IReflowPageFactory> MakeReflowFactory(EnginePtr pEngine);
+
+std::shared_ptr<common::Progressive> StartScriptedSave(
+    const EnginePtr& pEngine, common::vxbase::IFileReaderCallback* pReader, // may be null
+    const Windows::Storage::StorageFile& file, std::uint64_t nRevision);
 
 // A progress that answers "to be continued" `nSteps` times.
 class CountedProgress : public common::Progressive {
@@ -32,7 +37,7 @@ private:
 class ScriptedPageObject final : public pdf::PDFPage,
                                  public std::enable_shared_from_this<ScriptedPageObject> {
 public:
-    ScriptedPageObject(EnginePtr pEngine, std::shared_ptr<pdf::PDFDoc> pDoc, ScriptedPage page,
+    ScriptedPageObject(EnginePtr pEngine, std::shared_ptr<ScriptedEditor> pDoc, ScriptedPage page,
                        std::int32_t nIndex);
 
     const ScriptedPage& Script() const { return m_page; }
@@ -57,10 +62,11 @@ private:
 
     EnginePtr m_pEngine;
     ScriptedEngine::Counted m_counted;
-    std::shared_ptr<pdf::PDFDoc> m_pDoc;
+    std::shared_ptr<ScriptedEditor> m_pDoc; // keeps the document alive
     ScriptedPage m_page;
     std::int32_t m_nIndex;
     std::atomic<bool> m_bParsed = false;
+    std::atomic<std::int32_t> m_nToldAnnots = 0; // the largest count, which stays answerable
 };
 
 class ScriptedReflow final : public pdf::ReflowPage {
