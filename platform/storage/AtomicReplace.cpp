@@ -1,110 +1,19 @@
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <cstdint>
-#include <cstdlib>
-#include <optional>
-#include <span>
-#include <utility>
-#include <vector>
 
 #include "platform/concurrency/Scheduler.h"
 #include "platform/foundation/Exception.h"
 #include "platform/storage/AtomicReplace_p.h"
+#include "platform/storage/CopyBytes_p.h"
+#include "platform/storage/FileChangedException.h"
+#include "platform/storage/KeepAttributes_p.h"
 #include "platform/storage/PosixCalls_p.h"
 
 namespace Windows::Storage::Posix {
 
 namespace {
-
-constexpr std::uint64_t kChunk = std::uint64_t{1} << 20U;
-constexpr mode_t kPermissions = 07777;
-
-// A new file beside the target; removed again unless it took the target's name.
-class AsideFile {
-public:
-    explicit AsideFile(const std::string& strFolder)
-        : m_strPath(strFolder + "/.velko-XXXXXX"), m_fd(Make(m_strPath)) {}
-    ~AsideFile() {
-        if (!m_bRenamed) {
-            ::unlink(m_strPath.c_str());
-        }
-    }
-    AsideFile(const AsideFile&) = delete;
-    AsideFile& operator=(const AsideFile&) = delete;
-
-    int Fd() const { return m_fd.Get(); }
-
-    void RenameTo(const std::string& strTarget) {
-        const int nFault = OrderedFault("rename");
-        if (nFault != 0 || ::rename(m_strPath.c_str(), strTarget.c_str()) != 0) {
-            RaiseError(nFault != 0 ? nFault : errno, Direction::Write, strTarget);
-        }
-        m_bRenamed = true;
-    }
-
-private:
-    static FileDescriptor Make(std::string& strTemplate) {
-        const int nFault = OrderedFault("mkostemp");
-        FileDescriptor fd(nFault != 0 ? -1 : ::mkostemp(strTemplate.data(), O_CLOEXEC));
-        if (fd.Get() < 0) {
-            RaiseError(nFault != 0 ? nFault : errno, Direction::Write, strTemplate);
-        }
-        return fd;
-    }
-
-    std::string m_strPath;
-    FileDescriptor m_fd;
-    bool m_bRenamed = false;
-};
-
-// The run of data at or after `nFrom`, end excluded; empty when only a hole is left.
-std::optional<std::pair<std::uint64_t, std::uint64_t>> NextData(int nFd, std::uint64_t nFrom,
-                                                                std::uint64_t nSize) {
-    const off_t nData = ::lseek(nFd, static_cast<off_t>(nFrom), SEEK_DATA);
-    if (nData < 0) {
-        if (errno == ENXIO) {
-            return std::nullopt;
-        }
-        return std::pair(nFrom, nSize); // the file system knows no holes
-    }
-    const off_t nHole = ::lseek(nFd, nData, SEEK_HOLE);
-    const std::uint64_t nEnd = nHole < 0 ? nSize : static_cast<std::uint64_t>(nHole);
-    return std::pair(static_cast<std::uint64_t>(nData), std::min(nEnd, nSize));
-}
-
-void CopyRun(int nSource, int nTarget, std::uint64_t nFrom, std::uint64_t nEnd) {
-    std::vector<std::uint8_t> bytes(std::min(kChunk, nEnd - nFrom));
-    while (nFrom < nEnd) {
-        const std::span wanted = std::span(bytes).first(std::min(kChunk, nEnd - nFrom));
-        const std::size_t nRead = ReadAt(nSource, nFrom, wanted);
-        if (nRead == 0) {
-            throw Platform::ReadFaultException("the source became shorter while it was copied");
-        }
-        WriteAt(nTarget, nFrom, wanted.first(nRead));
-        nFrom += nRead;
-    }
-}
-
-void CopyAll(int nSource, int nTarget) {
-    const auto nSize = static_cast<std::uint64_t>(Status(nSource, "source").st_size);
-    std::uint64_t nFrom = 0;
-    while (nFrom < nSize) {
-        const auto run = NextData(nSource, nFrom, nSize);
-        if (!run) {
-            break;
-        }
-        CopyRun(nSource, nTarget, run->first, run->second);
-        nFrom = run->second;
-    }
-    const int nFault = OrderedFault("ftruncate");
-    if (nFault != 0 || ::ftruncate(nTarget, static_cast<off_t>(nSize)) != 0) {
-        RaiseError(nFault != 0 ? nFault : errno, Direction::Write, "set length");
-    }
-}
 
 // The file that will be replaced; empty when there is none.
 std::optional<struct stat> TargetStatus(const std::string& strTarget) {
@@ -121,16 +30,12 @@ std::optional<struct stat> TargetStatus(const std::string& strTarget) {
     return std::nullopt;
 }
 
-// Gives the new file the owner, where this process may, and the permissions of
-// the old one. A file that replaces none stays its owner's alone.
-void TakeOver(int nFd, const struct stat& old, const std::string& strTarget) {
-    if (::fchown(nFd, old.st_uid, old.st_gid) != 0 && errno != EPERM && errno != EINVAL) {
-        RaiseError(errno, Direction::Write, strTarget);
-    }
-    const int nFault = OrderedFault("fchmod"); // after the owner: a change of it drops bits
-    if (nFault != 0 || ::fchmod(nFd, old.st_mode & kPermissions) != 0) {
-        RaiseError(nFault != 0 ? nFault : errno, Direction::Write, strTarget);
-    }
+// What replaces a file is nobody else's to see before it has that one's
+// permissions; a file of its own has those of any new one.
+mode_t FirstMode(const std::string& strTarget) {
+    constexpr mode_t kOwnersAlone = 0600;
+    constexpr mode_t kCommon = 0666;
+    return TargetStatus(strTarget) ? kOwnersAlone : kCommon;
 }
 
 }
@@ -150,19 +55,53 @@ std::string ResolveLinks(const std::string& strPath) {
     throw Platform::FileNotFoundException(strPath + ": links without end");
 }
 
-void ReplaceWithCopy(int nSource, const std::string& strTarget) {
-    const concurrency::blocking_scope blocking;
-    const std::string strReal = ResolveLinks(strTarget);
-    const std::optional<struct stat> old = TargetStatus(strReal);
-    const std::string strFolder = FolderOf(strReal);
-    AsideFile aside(strFolder);
-    CopyAll(nSource, aside.Fd());
-    if (old) {
-        TakeOver(aside.Fd(), *old, strReal);
+Replacement::Replacement(const std::string& strTarget)
+    : m_strTarget(ResolveLinks(strTarget)), m_aside(FolderOf(m_strTarget), FirstMode(m_strTarget)) {
+    RemoveAbandoned(FolderOf(m_strTarget));
+}
+
+void Replacement::DemandUnchanged(const FileVersion& expected) const {
+    struct stat status {};
+    if (Call("stat", [&] { return ::stat(m_strTarget.c_str(), &status); }) != 0) {
+        if (errno != ENOENT) {
+            RaiseError(errno, Direction::Read, m_strTarget);
+        }
+        throw Platform::FileChangedException(m_strTarget + " is gone");
     }
-    Sync(aside.Fd());
-    aside.RenameTo(strReal);
-    SyncFolder(strFolder);
+    if (VersionOf(status) != expected) {
+        throw Platform::FileChangedException(m_strTarget + " was changed");
+    }
+}
+
+FileVersion Replacement::Commit(const std::optional<FileVersion>& expected) {
+    const std::string strFolder = FolderOf(m_strTarget);
+    const FileDescriptor folder = OpenFolder(strFolder);
+    if (const auto old = TargetStatus(m_strTarget)) {
+        KeepAttributes(m_aside.Fd(), m_strTarget, *old);
+    }
+    Sync(m_aside.Fd());
+    const FileVersion version = VersionOf(Status(m_aside.Fd(), m_strTarget));
+    m_aside.GiveName();
+    if (expected) {
+        DemandUnchanged(*expected);
+    }
+    m_aside.RenameTo(m_strTarget);
+    SyncFolder(folder, strFolder);
+    return version;
+}
+
+FileVersion ReplaceWithCopy(int nSource, const FileVersion& source, const std::string& strTarget,
+                            const std::optional<FileVersion>& expected) {
+    const concurrency::blocking_scope blocking;
+    Replacement replacement(strTarget);
+    if (expected) {
+        replacement.DemandUnchanged(*expected); // before a long copy in vain
+    }
+    CopyBytes(nSource, replacement.Fd());
+    if (VersionOf(Status(nSource, "source")) != source) {
+        throw Platform::FileChangedException("the source was changed while it was copied");
+    }
+    return replacement.Commit(expected);
 }
 
 }

@@ -28,23 +28,6 @@ std::atomic<bool> g_bHooked{false};
 std::mutex g_hookLock;
 std::shared_ptr<const FaultHook> g_pHook; // guarded by g_hookLock
 
-// Calls `fnCall` again while a signal interrupts it. Gives -1 and `errno`, as
-// the call itself does, for an ordered fault.
-template <class F>
-auto Call(const char* pszCall, F fnCall) -> decltype(fnCall()) {
-    if (const int nFault = Posix::OrderedFault(pszCall)) {
-        errno = nFault;
-        return -1;
-    }
-    const concurrency::blocking_scope blocking;
-    for (;;) {
-        const auto nResult = fnCall();
-        if (nResult != -1 || errno != EINTR) {
-            return nResult;
-        }
-    }
-}
-
 }
 
 void SetStorageFaultHook(FaultHook fnHook) {
@@ -141,6 +124,16 @@ struct stat Status(int nFd, const std::string& strPath) {
     return status;
 }
 
+FileVersion VersionOf(const struct stat& status) {
+    constexpr std::int64_t kNanoseconds = 1'000'000'000;
+    FileVersion version;
+    version.Device = status.st_dev;
+    version.File = status.st_ino;
+    version.Size = static_cast<std::uint64_t>(status.st_size);
+    version.Changed = status.st_mtim.tv_sec * kNanoseconds + status.st_mtim.tv_nsec;
+    return version;
+}
+
 std::size_t ReadAt(int nFd, std::uint64_t nOffset, std::span<std::uint8_t> destination) {
     std::size_t nDone = 0;
     while (nDone < destination.size()) {
@@ -172,20 +165,30 @@ void WriteAt(int nFd, std::uint64_t nOffset, std::span<const std::uint8_t> bytes
     }
 }
 
+void SetLength(int nFd, std::uint64_t nSize) {
+    if (Call("ftruncate", [&] { return ::ftruncate(nFd, static_cast<off_t>(nSize)); }) != 0) {
+        RaiseError(errno, Direction::Write, "set length");
+    }
+}
+
 void Sync(int nFd) {
     if (Call("fsync", [&] { return ::fsync(nFd); }) != 0) {
         RaiseError(errno, Direction::Write, "sync");
     }
 }
 
-void SyncFolder(const std::string& strFolder) {
-    const FileDescriptor fd(Call(
+FileDescriptor OpenFolder(const std::string& strFolder) {
+    FileDescriptor fd(Call(
         "open", [&] { return ::open(strFolder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
     if (fd.Get() < 0) {
         RaiseError(errno, Direction::Write, strFolder);
     }
+    return fd;
+}
+
+void SyncFolder(const FileDescriptor& folder, const std::string& strFolder) {
     // Some file systems know no sync of a folder; there is nothing to do then.
-    if (Call("fsync", [&] { return ::fsync(fd.Get()); }) != 0 && errno != EINVAL &&
+    if (Call("fsync", [&] { return ::fsync(folder.Get()); }) != 0 && errno != EINVAL &&
         errno != ENOTSUP) {
         RaiseError(errno, Direction::Write, strFolder);
     }

@@ -6,10 +6,15 @@
 
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
+
+#include "platform/concurrency/Scheduler.h"
+#include "platform/storage/FileVersion.h"
 
 namespace Windows::Storage::Posix {
 
@@ -31,24 +36,45 @@ public:
 private:
     int m_nFd;
 };
+using SharedDescriptor = std::shared_ptr<const FileDescriptor>;
+
+// The error number that a test ordered for this call, else 0.
+int OrderedFault(const char* pszCall);
+
+// Calls `fnCall` again while a signal interrupts it. Gives -1 and `errno`, as
+// the call itself does, for an ordered fault.
+template <class F>
+auto Call(const char* pszCall, F fnCall) -> decltype(fnCall()) {
+    if (const int nFault = OrderedFault(pszCall)) {
+        errno = nFault;
+        return -1;
+    }
+    const concurrency::blocking_scope blocking;
+    for (;;) {
+        const auto nResult = fnCall();
+        if (nResult != -1 || errno != EINTR) {
+            return nResult;
+        }
+    }
+}
 
 // Opens a regular file; anything else raises `AccessDeniedException`, without
 // waiting for whoever is at the other end of it.
 FileDescriptor OpenRegular(const std::string& strPath, int nFlags);
 
 struct stat Status(int nFd, const std::string& strPath);
+FileVersion VersionOf(const struct stat& status);
 
 // Fills `destination` from `nOffset` on; returns how many bytes came, fewer
 // only at the end of the file.
 std::size_t ReadAt(int nFd, std::uint64_t nOffset, std::span<std::uint8_t> destination);
 void WriteAt(int nFd, std::uint64_t nOffset, std::span<const std::uint8_t> bytes);
+void SetLength(int nFd, std::uint64_t nSize);
 
-// Synchronises a file, or a folder by its path, with the disk.
+// Synchronises a file, or an open folder, with the disk.
 void Sync(int nFd);
-void SyncFolder(const std::string& strFolder);
-
-// The error number that a test ordered for this call, else 0.
-int OrderedFault(const char* pszCall);
+FileDescriptor OpenFolder(const std::string& strFolder);
+void SyncFolder(const FileDescriptor& folder, const std::string& strFolder);
 
 // The folder of a path ("." when it names none) and the last component.
 std::string FolderOf(const std::string& strPath);

@@ -8,9 +8,9 @@
 #include <utility>
 
 #include "platform/foundation/Exception.h"
+#include "platform/storage/FileLock_p.h"
 #include "platform/storage/IoThreads_p.h"
 #include "platform/storage/PosixCalls_p.h"
-#include "platform/storage/PosixFile_p.h"
 
 namespace Windows::Storage {
 
@@ -28,18 +28,13 @@ void CheckName(const std::string& strName) {
 // Makes an empty file; false when the name is taken.
 bool MakeNew(const std::string& strPath) {
     constexpr mode_t kCommon = 0666; // less what the process's mask takes away
-    const int nFault = Posix::OrderedFault("create");
-    const Posix::FileDescriptor fd(
-        nFault != 0 ? -1
-                    : ::open(strPath.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, kCommon));
-    if (fd.Get() >= 0) {
-        return true;
+    const Posix::FileDescriptor fd(Posix::Call("create", [&] {
+        return ::open(strPath.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, kCommon);
+    }));
+    if (fd.Get() < 0 && errno != EEXIST) {
+        Posix::RaiseError(errno, Posix::Direction::Write, strPath);
     }
-    const int nError = nFault != 0 ? nFault : errno;
-    if (nError != EEXIST) {
-        Posix::RaiseError(nError, Posix::Direction::Write, strPath);
-    }
-    return false;
+    return fd.Get() >= 0;
 }
 
 // Puts a new file in the place of the old one, which streams that are open on
@@ -54,7 +49,7 @@ void MakeAnew(const std::string& strPath) {
 
 FilePtr OpenExisting(const std::string& strPath) {
     Posix::OpenRegular(strPath, O_RDONLY);
-    return FileAt(strPath);
+    return StorageFile::FromPath(strPath);
 }
 
 FilePtr Create(const std::string& strFolder, const std::string& strName,
@@ -66,7 +61,7 @@ FilePtr Create(const std::string& strFolder, const std::string& strName,
             MakeAnew(strPath);
             break;
         case CreationCollisionOption::OpenIfExists:
-            return MakeNew(strPath) ? FileAt(strPath) : OpenExisting(strPath);
+            return MakeNew(strPath) ? StorageFile::FromPath(strPath) : OpenExisting(strPath);
         case CreationCollisionOption::FailIfExists:
             if (!MakeNew(strPath)) {
                 throw Platform::Exception(Platform::ERROR_ALREADY_EXISTS, strPath + " exists");
@@ -78,7 +73,7 @@ FilePtr Create(const std::string& strFolder, const std::string& strName,
             }
             break;
     }
-    return FileAt(strPath);
+    return StorageFile::FromPath(strPath);
 }
 
 class PathFolder final : public StorageFolder {
@@ -110,6 +105,14 @@ public:
                                   CreationCollisionOption eOption) override {
         return RunOnIoThread([strFolder = m_strPath, strName, eOption]() -> FilePtr {
             return Create(strFolder, strName, eOption);
+        });
+    }
+
+    Foundation::AsyncOperation<std::shared_ptr<FileLock>> LockAsync(
+        const std::string& strName, std::chrono::milliseconds longest) override {
+        return RunOnIoThread([strFolder = m_strPath, strName, longest] {
+            CheckName(strName);
+            return TakeFileLock(strFolder + "/." + strName + ".lock", longest);
         });
     }
 

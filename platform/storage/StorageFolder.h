@@ -5,6 +5,7 @@
 // do and fail in the same ways. Threads: any.
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -12,6 +13,8 @@
 #include "platform/storage/StorageFile.h"
 
 namespace Windows::Storage {
+
+class FileLock;
 
 class StorageFolder {
 public:
@@ -31,6 +34,12 @@ public:
     // gives what is there.
     virtual FileOperation CreateFileAsync(const std::string& strName,
                                           CreationCollisionOption eOption) = 0;
+
+    // Takes the lock of the name (see `FileLock`), which need not be a file's.
+    // Waits up to `longest` while somebody else holds it, then fails with
+    // `FileLockedException`; 0 tries once. Leaves a hidden empty file behind.
+    virtual Foundation::AsyncOperation<std::shared_ptr<FileLock>> LockAsync(
+        const std::string& strName, std::chrono::milliseconds longest) = 0;
 
     // Looks at nothing: a path that is no folder fails the operations.
     static std::shared_ptr<StorageFolder> FromPath(const std::string& strPath);
