@@ -1,8 +1,7 @@
 // Waiting for an operation on a pool thread.
 //
 // For code that must have the result before it can go on, such as a callback of
-// a library; a coroutine awaits instead. Threads: those of a pool, or of a test.
-// Never the UI thread, nor those on which file operations end.
+// a library; a coroutine awaits instead. Threads: any but the UI thread.
 #pragma once
 
 #include <memory>

@@ -110,7 +110,7 @@ void AsideFile::MakeNamed(mode_t nMode) {
             return ::open(strPath.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, nMode);
         }));
         if (Fd() < 0 && errno != EEXIST) {
-            RaiseError(errno, Direction::Write, strPath);
+            RaiseError(errno, Direction::Write, m_strFolder);
         }
         if (Fd() < 0) {
             continue;

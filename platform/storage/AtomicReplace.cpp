@@ -68,7 +68,7 @@ void Replacement::DemandUnchanged(const FileVersion& expected) const {
         }
         throw Platform::FileChangedException(m_strTarget + " is gone");
     }
-    if (VersionOf(status) != expected) {
+    if (VersionOf(m_aside.Fd(), status) != expected) {
         throw Platform::FileChangedException(m_strTarget + " was changed");
     }
 }
@@ -80,7 +80,7 @@ FileVersion Replacement::Commit(const std::optional<FileVersion>& expected) {
         KeepAttributes(m_aside.Fd(), m_strTarget, *old);
     }
     Sync(m_aside.Fd());
-    const FileVersion version = VersionOf(Status(m_aside.Fd(), m_strTarget));
+    const FileVersion version = VersionOf(m_aside.Fd(), Status(m_aside.Fd(), m_strTarget));
     m_aside.GiveName();
     if (expected) {
         DemandUnchanged(*expected);
@@ -98,7 +98,7 @@ FileVersion ReplaceWithCopy(int nSource, const FileVersion& source, const std::s
         replacement.DemandUnchanged(*expected); // before a long copy in vain
     }
     CopyBytes(nSource, replacement.Fd());
-    if (VersionOf(Status(nSource, "source")) != source) {
+    if (!HasBytesOf(source, Status(nSource, "source"))) {
         throw Platform::FileChangedException("the source was changed while it was copied");
     }
     return replacement.Commit(expected);

@@ -45,7 +45,7 @@ std::shared_ptr<IBuffer> FileStream::Read(std::uint64_t nCount) {
     const auto pBuffer = std::make_shared<FillBuffer>(std::min(nCount, nHere));
     const std::size_t nRead = Posix::ReadAt(m_pFd->Get(), m_nPosition, pBuffer->Storage());
     // Looked at after the read, so that no write before its end is missed.
-    if (m_pinned && Posix::VersionOf(Posix::Status(m_pFd->Get(), "read")) != *m_pinned) {
+    if (m_pinned && !Posix::HasBytesOf(*m_pinned, Posix::Status(m_pFd->Get(), "read"))) {
         throw Platform::FileChangedException();
     }
     pBuffer->SetFilled(nRead);

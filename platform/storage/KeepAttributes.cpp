@@ -83,13 +83,21 @@ void KeepAttribute(int nFd, const std::string& strOld, const std::string& strNam
     }
 }
 
-// False when the file may have another access list than the old one.
-bool KeepAccessList(int nFd, const std::string& strOld) {
+enum class AccessList { None, Kept, Lost };
+
+AccessList KeepAccessList(int nFd, const std::string& strOld) {
     if (const auto list = AttributeOf(strOld, kAccessList)) {
-        return SetAttribute(nFd, kAccessList, *list);
+        return SetAttribute(nFd, kAccessList, *list) ? AccessList::Kept : AccessList::Lost;
     }
     // The folder may have given the new file a list of its own.
-    return ::fremovexattr(nFd, kAccessList) == 0 || MeansNone(errno);
+    if (Call("fremovexattr", [&] { return ::fremovexattr(nFd, kAccessList); }) == 0 ||
+        MeansNone(errno)) {
+        return AccessList::None;
+    }
+    if (!MeansNotAllowed(errno)) {
+        RaiseError(errno, Direction::Write, strOld);
+    }
+    return AccessList::Lost;
 }
 
 struct KeptOwner {
@@ -116,17 +124,36 @@ KeptOwner KeepOwner(int nFd, const struct stat& old) {
     return {bUser, bGroup};
 }
 
-mode_t KeptMode(const struct stat& old, KeptOwner owner, bool bAccessList) {
+// The permissions of the old group that everybody has too, for the new group.
+mode_t ForAnotherGroup(mode_t nMode) {
+    const mode_t nBoth = (nMode >> 3U) & nMode & mode_t{S_IRWXO};
+    return (nMode & mode_t{S_IRWXU | S_ISUID | S_ISVTX}) | nBoth << 3U | nBoth;
+}
+
+mode_t KeptMode(mode_t nOld, KeptOwner owner, AccessList eList) {
     constexpr mode_t kPermissions = 07777;
-    mode_t nMode = old.st_mode & kPermissions;
+    mode_t nMode = nOld & kPermissions;
     if (!owner.bUser) {
         nMode &= ~mode_t{S_ISUID};
     }
     if (!owner.bGroup) {
-        const mode_t nBoth = (nMode >> 3U) & nMode & mode_t{S_IRWXO};
-        nMode = (nMode & mode_t{S_IRWXU | S_ISUID | S_ISVTX}) | nBoth << 3U | nBoth;
+        nMode = ForAnotherGroup(nMode);
     }
-    return bAccessList ? nMode : nMode & mode_t{S_IRWXU};
+    // A list's entry for the owning group must not serve another one.
+    const bool bListFits = eList == AccessList::None || (eList == AccessList::Kept && owner.bGroup);
+    return bListFits ? nMode : nMode & mode_t{S_IRWXU};
+}
+
+// Some file systems have one mode for all their files, and let none be set.
+void SetMode(int nFd, mode_t nMode, const std::string& strOld) {
+    if (Call("fchmod", [&] { return ::fchmod(nFd, nMode); }) == 0) {
+        return;
+    }
+    const int nError = errno;
+    constexpr mode_t kAccess = S_IRWXU | S_IRWXG | S_IRWXO;
+    if (!MeansNotAllowed(nError) || (Status(nFd, strOld).st_mode & kAccess & ~nMode) != 0) {
+        RaiseError(nError, Direction::Write, strOld);
+    }
 }
 
 }
@@ -138,13 +165,9 @@ void KeepAttributes(int nFd, const std::string& strOld, const struct stat& old) 
         }
     }
     const KeptOwner owner = KeepOwner(nFd, old);
-    // A list's entry for the owning group must not serve another group.
-    const bool bAccessList = KeepAccessList(nFd, strOld) && owner.bGroup;
+    const AccessList eList = KeepAccessList(nFd, strOld);
     // Last: a change of the owner drops bits.
-    const mode_t nMode = KeptMode(old, owner, bAccessList);
-    if (Call("fchmod", [&] { return ::fchmod(nFd, nMode); }) != 0) {
-        RaiseError(errno, Direction::Write, strOld);
-    }
+    SetMode(nFd, KeptMode(old.st_mode, owner, eList), strOld);
 }
 
 }

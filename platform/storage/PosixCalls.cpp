@@ -1,6 +1,8 @@
 #include "platform/storage/PosixCalls_p.h"
 
 #include <fcntl.h>
+#include <linux/magic.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -124,14 +126,37 @@ struct stat Status(int nFd, const std::string& strPath) {
     return status;
 }
 
-FileVersion VersionOf(const struct stat& status) {
+namespace {
+
+std::int64_t ChangeOf(const struct stat& status) {
     constexpr std::int64_t kNanoseconds = 1'000'000'000;
+    return status.st_mtim.tv_sec * kNanoseconds + status.st_mtim.tv_nsec;
+}
+
+// False where a file gets another number each time that the system comes to know it.
+bool KeepsNumbers(int nFd) {
+    struct statfs system {};
+    if (Call("fstatfs", [&] { return ::fstatfs(nFd, &system); }) != 0) {
+        return false;
+    }
+    return system.f_type != MSDOS_SUPER_MAGIC && system.f_type != EXFAT_SUPER_MAGIC &&
+           system.f_type != FUSE_SUPER_MAGIC;
+}
+
+}
+
+FileVersion VersionOf(int nFd, const struct stat& status) {
     FileVersion version;
     version.Device = status.st_dev;
-    version.File = status.st_ino;
+    version.File = KeepsNumbers(nFd) ? status.st_ino : 0;
     version.Size = static_cast<std::uint64_t>(status.st_size);
-    version.Changed = status.st_mtim.tv_sec * kNanoseconds + status.st_mtim.tv_nsec;
+    version.Changed = ChangeOf(status);
     return version;
+}
+
+bool HasBytesOf(const FileVersion& version, const struct stat& status) {
+    return version.Size == static_cast<std::uint64_t>(status.st_size) &&
+           version.Changed == ChangeOf(status);
 }
 
 std::size_t ReadAt(int nFd, std::uint64_t nOffset, std::span<std::uint8_t> destination) {

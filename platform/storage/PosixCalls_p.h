@@ -63,7 +63,12 @@ auto Call(const char* pszCall, F fnCall) -> decltype(fnCall()) {
 FileDescriptor OpenRegular(const std::string& strPath, int nFlags);
 
 struct stat Status(int nFd, const std::string& strPath);
-FileVersion VersionOf(const struct stat& status);
+
+// The version of an open file, or of the file of a path that lies where the open
+// one does.
+FileVersion VersionOf(int nFd, const struct stat& status);
+// Whether an open file still has the bytes of the version that it had.
+bool HasBytesOf(const FileVersion& version, const struct stat& status);
 
 // Fills `destination` from `nOffset` on; returns how many bytes came, fewer
 // only at the end of the file.

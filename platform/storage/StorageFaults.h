@@ -2,11 +2,12 @@
 // leaves behind.
 //
 // The hook is asked before every system call of this folder that can fail
-// for the disk's sake ("open", "pread", "pwrite", "fsync", "rename", ...), and
-// before those of the settings' store ("store open", "store write", ...); it
-// returns the error number to fail the call with, or 0 to let it pass.
-// An empty hook, the state at start, costs one atomic load a call.
-// Threads: any; the hook runs on the calling thread.
+// for the disk's sake, by its name ("open", "pread", "pwrite", "copy_file_range",
+// "fsync", "flock", "linkat", "rename", "unlink", ...; the making of a file is "create",
+// of one without a name "tmpfile"), and before those of the settings' store ("store open", "store
+// write", ...); it returns the error number to fail the call with, or 0 to let it pass. An empty
+// hook, the state at start, costs one atomic load a call. Threads: any; the hook runs on the
+// calling thread.
 #pragma once
 
 #include <functional>

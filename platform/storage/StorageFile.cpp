@@ -35,7 +35,7 @@ struct OpenBytes {
 
 OpenBytes OpenForReading(const std::string& strPath) {
     auto pFd = std::make_shared<const Posix::FileDescriptor>(Posix::OpenRegular(strPath, O_RDONLY));
-    const FileVersion version = Posix::VersionOf(Posix::Status(pFd->Get(), strPath));
+    const FileVersion version = Posix::VersionOf(pFd->Get(), Posix::Status(pFd->Get(), strPath));
     return {std::move(pFd), version};
 }
 

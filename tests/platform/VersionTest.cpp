@@ -83,6 +83,28 @@ TEST(VersionTest, EachReplacementYieldsTheVersionForTheNext) {
                  Platform::FileNotFoundException);
 }
 
+// Some file systems give a file another number when they meet it again.
+TEST(VersionTest, AFilesNumberCountsOnlyWhereItLasts) {
+    const TemporaryFolder folder;
+    const auto pSource = folder.File(folder.Write("new", "new"));
+    StorageCalls calls;
+    for (const bool bLasts : {true, false}) {
+        if (!bLasts) {
+            calls.Fail("fstatfs", ENOSYS, 1, true);
+        }
+        const auto pTarget = folder.File(WriteLongAgo(folder, "target", "old"));
+        const FileVersion version = VersionOf(*pTarget);
+        WriteLongAgo(folder, "same", "old");
+        std::filesystem::last_write_time(folder / "same",
+                                         std::filesystem::last_write_time(folder / "target"));
+        std::filesystem::rename(folder / "same", folder / "target");
+        const auto replace = pSource->ReplaceUnchangedAsync(pTarget, version).AsTask();
+        replace.wait();
+        EXPECT_EQ(replace.is_value(), !bLasts);
+        replace.mark_observed();
+    }
+}
+
 TEST(VersionTest, ASourceThatIsWrittenToMeanwhileReplacesNothing) {
     const TemporaryFolder folder;
     const auto pTarget = folder.File(folder.Write("target", "old"));
