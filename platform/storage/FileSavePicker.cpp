@@ -1,6 +1,5 @@
 #include "platform/storage/FileSavePicker.h"
 
-#include "platform/storage/PosixFile_p.h"
 #include "platform/ui/Window.h"
 
 namespace Windows::Storage::Pickers {
@@ -15,7 +14,7 @@ Foundation::AsyncOperation<FileSavePicker::FilePtr> FileSavePicker::PickSaveFile
     auto& pending = m_pending.emplace();
     const auto task = pending.Answer();
     const auto fnFile = [](const std::optional<std::string>& strPath) {
-        return strPath ? FileAt(*strPath) : nullptr;
+        return strPath ? StorageFile::FromPath(*strPath) : nullptr;
     };
     pending.Keep(dialogs.ShowSavePicker(request, pending.Teller(fnFile)));
     return task;
