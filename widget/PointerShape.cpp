@@ -12,6 +12,10 @@ void PointerShape::Set(Reason eReason, bool bHolds) {
     }
     if ((nNow & (LeftDrag | MiddleDrag)) != 0) {
         m_window.setCursor(Qt::ClosedHandCursor);
+    } else if ((nNow & Marks) != 0) {
+        m_window.setCursor(Qt::IBeamCursor);
+    } else if ((nNow & PutsNote) != 0) {
+        m_window.setCursor(Qt::CrossCursor);
     } else if ((nNow & OverLink) != 0) {
         m_window.setCursor(Qt::PointingHandCursor);
     } else {

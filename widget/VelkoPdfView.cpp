@@ -20,6 +20,8 @@
 #include "widget/StoreNotice.h"
 #include "widget/VelkoRuntime.h"
 #include "widget/WheelReader.h"
+#include "widget/edit/DocSaver.h"
+#include "widget/edit/ViewEdits.h"
 
 namespace velko::vkit {
 
@@ -54,6 +56,7 @@ VelkoPdfView::VelkoPdfView(std::shared_ptr<PDFViewCtrl> pControl, QWidget* pPare
     m_pFrames = std::make_unique<PageFrames>(*m_pControl, fnPixelRatio);
     m_pNotices = std::make_unique<PageNotices>(*m_pControl, fnPixelRatio);
     m_pSlowPages = std::make_unique<SlowPages>(*m_pControl, fnPixelRatio);
+    MakeEdits();
     m_facts = ReadFacts();
     ShowAround();
 }
@@ -63,6 +66,8 @@ VelkoPdfView::~VelkoPdfView() {
         m_pPlace->End();
         m_pPlace.reset();
     }
+    m_pSaver.reset();
+    m_pEdits.reset();
     m_pLinkFocus.reset();
     m_pLinks.reset();
     m_pFlingLimit.reset();
@@ -126,6 +131,39 @@ void VelkoPdfView::ConnectWheel() {
         std::make_unique<MiddleDrag>(*m_pWindow, *m_pPointer, [this](double dbX, double dbY) {
             ScrollBy(dbX * devicePixelRatioF(), dbY * devicePixelRatioF());
         });
+}
+
+// After whatever else listens to the window: tools are asked first.
+void VelkoPdfView::MakeEdits() {
+    ViewEdits::Parts parts{m_pControl, *m_pWindow, *m_pPointer, *m_pPageLinks,
+                           [this](double dbX, double dbY) { ScrollBy(dbX, dbY); }};
+    m_pEdits = std::make_unique<ViewEdits>(std::move(parts), this);
+    connect(m_pEdits.get(), &ViewEdits::Changed, this, &VelkoPdfView::ViewChanged,
+            Qt::QueuedConnection); // it may come while the view looks at the pages
+    connect(m_pEdits.get(), &ViewEdits::Failed, this, &VelkoPdfView::Report);
+    m_pSaver = std::make_unique<DocSaver>(m_pControl, *m_pEdits);
+    connect(m_pSaver.get(), &DocSaver::Saved, this, &VelkoPdfView::OnSaved);
+    connect(m_pSaver.get(), &DocSaver::Started, this, &VelkoPdfView::ViewChanged);
+    connect(m_pSaver.get(), &DocSaver::Ended, this, &VelkoPdfView::ViewChanged);
+}
+
+bool VelkoPdfView::IsModified() const {
+    return m_pEdits->IsModified();
+}
+
+// Another file may be the document's from now on, with a place of its own.
+void VelkoPdfView::OnSaved() {
+    const auto pFile = m_pControl->GetDocumentFile();
+    const FilePath path = pFile ? FilePath(pFile->Path()) : FilePath();
+    if (HasDocument() && m_shown->Bytes() != path.Bytes()) {
+        m_shown = path;
+        if (m_queue.IsIdle()) {
+            m_path = path;
+        }
+        if (m_pPlace) {
+            m_pPlace->Begin();
+        }
+    }
 }
 
 // --- failures --------------------------------------------------------------

@@ -54,6 +54,7 @@ class QtElementWindow;
 
 namespace velko::vkit {
 
+class DocSaver;
 class DragHand;
 class FlingLimit;
 class LinkFocus;
@@ -66,6 +67,7 @@ class PlaceKeeper;
 class PointerShape;
 class SlowPages;
 class StoreNotice;
+class ViewEdits;
 class WheelReader;
 enum class LinkStep;
 struct KeptView;
@@ -193,6 +195,14 @@ public:
     velko::common::ScanColors ScanColors() const { return m_facts.eScanColors; }
     void SetScanColors(velko::common::ScanColors eColors);
 
+    // --- changing and saving ---
+    // Marks and notes, with undo and redo; both live as long as the view. A document
+    // that is changed is not saved by itself: a host asks the reader before another
+    // one is opened or the view goes.
+    ViewEdits& Edits() const { return *m_pEdits; }
+    DocSaver& Saver() const { return *m_pSaver; }
+    bool IsModified() const;
+
     // True when every part of a page on the screen shows its final pixels.
     bool IsSharp() const;
     // True when the last paint showed pixels of a page.
@@ -208,7 +218,8 @@ signals:
     void PageChanged(int nPage);
     void PageCountChanged(int nPageCount);
     void ZoomChanged(double dbZoom);
-    void ViewChanged(); // one of the above, or fit, rotation, layout, colours, history
+    // One of the above, or fit, rotation, layout, colours, history, tool or what is edited.
+    void ViewChanged();
     void Failed(const QString& strReason); // from the event loop, never within a command
     // After each paint of the pages, and within it: the view may not go there.
     void Painted();
@@ -255,6 +266,8 @@ private:
     void ConnectLinks();
     void UpdateLinks();
     void TellLinkTarget();
+    void MakeEdits();
+    void OnSaved();
     void ConnectWheel();
     void Begin(const OpeningQueue::Request& request);
     bool Expect(const OpeningQueue::Request& request);
@@ -346,6 +359,8 @@ private:
     std::unique_ptr<WheelReader> m_pWheel;
     std::unique_ptr<DragHand> m_pDragHand;
     std::unique_ptr<MiddleDrag> m_pMiddleDrag;
+    std::unique_ptr<ViewEdits> m_pEdits;
+    std::unique_ptr<DocSaver> m_pSaver;
     std::unique_ptr<PageFrames> m_pFrames;
     std::unique_ptr<PageNotices> m_pNotices;
     std::unique_ptr<SlowPages> m_pSlowPages;

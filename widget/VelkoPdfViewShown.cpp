@@ -12,6 +12,7 @@
 #include "viewers/core/Modes.h"
 #include "widget/PlaceKeeper.h"
 #include "widget/VelkoPdfView.h"
+#include "widget/edit/ViewEdits.h"
 
 namespace velko::vkit {
 
@@ -101,6 +102,7 @@ bool VelkoPdfView::Refresh() {
         FollowFit();
         m_reading.NoteScale();
         UpdateLinks();
+        m_pEdits->Update();
         if (m_pPlace) {
             m_pPlace->Changed();
         }

@@ -1,0 +1,42 @@
+// What the widget draws over a page of edits that are under way: the mark that comes,
+// the note that is written, the frame of what is chosen.
+//
+// Lifetime: goes before the control. Threads: UI thread only.
+#pragma once
+
+#include <QColor>
+#include <QPolygonF>
+#include <QRectF>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "document/engine/AnnotEditor.h"
+#include "widget/PageOverlay.h"
+
+namespace velko::vkit {
+
+class EditOverlay : public PageOverlay {
+public:
+    struct Shape {
+        std::vector<velko::pdf::TextQuad> quads; // page space
+        QColor color;                            // of an area; one that is let through
+        bool bFrame = false;                     // around the quads instead
+    };
+    using Shapes = std::function<std::vector<Shape>(std::int32_t nPage)>;
+
+    EditOverlay(PDFViewCtrl& control, std::function<double()> fnPixelRatio, Shapes fnShapes)
+        : PageOverlay(control, std::move(fnPixelRatio)), m_fnShapes(std::move(fnShapes)) {}
+
+    static velko::pdf::TextQuad QuadOf(const velko::common::vxbase::RectF& rc);
+
+protected:
+    void Draw(const RenderCanvasEventArgs& args) override;
+
+private:
+    QPolygonF OnCanvas(std::int32_t nPage, const velko::pdf::TextQuad& quad) const;
+
+    const Shapes m_fnShapes;
+};
+
+}
