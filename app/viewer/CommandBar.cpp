@@ -37,7 +37,7 @@ std::optional<double> PercentOf(QString strText) {
 }
 
 // From what stays to what goes first.
-enum Rank { kStays, kPageButtons, kZoomField, kZoomButtons, kFits, kViews, kRotation };
+enum Rank { kStays, kPageButtons, kZoomField, kZoomButtons, kTools, kFits, kViews, kRotation };
 
 }
 
@@ -132,6 +132,9 @@ QMenu* CommandBar::MakeChoices() {
 }
 
 void CommandBar::MakeViewParts() {
+    AddButton(Glyph::Highlight, Command::Highlight, kTools);
+    AddButton(Glyph::Note, Command::Note, kTools);
+    m_pLayout->addSpacing(10);
     AddButton(Glyph::FitPage, Command::FitPage, kFits);
     AddButton(Glyph::FitWidth, Command::FitWidth, kFits);
     m_pLayout->addSpacing(10);

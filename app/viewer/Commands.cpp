@@ -3,11 +3,15 @@
 #include <QActionGroup>
 #include <vector>
 
+#include "widget/edit/DocSaver.h"
+#include "widget/edit/ViewEdits.h"
+
 namespace velko::viewer {
 
 using vkit::VelkoPdfView;
 using Fit = VelkoPdfView::Fit;
 using Layout = VelkoPdfView::Layout;
+using Tool = vkit::ViewEdits::Tool;
 
 namespace {
 
@@ -48,6 +52,24 @@ void Rotate(VelkoPdfView& view) {
     view.RotateBy(nTurns);
 }
 
+template <Tool eTool>
+void TakeTool(VelkoPdfView& view) {
+    view.Edits().TakeTool(view.Edits().CurrentTool() == eTool ? Tool::None : eTool);
+}
+template <Tool eTool>
+bool HasTool(const VelkoPdfView& view) {
+    return view.Edits().CurrentTool() == eTool;
+}
+
+bool CanSave(const VelkoPdfView& view) {
+    return view.IsModified() && !view.Saver().IsSaving();
+}
+bool HasChosen(const VelkoPdfView& view) {
+    return view.Edits().HasChosen();
+}
+bool CanChange(const VelkoPdfView& view) {
+    return HasChosen(view) && view.Edits().IsPossible();
+}
 bool ShowsPages(const VelkoPdfView& view) {
     return !view.IsReading();
 }
@@ -70,8 +92,24 @@ const std::vector<Entry>& Entries() {
         {Command::Open, "&Open…", "Ctrl+O", Needs::Nothing},
         {Command::OpenInWindow, "Open in a ne&w window…", "Ctrl+Shift+O", Needs::Nothing},
         {Command::NewWindow, "&New window", "Ctrl+N", Needs::Nothing},
-        {Command::Close, "Clo&se", "Ctrl+W", Needs::Nothing},
+        {Command::Save, "&Save", "Ctrl+S", Needs::Document, nullptr, nullptr, CanSave},
+        {Command::SaveAs, "Save &as…", "Ctrl+Shift+S", Needs::Document, nullptr, nullptr,
+         [](const View& view) { return !view.Saver().IsSaving(); }},
+        {Command::Close, "&Close", "Ctrl+W", Needs::Nothing},
         {Command::Quit, "&Quit", "Ctrl+Q", Needs::Nothing},
+        {Command::Undo, "&Undo", "Ctrl+Z", Needs::Document, [](View& view) { view.Edits().Undo(); },
+         nullptr, [](const View& view) { return view.Edits().CanUndo(); }},
+        {Command::Redo, "&Redo", "Ctrl+Shift+Z Ctrl+Y", Needs::Document,
+         [](View& view) { view.Edits().Redo(); }, nullptr,
+         [](const View& view) { return view.Edits().CanRedo(); }},
+        {Command::Highlight, "&Highlight text", "H", Needs::Document, TakeTool<Tool::Highlight>,
+         HasTool<Tool::Highlight>, ShowsPages},
+        {Command::Note, "Put a &note", "M", Needs::Document, TakeTool<Tool::Note>,
+         HasTool<Tool::Note>, ShowsPages},
+        {Command::WriteMark, "&Text of the mark…", "F2", Needs::Document,
+         [](View& view) { view.Edits().WriteChosen(); }, nullptr, HasChosen},
+        {Command::DeleteMark, "&Delete the mark", "Del", Needs::Document,
+         [](View& view) { view.Edits().DeleteChosen(); }, nullptr, CanChange},
         {Command::PreviousPage, "&Previous page", "Ctrl+PgUp", Needs::Document,
          Run<&View::GotoPrevPage>, nullptr, IsAfterStart},
         {Command::NextPage, "&Next page", "Ctrl+PgDown", Needs::Document, Run<&View::GotoNextPage>,
@@ -179,6 +217,15 @@ void Commands::FollowView() {
                                 entry.fnChecked(m_view));
         }
     }
+    NameSteps();
+}
+
+void Commands::NameSteps() {
+    const auto fnName = [this](Command eCommand, const QString& strText, const QString& strStep) {
+        (*this)[eCommand]->setText(strStep.isEmpty() ? strText : strText + ' ' + strStep);
+    };
+    fnName(Command::Undo, QStringLiteral("&Undo"), m_view.Edits().UndoName());
+    fnName(Command::Redo, QStringLiteral("&Redo"), m_view.Edits().RedoName());
 }
 
 void Commands::SetFullScreen(bool bFull) {

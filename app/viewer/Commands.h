@@ -16,8 +16,16 @@ enum class Command {
     Open,
     OpenInWindow,
     NewWindow,
+    Save,
+    SaveAs,
     Close,
     Quit,
+    Undo,
+    Redo,
+    Highlight,
+    Note,
+    WriteMark,
+    DeleteMark,
     PreviousPage,
     NextPage,
     FirstPage,
@@ -67,6 +75,7 @@ signals:
 
 private:
     void FollowView();
+    void NameSteps();
 
     vkit::VelkoPdfView& m_view;
     std::array<QAction*, static_cast<std::size_t>(Command::kCount)> m_actions{};

@@ -105,6 +105,24 @@ QPainterPath Text() {
     return path;
 }
 
+// A marker over a line.
+QPainterPath Highlight() {
+    QPainterPath path;
+    Line(path, {{3.0, 17.0}, {17.0, 17.0}});
+    Line(path, {{6.0, 13.5}, {6.0, 11.0}, {13.0, 3.0}, {16.5, 6.0}, {9.0, 13.5}, {6.0, 13.5}});
+    Line(path, {{8.0, 9.0}, {11.0, 11.5}});
+    return path;
+}
+
+// A sheet with a turned corner.
+QPainterPath Note() {
+    QPainterPath path;
+    Line(path, {{3.5, 3.5}, {16.5, 3.5}, {16.5, 11.5}, {11.5, 16.5}, {3.5, 16.5}, {3.5, 3.5}});
+    Line(path, {{11.5, 16.5}, {11.5, 11.5}, {16.5, 11.5}});
+    Line(path, {{6.5, 7.5}, {13.5, 7.5}});
+    return path;
+}
+
 QPainterPath Night() {
     QPainterPath disc;
     disc.addEllipse(QPointF(10.0, 10.0), 7.0, 7.0);
@@ -163,6 +181,10 @@ QPainterPath OutlineOf(Glyph eGlyph) {
             return SinglePage();
         case Glyph::Text:
             return Text();
+        case Glyph::Highlight:
+            return Highlight();
+        case Glyph::Note:
+            return Note();
         case Glyph::Night:
             return Night();
         case Glyph::FullScreen:

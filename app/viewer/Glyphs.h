@@ -22,6 +22,8 @@ enum class Glyph {
     Continuous,
     SinglePage,
     Text,
+    Highlight,
+    Note,
     Night,
     FullScreen,
     Close,

@@ -14,8 +14,11 @@ MainMenu::MainMenu(vkit::VelkoPdfView& view, const Commands& commands, QWidget* 
     addMenu(m_pRecent);
     addAction(commands[Command::NewWindow]);
     AddOwnWindows();
-    addAction(commands[Command::Close]);
+    addActions({commands[Command::Save], commands[Command::SaveAs], commands[Command::Close]});
     addSeparator();
+    AddGroup("&Edit", commands,
+             {Command::Undo, Command::Redo, Command::Highlight, Command::Note, Command::WriteMark,
+              Command::DeleteMark});
     AddGroup("&Go", commands,
              {Command::PreviousPage, Command::NextPage, Command::FirstPage, Command::LastPage,
               Command::EnterPage, Command::Back, Command::Forward});

@@ -20,11 +20,13 @@
 #include "app/viewer/PageMenu.h"
 #include "app/viewer/PictureMaker.h"
 #include "app/viewer/RecentMenu.h"
+#include "app/viewer/SaveFlow.h"
 #include "app/viewer/StartPane.h"
 #include "app/viewer/TopEdge.h"
 #include "app/viewer/ViewerSettings.h"
 #include "platform/qt/QtElementWindow.h"
 #include "widget/VelkoRuntime.h"
+#include "widget/edit/ViewEdits.h"
 
 namespace velko::viewer {
 
@@ -51,7 +53,8 @@ std::vector<FilePath> DraggedFiles(const QMimeData& data) {
 
 MainWindow::MainWindow(std::shared_ptr<vkit::PDFViewCtrl> pControl, QSize size)
     : m_pView(new VelkoPdfView(std::move(pControl), this)),
-      m_pTopEdge(new TopEdge(m_pView->Window(), CommandBar::kHeight, this)) {
+      m_pTopEdge(new TopEdge(m_pView->Window(), CommandBar::kHeight, this)),
+      m_pSaveFlow(new SaveFlow(*m_pView, this)) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAcceptDrops(true);
     setFocusProxy(m_pView);
@@ -60,6 +63,7 @@ MainWindow::MainWindow(std::shared_ptr<vkit::PDFViewCtrl> pControl, QSize size)
     PlaceParts();
     ConnectView();
     ConnectLinks();
+    ConnectEdits();
     FollowColors();
     UpdateTitle();
 }
@@ -105,6 +109,16 @@ void MainWindow::ConnectLinks() {
     connect(m_pView, &VelkoPdfView::LinkHovered, this, &MainWindow::ShowTarget);
 }
 
+void MainWindow::ConnectEdits() {
+    connect(m_pView, &VelkoPdfView::ViewChanged, this,
+            [this] { setWindowModified(m_pView->IsModified()); });
+    connect(m_pSaveFlow, &SaveFlow::Told, this,
+            [this](const QString& strText) { NoticeLine().Tell(strText); });
+    connect(m_pSaveFlow, &SaveFlow::Saved, this, &MainWindow::UpdateTitle);
+    connect(&m_pView->Edits(), &vkit::ViewEdits::Refused, this,
+            [this](const QString& strReason) { NoticeLine().Tell(strReason); });
+}
+
 void MainWindow::KeepPlaces() {
     m_pView->KeepPlace(true);
     new PictureMaker(*m_pView);
@@ -146,6 +160,7 @@ void MainWindow::PlaceParts() {
     if (m_pMessage != nullptr) {
         m_pMessage->setGeometry(m_pView->geometry());
     }
+    m_pSaveFlow->Place();
     if (m_pHint != nullptr) {
         m_pHint->Place();
     }
@@ -214,6 +229,12 @@ void MainWindow::CarryOut(Command eCommand) {
         case Command::NewWindow:
             emit WindowWanted({});
             break;
+        case Command::Save:
+            m_pSaveFlow->Save();
+            break;
+        case Command::SaveAs:
+            m_pSaveFlow->SaveAs();
+            break;
         case Command::Close:
             CloseDocument();
             break;
@@ -232,7 +253,7 @@ void MainWindow::CarryOut(Command eCommand) {
             m_pBar->OpenMenu();
             break;
         case Command::PageMenu:
-            OpenPageMenu(m_pView->mapToGlobal(m_pView->rect().center()));
+            OpenPageMenu(m_pView->mapToGlobal(m_pView->rect().center()), std::nullopt);
             break;
         case Command::Keys:
             ShowKeys(*m_pCommands, this);
@@ -262,7 +283,7 @@ void MainWindow::CloseDocument() {
     if (bOthers || m_pView->ViewState() == VelkoPdfView::State::Empty) {
         close();
     } else {
-        m_pView->CloseDocument();
+        m_pSaveFlow->BeforeLeaving([this] { m_pView->CloseDocument(); });
     }
 }
 
@@ -293,7 +314,7 @@ void MainWindow::OpenFile(const FilePath& path) {
     if (ViewerSettings::OpensOwnWindows() && !IsFree()) {
         emit WindowWanted(path);
     } else {
-        m_pView->Open(path);
+        m_pSaveFlow->BeforeLeaving([this, path] { m_pView->Open(path); });
     }
 }
 
@@ -317,8 +338,9 @@ bool MainWindow::eventFilter(QObject* pWatched, QEvent* pEvent) {
     if (pEvent->type() == QEvent::ContextMenu) {
         const QPoint ptGlobal = static_cast<QContextMenuEvent*>(pEvent)->globalPos();
         // What lies under a pointer that has just come there is found out meanwhile.
-        QTimer::singleShot(m_strTarget.isEmpty() ? kLinkMs : 0, this,
-                           [this, ptGlobal] { OpenPageMenu(ptGlobal); });
+        QTimer::singleShot(m_strTarget.isEmpty() ? kLinkMs : 0, this, [this, ptGlobal] {
+            OpenPageMenu(ptGlobal, m_pView->Window().mapFromGlobal(ptGlobal));
+        });
         return true;
     }
     if (m_pHint != nullptr &&
@@ -343,9 +365,13 @@ bool MainWindow::eventFilter(QObject* pWatched, QEvent* pEvent) {
     return QWidget::eventFilter(pWatched, pEvent);
 }
 
-void MainWindow::OpenPageMenu(QPoint ptGlobal) {
+// At a point what lies there is chosen first; the keys keep what is chosen.
+void MainWindow::OpenPageMenu(QPoint ptGlobal, std::optional<QPoint> ptView) {
     CompleteBar();
-    auto* const pMenu = new PageMenu(*m_pCommands, m_strTarget, this);
+    if (ptView) {
+        m_pView->Edits().ChooseAt(*ptView);
+    }
+    auto* const pMenu = new PageMenu(*m_pView, *m_pCommands, m_strTarget, this);
     pMenu->setAttribute(Qt::WA_DeleteOnClose);
     connect(pMenu, &PageMenu::BrowseWanted, this, &MainWindow::AskToBrowse);
     pMenu->popup(ptGlobal);
@@ -381,6 +407,14 @@ QSize MainWindow::OrdinarySize() const {
 }
 
 void MainWindow::closeEvent(QCloseEvent* pEvent) {
+    if (!m_bMayClose && (m_pView->IsModified() || m_pSaveFlow->IsBusy())) {
+        pEvent->ignore();
+        m_pSaveFlow->BeforeLeaving([this] {
+            m_bMayClose = true;
+            close();
+        });
+        return;
+    }
     ViewerSettings::KeepWindow(OrdinarySize(), windowState().testFlag(Qt::WindowMaximized));
     hide(); // the place is stored while nobody waits for the window to go
     m_pView->CloseDocument();

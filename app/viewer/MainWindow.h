@@ -11,6 +11,7 @@
 #include <QTimer>
 #include <QWidget>
 #include <memory>
+#include <optional>
 
 #include "app/viewer/Commands.h"
 #include "widget/VelkoPdfView.h"
@@ -22,6 +23,7 @@ namespace velko::viewer {
 class CommandBar;
 class Hint;
 class NoticeBar;
+class SaveFlow;
 class StartPane;
 class TopEdge;
 
@@ -76,10 +78,11 @@ protected:
 private:
     void ConnectView();
     void ConnectLinks();
+    void ConnectEdits();
     void CarryOut(Command eCommand);
     void AskForFile(bool bOwnWindow);
     void CloseDocument();
-    void OpenPageMenu(QPoint ptGlobal);
+    void OpenPageMenu(QPoint ptGlobal, std::optional<QPoint> ptView);
     void AskToClear(); // the recent files
     void AskToBrowse(const QUrl& address);
     void Browse(const QUrl& address);
@@ -105,6 +108,8 @@ private:
 
     vkit::VelkoPdfView* const m_pView;
     TopEdge* const m_pTopEdge;
+    SaveFlow* const m_pSaveFlow;     // a child
+    bool m_bMayClose = false;        // nothing is unsaved, or the reader lets it go
     Commands* m_pCommands = nullptr; // with the bar
     CommandBar* m_pBar = nullptr;    // after the first paint
     StartPane* m_pMessage = nullptr; // these are made when first needed

@@ -27,7 +27,7 @@ const QString kProgramName = QStringLiteral("Velko Viewer");
 void MainWindow::UpdateTitle() {
     const QString strFile = m_pView->File().Name();
     setWindowTitle(strFile.isEmpty() ? kProgramName
-                                     : QStringLiteral("%1 – %2").arg(strFile, kProgramName));
+                                     : QStringLiteral("%1[*] – %2").arg(strFile, kProgramName));
 }
 
 void MainWindow::ShowMessage(const QString& strTitle, const QString& strText) {

@@ -2,12 +2,25 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QIcon>
+#include <QPixmap>
+#include <utility>
 
 #include "app/viewer/MenuStyle.h"
+#include "widget/edit/ViewEdits.h"
 
 namespace velko::viewer {
 
 namespace {
+
+constexpr int kSwatch = 16; // Qt's units
+
+// Light enough that letters under them are read.
+constexpr std::pair<const char*, QRgb> kMarkColors[] = {{"&Yellow", 0xFFFFE83C},
+                                                        {"&Green", 0xFFA8E59A},
+                                                        {"&Blue", 0xFF9AD3FF},
+                                                        {"&Pink", 0xFFFFB3D1},
+                                                        {"&Orange", 0xFFFFC978}};
 
 bool IsOfTheWeb(const QUrl& address) {
     return QStringList{"http", "https", "ftp", "mailto"}.contains(address.scheme());
@@ -15,9 +28,11 @@ bool IsOfTheWeb(const QUrl& address) {
 
 }
 
-PageMenu::PageMenu(const Commands& commands, const QString& strTarget, QWidget* pParent)
+PageMenu::PageMenu(vkit::VelkoPdfView& view, const Commands& commands, const QString& strTarget,
+                   QWidget* pParent)
     : QMenu(pParent) {
     AddLink(strTarget);
+    AddChosen(view, commands);
     addActions({commands[Command::Back], commands[Command::Forward]});
     addSeparator();
     addActions({commands[Command::PreviousPage], commands[Command::NextPage],
@@ -30,8 +45,32 @@ PageMenu::PageMenu(const Commands& commands, const QString& strTarget, QWidget* 
     addActions({commands[Command::Continuous], commands[Command::SinglePage],
                 commands[Command::Reading], commands[Command::RotateRight]});
     addSeparator();
+    addActions({commands[Command::Highlight], commands[Command::Note]});
+    addSeparator();
     addActions({commands[Command::Night], commands[Command::FullScreen]});
     StyleMenu(*this);
+}
+
+void PageMenu::AddChosen(vkit::VelkoPdfView& view, const Commands& commands) {
+    if (!view.Edits().HasChosen()) {
+        return;
+    }
+    addActions({commands[Command::WriteMark], commands[Command::DeleteMark]});
+    if (view.Edits().IsMarkChosen()) {
+        AddColors(view);
+    }
+    addSeparator();
+}
+
+void PageMenu::AddColors(vkit::VelkoPdfView& view) {
+    QMenu* const pColors = addMenu("&Colour");
+    pColors->setEnabled(view.Edits().IsPossible());
+    for (const auto& [szName, nColor] : kMarkColors) {
+        QPixmap pixmap(kSwatch, kSwatch);
+        pixmap.fill(QColor(nColor));
+        pColors->addAction(QIcon(pixmap), QString::fromLatin1(szName), &view,
+                           [&view, nColor = nColor] { view.Edits().PaintChosen(QColor(nColor)); });
+    }
 }
 
 void PageMenu::AddLink(const QString& strTarget) {

@@ -16,13 +16,17 @@ class PageMenu : public QMenu {
 
 public:
     // `strTarget` is what the link there leads to; empty without one.
-    PageMenu(const Commands& commands, const QString& strTarget, QWidget* pParent);
+    // What the view has chosen, a note say, has its own commands first.
+    PageMenu(vkit::VelkoPdfView& view, const Commands& commands, const QString& strTarget,
+             QWidget* pParent);
 
 signals:
     void BrowseWanted(const QUrl& address);
 
 private:
     void AddLink(const QString& strTarget);
+    void AddChosen(vkit::VelkoPdfView& view, const Commands& commands);
+    void AddColors(vkit::VelkoPdfView& view);
 };
 
 }

@@ -33,7 +33,7 @@ std::string Environment(const char* pszName) {
 
 void SaveUnderLock(const std::string& strFolder) {
     const auto pFolder = StorageFolder::FromPath(strFolder);
-    const auto pLock = pFolder->LockAsync("target", std::chrono::seconds(20)).AsTask().get();
+    const auto pLock = pFolder->LockAsync("target", std::chrono::seconds(0)).AsTask().get();
     const auto pTarget = StorageFile::FromPath(strFolder + "/target");
     const auto version = pTarget->GetVersionAsync().AsTask().get();
     TemporaryFolder::File(strFolder + "/new")
