@@ -34,8 +34,19 @@ void DocEdits::Forget() {
     ++m_nDocument;
     m_jobs.clear();
     m_bRunning = false;
+    m_bHeld = false;
     m_history = {};
     emit Changed();
+}
+
+void DocEdits::Hold() {
+    m_bHeld = true;
+}
+
+void DocEdits::Release() {
+    if (std::exchange(m_bHeld, false) && !m_bRunning) {
+        RunNext();
+    }
 }
 
 void DocEdits::Take(Job job) {
@@ -48,7 +59,7 @@ void DocEdits::Take(Job job) {
 // What is to be undone is known when its turn comes.
 void DocEdits::RunNext() {
     m_bRunning = false;
-    while (!m_jobs.empty() && !m_bRunning) {
+    while (!m_jobs.empty() && !m_bRunning && !m_bHeld) {
         Job job = std::move(m_jobs.front());
         m_jobs.pop_front();
         const EditStep* const pStep = job.eWay == Way::Undo   ? m_history.ToUndo()

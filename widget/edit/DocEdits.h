@@ -38,7 +38,13 @@ public:
     void Undo();
     void Redo();
 
-    bool IsBusy() const { return m_bRunning; }
+    // Steps are under way or wait.
+    bool IsBusy() const { return m_bRunning || !m_jobs.empty(); }
+
+    // Steps wait meanwhile: for a save, whose file holds just what stood when it began.
+    void Hold();
+    void Release();
+
     const EditHistory& History() const { return m_history; }
     void Saved(EditHistory::Point nPoint);
     void SavedNowhere();
@@ -74,6 +80,7 @@ private:
     EditHistory m_history;
     std::deque<Job> m_jobs;
     bool m_bRunning = false;
+    bool m_bHeld = false;
     std::uint64_t m_nDocument = 0; // counts them
 };
 

@@ -52,6 +52,7 @@ void DocSaver::Ask(Request request) {
 
 void DocSaver::Begin() {
     if (m_waiting && !m_edits.Edits().IsBusy()) {
+        m_edits.Edits().Hold();
         Run(this, *std::exchange(m_waiting, std::nullopt));
     }
 }
@@ -79,6 +80,7 @@ concurrency::task<void> DocSaver::Run(QPointer<DocSaver> pSelf, Request request)
         pSelf->OnEnded(nPoint, pError);
     }
     if (pSelf) {
+        pSelf->m_edits.Edits().Release();
         emit pSelf->Ended();
     }
 }

@@ -1,8 +1,8 @@
 // Saves the shown document, one save at a time, after the edits that were asked for
 // before.
 //
-// What is changed while it runs is not in it: the document is modified afterwards. A
-// save that fails leaves file and document as they were.
+// What is changed while it runs is not in it, but waits for its end: the document is
+// modified afterwards. A save that fails leaves file and document as they were.
 //
 // Lifetime: goes before the edits. Threads: UI thread only.
 #pragma once

@@ -15,12 +15,12 @@ namespace {
 
 constexpr double kEdge = 20.0; // Qt's units; nearer to the edge the pages move
 constexpr int kEdgeMs = 25;
-constexpr double kMostStep = 40.0; // device pixels
+constexpr double kMostStep = 30.0; // device pixels
 
 // How far to move for a pointer there, in a window of that size.
 double StepFor(double dbAt, double dbSize) {
     const double dbIn = std::min(dbAt, dbSize - dbAt);
-    const double dbStep = std::min(kMostStep, std::max(0.0, kEdge - dbIn));
+    const double dbStep = std::min(kMostStep, std::max(0.0, (kEdge - dbIn) / 2.0));
     return dbAt < dbSize / 2.0 ? -dbStep : dbStep;
 }
 

@@ -144,7 +144,7 @@ void ViewEdits::Mark(const MarkDrag::Marks& marks) {
         record.nColor = ToRgb(m_markColor);
         step.edits.push_back({AnnotEdit::Kind::Add, nPage, 0, {}, std::move(record)});
     }
-    m_coming.push_back({marks, m_markColor, marks.pages.size()});
+    m_coming.push_back({marks.pages, m_markColor, marks.pages.size()});
     m_pEdits->Do(std::move(step));
 }
 
@@ -280,6 +280,8 @@ void ViewEdits::OnWritten(const QString& strText) {
             record.rcArea = draft->rc;
             record.nColor = kNoteColor;
             record.strContents = strText.toStdString();
+            m_coming.push_back(
+                {{{draft->nPage, {EditOverlay::QuadOf(draft->rc)}}}, QColor(kNoteColor), 1});
             m_pEdits->Do(MakeStep(QStringLiteral("note"),
                                   {AnnotEdit::Kind::Add, draft->nPage, 0, {}, std::move(record)}));
         }
@@ -322,7 +324,7 @@ void ViewEdits::Redo() {
 void ViewEdits::OnPageEdited(int nPage) {
     m_annots.Renew(nPage);
     for (Coming& coming : m_coming) {
-        coming.nPagesLeft -= coming.marks.pages.count(nPage) != 0 && coming.nPagesLeft > 0 ? 1 : 0;
+        coming.nPagesLeft -= coming.pages.count(nPage) != 0 && coming.nPagesLeft > 0 ? 1 : 0;
     }
 }
 
@@ -374,16 +376,16 @@ void ViewEdits::Update() {
 
 std::vector<EditOverlay::Shape> ViewEdits::ShapesOn(std::int32_t nPage) const {
     std::vector<EditOverlay::Shape> shapes;
-    const auto fnAddMarks = [&](const MarkDrag::Marks& marks, QColor color) {
-        if (const auto it = marks.pages.find(nPage); it != marks.pages.end()) {
+    const auto fnAdd = [&](const auto& pages, QColor color) {
+        if (const auto it = pages.find(nPage); it != pages.end()) {
             color.setAlpha(kComingAlpha);
             shapes.push_back({it->second, color, false});
         }
     };
     for (const Coming& coming : m_coming) {
-        fnAddMarks(coming.marks, coming.color);
+        fnAdd(coming.pages, coming.color);
     }
-    fnAddMarks(m_pTools->Marks(), m_markColor);
+    fnAdd(m_pTools->Marks().pages, m_markColor);
     if (m_draft && m_draft->nPage == nPage) {
         shapes.push_back({{EditOverlay::QuadOf(m_draft->rc)}, QColor(kNoteColor), false});
         shapes.push_back({{EditOverlay::QuadOf(m_draft->rc)}, Qt::black, true});

@@ -13,6 +13,7 @@
 #include <QObject>
 #include <QPointF>
 #include <QString>
+#include <map>
 #include <memory>
 #include <optional>
 
@@ -95,9 +96,9 @@ private:
         std::int32_t nPage = 0;
         velko::common::vxbase::RectF rc;
     };
-    // Marks that the page does not show yet.
+    // What the pages do not show yet.
     struct Coming {
-        MarkDrag::Marks marks;
+        std::map<std::int32_t, MarkDrag::Quads> pages;
         QColor color;
         std::size_t nPagesLeft = 0; // whose edits are under way
     };
