@@ -1,6 +1,7 @@
 // Marks and notes by real pointers and keys, undone and done again.
 #include <gtest/gtest.h>
 
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QTest>
 #include <algorithm>
@@ -187,9 +188,11 @@ TEST_F(EditingTest, ANoteIsWrittenReadChangedAndDeleted) {
     Key(Qt::Key_M);
     Click(place);
     QTest::keyClicks(Box()->findChild<QPlainTextEdit*>(), "hm, see h");
-    Key(Qt::Key_S, Qt::ControlModifier); // which is not the box's
-    TheView().Edits().FinishWriting();
+    EXPECT_TRUE(RunUntil([&] { return m_pWindow->isWindowModified(); })) << "while it is written";
+    m_pWindow->close();
+    EXPECT_TRUE(m_pWindow->isVisible()) << "what is written is not lost";
     ASSERT_TRUE(Comes(0, 1));
+    delete m_pWindow->findChild<QMessageBox*>();
     EXPECT_EQ(Annots(0)[0].record.strContents, "hm, see h");
     const QPoint inside = place + QPoint(5, 5);
     ASSERT_TRUE(RunUntil([&] {

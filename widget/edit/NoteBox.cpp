@@ -57,6 +57,7 @@ NoteBox::NoteBox(QWidget* pParent)
                                  static_cast<QWidget*>(m_pDone)}) {
         pPart->installEventFilter(this);
     }
+    connect(m_pEdit, &QPlainTextEdit::textChanged, this, &NoteBox::TextChanged);
     connect(m_pDone, &QPushButton::clicked, this, &NoteBox::Finish);
     connect(m_pDelete, &QPushButton::clicked, this, [this] {
         Close();
@@ -71,6 +72,7 @@ void NoteBox::Open(const QString& strTitle, const QString& strText, bool bReadOn
     m_pEdit->setReadOnly(bReadOnly);
     m_pDelete->setVisible(!bReadOnly);
     m_pEdit->setPlainText(strText);
+    m_strOpened = Text(); // line ends are its own
     m_pEdit->moveCursor(QTextCursor::End);
     show();
     raise();
@@ -92,6 +94,10 @@ void NoteBox::PlaceBeside(const QRect& rcAnnot) {
 
 QString NoteBox::Text() const {
     return m_pEdit->toPlainText();
+}
+
+bool NoteBox::IsChanged() const {
+    return IsOpen() && Text() != m_strOpened;
 }
 
 void NoteBox::Finish() {

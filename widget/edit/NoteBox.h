@@ -32,8 +32,10 @@ public:
     bool IsOpen() const { return !isHidden(); }
 
     QString Text() const;
+    bool IsChanged() const; // open, with another text than it was opened with
 
 signals:
+    void TextChanged();
     void Finished(const QString& strText);
     void DeleteWanted();
 
@@ -48,6 +50,7 @@ private:
     QPlainTextEdit* m_pEdit; // these are children
     QPushButton* m_pDelete;
     QPushButton* m_pDone;
+    QString m_strOpened; // with this text
 };
 
 }

@@ -243,9 +243,11 @@ void ViewEdits::WriteChosen() {
 void ViewEdits::OpenBox(const QString& strTitle, const QString& strText) {
     if (m_pBox == nullptr) {
         m_pBox = new NoteBox(m_pView);
+        connect(m_pBox, &NoteBox::TextChanged, this, &ViewEdits::Changed);
         connect(m_pBox, &NoteBox::Finished, this, &ViewEdits::OnWritten);
         connect(m_pBox, &NoteBox::DeleteWanted, this, [this] {
             m_pControl->UpdateViewer();
+            emit Changed();
             if (!std::exchange(m_draft, std::nullopt)) {
                 DeleteChosen();
             }
@@ -274,6 +276,7 @@ void ViewEdits::FinishWriting() {
 // A note in which nothing was written is none.
 void ViewEdits::OnWritten(const QString& strText) {
     m_pControl->UpdateViewer();
+    emit Changed();
     if (const auto draft = std::exchange(m_draft, std::nullopt)) {
         if (!strText.trimmed().isEmpty()) {
             AnnotRecord record = MakeRecord(AnnotType::kNote);
@@ -305,6 +308,11 @@ QString ViewEdits::UndoName() const {
 QString ViewEdits::RedoName() const {
     const EditStep* const pStep = m_pEdits->History().ToRedo();
     return pStep != nullptr ? QString::fromStdString(pStep->strName) : QString();
+}
+
+bool ViewEdits::IsModified() const {
+    return m_pEdits->History().IsModified() || m_pEdits->IsBusy() ||
+           (m_pBox != nullptr && m_pBox->IsChanged());
 }
 
 void ViewEdits::Undo() {

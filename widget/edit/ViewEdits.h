@@ -69,7 +69,7 @@ public:
     QString RedoName() const;
     void Undo();
     void Redo();
-    bool IsModified() const { return m_pEdits->History().IsModified() || m_pEdits->IsBusy(); }
+    bool IsModified() const; // what is being written included
 
     // What is being written becomes a part of the document.
     void FinishWriting();
