@@ -25,6 +25,8 @@ class PDFDoc {
 public:
     // Bits of `GetPasswordType`.
     static constexpr std::int32_t kNoPassword = 1;
+    // Of `StartSaveAs`.
+    static constexpr std::uint32_t kIncremental = 1;
 
     virtual ~PDFDoc() = default;
 
@@ -50,11 +52,17 @@ public:
     // 3 AES-128, 4 (reserved), 5 AES-256.
     virtual std::int32_t GetEncryptionType() const = 0;
 
-    // Writes the document into `pFile`. Flag 1 is an incremental update, 0 a
-    // file written anew. Renders of other threads go on meanwhile, edits wait.
-    // Raises `EngineException`: e_ErrFile when it cannot be written, the code
-    // of `Load` when the document's own bytes cannot be read, e_ErrUnsupported
-    // from an engine that does not write. What it raises leaves `pFile` as it was.
+    // Writes the document, with the edits that there are now, into `pFile`, which need
+    // not be there. `kIncremental` puts an update behind the document's own bytes, where
+    // they are not damaged; 0 writes a file anew. Returns at once: the work is in the
+    // steps of the progress, none for the UI thread, each for a short time or for one
+    // writing; renders and edits of other threads go on meanwhile, and `pPause` is not
+    // asked. What was written is read back before the last step puts it in the file's place.
+    // Letting go of the progress before that leaves nothing.
+    // A step raises `EngineException`: e_ErrFile when the file cannot be written or is
+    // no good, with the platform's exception nested in it if there is one, the code of
+    // `Load` when the document's own bytes cannot be read; this call e_ErrNotLoaded,
+    // and e_ErrUnsupported from an engine that does not write. Both leave `pFile` as it was.
     virtual std::shared_ptr<common::Progressive> StartSaveAs(
         std::shared_ptr<Windows::Storage::StorageFile> pFile, std::uint32_t nFlags,
         common::IPauseCallback* pPause) = 0;

@@ -1,4 +1,6 @@
 // How far a save has come, as an engine's progress may tell it.
+//
+// Threads: those of the progress.
 #pragma once
 
 namespace velko::common {

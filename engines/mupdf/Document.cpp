@@ -268,12 +268,7 @@ void Document::ReadSizesInTurn(const std::weak_ptr<Document>& wkSelf, Loaded& lo
 }
 
 std::shared_ptr<OpenedFile> Document::OpenAgain(const Loaded& loaded) const {
-    auto pFile = std::make_shared<OpenedFile>(m_pReader);
-    if (pFile->Authenticate(loaded.password.Reveal().Text()) == OpenedFile::Access::kRefused ||
-        pFile->ListPages() != loaded.table.Count()) {
-        throw EngineException(ErrorCode::e_ErrConflict, "the file has changed");
-    }
-    return pFile;
+    return OpenedFile::Open(m_pReader, loaded.password, loaded.table.Count());
 }
 
 std::shared_ptr<OpenedFile> Document::UsableFile() {
@@ -362,11 +357,6 @@ std::shared_ptr<pdf::IAction> Document::FindNamedDestination(const std::string& 
     return ReadNamedDestination(*pFile, strName, pState->table.Count(), [&](std::int32_t nPage) {
         return PageTop(*pFile, *pState, nPage);
     });
-}
-
-std::shared_ptr<common::Progressive> Document::StartSaveAs(
-    std::shared_ptr<Windows::Storage::StorageFile>, std::uint32_t, common::IPauseCallback*) {
-    throw EngineException(ErrorCode::e_ErrUnsupported, "this engine does not write documents");
 }
 
 }

@@ -99,6 +99,17 @@ OpenedFile::OpenedFile(std::shared_ptr<common::vxbase::IFileReaderCallback> pRea
     }
 }
 
+std::shared_ptr<OpenedFile> OpenedFile::Open(
+    std::shared_ptr<common::vxbase::IFileReaderCallback> pReader,
+    const Platform::MaskedText& password, std::int32_t nPages) {
+    auto pFile = std::make_shared<OpenedFile>(std::move(pReader));
+    if (pFile->Authenticate(password.Reveal().Text()) == Access::kRefused ||
+        pFile->ListPages() != nPages) {
+        throw common::EngineException(common::ErrorCode::e_ErrConflict, "the file has changed");
+    }
+    return pFile;
+}
+
 OpenedFile::~OpenedFile() {
     m_pAnnots.reset(); // it holds objects of the document
     pdf_drop_document(ThreadContext(), m_pDocument);

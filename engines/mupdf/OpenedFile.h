@@ -17,6 +17,7 @@
 
 #include "document/engine/IFileReaderCallback.h"
 #include "engines/mupdf/ReaderStream.h"
+#include "platform/foundation/SecretText.h"
 
 namespace velko::engines::mupdf {
 
@@ -33,6 +34,12 @@ public:
     ~OpenedFile();
     OpenedFile(const OpenedFile&) = delete;
     OpenedFile& operator=(const OpenedFile&) = delete;
+
+    // The file of a document once more: with that password and so many pages. Raises
+    // `EngineException` as the constructor does, and e_ErrConflict for another file.
+    static std::shared_ptr<OpenedFile> Open(
+        std::shared_ptr<common::vxbase::IFileReaderCallback> pReader,
+        const Platform::MaskedText& password, std::int32_t nPages);
 
     pdf_document* Document() const { return m_pDocument; }
     std::uint32_t FileSize() const { return m_stream.Size(); }

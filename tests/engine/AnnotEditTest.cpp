@@ -8,7 +8,7 @@
 
 #include "document/engine/AnnotClasses.h"
 #include "engines/mupdf/Allocator.h"
-#include "tests/engine/MuPdfFixture.h"
+#include "tests/engine/EditFixture.h"
 #include "tests/support/pdf_writer/PdfWriter.h"
 
 namespace velko::testing {
@@ -21,94 +21,8 @@ using pdf::IAnnotEditor;
 
 namespace {
 
-constexpr std::int32_t kNote = 1;
-constexpr std::int32_t kFreeText = 3;
-constexpr std::int32_t kLine = 4;
-constexpr std::int32_t kSquare = 5;
-constexpr std::int32_t kHighlight = 9;
-constexpr std::int32_t kInk = 15;
 const std::vector<std::int32_t> kMadeKinds = {kNote,      kFreeText, kLine, kSquare, 6,
                                               kHighlight, 10,        11,    12,      kInk};
-
-// One of each kind, drawn within 40..100 by 50..80 of the page.
-AnnotRecord RecordOf(std::int32_t nType) {
-    AnnotRecord record;
-    record.nType = nType;
-    record.rcArea = {40, 50, 100, 80};
-    if (nType >= kHighlight && nType <= 12) {
-        record.quads = {{{45, 62}, {95, 62}, {45, 52}, {95, 52}},
-                        {{45, 78}, {70, 78}, {45, 68}, {70, 68}}};
-    }
-    if (nType == kInk) {
-        record.strokes = {{{45, 55}, {60, 75}, {90, 60}}, {{50, 52}, {52, 52}}};
-    }
-    record.ptStart = {45, 55};
-    record.ptEnd = {95, 75};
-    record.nColor = 0xFF8000;
-    record.nFillColor = 0x0080FF;
-    record.fOpacity = 0.5F;
-    record.fLineWidth = 2.0F;
-    record.fFontSize = 9.0F;
-    record.strContents =
-        "gr\xC3\xBC\xC3\x9F dich, \xCE\xB1\xCE\xB2, \xE6\x97\xA5\xE6\x9C\xAC (1)\n2";
-    record.strAuthor = "Zo\xC3\xAB";
-    record.nCreated = 1'000'000'000;
-    record.nModified = 1'600'000'001;
-    return record;
-}
-
-// What a kind says, and nothing else of the record, in one line.
-std::string Told(const AnnotRecord& record) {
-    std::string strTold =
-        std::to_string(record.nType) + " " + record.strContents + "|" + record.strAuthor + "|" +
-        std::to_string(record.nCreated) + " " + std::to_string(record.nModified) + " " +
-        std::to_string(record.nColor.value_or(0xFFFFFFFFU)) + " " + std::to_string(record.fOpacity);
-    for (const pdf::TextQuad& q : record.quads) {
-        for (const PointF& pt : {q.ptTopLeft, q.ptTopRight, q.ptBottomLeft, q.ptBottomRight}) {
-            strTold += " " + std::to_string(pt.X) + "," + std::to_string(pt.Y);
-        }
-    }
-    for (const auto& stroke : record.strokes) {
-        strTold += " /";
-        for (const PointF& pt : stroke) {
-            strTold += " " + std::to_string(pt.X) + "," + std::to_string(pt.Y);
-        }
-    }
-    if (record.nType == kLine) {
-        strTold += " " + std::to_string(record.ptStart.X) + " " + std::to_string(record.ptEnd.Y);
-    }
-    if (record.nType == kSquare || record.nType == 6) {
-        strTold += " " + std::to_string(record.nFillColor.value_or(0xFFFFFFFFU));
-    }
-    if (record.nType == kFreeText) {
-        strTold += " " + std::to_string(record.fFontSize);
-    }
-    return strTold;
-}
-
-struct Opened {
-    explicit Opened(const std::string& strBytes)
-        : pReader(std::make_shared<MemoryReader>(strBytes)), pDoc(CreateDoc(pReader)) {
-        pDoc->Load({});
-    }
-    IAnnotEditor& Editor() const { return dynamic_cast<IAnnotEditor&>(*pDoc); }
-    std::shared_ptr<common::Bitmap> Picture(std::int32_t nPage = 0, double dbScale = 1.0) const {
-        const auto pPage = pDoc->GetPage(nPage);
-        View view = WholePage(*pPage, dbScale);
-        view.bAnnots = true;
-        return Render(pPage, view);
-    }
-    std::string List(std::int32_t nPage = 0) const {
-        std::string strList;
-        for (const pdf::ListedAnnot& annot : Editor().ListAnnots(nPage)) {
-            strList += std::to_string(annot.nId) + ": " + Told(annot.record) + "\n";
-        }
-        return strList;
-    }
-
-    std::shared_ptr<MemoryReader> pReader;
-    std::shared_ptr<pdf::PDFDoc> pDoc;
-};
 
 // The box around where two pictures differ, in pixels.
 RectF Changed(common::Bitmap& one, common::Bitmap& two) {
@@ -124,35 +38,6 @@ RectF Changed(common::Bitmap& one, common::Bitmap& two) {
         }
     }
     return rc;
-}
-
-// Annotations of every form in which a file has them: an object with a popup, two that
-// stand in the list itself, one of two pages, and entries that are none.
-std::string AnnotatedDocument() {
-    PdfOptions options;
-    const auto fnRef = [](int n) { return std::to_string(kFirstExtraObject + n) + " 0 R"; };
-    options.extraObjects = {
-        FormObject(20, 20, "0 0 1"),
-        "<< /Type /Annot /Subtype /Text /Rect [10 60 30 80] /Contents (first) /Popup " + fnRef(2) +
-            " /AP << /N " + fnRef(0) + " >> /Own (kept) /C [0 0 0 1] /F 4 >>",
-        "<< /Type /Annot /Subtype /Popup /Rect [100 60 150 90] /Parent " + fnRef(1) + " >>",
-        "<< /Type /Annot /Subtype /Square /Rect [35 60 55 80] /AP << /N " + fnRef(0) +
-            " >> /F 4 >>"};
-    PdfPage page;
-    page.mediaBox = {0, 0, 160, 100};
-    page.strContent = "0.9 g 0 0 160 100 re f\n";
-    const std::string strLine =
-        "<< /Type /Annot /Subtype /Line /Rect [60 20 100 40] /L [60 20 100 40] /LE [/None "
-        "/OpenArrow] /BS << /W 3 /S /D /D [6 2] >> /C [1 0 0] /F 4 >>";
-    page.annots = {fnRef(1),
-                   "null",
-                   strLine,
-                   fnRef(2),
-                   AnnotDictionary("Stamp", {10, 20, 30, 40}, kFirstExtraObject),
-                   fnRef(3)};
-    PdfPage second = page;
-    second.annots = {fnRef(3)};
-    return MakePdf({page, second}, options);
 }
 
 }
