@@ -1,24 +1,31 @@
 // Hands arbitrary bytes to the engine module the way the component does: opens
 // them through the reader callback, asks for the sizes, parses and draws the
-// first page with its annotations, and follows the page's links.
+// first page with its annotations, follows the page's links, edits its annotations and
+// saves what came of it.
 //
 // What it looks for: crashes, sanitizer findings, exceptions other than the
 // engine's, and answers that break the contract (checked with `Require`).
+#include <unistd.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
+#include "document/engine/AnnotEditor.h"
 #include "document/engine/Bitmap.h"
 #include "document/engine/HostServices.h"
 #include "document/engine/PDFDoc.h"
 #include "document/engine/Renderer.h"
 #include "engines/mupdf/Register.h"
 #include "platform/concurrency/ThreadPool.h"
+#include "platform/storage/StorageFile.h"
 #include "platform/system/Activation.h"
 
 namespace {
@@ -31,6 +38,7 @@ using velko::pdf::PDFPage;
 
 constexpr std::int32_t kSide = 200; // of the bitmap, pixels
 constexpr std::int32_t kMaxAnnots = 50;
+constexpr std::size_t kMaxEdited = 6;
 
 void Require(bool bHolds, const char* szWhat) {
     if (!bHolds) {
@@ -115,6 +123,59 @@ void FollowLinks(const std::shared_ptr<PDFDoc>& pDoc) {
     pLinks->FindNamedDestination("chapter1");
 }
 
+// Runs what broken bytes may make fail, and says whether they did.
+template <class Body>
+bool Allowed(Body&& body) {
+    try {
+        body();
+        return true;
+    } catch (const velko::common::EngineException&) {
+        return false;
+    }
+}
+
+void EditAnnot(velko::pdf::IAnnotEditor& editor, const velko::pdf::ListedAnnot& annot) {
+    velko::pdf::AnnotRecord record = annot.record;
+    record.strContents += "x";
+    record.nColor = 0x123456;
+    Allowed([&] {
+        editor.ChangeAnnot(0, annot.nId, record);
+        editor.RemoveAnnot(0, annot.nId);
+        editor.RestoreAnnot(0, annot.nId);
+    });
+}
+
+void EditFirstPage(const std::shared_ptr<PDFDoc>& pDoc) {
+    auto& editor = dynamic_cast<velko::pdf::IAnnotEditor&>(*pDoc);
+    const auto annots = editor.ListAnnots(0);
+    for (std::size_t i = 0; i < std::min(annots.size(), kMaxEdited); ++i) {
+        EditAnnot(editor, annots[i]);
+    }
+    velko::pdf::AnnotRecord mark;
+    mark.nType = 9;
+    mark.quads = {{{10, 20}, {90, 20}, {10, 10}, {90, 10}}};
+    mark.nColor = 0xFFFF00;
+    const auto nBefore = editor.ListAnnots(0).size();
+    const std::uint64_t nRevision = editor.Revision();
+    const bool bAdded = Allowed([&] { editor.AddAnnot(0, mark); });
+    Require(editor.Revision() == nRevision + (bAdded ? 1 : 0), "what failed is no edit");
+    Require(editor.ListAnnots(0).size() == nBefore + (bAdded ? 1 : 0), "an edit adds one");
+}
+
+// The engine itself looks at what it wrote.
+void Save(const std::shared_ptr<PDFDoc>& pDoc) {
+    const std::string strPath = std::filesystem::temp_directory_path() /
+                                ("velko-fuzz-" + std::to_string(::getpid()) + ".pdf");
+    Allowed([&] {
+        const auto pSave = pDoc->StartSaveAs(Windows::Storage::StorageFile::FromPath(strPath),
+                                             PDFDoc::kIncremental, nullptr);
+        while (pSave->Continue() == velko::common::Progressive::kToBeContinued) {
+        }
+    });
+    std::error_code ignored;
+    std::filesystem::remove(strPath, ignored);
+}
+
 void VisitFirstPage(const std::shared_ptr<PDFDoc>& pDoc) {
     const std::shared_ptr<PDFPage> pPage = pDoc->GetPage(0);
     Require(pPage != nullptr, "a page below the count exists");
@@ -123,6 +184,9 @@ void VisitFirstPage(const std::shared_ptr<PDFDoc>& pDoc) {
     Require(pPage->GetRotation() >= 0 && pPage->GetRotation() <= 3, "rotations");
     DrawPage(pPage);
     FollowLinks(pDoc);
+    EditFirstPage(pDoc);
+    DrawPage(pPage);
+    Save(pDoc);
 }
 
 }

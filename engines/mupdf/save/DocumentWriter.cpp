@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <exception>
 #include <memory>
+#include <random>
 #include <utility>
 #include <vector>
 
@@ -121,9 +122,20 @@ fz_stream* StreamOutput::AsStream(fz_context* ctx, void* pState) {
     return pReader->NewStream(ctx);
 }
 
+// The library takes from its random numbers what tells versions of a file apart, and what
+// strings and streams are encrypted with; they start alike in every process.
+void Shuffle(fz_context* ctx) {
+    constexpr std::size_t kNumbers = 3; // that change from one to the next
+    std::random_device random;
+    for (std::size_t i = 0; i < kNumbers; ++i) {
+        ctx->seed48[i] = static_cast<std::uint16_t>(random());
+    }
+}
+
 void WriteWith(OpenedFile& file, std::shared_ptr<SaveTarget> pTarget,
                const pdf_write_options& options) {
     fz_context* const ctx = ThreadContext();
+    Shuffle(ctx);
     StreamOutput stream(std::move(pTarget));
     OutputHandle output;
     try {
@@ -139,12 +151,23 @@ void WriteWith(OpenedFile& file, std::shared_ptr<SaveTarget> pTarget,
     stream.RaiseFailure();
 }
 
+// A file with both kinds of tables the library would not update, not knowing which kind
+// to write: it gets one of the kind of its last.
+void SettleKindOfTable(fz_context* ctx, pdf_document* pDocument) {
+    pdf_obj* const pTrailer = pdf_trailer(ctx, pDocument);
+    const bool bStream =
+        pdf_name_eq(ctx, pdf_dict_get(ctx, pTrailer, PDF_NAME(Type)), PDF_NAME(XRef)) != 0;
+    (bStream ? pDocument->has_old_style_xrefs : pDocument->has_xref_streams) = 0;
+    pdf_dict_del(ctx, pTrailer, PDF_NAME(XRefStm)); // belongs to the table that it stands in
+}
+
 }
 
 bool CanBeUpdated(OpenedFile& file) {
     fz_context* const ctx = ThreadContext();
     bool bCan = false;
     file.Use([&] {
+        SettleKindOfTable(ctx, file.Document());
         bCan = pdf_was_repaired(ctx, file.Document()) == 0 &&
                pdf_can_be_saved_incrementally(ctx, file.Document()) != 0;
     });

@@ -74,7 +74,7 @@ void Verify(Body&& body) {
         if (error.Code() == ErrorCode::e_ErrOutOfMemory) {
             throw;
         }
-        Require(false, error.what());
+        Require(false, "what was written cannot be read as the document");
     }
 }
 
