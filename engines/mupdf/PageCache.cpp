@@ -52,24 +52,30 @@ void PageCache::Drop(const Key& first, const Key& last, IsDropped&& fnIsDropped)
     while (it != m_index.end() && it->first < last) {
         const auto itEntry = it->second;
         ++it;
-        if (fnIsDropped(*itEntry->pItem)) {
+        if (fnIsDropped(*itEntry)) {
             Remove(itEntry, dropped);
         }
     }
 }
 
 void PageCache::DropDocument(std::uint64_t nDocument) {
-    Drop({nDocument, 0}, {nDocument + 1, 0}, [](const CacheItem&) { return true; });
+    Drop({nDocument, 0}, {nDocument + 1, 0}, [](const Entry&) { return true; });
 }
 
 void PageCache::DropWithAnnots(std::uint64_t nDocument, std::int32_t nPage) {
     Drop({nDocument, nPage, Kind::Annots}, {nDocument, nPage, Kind::Text},
-         [](const CacheItem&) { return true; });
+         [](const Entry&) { return true; });
+}
+
+void PageCache::DropOfKind(std::uint64_t nDocument, Kind eKind,
+                           const std::function<bool(const CacheItem&)>& fnIsDropped) {
+    Drop({nDocument, 0}, {nDocument + 1, 0},
+         [&](const Entry& entry) { return entry.key.eKind == eKind && fnIsDropped(*entry.pItem); });
 }
 
 void PageCache::DropCutShort(std::uint64_t nDocument, std::int32_t nPage) {
     Drop({nDocument, nPage}, {nDocument, nPage + 1},
-         [](const CacheItem& item) { return item.bCutShort; });
+         [](const Entry& entry) { return entry.pItem->bCutShort; });
 }
 
 void PageCache::SetLimits(const Limits& limits) {

@@ -14,6 +14,7 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <list>
 #include <map>
 #include <memory>
@@ -66,6 +67,9 @@ public:
     void DropDocument(std::uint64_t nDocument);
     // All but its content.
     void DropWithAnnots(std::uint64_t nDocument, std::int32_t nPage);
+    // Of a kind, on all pages, what `fnIsDropped` names; it takes no lock.
+    void DropOfKind(std::uint64_t nDocument, Kind eKind,
+                    const std::function<bool(const CacheItem&)>& fnIsDropped);
     void DropCutShort(std::uint64_t nDocument, std::int32_t nPage);
 
     void SetLimits(const Limits& limits);

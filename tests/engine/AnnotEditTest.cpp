@@ -147,6 +147,12 @@ TEST_F(AnnotEditTest, AChangeKeepsWhatTheRecordDoesNotSay) {
     EXPECT_EQ(Compare(*pPicture, *opened.Picture()).nPixels, 0);
     EXPECT_EQ(editor.ListAnnots(0)[1].nId, annots[1].nId);
     EXPECT_EQ(editor.Revision(), 4U);
+
+    const auto pSecond = opened.Picture(1);
+    AnnotRecord square = annots[4].record;
+    square.nColor = 0x00FF00;
+    editor.ChangeAnnot(0, annots[4].nId, square);
+    EXPECT_NE(Compare(*pSecond, *opened.Picture(1)).nPixels, 0) << "it is on both pages";
 }
 
 TEST_F(AnnotEditTest, WhatCannotBeMadeChangesNothing) {

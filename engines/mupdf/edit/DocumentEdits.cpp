@@ -58,6 +58,7 @@ EditLog Document::Edits() const {
 // On the file that is shown, then for good in the list: an edit that fails is in neither.
 void Document::CarryOut(AnnotEdit edit) {
     const std::int32_t nPage = edit.nPage;
+    const AnnotId nId = edit.nId;
     FactsOf(nPage); // the table knows it from here on
     const Lock lock(m_lock);
     const std::shared_ptr<OpenedFile> pFile = UsableFile();
@@ -70,6 +71,9 @@ void Document::CarryOut(AnnotEdit edit) {
     }
     LoadedState()->table.RenewAnnots(nPage, outcome.nAnnots, ++m_nGeneration);
     PageCache::Instance().DropWithAnnots(m_nKey, nPage);
+    PageCache::Instance().DropOfKind(m_nKey, PageCache::Kind::Annots, [nId](const CacheItem& item) {
+        return static_cast<const Drawing&>(item).PartOf(nId).has_value(); // of two pages
+    });
 }
 
 void Document::Keep(AnnotEdit edit, bool bIsOriginal) {
