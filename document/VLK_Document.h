@@ -44,6 +44,7 @@
 #include "platform/foundation/Collections.h"
 #include "platform/foundation/Geometry.h"
 #include "platform/foundation/SecretText.h"
+#include "platform/storage/FileVersion.h"
 #include "platform/storage/StorageFile.h"
 
 namespace velko::pdf {
@@ -341,6 +342,8 @@ private:
     concurrency::task<FilePtr> MakeTempFile(const FilePtr& pFile,
                                             const concurrency::cancellation_token& token);
     concurrency::task<bool> SaveToFile(PdfDocPtr pPdfDoc, FilePtr pFile);
+    concurrency::task<Windows::Storage::FileVersion> KnownVersion() const;
+    void KnowVersion(const Windows::Storage::FileVersion& version);
     SaveSteps MakeSaveSteps(float fFrom, float fTo);
     void TellSaveProgress(float fDone);
 
@@ -366,6 +369,8 @@ private:
     FilePtr m_pFile VLK_GUARDED_BY(m_refLock);
     FilePtr m_pPinnedFile VLK_GUARDED_BY(m_refLock); // what the engine reads
     FilePtr m_pTempFile VLK_GUARDED_BY(m_refLock);   // the last one, also when it is gone
+    // Of the file as it was saved last; before that the one that was opened counts.
+    std::optional<Windows::Storage::FileVersion> m_savedVersion VLK_GUARDED_BY(m_refLock);
     std::weak_ptr<void> m_wkSave VLK_GUARDED_BY(m_refLock);
     const concurrency::cancellation_token_source m_Cancellation; // of edits and saves
     std::atomic<float> m_fSaveProgress{0.0F};

@@ -1,4 +1,5 @@
 // Saving: over the document's own file by way of the temporary file, and into another.
+#include <chrono>
 #include <utility>
 
 #include "document/SaveInProgressException.h"
@@ -7,6 +8,7 @@
 #include "document/VXDocUtil.h"
 #include "platform/foundation/Exception.h"
 #include "platform/storage/ApplicationData.h"
+#include "platform/storage/FileLock.h"
 #include "platform/storage/StorageFolder.h"
 #include "platform/system/Debug.h"
 #include "platform/system/Environment.h"
@@ -19,12 +21,14 @@ using concurrency::critical_section;
 using Platform::Debug::OutputDebugString;
 using Windows::Storage::ApplicationData;
 using Windows::Storage::CreationCollisionOption;
+using Windows::Storage::FileVersion;
 using Windows::Storage::StorageFolder;
 
 namespace {
 
 constexpr const char* kTempFileName = "temperFile.pdf";
-constexpr std::uint32_t kIncremental = 1; // flag of the engine's save
+constexpr std::chrono::seconds kLongestWait{5}; // for the temporary file's turn
+constexpr std::uint32_t kIncremental = 1;       // flag of the engine's save
 
 // How much of a save is done after each step, as a reader finds that time goes.
 constexpr float kCopiedShare = 0.1F;
@@ -74,6 +78,9 @@ concurrency::task<void> VLK_Document::ReplaceFile(PdfDocPtr pPdfDoc, FilePtr pFi
     }
     TellSaveProgress(0.0F);
     const auto pFolder = ApplicationData::Current()->LocalStorageFolder();
+    const auto locking = pFolder->LockAsync(kTempFileName, kLongestWait).AsTask();
+    const auto pLock = co_await locking; // to the end of this
+    token.throw_if_canceled();
     const auto making = MakeTempFile(pFile, token);
     const FilePtr pTemp = co_await making;
     TellSaveProgress(kCopiedShare);
@@ -85,11 +92,14 @@ concurrency::task<void> VLK_Document::ReplaceFile(PdfDocPtr pPdfDoc, FilePtr pFi
     if (fnCheck) {
         fnCheck(pTemp);
     }
+    const auto knowing = KnownVersion();
+    const FileVersion expected = co_await knowing;
     token.throw_if_canceled();
     // From here on nothing is cancelled: the file is replaced, and what was made for it goes.
     OutputDebugString("Prepare to copy and replace file.\n");
-    const auto replacing = pTemp->CopyAndReplaceAsync(pFile).AsTask();
-    co_await replacing;
+    const auto replacing = pTemp->ReplaceUnchangedAsync(pFile, expected).AsTask();
+    const FileVersion replaced = co_await replacing;
+    KnowVersion(replaced);
     TellSaveProgress(kReplacedShare);
     OutputDebugString("Prepare to delete temp file.\n");
     const auto deleting = pTemp->DeleteAsync().AsTask();
@@ -147,15 +157,51 @@ concurrency::task<bool> VLK_Document::SaveToFile(PdfDocPtr pPdfDoc, FilePtr pFil
     co_return bSaved;
 }
 
+// --- the file that may be replaced -----------------------------------------
+
+concurrency::task<FileVersion> VLK_Document::KnownVersion() const {
+    FilePtr pPinned;
+    {
+        const critical_section::scoped_lock lock(m_refLock);
+        if (m_savedVersion) {
+            return concurrency::task_from_result<FileVersion>(*m_savedVersion);
+        }
+        pPinned = m_pPinnedFile;
+    }
+    if (!pPinned) {
+        throw concurrency::task_canceled(); // closed meanwhile
+    }
+    return pPinned->GetVersionAsync().AsTask();
+}
+
+void VLK_Document::KnowVersion(const FileVersion& version) {
+    const critical_section::scoped_lock lock(m_refLock);
+    m_savedVersion = version;
+}
+
 concurrency::task<void> VLK_Document::RebindFile(FilePtr pFile) {
+    const auto pSelf = shared_from_this();
     ThrowIfDisposed();
+    if (!pFile) {
+        throw Platform::NullReferenceException("no file to save into");
+    }
+    const auto asking = pFile->GetVersionAsync().AsTask();
+    const FileVersion version = co_await asking;
+    m_Cancellation.get_token().throw_if_canceled();
     const critical_section::scoped_lock lock(m_refLock);
     m_pFile = std::move(pFile);
-    return concurrency::task_from_result<void>();
+    m_savedVersion = version;
 }
 
 concurrency::task<void> VLK_Document::AcceptChangedFile() {
-    return concurrency::task_from_result<void>();
+    const auto pSelf = shared_from_this();
+    const FilePtr pFile = File();
+    if (!pFile) {
+        throw Platform::NullReferenceException("the document has no file");
+    }
+    const auto asking = pFile->GetVersionAsync().AsTask();
+    const FileVersion version = co_await asking;
+    KnowVersion(version);
 }
 
 std::shared_ptr<void> VLK_Document::BeginSave() {
