@@ -10,7 +10,7 @@ std::unordered_map<std::string, CommandFunction> MakeTable() {
     std::unordered_map<std::string, CommandFunction> table;
     for (const auto area :
          {DocumentCommands(), NavigationCommands(), ViewCommands(), InputCommands(),
-          ConversionCommands(), StoreCommands(), DiagnosticCommands()}) {
+          ConversionCommands(), StoreCommands(), SaveCommands(), DiagnosticCommands()}) {
         for (const CommandEntry& entry : area) {
             table.emplace(entry.szOp, entry.fnRun);
         }

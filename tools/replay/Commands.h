@@ -33,6 +33,7 @@ std::span<const CommandEntry> ViewCommands();
 std::span<const CommandEntry> InputCommands();
 std::span<const CommandEntry> ConversionCommands();
 std::span<const CommandEntry> StoreCommands();
+std::span<const CommandEntry> SaveCommands();
 std::span<const CommandEntry> DiagnosticCommands();
 
 }

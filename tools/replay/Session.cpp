@@ -21,10 +21,12 @@
 #include "platform/storage/StorageActivity.h"
 #include "platform/storage/StorageFaults.h"
 #include "platform/system/Debug.h"
+#include "platform/ui/Window.h"
 #include "settings/AppConfig.h"
 #include "tools/replay/CountedEngine.h"
 #include "tools/replay/EventPrinter.h"
 #include "tools/replay/InputPrinter.h"
+#include "tools/replay/OrderedDialogs.h"
 
 namespace velko::replay {
 
@@ -67,7 +69,8 @@ std::string Counted(std::size_t nCount, const char* szWhat) {
 
 }
 
-Session::Session(Output& output) : m_output(output) {}
+Session::Session(Output& output)
+    : m_output(output), m_pDialogs(std::make_shared<OrderedDialogs>()) {}
 
 // An object whose first constructor has returned is destroyed also when the
 // second one raises.
@@ -103,6 +106,7 @@ void Session::MakeControl(const Options& options) {
     m_pControl = velko::vkit::PDFViewCtrl::Create();
     m_pWindow =
         std::make_unique<Platform::Qt::QtElementWindow>(m_pPlatform->Environment(), m_pControl);
+    Windows::UI::Xaml::Window::Of(*m_pControl)->Dialogs(m_pDialogs);
     m_pWindow->OnFailure([this](const std::exception_ptr& pFailure) {
         if (!m_pFailure) { // the first one is the cause
             m_pFailure = pFailure;

@@ -37,6 +37,8 @@ class PDFViewCtrl;
 
 namespace velko::replay {
 
+class OrderedDialogs;
+
 class Session {
 public:
     // Raises what the platform or the control fails with on the way.
@@ -54,6 +56,7 @@ public:
     Platform::Qt::QtElementWindow& Window() { return *m_pWindow; }
     Windows::UI::Xaml::Controls::SwapChainPanel& Panel();
     QPointF InWindow(Windows::Foundation::Point pt); // from the canvas's units to the window's
+    OrderedDialogs& Dialogs() { return *m_pDialogs; }
     Platform::Qt::QtGraphicsFactory& Graphics() { return *m_pGraphics; }
     const std::shared_ptr<Counters>& Counts() const { return m_pCounters; }
     const std::shared_ptr<Faults>& OrderedFaults() const { return m_pFaults; }
@@ -102,6 +105,7 @@ private:
     std::unique_ptr<Platform::Qt::QtRuntime> m_pPlatform;
     std::shared_ptr<velko::vkit::PDFViewCtrl> m_pControl;
     std::unique_ptr<Platform::Qt::QtElementWindow> m_pWindow;
+    const std::shared_ptr<OrderedDialogs> m_pDialogs;
     std::chrono::milliseconds m_inputTime{1000};
     std::exception_ptr m_pFailure; // of a handler that the window called
 };
