@@ -114,7 +114,10 @@ void MainWindow::ConnectEdits() {
             [this] { setWindowModified(m_pView->IsModified()); });
     connect(m_pSaveFlow, &SaveFlow::Told, this,
             [this](const QString& strText) { NoticeLine().Tell(strText); });
-    connect(m_pSaveFlow, &SaveFlow::Saved, this, &MainWindow::UpdateTitle);
+    connect(m_pSaveFlow, &SaveFlow::Saved, this, [this] {
+        UpdateTitle();
+        OnDone();
+    });
     connect(&m_pView->Edits(), &vkit::ViewEdits::Refused, this,
             [this](const QString& strReason) { NoticeLine().Tell(strReason); });
 }

@@ -2,7 +2,6 @@
 
 #include <QImage>
 #include <QPainter>
-#include <QPainterPath>
 #include <algorithm>
 #include <cmath>
 
@@ -20,7 +19,6 @@ TextQuad EditOverlay::QuadOf(const RectF& rc) {
     return {{rc.Left, rc.Top}, {rc.Right, rc.Top}, {rc.Left, rc.Bottom}, {rc.Right, rc.Bottom}};
 }
 
-// In device pixels.
 QPolygonF EditOverlay::OnCanvas(std::int32_t nPage, const TextQuad& quad) const {
     QPolygonF polygon;
     for (const PointF pt :
@@ -33,23 +31,60 @@ QPolygonF EditOverlay::OnCanvas(std::int32_t nPage, const TextQuad& quad) const 
     return polygon;
 }
 
+QPainterPath EditOverlay::OnCanvas(std::int32_t nPage, const Shape& shape) const {
+    QPainterPath path;
+    path.setFillRule(Qt::WindingFill);
+    for (const TextQuad& quad : shape.quads) {
+        path.addPolygon(OnCanvas(nPage, quad));
+    }
+    return path;
+}
+
+QRectF EditOverlay::Screen() const {
+    const auto size = Control().GetCanvasSize();
+    return {0.0, 0.0, size.Width * Control().CompositionScaleX(),
+            size.Height * Control().CompositionScaleY()};
+}
+
+namespace {
+
+// White between the dashes, so that they are seen on any page.
+void PaintFrame(QPainter& painter, const QRectF& rc, const QColor& color, double dbLine) {
+    const QRectF rcFrame = rc.adjusted(-dbLine / 2.0, -dbLine / 2.0, dbLine / 2.0, dbLine / 2.0);
+    painter.setPen(QPen(Qt::white, dbLine));
+    painter.drawRect(rcFrame);
+    QPen dashes(color, dbLine);
+    dashes.setDashPattern({3.0, 2.0});
+    painter.setPen(dashes);
+    painter.drawRect(rcFrame);
+}
+
+void DrawPicture(ID2D1DeviceContext& context, const QImage& picture, QPoint ptTopLeft) {
+    const auto pBitmap = context.CreateBitmap(
+        {static_cast<std::uint32_t>(picture.width()), static_cast<std::uint32_t>(picture.height())},
+        {picture.constBits(), static_cast<std::size_t>(picture.sizeInBytes())},
+        static_cast<std::uint32_t>(picture.bytesPerLine()), {});
+    const auto fLeft = static_cast<float>(ptTopLeft.x());
+    const auto fTop = static_cast<float>(ptTopLeft.y());
+    const auto fWidth = static_cast<float>(picture.width());
+    const auto fHeight = static_cast<float>(picture.height());
+    context.DrawBitmap(pBitmap, {fLeft, fTop, fLeft + fWidth, fTop + fHeight}, 1.0F,
+                       D2D1_INTERPOLATION_MODE::NEAREST_NEIGHBOR, {0, 0, fWidth, fHeight});
+}
+
+}
+
 // A picture of what lies in sight is laid over the page, so that quads may lie over each
 // other, and run any way, without showing it.
 void EditOverlay::Draw(const RenderCanvasEventArgs& args) {
-    const auto size = Control().GetCanvasSize();
-    const QRectF rcScreen(0.0, 0.0, size.Width * Control().CompositionScaleX(),
-                          size.Height * Control().CompositionScaleY());
     const double dbLine = std::max(2.0, std::round(2.0 * PixelRatio()));
     for (const Shape& shape : m_fnShapes(args.nPageIndex)) {
-        QPainterPath path;
-        path.setFillRule(Qt::WindingFill);
-        for (const TextQuad& quad : shape.quads) {
-            path.addPolygon(OnCanvas(args.nPageIndex, quad));
-        }
-        const QRectF rcPath = shape.bFrame
-                                  ? path.boundingRect().adjusted(-dbLine, -dbLine, dbLine, dbLine)
-                                  : path.boundingRect();
-        const QRect rc = rcPath.intersected(rcScreen).toAlignedRect();
+        const QPainterPath path = OnCanvas(args.nPageIndex, shape);
+        const double dbAround = shape.bFrame ? dbLine : 0.0;
+        const QRect rc = path.boundingRect()
+                             .adjusted(-dbAround, -dbAround, dbAround, dbAround)
+                             .intersected(Screen())
+                             .toAlignedRect();
         if (rc.isEmpty()) {
             continue;
         }
@@ -59,30 +94,12 @@ void EditOverlay::Draw(const RenderCanvasEventArgs& args) {
         painter.setRenderHint(QPainter::Antialiasing);
         painter.translate(-rc.topLeft());
         if (shape.bFrame) {
-            const QRectF rcFrame = path.boundingRect().adjusted(-dbLine / 2.0, -dbLine / 2.0,
-                                                                dbLine / 2.0, dbLine / 2.0);
-            painter.setPen(QPen(Qt::white, dbLine));
-            painter.drawRect(rcFrame);
-            painter.setPen(QPen(shape.color, dbLine, Qt::CustomDashLine));
-            QPen dashes(shape.color, dbLine);
-            dashes.setDashPattern({3.0, 2.0});
-            painter.setPen(dashes);
-            painter.drawRect(rcFrame);
+            PaintFrame(painter, path.boundingRect(), shape.color, dbLine);
         } else {
             painter.fillPath(path, shape.color);
         }
         painter.end();
-        ID2D1DeviceContext& context = *args.Canvas->GetDeviceContext();
-        const auto pBitmap = context.CreateBitmap(
-            {static_cast<std::uint32_t>(rc.width()), static_cast<std::uint32_t>(rc.height())},
-            {picture.constBits(), static_cast<std::size_t>(picture.sizeInBytes())},
-            static_cast<std::uint32_t>(picture.bytesPerLine()), {});
-        const auto fLeft = static_cast<float>(rc.left());
-        const auto fTop = static_cast<float>(rc.top());
-        const auto fWidth = static_cast<float>(rc.width());
-        const auto fHeight = static_cast<float>(rc.height());
-        context.DrawBitmap(pBitmap, {fLeft, fTop, fLeft + fWidth, fTop + fHeight}, 1.0F,
-                           D2D1_INTERPOLATION_MODE::NEAREST_NEIGHBOR, {0, 0, fWidth, fHeight});
+        DrawPicture(*args.Canvas->GetDeviceContext(), picture, rc.topLeft());
     }
 }
 

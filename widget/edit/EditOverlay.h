@@ -5,6 +5,7 @@
 #pragma once
 
 #include <QColor>
+#include <QPainterPath>
 #include <QPolygonF>
 #include <QRectF>
 #include <cstdint>
@@ -34,7 +35,10 @@ protected:
     void Draw(const RenderCanvasEventArgs& args) override;
 
 private:
+    // In device pixels.
     QPolygonF OnCanvas(std::int32_t nPage, const velko::pdf::TextQuad& quad) const;
+    QPainterPath OnCanvas(std::int32_t nPage, const Shape& shape) const;
+    QRectF Screen() const;
 
     const Shapes m_fnShapes;
 };
