@@ -178,8 +178,8 @@ QMessageBox* SaveFlow::MakeQuestion(const QString& strText, const QString& strMo
 
 void SaveFlow::AskAboutChanges() {
     QMessageBox* const pBox = MakeQuestion(
-        QStringLiteral("“%1” was changed by another program.").arg(Name()),
-        QStringLiteral("Overwriting it loses what that program wrote. Saving to another file keeps "
+        QStringLiteral("“%1” was changed by another program or window.").arg(Name()),
+        QStringLiteral("Overwriting it loses what was written there. Saving to another file keeps "
                        "both."));
     QPushButton* const pOther = pBox->addButton("Save &as…", QMessageBox::AcceptRole);
     QPushButton* const pOver = pBox->addButton("&Overwrite", QMessageBox::DestructiveRole);

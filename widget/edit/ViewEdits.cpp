@@ -364,12 +364,7 @@ void ViewEdits::Update() {
         m_pTools->Take(Tool::None);
     }
     m_pTools->Update();
-    for (const std::int32_t nPage : m_pControl->GetVisiblePages()) {
-        m_annots.Find(nPage); // so that the pointer finds them
-        if (CurrentTool() == Tool::Highlight) {
-            m_texts.TextOf(nPage);
-        }
-    }
+    ReadAhead();
     const auto nBefore = m_coming.size();
     if (m_pControl->IsSharp()) {
         std::erase_if(m_coming, [](const Coming& coming) { return coming.nPagesLeft == 0; });
@@ -379,6 +374,20 @@ void ViewEdits::Update() {
     }
     if (m_pBox != nullptr && m_pBox->IsOpen()) {
         PlaceBox();
+    }
+}
+
+// What a pointer may ask for, once the pages have all that they show: reading it waits
+// for the engine, as drawing does.
+void ViewEdits::ReadAhead() {
+    const bool bSharp = m_pControl->IsSharp();
+    for (const std::int32_t nPage : m_pControl->GetVisiblePages()) {
+        if (bSharp) {
+            m_annots.Find(nPage);
+        }
+        if (CurrentTool() == Tool::Highlight) {
+            m_texts.TextOf(nPage);
+        }
     }
 }
 

@@ -113,6 +113,7 @@ private:
     void Change(velko::pdf::AnnotRecord after, const std::string& strName);
     void OpenBox(const QString& strTitle, const QString& strText);
     void PlaceBox();
+    void ReadAhead();
     void ShowTip(QPointF ptWindow, QPoint ptGlobal);
     bool IsLinkAt(const PagePoint& point) const;
     std::vector<EditOverlay::Shape> ShapesOn(std::int32_t nPage) const;
