@@ -339,8 +339,7 @@ private:
                                        std::function<void(velko::pdf::IAnnotEditor&)> fnEdit);
     void ForgetAnnotLists();
     concurrency::task<void> ReplaceFile(PdfDocPtr pPdfDoc, FilePtr pFile, SaveCheck fnCheck);
-    concurrency::task<FilePtr> MakeTempFile(const FilePtr& pFile,
-                                            const concurrency::cancellation_token& token);
+    concurrency::task<FilePtr> MakeTempFile(FilePtr pFile, concurrency::cancellation_token token);
     concurrency::task<bool> SaveToFile(PdfDocPtr pPdfDoc, FilePtr pFile);
     concurrency::task<Windows::Storage::FileVersion> KnownVersion() const;
     void KnowVersion(const Windows::Storage::FileVersion& version);

@@ -108,24 +108,22 @@ concurrency::task<void> VLK_Document::ReplaceFile(PdfDocPtr pPdfDoc, FilePtr pFi
 }
 
 // A temporary file with the document file's bytes.
-concurrency::task<VLK_Document::FilePtr> VLK_Document::MakeTempFile(
-    const FilePtr& pFile, const cancellation_token& token) {
+concurrency::task<VLK_Document::FilePtr> VLK_Document::MakeTempFile(FilePtr pFile,
+                                                                    cancellation_token token) {
     const auto pSelf = shared_from_this();
-    const FilePtr pSource = pFile;
-    const cancellation_token ownToken = token;
     const auto clearing = ClearTheWay(ApplicationData::Current()->LocalStorageFolder());
     co_await clearing;
-    ownToken.throw_if_canceled();
+    token.throw_if_canceled();
     const auto creating = GetTempFileAsync();
     const FilePtr pTemp = co_await creating;
     {
         const critical_section::scoped_lock lock(m_refLock);
         m_pTempFile = pTemp;
     }
-    ownToken.throw_if_canceled();
-    const auto copying = pSource->CopyAndReplaceAsync(pTemp).AsTask();
+    token.throw_if_canceled();
+    const auto copying = pFile->CopyAndReplaceAsync(pTemp).AsTask();
     co_await copying;
-    ownToken.throw_if_canceled();
+    token.throw_if_canceled();
     co_return pTemp;
 }
 

@@ -49,7 +49,7 @@ struct FontFact {
     std::string strKind; // as the file names it, such as "TrueType" or "CIDFontType0"
     bool bEmbedded = false;
     bool bSubset = false;
-    auto operator<=>(const FontFact&) const = default;
+    auto operator<=>(const FontFact&) const = default; // NOLINT(modernize-use-nullptr): it has none
 };
 
 struct AttachedFile {

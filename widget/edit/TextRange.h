@@ -25,6 +25,7 @@ struct CharRange {
 struct TextPlace {
     std::int32_t nPage = 0;
     std::int32_t nChar = 0;
+    // NOLINTNEXTLINE(modernize-use-nullptr): it has none
     friend auto operator<=>(const TextPlace&, const TextPlace&) = default;
 };
 
