@@ -89,8 +89,7 @@ private:
                 return fnRead(pDocument, nPage);
             } catch (...) {
                 Platform::Debug::OutputDebugString("the " + strWhat + " of page " +
-                                                   std::to_string(nPage) +
-                                                   " could not be read\n");
+                                                   std::to_string(nPage) + " could not be read\n");
                 return T();
             }
         };

@@ -46,7 +46,8 @@ public:
 
     // May be called again after a refusal. A file that opens without a
     // password opens with any. The password counts in each way in which programs write
-    // one into a file: in several spellings, as letters or as bytes. Raises as the constructor does.
+    // one into a file: in several spellings, as letters or as bytes. Raises as the constructor
+    // does.
     Access Authenticate(const std::string& strPassword);
 
     // Finds the pages and tells how many there are: the leaves of the page tree
