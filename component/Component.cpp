@@ -5,6 +5,7 @@
 #include "component/XamlMetaDataProvider.h"
 #include "control/LiveObject.h"
 #include "control/Markup.h"
+#include "document/SaveFileBuffer.h"
 #include "document/TempPageInfo.h"
 #include "document/VLK_Image.h"
 #include "document/VPdfDocumentInfomation.h"
@@ -39,6 +40,7 @@ const Factories& RecordFactories() {
     static const Factories s_factories = {
         {"velko.vkit.TempPageInfo", std::make_shared<RecordFactory<TempPageInfo>>()},
         {"velko.vkit.VLK_Image", std::make_shared<RecordFactory<VLK_Image>>()},
+        {"velko.vkit.SaveFileBuffer", std::make_shared<RecordFactory<SaveFileBuffer>>()},
         {"velko.vkit.VPdfDocumentInfomation",
          std::make_shared<RecordFactory<VPdfDocumentInfomation>>()},
         {"velko.vkit.VelkoImageHelper", std::make_shared<RecordFactory<VelkoImageHelper>>()},

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "control/PDFViewCtrl_p.h"
+#include "platform/foundation/FirstFailure.h"
 #include "platform/storage/FileSavePicker.h"
 #include "platform/ui/MessageDialog.h"
 #include "platform/ui/Window.h"
@@ -59,9 +60,7 @@ concurrency::task<bool> PDFViewCtrl::SaveInPlace(DocumentPtr pDocument,
     }
     const auto saving = pDocument->SaveAndReplaceAsync(m_fnSaveCheck);
     co_await saving.settled();
-    if (!m_pDocument || m_pDocument == pDocument) { // another one's open shows it too
-        HideProgressRing();
-    }
+    HideProgressRing();
     saving.get();
     co_return true;
 }
@@ -79,6 +78,9 @@ concurrency::task<bool> PDFViewCtrl::PromptSaveAs(std::weak_ptr<PDFViewCtrl> wkC
     const auto pFile = co_await picking;
     if (!pFile) {
         throw Platform::NullReferenceException("no file was chosen");
+    }
+    if (pDocument->IsDisposed()) {
+        throw concurrency::task_canceled();
     }
     const auto saving = pDocument->SaveToFileAsync(pFile);
     co_await saving;
@@ -99,7 +101,11 @@ PDFViewCtrl::FileTask PDFViewCtrl::PickSaveFile(const std::weak_ptr<PDFViewCtrl>
     if (!pControl || document.IsDisposed()) {
         throw concurrency::task_canceled();
     }
-    const Window::CurrentScope inOwnWindow(Window::Of(*pControl));
+    const auto pWindow = Window::Of(*pControl);
+    if (!pWindow) { // it was taken out meanwhile
+        throw concurrency::task_canceled();
+    }
+    const Window::CurrentScope inOwnWindow(pWindow);
     auto& pPicker = pControl->m_pSavePicker;
     pPicker = std::make_unique<FileSavePicker>();
     pPicker->SuggestedStartLocation = PickerLocationId::DocumentsLibrary;
@@ -129,7 +135,7 @@ concurrency::task<bool> PDFViewCtrl::FinishSaveAs(DocumentPtr pDocument,
     const auto pSelf = Self();
     const auto saving = pDocument->SaveToFileAsync(pFile);
     const bool bSaved = co_await saving;
-    if (bSaved) {
+    if (bSaved && !pDocument->IsDisposed()) {
         const auto binding = pDocument->RebindFile(pFile);
         co_await binding;
     }
@@ -171,10 +177,12 @@ concurrency::task<void> PDFViewCtrl::FinishEdit(DocumentPtr pDocument, std::int3
                                                 concurrency::task<void> editing) {
     const auto pSelf = Self();
     co_await editing.settled();
+    Platform::FirstFailure failure;
+    failure.Run([&] { editing.get(); });
     if (!m_bDisposed && OpenDocument() == pDocument) {
-        UpdatePageAfterAnnotEdit(nPageIndex);
+        failure.Run([&] { UpdatePageAfterAnnotEdit(nPageIndex); });
     }
-    editing.get();
+    failure.Rethrow();
 }
 
 }

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstddef>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -74,7 +75,11 @@ public:
                 fnResult = std::move(fnResult)](const auto& answer) {
             if (const auto pState = wkState.lock()) {
                 pState->pShown.reset();
-                pState->answered.set(fnResult(answer));
+                try {
+                    pState->answered.set(fnResult(answer));
+                } catch (...) { // of the making of the result: who waits hears of it
+                    pState->answered.set_exception(std::current_exception());
+                }
             }
         };
     }

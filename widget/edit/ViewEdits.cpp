@@ -318,13 +318,17 @@ bool ViewEdits::IsModified() const {
 void ViewEdits::Undo() {
     FinishWriting();
     Choose(std::nullopt);
-    m_pEdits->Undo();
+    if (IsPossible()) {
+        m_pEdits->Undo();
+    }
 }
 
 void ViewEdits::Redo() {
     FinishWriting();
     Choose(std::nullopt);
-    m_pEdits->Redo();
+    if (IsPossible()) {
+        m_pEdits->Redo();
+    }
 }
 
 // --- what the page shows ---------------------------------------------------

@@ -63,8 +63,8 @@ public:
     void PaintChosen(const QColor& color);
 
     // --- history ---
-    bool CanUndo() const { return m_pEdits->History().ToUndo() != nullptr; }
-    bool CanRedo() const { return m_pEdits->History().ToRedo() != nullptr; }
+    bool CanUndo() const { return IsPossible() && m_pEdits->History().ToUndo() != nullptr; }
+    bool CanRedo() const { return IsPossible() && m_pEdits->History().ToRedo() != nullptr; }
     QString UndoName() const; // such as "highlight"
     QString RedoName() const;
     void Undo();
