@@ -11,6 +11,7 @@
 #include <random>
 #include <stdexcept>
 
+#include "document/engine/AnnotEditor.h"
 #include "surface/PDFViewCanvas.h"
 #include "tests/control/ControlFixture.h"
 #include "tests/support/scripted_engine/ScriptedDestination.h"
@@ -301,9 +302,27 @@ protected:
         OneOf({[&] { pControl->RedrawScreen(); }, [&] { pControl->NightMode(Below(2) == 0); },
                [&] { pControl->UpdatePageAfterAnnotEdit(AnyPage()); },
                [&] { pControl->CancelRender(); }, [&] { pControl->UpdateViewer(); },
+               [&] { Edit(AnyPage()); }, [&] { Save(); },
                [&] {
                    pControl->TextStyle({Below(2) == 0, Below(2) == 0, Below(2) * 60.0});
                }});
+    }
+    void Edit(std::int32_t nPage) {
+        pControl
+            ->EditPage(nPage,
+                       [nPage](velko::pdf::IAnnotEditor& editor) {
+                           velko::pdf::AnnotRecord record;
+                           record.nType = 9;
+                           editor.AddAnnot(nPage, record);
+                       })
+            .mark_observed();
+    }
+    // One at a time, which hosts see to.
+    void Save() {
+        if (!saving || saving->is_done()) {
+            saving = pControl->SaveDocument();
+            saving->mark_observed();
+        }
     }
     void ChangeMode() { pControl->SetPageLayoutMode(1 + Below(3)); }
     void Convert() {
@@ -516,6 +535,7 @@ protected:
     std::mt19937 random;
     std::unique_ptr<ScriptedEngine::Registration> pReplaced;
     std::optional<concurrency::task<ErrorCode>> opening;
+    std::optional<concurrency::task<bool>> saving;
     Pages gone;
     Pages shown;
     std::map<std::int32_t, SeenPoints> seen; // in the last frame, by page
