@@ -22,6 +22,7 @@
 #include "widget/WheelReader.h"
 #include "widget/edit/DocSaver.h"
 #include "widget/edit/ViewEdits.h"
+#include "widget/text/PageTexts.h"
 
 namespace velko::vkit {
 
@@ -68,6 +69,7 @@ VelkoPdfView::~VelkoPdfView() {
     }
     m_pSaver.reset();
     m_pEdits.reset();
+    m_pTexts.reset();
     m_pLinkFocus.reset();
     m_pLinks.reset();
     m_pFlingLimit.reset();
@@ -135,8 +137,10 @@ void VelkoPdfView::ConnectWheel() {
 
 // After whatever else listens to the window: tools are asked first.
 void VelkoPdfView::MakeEdits() {
-    ViewEdits::Parts parts{m_pControl, *m_pWindow, *m_pPointer, *m_pPageLinks,
-                           [this](double dbX, double dbY) { ScrollBy(dbX, dbY); }};
+    m_pTexts = std::make_unique<PageTexts>(*m_pControl);
+    ViewEdits::Parts parts{m_pControl,  *m_pWindow,
+                           *m_pPointer, *m_pPageLinks,
+                           *m_pTexts,   [this](double dbX, double dbY) { ScrollBy(dbX, dbY); }};
     m_pEdits = std::make_unique<ViewEdits>(std::move(parts), this);
     connect(m_pEdits.get(), &ViewEdits::Changed, this, &VelkoPdfView::ViewChanged,
             Qt::QueuedConnection); // it may come while the view looks at the pages

@@ -63,6 +63,7 @@ class PageLinks;
 class MiddleDrag;
 class PageFrames;
 class PageNotices;
+class PageTexts;
 class PlaceKeeper;
 class PointerShape;
 class SlowPages;
@@ -202,6 +203,9 @@ public:
     ViewEdits& Edits() const { return *m_pEdits; }
     DocSaver& Saver() const { return *m_pSaver; }
     bool IsModified() const;
+
+    // The text of the shown document's pages, read when it is asked for.
+    PageTexts& Texts() const { return *m_pTexts; }
 
     // True when every part of a page on the screen shows its final pixels.
     bool IsSharp() const;
@@ -359,6 +363,7 @@ private:
     std::unique_ptr<WheelReader> m_pWheel;
     std::unique_ptr<DragHand> m_pDragHand;
     std::unique_ptr<MiddleDrag> m_pMiddleDrag;
+    std::unique_ptr<PageTexts> m_pTexts;
     std::unique_ptr<ViewEdits> m_pEdits;
     std::unique_ptr<DocSaver> m_pSaver;
     std::unique_ptr<PageFrames> m_pFrames;

@@ -13,6 +13,7 @@
 #include "widget/PlaceKeeper.h"
 #include "widget/VelkoPdfView.h"
 #include "widget/edit/ViewEdits.h"
+#include "widget/text/PageTexts.h"
 
 namespace velko::vkit {
 
@@ -102,6 +103,7 @@ bool VelkoPdfView::Refresh() {
         FollowFit();
         m_reading.NoteScale();
         UpdateLinks();
+        m_pTexts->IsSameDocument();
         m_pEdits->Update();
         if (m_pPlace) {
             m_pPlace->Changed();

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <string>
 
-#include "widget/edit/TextRange.h"
+#include "widget/text/TextRange.h"
 
 namespace velko::vkit {
 namespace {

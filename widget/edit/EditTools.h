@@ -17,7 +17,7 @@
 
 #include "widget/PointerShape.h"
 #include "widget/edit/MarkDrag.h"
-#include "widget/edit/PagePlaces.h"
+#include "widget/text/PagePlaces.h"
 
 namespace velko::vkit {
 

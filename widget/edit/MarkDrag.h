@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "document/engine/AnnotEditor.h"
-#include "widget/edit/PagePlaces.h"
-#include "widget/edit/PageTexts.h"
-#include "widget/edit/TextRange.h"
+#include "widget/text/PagePlaces.h"
+#include "widget/text/PageTexts.h"
+#include "widget/text/TextRange.h"
 
 namespace velko::vkit {
 

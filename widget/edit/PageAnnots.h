@@ -8,7 +8,7 @@
 
 #include "document/engine/AnnotEditor.h"
 #include "widget/PageShelf.h"
-#include "widget/edit/PagePlaces.h"
+#include "widget/text/PagePlaces.h"
 
 namespace velko::vkit {
 

@@ -55,7 +55,7 @@ EditStep MakeStep(const QString& strName, AnnotEdit edit) {
 }
 
 std::vector<TextQuad> PlacesOf(const AnnotRecord& record) {
-    return record.quads.empty() ? std::vector{EditOverlay::QuadOf(record.rcArea)} : record.quads;
+    return record.quads.empty() ? std::vector{ShapeOverlay::QuadOf(record.rcArea)} : record.quads;
 }
 
 }
@@ -65,7 +65,7 @@ ViewEdits::ViewEdits(Parts parts, QWidget* pView)
       m_window(parts.window),
       m_links(parts.links),
       m_places(*m_pControl, m_window),
-      m_texts(*m_pControl),
+      m_texts(parts.texts),
       m_annots(*m_pControl),
       m_pView(pView),
       m_markColor(kFirstMarkColor) {
@@ -93,7 +93,7 @@ ViewEdits::ViewEdits(Parts parts, QWidget* pView)
     hands.fnToolChanged = [this] { emit Changed(); };
     m_pTools =
         std::make_unique<EditTools>(m_window, m_places, m_texts, parts.shape, std::move(hands));
-    m_pOverlay = std::make_unique<EditOverlay>(
+    m_pOverlay = std::make_unique<ShapeOverlay>(
         *m_pControl, [this] { return m_window.devicePixelRatioF(); },
         [this](std::int32_t nPage) { return ShapesOn(nPage); });
     m_tapToken = m_window.Panel()->Tapped.add([this](auto& args) { OnTapped(args.Position); });
@@ -284,7 +284,7 @@ void ViewEdits::OnWritten(const QString& strText) {
             record.nColor = kNoteColor;
             record.strContents = strText.toStdString();
             m_coming.push_back(
-                {{{draft->nPage, {EditOverlay::QuadOf(draft->rc)}}}, QColor(kNoteColor), 1});
+                {{{draft->nPage, {ShapeOverlay::QuadOf(draft->rc)}}}, QColor(kNoteColor), 1});
             m_pEdits->Do(MakeStep(QStringLiteral("note"),
                                   {AnnotEdit::Kind::Add, draft->nPage, 0, {}, std::move(record)}));
         }
@@ -354,7 +354,6 @@ void ViewEdits::OnAnnotsRead(int nPage) {
 
 void ViewEdits::Update() {
     if (!m_annots.IsSameDocument()) {
-        m_texts.IsSameDocument();
         m_chosen.reset();
         m_draft.reset();
         m_tapped.reset();
@@ -395,8 +394,8 @@ void ViewEdits::ReadAhead() {
     }
 }
 
-std::vector<EditOverlay::Shape> ViewEdits::ShapesOn(std::int32_t nPage) const {
-    std::vector<EditOverlay::Shape> shapes;
+std::vector<ShapeOverlay::Shape> ViewEdits::ShapesOn(std::int32_t nPage) const {
+    std::vector<ShapeOverlay::Shape> shapes;
     const auto fnAdd = [&](const auto& pages, QColor color) {
         if (const auto it = pages.find(nPage); it != pages.end()) {
             color.setAlpha(kComingAlpha);
@@ -408,8 +407,8 @@ std::vector<EditOverlay::Shape> ViewEdits::ShapesOn(std::int32_t nPage) const {
     }
     fnAdd(m_pTools->Marks().pages, m_markColor);
     if (m_draft && m_draft->nPage == nPage) {
-        shapes.push_back({{EditOverlay::QuadOf(m_draft->rc)}, QColor(kNoteColor), false});
-        shapes.push_back({{EditOverlay::QuadOf(m_draft->rc)}, Qt::black, true});
+        shapes.push_back({{ShapeOverlay::QuadOf(m_draft->rc)}, QColor(kNoteColor), false});
+        shapes.push_back({{ShapeOverlay::QuadOf(m_draft->rc)}, Qt::black, true});
     }
     if (m_chosen && m_chosen->nPage == nPage) {
         shapes.push_back({PlacesOf(m_chosen->annot.record), QColor(0, 90, 200), true});

@@ -18,11 +18,11 @@
 #include <optional>
 
 #include "platform/foundation/Event.h"
+#include "widget/ShapeOverlay.h"
 #include "widget/edit/DocEdits.h"
-#include "widget/edit/EditOverlay.h"
 #include "widget/edit/EditTools.h"
 #include "widget/edit/PageAnnots.h"
-#include "widget/edit/PageTexts.h"
+#include "widget/text/PageTexts.h"
 
 namespace velko::vkit {
 
@@ -40,6 +40,7 @@ public:
         Platform::Qt::QtElementWindow& window;
         PointerShape& shape;
         PageLinks& links; // which go before marks under them
+        PageTexts& texts;
         std::function<void(double dbX, double dbY)> fnScroll;
     };
 
@@ -116,17 +117,17 @@ private:
     void ReadAhead();
     void ShowTip(QPointF ptWindow, QPoint ptGlobal);
     bool IsLinkAt(const PagePoint& point) const;
-    std::vector<EditOverlay::Shape> ShapesOn(std::int32_t nPage) const;
+    std::vector<ShapeOverlay::Shape> ShapesOn(std::int32_t nPage) const;
 
     const std::shared_ptr<PDFViewCtrl> m_pControl;
     Platform::Qt::QtElementWindow& m_window;
     PageLinks& m_links;
     PagePlaces m_places;
-    PageTexts m_texts;
+    PageTexts& m_texts;
     PageAnnots m_annots;
     std::unique_ptr<DocEdits> m_pEdits;
     std::unique_ptr<EditTools> m_pTools;
-    std::unique_ptr<EditOverlay> m_pOverlay;
+    std::unique_ptr<ShapeOverlay> m_pOverlay;
     NoteBox* m_pBox = nullptr; // the view's child, when first needed
     QWidget* const m_pView;
     Windows::Foundation::EventRegistrationToken m_tapToken;

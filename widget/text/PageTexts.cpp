@@ -1,4 +1,4 @@
-#include "widget/edit/PageTexts.h"
+#include "widget/text/PageTexts.h"
 
 namespace velko::vkit {
 

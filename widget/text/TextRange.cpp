@@ -1,4 +1,4 @@
-#include "widget/edit/TextRange.h"
+#include "widget/text/TextRange.h"
 
 #include <algorithm>
 #include <cmath>

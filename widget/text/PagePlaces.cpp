@@ -1,4 +1,4 @@
-#include "widget/edit/PagePlaces.h"
+#include "widget/text/PagePlaces.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
-// What the widget draws over a page of edits that are under way: the mark that comes,
-// the note that is written, the frame of what is chosen.
+// Areas and frames that the widget draws over a page: a mark that comes, the frame of
+// what is chosen.
 //
 // Lifetime: goes before the control. Threads: UI thread only.
 #pragma once
@@ -17,7 +17,7 @@
 
 namespace velko::vkit {
 
-class EditOverlay : public PageOverlay {
+class ShapeOverlay : public PageOverlay {
 public:
     struct Shape {
         std::vector<velko::pdf::TextQuad> quads; // page space
@@ -26,8 +26,9 @@ public:
     };
     using Shapes = std::function<std::vector<Shape>(std::int32_t nPage)>;
 
-    EditOverlay(PDFViewCtrl& control, std::function<double()> fnPixelRatio, Shapes fnShapes)
-        : PageOverlay(control, std::move(fnPixelRatio)), m_fnShapes(std::move(fnShapes)) {}
+    ShapeOverlay(PDFViewCtrl& control, std::function<double()> fnPixelRatio, Shapes fnShapes,
+                 Over eOver = Over::Pages)
+        : PageOverlay(control, std::move(fnPixelRatio), eOver), m_fnShapes(std::move(fnShapes)) {}
 
     static velko::pdf::TextQuad QuadOf(const velko::common::vxbase::RectF& rc);
 

@@ -1,4 +1,4 @@
-#include "widget/edit/EditOverlay.h"
+#include "widget/ShapeOverlay.h"
 
 #include <QImage>
 #include <QPainter>
@@ -15,11 +15,11 @@ using velko::common::vxbase::PointF;
 using velko::common::vxbase::RectF;
 using velko::pdf::TextQuad;
 
-TextQuad EditOverlay::QuadOf(const RectF& rc) {
+TextQuad ShapeOverlay::QuadOf(const RectF& rc) {
     return {{rc.Left, rc.Top}, {rc.Right, rc.Top}, {rc.Left, rc.Bottom}, {rc.Right, rc.Bottom}};
 }
 
-QPolygonF EditOverlay::OnCanvas(std::int32_t nPage, const TextQuad& quad) const {
+QPolygonF ShapeOverlay::OnCanvas(std::int32_t nPage, const TextQuad& quad) const {
     QPolygonF polygon;
     for (const PointF pt :
          {quad.ptTopLeft, quad.ptTopRight, quad.ptBottomRight, quad.ptBottomLeft}) {
@@ -31,7 +31,7 @@ QPolygonF EditOverlay::OnCanvas(std::int32_t nPage, const TextQuad& quad) const 
     return polygon;
 }
 
-QPainterPath EditOverlay::OnCanvas(std::int32_t nPage, const Shape& shape) const {
+QPainterPath ShapeOverlay::OnCanvas(std::int32_t nPage, const Shape& shape) const {
     QPainterPath path;
     path.setFillRule(Qt::WindingFill);
     for (const TextQuad& quad : shape.quads) {
@@ -40,7 +40,7 @@ QPainterPath EditOverlay::OnCanvas(std::int32_t nPage, const Shape& shape) const
     return path;
 }
 
-QRectF EditOverlay::Screen() const {
+QRectF ShapeOverlay::Screen() const {
     const auto size = Control().GetCanvasSize();
     return {0.0, 0.0, size.Width * Control().CompositionScaleX(),
             size.Height * Control().CompositionScaleY()};
@@ -76,7 +76,7 @@ void DrawPicture(ID2D1DeviceContext& context, const QImage& picture, QPoint ptTo
 
 // A picture of what lies in sight is laid over the page, so that quads may lie over each
 // other, and run any way, without showing it.
-void EditOverlay::Draw(const RenderCanvasEventArgs& args) {
+void ShapeOverlay::Draw(const RenderCanvasEventArgs& args) {
     const double dbLine = std::max(2.0, std::round(2.0 * PixelRatio()));
     for (const Shape& shape : m_fnShapes(args.nPageIndex)) {
         const QPainterPath path = OnCanvas(args.nPageIndex, shape);
