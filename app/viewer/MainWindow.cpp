@@ -53,12 +53,14 @@ std::vector<FilePath> DraggedFiles(const QMimeData& data) {
 
 MainWindow::MainWindow(std::shared_ptr<vkit::PDFViewCtrl> pControl, QSize size)
     : m_pView(new VelkoPdfView(std::move(pControl), this)),
+      m_parts(*this, *m_pView),
       m_pTopEdge(new TopEdge(m_pView->Window(), CommandBar::kHeight, this)),
       m_pSaveFlow(new SaveFlow(*m_pView, this)) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAcceptDrops(true);
     setFocusProxy(m_pView);
     m_pView->setFocus();
+    SetParts();
     resize(size);
     PlaceParts();
     ConnectView();
@@ -148,28 +150,34 @@ int MainWindow::BarHeight() const {
     return bOver ? 0 : CommandBar::kHeight;
 }
 
-void MainWindow::PlaceParts() {
-    const int nBar = BarHeight();
-    const int nNotice = Notice().isEmpty() ? 0 : m_pNotice->RoomFor(width());
-    m_pView->setGeometry(0, nBar + nNotice, width(), height() - nBar - nNotice);
-    if (m_pNotice != nullptr) {
-        m_pNotice->setGeometry(0, nBar, width(), nNotice);
-    }
+void MainWindow::SetParts() {
+    using Strip = WindowParts::Strip;
+    m_parts.SetStrip(Strip::Bar, nullptr, [this](int /*nWidth*/) { return BarHeight(); });
+    m_parts.AddOver([this](const QRect& rcPages) {
+        PlaceBar();
+        if (m_pMessage != nullptr) {
+            m_pMessage->setGeometry(rcPages);
+        }
+        m_pSaveFlow->Place();
+        if (m_pHint != nullptr) {
+            m_pHint->Place();
+        }
+        PlaceTarget();
+    });
+}
+
+void MainWindow::PlaceBar() {
     if (m_pBar != nullptr) {
         m_pBar->setGeometry(0, 0, width(), CommandBar::kHeight);
         m_pBar->setVisible(!isFullScreen() || m_pTopEdge->IsCalled());
         m_pBar->raise();
     }
-    if (m_pMessage != nullptr) {
-        m_pMessage->setGeometry(m_pView->geometry());
-    }
-    m_pSaveFlow->Place();
-    if (m_pHint != nullptr) {
-        m_pHint->Place();
-    }
+}
+
+void MainWindow::PlaceTarget() {
     if (m_pTarget != nullptr) {
         const QSize size = m_pTarget->sizeHint().boundedTo({width() * 3 / 4, height()});
-        m_pTarget->setGeometry(QRect({0, height() - size.height()}, size));
+        m_pTarget->setGeometry(QRect({m_pView->x(), height() - size.height()}, size));
     }
 }
 

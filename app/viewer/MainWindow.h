@@ -14,6 +14,7 @@
 #include <optional>
 
 #include "app/viewer/Commands.h"
+#include "app/viewer/WindowParts.h"
 #include "widget/VelkoPdfView.h"
 
 class QLabel;
@@ -104,9 +105,13 @@ private:
     void TellNoText();
     bool LacksText() const; // text is to be read, and there is none
     void UpdateTitle();
-    void PlaceParts();
+    void PlaceParts() { m_parts.Place(); }
+    void SetParts();
+    void PlaceBar();
+    void PlaceTarget();
 
     vkit::VelkoPdfView* const m_pView;
+    WindowParts m_parts;
     TopEdge* const m_pTopEdge;
     SaveFlow* const m_pSaveFlow;     // a child
     bool m_bMayClose = false;        // nothing is unsaved, or the reader lets it go

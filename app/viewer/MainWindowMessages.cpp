@@ -51,6 +51,9 @@ void MainWindow::ShowMessage(const QString& strTitle, const QString& strText) {
 NoticeBar& MainWindow::NoticeLine() {
     if (m_pNotice == nullptr) {
         m_pNotice = new NoticeBar(this);
+        m_parts.SetStrip(WindowParts::Strip::Notice, m_pNotice, [this](int nWidth) {
+            return Notice().isEmpty() ? 0 : m_pNotice->RoomFor(nWidth);
+        });
         connect(m_pNotice, &NoticeBar::Changed, this, &MainWindow::MakeRoomForNotice);
         connect(m_pNotice, &NoticeBar::KeysFree, m_pView, qOverload<>(&QWidget::setFocus));
     }
