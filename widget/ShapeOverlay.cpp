@@ -48,6 +48,15 @@ QRectF ShapeOverlay::Screen() const {
 
 namespace {
 
+bool IsUpright(const QPolygonF& quad) {
+    constexpr double kStraight = 0.5; // pixels
+    const auto fnIsStraight = [&](int nFrom, int nTo) {
+        const QPointF side = quad[nTo] - quad[nFrom];
+        return std::min(std::abs(side.x()), std::abs(side.y())) < kStraight;
+    };
+    return fnIsStraight(0, 1) && fnIsStraight(1, 2) && fnIsStraight(2, 3);
+}
+
 // White between the dashes, so that they are seen on any page.
 void PaintFrame(QPainter& painter, const QRectF& rc, const QColor& color, double dbLine) {
     const QRectF rcFrame = rc.adjusted(-dbLine / 2.0, -dbLine / 2.0, dbLine / 2.0, dbLine / 2.0);
@@ -74,33 +83,69 @@ void DrawPicture(ID2D1DeviceContext& context, const QImage& picture, QPoint ptTo
 
 }
 
-// A picture of what lies in sight is laid over the page, so that quads may lie over each
-// other, and run any way, without showing it.
-void ShapeOverlay::Draw(const RenderCanvasEventArgs& args) {
-    const double dbLine = std::max(2.0, std::round(2.0 * PixelRatio()));
-    for (const Shape& shape : m_fnShapes(args.nPageIndex)) {
-        const QPainterPath path = OnCanvas(args.nPageIndex, shape);
-        const double dbAround = shape.bFrame ? dbLine : 0.0;
-        const QRect rc = path.boundingRect()
-                             .adjusted(-dbAround, -dbAround, dbAround, dbAround)
-                             .intersected(Screen())
-                             .toAlignedRect();
-        if (rc.isEmpty()) {
+// Upright areas are rectangles of whole pixels, none over another: that costs little while
+// the pages scroll.
+std::optional<QRegion> ShapeOverlay::UprightOnCanvas(std::int32_t nPage, const Shape& shape) const {
+    const QRectF screen = Screen();
+    QRegion region;
+    for (const TextQuad& quad : shape.quads) {
+        const QPolygonF polygon = OnCanvas(nPage, quad);
+        const QRectF rc = polygon.boundingRect();
+        if (!rc.intersects(screen)) {
             continue;
         }
-        QImage picture(rc.size(), QImage::Format_ARGB32_Premultiplied);
-        picture.fill(Qt::transparent);
-        QPainter painter(&picture);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.translate(-rc.topLeft());
-        if (shape.bFrame) {
-            PaintFrame(painter, path.boundingRect(), shape.color, dbLine);
-        } else {
-            painter.fillPath(path, shape.color);
+        if (!IsUpright(polygon)) {
+            return std::nullopt;
         }
-        painter.end();
-        DrawPicture(*args.Canvas->GetDeviceContext(), picture, rc.topLeft());
+        region += QRect(rc.topLeft().toPoint(), rc.bottomRight().toPoint() - QPoint(1, 1));
     }
+    return region;
+}
+
+void ShapeOverlay::Draw(const RenderCanvasEventArgs& args) {
+    for (const Shape& shape : m_fnShapes(args.nPageIndex)) {
+        const auto upright = shape.bFrame ? std::nullopt : UprightOnCanvas(args.nPageIndex, shape);
+        if (!upright) {
+            DrawAsPicture(args, shape);
+            continue;
+        }
+        const float fScaleX = Control().CompositionScaleX();
+        const float fScaleY = Control().CompositionScaleY();
+        for (const QRect& rc : *upright& Screen().toAlignedRect()) {
+            args.Canvas->FillRect(
+                {static_cast<float>(rc.x()) / fScaleX, static_cast<float>(rc.y()) / fScaleY,
+                 static_cast<float>(rc.width()) / fScaleX,
+                 static_cast<float>(rc.height()) / fScaleY},
+                shape.color.rgba());
+        }
+    }
+}
+
+// A picture of what lies in sight is laid over the page, so that quads may lie over each
+// other, and run any way, without showing it.
+void ShapeOverlay::DrawAsPicture(const RenderCanvasEventArgs& args, const Shape& shape) const {
+    const double dbLine = std::max(2.0, std::round(2.0 * PixelRatio()));
+    const QPainterPath path = OnCanvas(args.nPageIndex, shape);
+    const double dbAround = shape.bFrame ? dbLine : 0.0;
+    const QRect rc = path.boundingRect()
+                         .adjusted(-dbAround, -dbAround, dbAround, dbAround)
+                         .intersected(Screen())
+                         .toAlignedRect();
+    if (rc.isEmpty()) {
+        return;
+    }
+    QImage picture(rc.size(), QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(-rc.topLeft());
+    if (shape.bFrame) {
+        PaintFrame(painter, path.boundingRect(), shape.color, dbLine);
+    } else {
+        painter.fillPath(path, shape.color);
+    }
+    painter.end();
+    DrawPicture(*args.Canvas->GetDeviceContext(), picture, rc.topLeft());
 }
 
 }

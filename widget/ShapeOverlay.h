@@ -8,8 +8,10 @@
 #include <QPainterPath>
 #include <QPolygonF>
 #include <QRectF>
+#include <QRegion>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "document/engine/AnnotEditor.h"
@@ -40,6 +42,9 @@ private:
     QPolygonF OnCanvas(std::int32_t nPage, const velko::pdf::TextQuad& quad) const;
     QPainterPath OnCanvas(std::int32_t nPage, const Shape& shape) const;
     QRectF Screen() const;
+    // Empty for a shape that is not.
+    std::optional<QRegion> UprightOnCanvas(std::int32_t nPage, const Shape& shape) const;
+    void DrawAsPicture(const RenderCanvasEventArgs& args, const Shape& shape) const;
 
     const Shapes m_fnShapes;
 };

@@ -146,7 +146,8 @@ TEST(TextRangeTest, PagesBetweenAreTakenWholeAndWordsByTheirEnds) {
     EXPECT_EQ(text.Of(WordAt(text.Get(), 1)), "it's");
     EXPECT_EQ(text.Of(WordAt(text.Get(), 6)), "well");
     EXPECT_EQ(text.Of(WordAt(text.Get(), 9)), "-");
-    EXPECT_EQ(text.Of(WordAt(text.Get(), 15)), "known");
+    EXPECT_EQ(text.Of(WordAt(text.Get(), 14)), "known");
+    EXPECT_EQ(text.Of(WordAt(text.Get(), 15)), "x") << "of the next line";
 }
 
 }

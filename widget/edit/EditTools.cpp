@@ -4,27 +4,11 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QTabletEvent>
-#include <algorithm>
 #include <utility>
 
 #include "platform/qt/QtElementWindow.h"
 
 namespace velko::vkit {
-
-namespace {
-
-constexpr double kEdge = 20.0; // Qt's units; nearer to the edge the pages move
-constexpr int kEdgeMs = 25;
-constexpr double kMostStep = 30.0; // device pixels
-
-// How far to move for a pointer there, in a window of that size.
-double StepFor(double dbAt, double dbSize) {
-    const double dbIn = std::min(dbAt, dbSize - dbAt);
-    const double dbStep = std::min(kMostStep, std::max(0.0, (kEdge - dbIn) / 2.0));
-    return dbAt < dbSize / 2.0 ? -dbStep : dbStep;
-}
-
-}
 
 EditTools::EditTools(Platform::Qt::QtElementWindow& window, const PagePlaces& places,
                      PageTexts& texts, PointerShape& shape, Hands hands)
@@ -33,10 +17,9 @@ EditTools::EditTools(Platform::Qt::QtElementWindow& window, const PagePlaces& pl
       m_texts(texts),
       m_shape(shape),
       m_hands(std::move(hands)),
-      m_drag(texts) {
+      m_drag(texts),
+      m_edge(window, {m_hands.fnScroll, [this](QPointF pt) { Follow(pt); }}) {
     m_window.installEventFilter(this);
-    m_edgeTimer.setInterval(kEdgeMs);
-    m_edgeTimer.callOnTimeout(this, &EditTools::ScrollAtEdge);
     connect(&m_texts, &PageTexts::Read, this, [this] {
         if (m_bEnded) {
             End();
@@ -62,7 +45,7 @@ void EditTools::Take(Tool eTool) {
 }
 
 void EditTools::GiveUp() {
-    m_edgeTimer.stop();
+    m_edge.Stop();
     m_pointer.reset();
     m_bEnded = false;
     if (m_drag.IsOn()) {
@@ -156,13 +139,14 @@ bool EditTools::OnPress(QPointF pt, bool bDouble) {
     } else if (point) {
         m_drag.Begin(*point);
         m_pointer = pt;
-        m_edgeTimer.start();
+        m_edge.Follow(pt);
     }
     return true;
 }
 
 void EditTools::OnMove(QPointF pt) {
     m_pointer = pt;
+    m_edge.Follow(pt);
     Follow(pt);
 }
 
@@ -170,7 +154,7 @@ void EditTools::OnRelease(QPointF pt) {
     if (m_pointer) {
         Follow(pt);
         m_pointer.reset();
-        m_edgeTimer.stop();
+        m_edge.Stop();
         End();
     }
 }
@@ -187,18 +171,6 @@ void EditTools::Update() {
         if (const auto point = m_places.Near(*m_pointer)) {
             m_drag.MoveTo(*point);
         }
-    }
-}
-
-void EditTools::ScrollAtEdge() {
-    if (!m_pointer) {
-        return;
-    }
-    const double dbX = StepFor(m_pointer->x(), m_window.width());
-    const double dbY = StepFor(m_pointer->y(), m_window.height());
-    if (dbX != 0.0 || dbY != 0.0) {
-        m_hands.fnScroll(dbX, dbY);
-        Follow(*m_pointer);
     }
 }
 

@@ -11,12 +11,12 @@
 
 #include <QObject>
 #include <QPointF>
-#include <QTimer>
 #include <functional>
 #include <optional>
 
 #include "widget/PointerShape.h"
 #include "widget/edit/MarkDrag.h"
+#include "widget/text/EdgeScroll.h"
 #include "widget/text/PagePlaces.h"
 
 namespace velko::vkit {
@@ -61,7 +61,6 @@ private:
     bool OnPen(QEvent& event);
     bool OnEscape();
     void Follow(QPointF pt);
-    void ScrollAtEdge();
     void End(); // of a mark, as soon as all texts are there
 
     Platform::Qt::QtElementWindow& m_window;
@@ -73,7 +72,7 @@ private:
     MarkDrag m_drag;
     std::optional<QPointF> m_pointer; // of a drag that is under way
     bool m_bEnded = false;            // the drag waits for texts only
-    QTimer m_edgeTimer;
+    EdgeScroll m_edge;
 };
 
 }

@@ -33,7 +33,8 @@ CharRange MarkDrag::RangeOf(std::int32_t nPage, const PageText& text) const {
         return {};
     }
     if (m_bWord) {
-        return IsOverText(text, m_start->pt) ? WordAt(text, start->nChar) : CharRange();
+        const auto at = CharAt(text, m_start->pt);
+        return at && IsOverText(text, m_start->pt) ? WordAt(text, *at) : CharRange();
     }
     return RangeOn(nPage, static_cast<std::int32_t>(text.chars.size()), *start, *end);
 }

@@ -1,9 +1,12 @@
 #include "widget/text/TextRange.h"
 
+#include <QChar>
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
+
+#include "widget/text/TextGeometry.h"
 
 namespace velko::vkit {
 
@@ -21,96 +24,16 @@ constexpr float kStretchGap = 0.75F; // of a letter's size; a wider gap ends a s
 constexpr float kMostOver = 0.9F;    // of a letter's size do lines reach over each other
 constexpr float kBeside = 0.02F;     // how much a way along a line counts within a block
 
-// Along a line and across it, from the line's top down, with the letters upright.
-struct Axes {
-    PointF along{1.0F, 0.0F};
-    PointF across{0.0F, -1.0F};
-
-    float Along(PointF pt) const { return pt.X * along.X + pt.Y * along.Y; }
-    float Across(PointF pt) const { return pt.X * across.X + pt.Y * across.Y; }
-    PointF Point(float fAlong, float fAcross) const {
-        return {fAlong * along.X + fAcross * across.X, fAlong * along.Y + fAcross * across.Y};
-    }
-};
-
-struct Extent {
-    float fStart = std::numeric_limits<float>::max();
-    float fEnd = std::numeric_limits<float>::lowest();
-
-    void Add(float f) {
-        fStart = std::min(fStart, f);
-        fEnd = std::max(fEnd, f);
-    }
-    float Middle() const { return (fStart + fEnd) / 2.0F; }
-    float DistanceTo(float f) const { return std::max({fStart - f, f - fEnd, 0.0F}); }
-};
-
-// In axes of its own.
-struct Box {
-    Extent along;
-    Extent across;
-
-    void Add(const Axes& axes, const TextQuad& quad) {
-        for (const PointF pt :
-             {quad.ptTopLeft, quad.ptTopRight, quad.ptBottomLeft, quad.ptBottomRight}) {
-            along.Add(axes.Along(pt));
-            across.Add(axes.Across(pt));
-        }
-    }
-};
-
-float Length(PointF pt) {
-    return std::hypot(pt.X, pt.Y);
-}
-
-// The axes of a letter; letters without a width have those that a line is read in.
-Axes AxesOf(const TextLine& line, const TextQuad& quad) {
-    PointF along{quad.ptBottomRight.X - quad.ptBottomLeft.X,
-                 quad.ptBottomRight.Y - quad.ptBottomLeft.Y};
-    if (!(Length(along) > 0.0F)) {
-        along = line.ptDirection;
-    }
-    const float fLength = Length(along);
-    if (!(fLength > 0.0F)) {
-        return {};
-    }
-    Axes axes;
-    axes.along = {along.X / fLength, along.Y / fLength};
-    axes.across = {axes.along.Y, -axes.along.X};
-    const PointF down{quad.ptBottomLeft.X - quad.ptTopLeft.X,
-                      quad.ptBottomLeft.Y - quad.ptTopLeft.Y};
-    if (down.X * axes.across.X + down.Y * axes.across.Y < 0.0F) {
-        axes.across = {-axes.across.X, -axes.across.Y}; // a mirrored page
-    }
-    return axes;
-}
-
-Axes AxesOf(const PageText& text, const TextLine& line) {
-    return AxesOf(line, text.chars[static_cast<std::size_t>(line.nFirst)].quad);
-}
-
-const TextChar& At(const PageText& text, std::int32_t nChar) {
-    return text.chars[static_cast<std::size_t>(nChar)];
-}
-
-Box BoxOf(const PageText& text, const Axes& axes, std::int32_t nFirst, std::int32_t nEnd) {
-    Box box;
-    for (std::int32_t i = nFirst; i < nEnd; ++i) {
-        box.Add(axes, At(text, i).quad);
-    }
-    return box;
-}
-
 bool Contains(const PageText& text, const TextBlock& block, PointF pt) {
     if (block.nFirstLine >= block.nEndLine) {
         return false;
     }
-    const Axes axes = AxesOf(text, text.lines[static_cast<std::size_t>(block.nFirstLine)]);
-    Box box;
+    const TextAxes axes = AxesOf(text, text.lines[static_cast<std::size_t>(block.nFirstLine)]);
+    TextBox box;
     for (std::int32_t n = block.nFirstLine; n < block.nEndLine; ++n) {
         const TextLine& line = text.lines[static_cast<std::size_t>(n)];
         for (std::int32_t i = line.nFirst; i < line.nEnd; ++i) {
-            box.Add(axes, At(text, i).quad);
+            box.Add(axes, CharOf(text, i).quad);
         }
     }
     return box.along.DistanceTo(axes.Along(pt)) == 0.0F &&
@@ -126,8 +49,8 @@ void Look(Nearest& nearest, const PageText& text, const TextBlock& block, PointF
           float fAlongCounts) {
     for (std::int32_t n = block.nFirstLine; n < block.nEndLine; ++n) {
         const TextLine& line = text.lines[static_cast<std::size_t>(n)];
-        const Axes axes = AxesOf(text, line);
-        const Box box = BoxOf(text, axes, line.nFirst, line.nEnd);
+        const TextAxes axes = AxesOf(text, line);
+        const TextBox box = BoxOf(text, axes, line.nFirst, line.nEnd);
         const float fDistance = std::hypot(fAlongCounts * box.along.DistanceTo(axes.Along(pt)),
                                            box.across.DistanceTo(axes.Across(pt)));
         // Of lines that reach over each other the one whose middle is nearer.
@@ -138,23 +61,9 @@ void Look(Nearest& nearest, const PageText& text, const TextBlock& block, PointF
     }
 }
 
-// Of the block around the point the line at its height, be it shorter; elsewhere the
-// nearest one.
-std::int32_t LineAt(const PageText& text, PointF pt) {
-    Nearest nearest;
-    for (const TextBlock& block : text.blocks) {
-        if (Contains(text, block, pt)) {
-            Look(nearest, text, block, pt, kBeside);
-        }
-    }
-    for (const TextBlock& block : text.blocks) {
-        Look(nearest, text, block, pt, 1.0F);
-    }
-    return nearest.nLine;
-}
-
 // Whether the letter is read against its line's letters' way, as its neighbours tell.
-bool RunsBack(const PageText& text, const TextLine& line, const Axes& axes, std::int32_t nChar) {
+bool RunsBack(const PageText& text, const TextLine& line, const TextAxes& axes,
+              std::int32_t nChar) {
     const auto fnMiddle = [&](std::int32_t n) {
         return BoxOf(text, axes, n, n + 1).along.Middle();
     };
@@ -168,18 +77,54 @@ bool RunsBack(const PageText& text, const TextLine& line, const Axes& axes, std:
 }
 
 bool IsSpace(const PageText& text, std::int32_t nChar) {
-    return At(text, nChar).nCode == U' ';
+    return CharOf(text, nChar).nCode == U' ';
 }
 
-bool IsOfWord(char32_t c) {
-    return c > 0x7F || (c >= U'0' && c <= U'9') || (c >= U'A' && c <= U'Z') ||
-           (c >= U'a' && c <= U'z') || c == U'_' || c == U'\'';
+bool IsLetter(char32_t c) {
+    return QChar::isLetterOrNumber(c) || QChar::isMark(c) || c == U'_';
+}
+
+// One within a word binds it.
+bool IsApostrophe(char32_t c) {
+    return c == U'\'' || c == U'\u2019';
+}
+
+bool IsOfWord(const PageText& text, const TextLine& line, std::int32_t nChar) {
+    const auto fnIsLetter = [&](std::int32_t n) {
+        return n >= line.nFirst && n < line.nEnd && IsLetter(CharOf(text, n).nCode);
+    };
+    return fnIsLetter(nChar) ||
+           (nChar >= line.nFirst && nChar < line.nEnd && IsApostrophe(CharOf(text, nChar).nCode) &&
+            fnIsLetter(nChar - 1) && fnIsLetter(nChar + 1));
+}
+
+struct Aim {
+    std::int32_t nChar = 0;
+    bool bBehind = false; // the point lies nearer to its end
+};
+
+Aim AimAt(const PageText& text, std::int32_t nLine, PointF pt) {
+    const TextLine& line = LineOf(text, nLine);
+    const TextAxes axes = AxesOf(text, line);
+    const float fAlong = axes.Along(pt);
+    Aim aim{line.nFirst, false};
+    float fNearest = std::numeric_limits<float>::max();
+    for (std::int32_t i = line.nFirst; i < line.nEnd; ++i) {
+        const TextExtent extent = BoxOf(text, axes, i, i + 1).along;
+        const float fOff = extent.DistanceTo(fAlong) + 1.0E-3F * std::abs(extent.Middle() - fAlong);
+        if (fOff < fNearest) {
+            fNearest = fOff;
+            aim = {i, fAlong > extent.Middle()};
+        }
+    }
+    aim.bBehind = aim.bBehind != RunsBack(text, line, axes, aim.nChar);
+    return aim;
 }
 
 // A piece of a line to be marked.
 struct Stretch {
-    Axes axes;
-    Box box;
+    TextAxes axes;
+    TextBox box;
     float fSize = 0.0F; // of its largest letter
 };
 
@@ -194,10 +139,10 @@ TextQuad QuadOf(const Stretch& stretch) {
 // Letters of one line, in the order in which they stand.
 void AddStretches(std::vector<Stretch>& stretches, const PageText& text, const TextLine& line,
                   CharRange range) {
-    const Axes axes = AxesOf(text, line);
+    const TextAxes axes = AxesOf(text, line);
     std::vector<Stretch> letters;
     for (std::int32_t i = range.nFirst; i < range.nEnd; ++i) {
-        letters.push_back({axes, BoxOf(text, axes, i, i + 1), At(text, i).fFontSize});
+        letters.push_back({axes, BoxOf(text, axes, i, i + 1), CharOf(text, i).fFontSize});
     }
     std::sort(letters.begin(), letters.end(), [](const Stretch& one, const Stretch& two) {
         return one.box.along.fStart < two.box.along.fStart;
@@ -235,54 +180,69 @@ void PartLines(Stretch& above, Stretch& below) {
 
 }
 
-std::optional<std::int32_t> CharPlaceAt(const PageText& text, PointF pt) {
-    const std::int32_t nLine = LineAt(text, pt);
-    if (nLine < 0) {
-        return std::nullopt;
-    }
-    const TextLine& line = text.lines[static_cast<std::size_t>(nLine)];
-    const Axes axes = AxesOf(text, line);
-    const float fAlong = axes.Along(pt);
-    std::int32_t nNearest = line.nFirst;
-    float fNearest = std::numeric_limits<float>::max();
-    for (std::int32_t i = line.nFirst; i < line.nEnd; ++i) {
-        const Extent extent = BoxOf(text, axes, i, i + 1).along;
-        const float fOff = extent.DistanceTo(fAlong) + 1.0E-3F * std::abs(extent.Middle() - fAlong);
-        if (fOff < fNearest) {
-            fNearest = fOff;
-            nNearest = i;
+// Of the block around the point the line at its height, be it shorter; elsewhere the
+// nearest one.
+std::int32_t LineAt(const PageText& text, PointF pt) {
+    Nearest nearest;
+    for (const TextBlock& block : text.blocks) {
+        if (Contains(text, block, pt)) {
+            Look(nearest, text, block, pt, kBeside);
         }
     }
-    const bool bRight = fAlong > BoxOf(text, axes, nNearest, nNearest + 1).along.Middle();
-    return bRight != RunsBack(text, line, axes, nNearest) ? nNearest + 1 : nNearest;
+    for (const TextBlock& block : text.blocks) {
+        Look(nearest, text, block, pt, 1.0F);
+    }
+    return nearest.nLine;
+}
+
+std::int32_t LineOfChar(const PageText& text, std::int32_t nChar) {
+    const auto it =
+        std::upper_bound(text.lines.begin(), text.lines.end(), nChar,
+                         [](std::int32_t n, const TextLine& line) { return n < line.nFirst; });
+    return static_cast<std::int32_t>(it - text.lines.begin()) - 1;
+}
+
+std::optional<std::int32_t> CharAt(const PageText& text, PointF pt) {
+    const std::int32_t nLine = LineAt(text, pt);
+    return nLine < 0 ? std::nullopt : std::optional(AimAt(text, nLine, pt).nChar);
+}
+
+std::int32_t CharPlaceIn(const PageText& text, std::int32_t nLine, PointF pt) {
+    const Aim aim = AimAt(text, nLine, pt);
+    return aim.nChar + (aim.bBehind ? 1 : 0);
+}
+
+std::optional<std::int32_t> CharPlaceAt(const PageText& text, PointF pt) {
+    const std::int32_t nLine = LineAt(text, pt);
+    return nLine < 0 ? std::nullopt : std::optional(CharPlaceIn(text, nLine, pt));
 }
 
 bool IsOverText(const PageText& text, PointF pt) {
     return std::any_of(text.lines.begin(), text.lines.end(), [&](const TextLine& line) {
-        const Axes axes = AxesOf(text, line);
-        const Box box = BoxOf(text, axes, line.nFirst, line.nEnd);
-        const float fNear = kNear * At(text, line.nFirst).fFontSize;
+        const TextAxes axes = AxesOf(text, line);
+        const TextBox box = BoxOf(text, axes, line.nFirst, line.nEnd);
+        const float fNear = kNear * CharOf(text, line.nFirst).fFontSize;
         return box.along.DistanceTo(axes.Along(pt)) <= fNear &&
                box.across.DistanceTo(axes.Across(pt)) <= fNear;
     });
 }
 
 CharRange WordAt(const PageText& text, std::int32_t nPlace) {
-    const auto it = std::find_if(text.lines.begin(), text.lines.end(), [&](const TextLine& line) {
-        return nPlace >= line.nFirst && nPlace <= line.nEnd;
-    });
-    if (it == text.lines.end() || it->nFirst >= it->nEnd) {
+    const auto nChars = static_cast<std::int32_t>(text.chars.size());
+    const std::int32_t nChar = std::min(nPlace, nChars - 1);
+    const std::int32_t nLine = LineOfChar(text, nChar);
+    if (nChar < 0 || nLine < 0) {
         return {};
     }
-    const std::int32_t nChar = std::min(nPlace, it->nEnd - 1);
+    const TextLine& line = LineOf(text, nLine);
     CharRange word{nChar, nChar + 1};
-    if (!IsOfWord(At(text, nChar).nCode)) {
+    if (!IsOfWord(text, line, nChar)) {
         return word;
     }
-    while (word.nFirst > it->nFirst && IsOfWord(At(text, word.nFirst - 1).nCode)) {
+    while (IsOfWord(text, line, word.nFirst - 1)) {
         --word.nFirst;
     }
-    while (word.nEnd < it->nEnd && IsOfWord(At(text, word.nEnd).nCode)) {
+    while (IsOfWord(text, line, word.nEnd)) {
         ++word.nEnd;
     }
     return word;

@@ -33,12 +33,23 @@ struct TextPlace {
 // a column is the one at that height of it. Empty for a page without text.
 std::optional<std::int32_t> CharPlaceAt(const velko::pdf::PageText& text,
                                         velko::common::vxbase::PointF pt);
+// The nearest one of that line.
+std::int32_t CharPlaceIn(const velko::pdf::PageText& text, std::int32_t nLine,
+                         velko::common::vxbase::PointF pt);
+// The character that is nearest. Empty for a page without text.
+std::optional<std::int32_t> CharAt(const velko::pdf::PageText& text,
+                                   velko::common::vxbase::PointF pt);
+
+// The line that the reader means by a point; -1 for a page without text.
+std::int32_t LineAt(const velko::pdf::PageText& text, velko::common::vxbase::PointF pt);
+// The line that the character is of; -1 for none.
+std::int32_t LineOfChar(const velko::pdf::PageText& text, std::int32_t nChar);
 
 // Whether a character stands at the point, or as near as a pointer aims.
 bool IsOverText(const velko::pdf::PageText& text, velko::common::vxbase::PointF pt);
 
-// The word, or the sign, that the place lies in.
-CharRange WordAt(const velko::pdf::PageText& text, std::int32_t nPlace);
+// The word, or the sign, that the character is of, within its line.
+CharRange WordAt(const velko::pdf::PageText& text, std::int32_t nChar);
 
 // What of a page lies between two places, whichever comes first; `nChars` are the page's.
 CharRange RangeOn(std::int32_t nPage, std::int32_t nChars, TextPlace one, TextPlace other);
