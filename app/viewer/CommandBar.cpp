@@ -41,9 +41,11 @@ enum Rank { kStays, kPageButtons, kZoomField, kZoomButtons, kTools, kFits, kView
 
 }
 
-CommandBar::CommandBar(VelkoPdfView& view, const Commands& commands, QWidget* pParent)
+CommandBar::CommandBar(VelkoPdfView& view, vkit::DocFacts& facts, const Commands& commands,
+                       QWidget* pParent)
     : QWidget(pParent),
       m_view(view),
+      m_facts(facts),
       m_commands(commands),
       m_pLayout(new QHBoxLayout(this)),
       m_pMenu(new MainMenu(view, commands, this)) {
@@ -60,6 +62,8 @@ CommandBar::CommandBar(VelkoPdfView& view, const Commands& commands, QWidget* pP
     MakeViewParts();
     connect(&m_view, &VelkoPdfView::ViewChanged, this, &CommandBar::FollowView);
     connect(&m_view, &VelkoPdfView::StateChanged, this, &CommandBar::FollowView);
+    connect(&m_facts, &vkit::DocFacts::LabelsRead, this, &CommandBar::FollowView);
+    connect(&m_facts, &vkit::DocFacts::Forgotten, this, &CommandBar::FollowView);
     FollowView();
     ShowWhatFits();
 }
@@ -86,7 +90,7 @@ void CommandBar::MakePageParts() {
     constexpr int kPageFieldWidth = 52;
     AddButton(Glyph::Previous, Command::PreviousPage, kPageButtons);
     m_pPage = new ValueField("Page", kPageFieldWidth, this);
-    m_pPage->setToolTip("Page number, or the name of a place (Ctrl+L)");
+    m_pPage->setToolTip("Page number or label, or the name of a place (Ctrl+L)");
     Add(m_pPage, kStays);
     m_pCount = new QLabel(this);
     Add(m_pCount, kStays);
@@ -180,19 +184,40 @@ void CommandBar::FollowView() {
     m_pPage->setEnabled(bShown);
     m_pZoom->setEnabled(bShown);
     m_pChoices->setEnabled(bShown);
-    m_pCount->setText(bShown ? QStringLiteral("of %1").arg(m_view.PageCount()) : QString());
-    m_pPage->Show(bShown ? QString::number(m_view.CurrentPage() + 1) : QString());
     m_pZoom->Show(bShown ? PercentText(std::lround(m_view.Zoom() * kPercent)) : QString());
+    ShowPage();
+}
+
+// By its label where the document has labels of its own, and beside it by its number.
+void CommandBar::ShowPage() {
+    if (m_view.PageCount() == 0) {
+        m_pPage->Show({});
+        m_pCount->clear();
+        return;
+    }
+    const bool bLabels = m_facts.Labels().SayMoreThanNumbers();
+    const QString strNumber = QString::number(m_view.CurrentPage() + 1);
+    m_pPage->Show(bLabels ? m_facts.LabelOf(m_view.CurrentPage()) : strNumber);
+    const QString strText =
+        bLabels ? QStringLiteral("(%1 of %2)").arg(strNumber).arg(m_view.PageCount())
+                : QStringLiteral("of %1").arg(m_view.PageCount());
+    if (strText != m_pCount->text()) {
+        m_pCount->setText(strText);
+        m_pPage->setAccessibleDescription(strText);
+        ShowWhatFits();
+    }
 }
 
 void CommandBar::ToPages() {
     m_view.setFocus();
 }
 
-// A number that is refused can be typed anew at once.
+// What a page is called goes before its number, and both before a place's name. A
+// number that is refused can be typed anew at once.
 void CommandBar::TakePage(const QString& strText) {
-    bool bNumber = false;
-    const qlonglong nPage = strText.toLongLong(&bNumber);
+    const auto labelled = m_facts.Labels().Find(strText.toStdString(), m_view.PageCount());
+    bool bNumber = labelled.has_value();
+    const qlonglong nPage = labelled ? *labelled + 1 : strText.toLongLong(&bNumber);
     if (bNumber && (nPage < 1 || nPage > m_view.PageCount())) {
         emit Refused(vkit::NoSuchPage(strText, m_view.PageCount()));
         return;

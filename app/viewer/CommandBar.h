@@ -12,6 +12,7 @@
 #include "app/viewer/Glyphs.h"
 #include "app/viewer/MainMenu.h"
 #include "widget/VelkoPdfView.h"
+#include "widget/facts/DocFacts.h"
 
 class QHBoxLayout;
 class QLabel;
@@ -27,11 +28,12 @@ class CommandBar : public QWidget {
 public:
     static constexpr int kHeight = 40; // Qt's units
 
-    CommandBar(vkit::VelkoPdfView& view, const Commands& commands, QWidget* pParent);
+    CommandBar(vkit::VelkoPdfView& view, vkit::DocFacts& facts, const Commands& commands,
+               QWidget* pParent);
 
     MainMenu& Menu() const { return *m_pMenu; }
     void OpenMenu();
-    void EnterPage(); // the page field waits for a number
+    void EnterPage(); // the page field waits for a number or a label
 
     // The page field's text and the count beside it, for tests.
     QString PageText() const;
@@ -60,6 +62,7 @@ private:
     void MakeZoomParts();
     void MakeViewParts();
     void FollowView();
+    void ShowPage();
     void ShowWhatFits();
     int WidthUpTo(int nRank) const;
     void TakePage(const QString& strText);
@@ -69,6 +72,7 @@ private:
     QMenu* MakeChoices();
 
     vkit::VelkoPdfView& m_view;
+    vkit::DocFacts& m_facts;
     const Commands& m_commands;
     QHBoxLayout* m_pLayout;
     MainMenu* m_pMenu;                    // a child

@@ -210,7 +210,8 @@ void MainWindow::CompleteBar() {
     m_pCommands = new Commands(*m_pView, this);
     connect(m_pCommands, &Commands::Wanted, this, &MainWindow::CarryOut);
     connect(m_pCommands, &Commands::Done, this, &MainWindow::OnDone);
-    m_pBar = new CommandBar(*m_pView, *m_pCommands, this);
+    m_pFacts = new vkit::DocFacts(*m_pView);
+    m_pBar = new CommandBar(*m_pView, *m_pFacts, *m_pCommands, this);
     connect(m_pBar, &CommandBar::Done, this, &MainWindow::OnDone);
     connect(m_pBar, &CommandBar::Refused, this,
             [this](const QString& strReason) { NoticeLine().Tell(strReason); });

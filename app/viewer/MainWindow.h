@@ -19,6 +19,10 @@
 
 class QLabel;
 
+namespace velko::vkit {
+class DocFacts;
+}
+
 namespace velko::viewer {
 
 class CommandBar;
@@ -113,11 +117,12 @@ private:
     vkit::VelkoPdfView* const m_pView;
     WindowParts m_parts;
     TopEdge* const m_pTopEdge;
-    SaveFlow* const m_pSaveFlow;     // a child
-    bool m_bMayClose = false;        // nothing is unsaved, or the reader lets it go
-    Commands* m_pCommands = nullptr; // with the bar
-    CommandBar* m_pBar = nullptr;    // after the first paint
-    StartPane* m_pMessage = nullptr; // these are made when first needed
+    SaveFlow* const m_pSaveFlow;        // a child
+    bool m_bMayClose = false;           // nothing is unsaved, or the reader lets it go
+    vkit::DocFacts* m_pFacts = nullptr; // the view's; with the bar
+    Commands* m_pCommands = nullptr;    // this too
+    CommandBar* m_pBar = nullptr;       // after the first paint
+    StartPane* m_pMessage = nullptr;    // these are made when first needed
     NoticeBar* m_pNotice = nullptr;
     Hint* m_pHint = nullptr;
     QString m_strTarget;         // of the link under the pointer
