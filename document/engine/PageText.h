@@ -3,6 +3,7 @@
 // A host asks for it with a dynamic cast on the engine's document.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -39,8 +40,22 @@ struct PageText {
     std::vector<TextBlock> blocks;
 };
 
+// The pages for somebody who passes through all of them, such as a search. It reads
+// beside what the screen needs: nobody who shows pages waits for it, and nothing that
+// they need leaves the engine's bound for it.
+class ITextReader {
+public:
+    virtual ~ITextReader() = default;
+
+    // As `ITextSource::TextOf`, but it is not kept. Any thread but the UI thread,
+    // several at once. Raises `task_canceled` too.
+    virtual std::shared_ptr<const PageText> Read(std::int32_t nPageIndex) = 0;
+};
+
 class ITextSource {
 public:
+    using AbortFlag = std::shared_ptr<const std::atomic<bool>>;
+
     virtual ~ITextSource() = default;
 
     // Never empty; a page without text has none in it. Kept by the engine within its
@@ -48,6 +63,10 @@ public:
     // the page to be read. Raises `EngineException`: e_ErrNotLoaded before `Load`,
     // e_ErrParam for an index out of range, and the codes of `PDFPage::StartParse`.
     virtual std::shared_ptr<const PageText> TextOf(std::int32_t nPageIndex) = 0;
+
+    // Whoever has set the flag is not kept waiting; it may be empty. Raises
+    // e_ErrNotLoaded before `Load`. Any thread; cheap until the first page is read.
+    virtual std::shared_ptr<ITextReader> NewReader(AbortFlag pAbort) = 0;
 };
 
 }

@@ -271,6 +271,10 @@ std::shared_ptr<OpenedFile> Document::OpenAgain(const Loaded& loaded) const {
     return OpenedFile::Open(m_pReader, loaded.password, loaded.table.Count());
 }
 
+std::shared_ptr<OpenedFile> Document::OpenBeside() const {
+    return OpenAgain(*LoadedState());
+}
+
 std::shared_ptr<OpenedFile> Document::UsableFile() {
     if (m_pFile->IsDamaged()) {
         const auto pFile = OpenAgain(*LoadedState());

@@ -69,6 +69,7 @@ public:
     bool WasRepaired() const override;
 
     std::shared_ptr<const pdf::PageText> TextOf(std::int32_t nPageIndex) override;
+    std::shared_ptr<pdf::ITextReader> NewReader(AbortFlag pAbort) override;
 
     std::vector<pdf::ListedAnnot> ListAnnots(std::int32_t nPageIndex) override;
     pdf::AnnotId AddAnnot(std::int32_t nPageIndex, const pdf::AnnotRecord& record) override;
@@ -83,6 +84,10 @@ public:
     std::shared_ptr<const Drawing> ContentOf(std::int32_t nPage, Operation::AbortFlag pAbort);
     std::shared_ptr<const Drawing> AnnotsOf(std::int32_t nPage, Operation::AbortFlag pAbort);
     std::vector<AnnotEntry> AnnotEntriesOf(std::int32_t nPage);
+    // The file opened once more, for whoever is not to hold the document's lock; without
+    // its edits. Raises `EngineException`.
+    std::shared_ptr<OpenedFile> OpenBeside() const;
+    PageFacts FactsOf(std::int32_t nPage);
     // What is known of the page now; waits for nothing.
     std::optional<PageFacts> FactsNow(std::int32_t nPage) const;
     // Lets go of what was kept of the page although its time ran out.
@@ -120,7 +125,6 @@ private:
     std::shared_ptr<OpenedFile> OpenAgain(const Loaded& loaded) const;
 
     static void CheckPage(const Loaded& loaded, std::int32_t nPage); // raises without it
-    PageFacts FactsOf(std::int32_t nPage);
     void ReadFactsAround(Loaded& loaded, std::int32_t nPage);
     void ReadSizesAhead();
     static void ReadSizesInTurn(const std::weak_ptr<Document>& wkSelf, Loaded& loaded);

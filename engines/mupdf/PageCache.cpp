@@ -31,6 +31,12 @@ std::shared_ptr<const CacheItem> PageCache::FindItem(const Key& key) {
     return it->second->pItem;
 }
 
+std::shared_ptr<const CacheItem> PageCache::PeekItem(const Key& key) const {
+    const Lock lock(m_lock);
+    const auto it = m_index.find(key);
+    return it == m_index.end() ? nullptr : it->second->pItem;
+}
+
 void PageCache::Put(const Key& key, std::shared_ptr<const CacheItem> pItem) {
     Dropped dropped; // outlives the lock
     const Lock lock(m_lock);

@@ -62,6 +62,11 @@ public:
     std::shared_ptr<const T> Find(const Key& key) {
         return std::static_pointer_cast<const T>(FindItem(key));
     }
+    // For whoever passes by: it makes the entry no more recent.
+    template <class T>
+    std::shared_ptr<const T> Peek(const Key& key) const {
+        return std::static_pointer_cast<const T>(PeekItem(key));
+    }
     void Touch(const Key& key) { FindItem(key); }
     void Put(const Key& key, std::shared_ptr<const CacheItem> pItem);
     void DropDocument(std::uint64_t nDocument);
@@ -85,6 +90,7 @@ private:
     using Dropped = std::vector<std::shared_ptr<const CacheItem>>;
 
     std::shared_ptr<const CacheItem> FindItem(const Key& key);
+    std::shared_ptr<const CacheItem> PeekItem(const Key& key) const;
     template <class IsDropped>
     void Drop(const Key& first, const Key& last, IsDropped&& fnIsDropped);
     Entries::iterator Remove(Entries::iterator it, Dropped& dropped) VLK_REQUIRES(m_lock);

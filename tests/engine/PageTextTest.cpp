@@ -1,10 +1,13 @@
 // The text of a page with its places.
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <string>
 
 #include "document/engine/PageText.h"
+#include "engines/mupdf/PageCache.h"
 #include "engines/mupdf/reflow/Characters.h"
+#include "platform/concurrency/Cancellation.h"
 #include "tests/engine/MuPdfFixture.h"
 #include "tests/engine/ReflowFixture.h"
 #include "tests/support/pdf_writer/PdfWriter.h"
@@ -13,6 +16,7 @@ namespace velko::testing {
 
 namespace {
 
+using engines::mupdf::PageCache;
 using pdf::PageText;
 using pdf::TextQuad;
 
@@ -139,6 +143,35 @@ TEST_F(PageTextTest, WhatAReaderAddsIsNoTextAndWhatIsNotThereIsTold) {
     }
     const auto pClosed = CreateDoc(std::make_shared<MemoryReader>(MakePdf({page})));
     EXPECT_EQ(EngineCodeOf([&] { TextOf(pClosed); }), common::ErrorCode::e_ErrNotLoaded);
+}
+
+// A search over many pages leaves what the screen has in the cache, and gets no other text.
+TEST_F(PageTextTest, WhoPassesThroughReadsTheSameAndKeepsNothing) {
+    std::vector<PdfPage> pages(4);
+    for (std::size_t i = 0; i < pages.size(); ++i) {
+        pages[i].strContent = TextAt(100, 700, "Page " + std::to_string(i) + " of many", 12);
+    }
+    const auto pDoc = OpenDoc(MakePdf(pages));
+    const auto pSource = std::dynamic_pointer_cast<pdf::ITextSource>(pDoc);
+    const auto pKept = pSource->TextOf(2);
+    const auto pAbort = std::make_shared<std::atomic<bool>>(false);
+    const auto pReader = pSource->NewReader(pAbort);
+    const std::size_t nKept = PageCache::Instance().Count();
+    std::vector<std::string> read;
+    for (int nPage = 0; nPage < 4; ++nPage) {
+        read.push_back(LinesOf(*pReader->Read(nPage)));
+    }
+    EXPECT_EQ(pReader->Read(2), pKept) << "what is kept already serves";
+    EXPECT_EQ(PageCache::Instance().Count(), nKept);
+    for (int nPage = 0; nPage < 4; ++nPage) {
+        EXPECT_EQ(read[nPage], LinesOf(*TextOf(pDoc, nPage)));
+    }
+    EXPECT_EQ(EngineCodeOf([&] { pReader->Read(4); }), common::ErrorCode::e_ErrParam);
+    PageCache::Instance().SetLimits({1, 1});
+    TextOf(pDoc, 0); // what was kept has gone
+    PageCache::Instance().SetLimits({});
+    *pAbort = true;
+    EXPECT_THROW(pReader->Read(3), concurrency::task_canceled);
 }
 
 // Text of a page whose time ran out comes whole after it is parsed anew; and so much

@@ -1,8 +1,10 @@
 #include <memory>
+#include <utility>
 
 #include "engines/mupdf/Document.h"
 #include "engines/mupdf/PageCache.h"
 #include "engines/mupdf/text/PageTextBuilder.h"
+#include "engines/mupdf/text/TextReader.h"
 
 namespace velko::engines::mupdf {
 
@@ -19,6 +21,11 @@ std::shared_ptr<const pdf::PageText> Document::TextOf(std::int32_t nPageIndex) {
         PageCache::Instance().Put(key, pText);
     }
     return {pText, &pText->text};
+}
+
+std::shared_ptr<pdf::ITextReader> Document::NewReader(AbortFlag pAbort) {
+    LoadedState();
+    return std::make_shared<text::TextReader>(shared_from_this(), std::move(pAbort));
 }
 
 }
