@@ -69,4 +69,22 @@ public:
     virtual std::shared_ptr<ITextReader> NewReader(AbortFlag pAbort) = 0;
 };
 
+// Where the same characters stand while the pages' text is shown set anew.
+class ISetTextSource {
+public:
+    virtual ~ISetTextSource() = default;
+
+    // Stands for what the text was set for last, by whatever `ReflowPage`: another one
+    // after a change of its parameters, 0 before the first. Any thread; waits for nothing.
+    virtual std::uint64_t SetNumber() const = 0;
+
+    // The page's characters at the same indexes as `TextOf` gives them, with the places
+    // and the lines of the text as it was set last: in page space, so that the page's box
+    // is the whole of what is set. Hyphens that were undone and the like have no width,
+    // and no line is hyphenated: what is to be copied is read from `TextOf`. A page with
+    // nothing to show has no characters; empty where nothing was set yet. Made anew each
+    // time. Threads and errors as `TextOf`.
+    virtual std::shared_ptr<const PageText> SetTextOf(std::int32_t nPageIndex) = 0;
+};
+
 }

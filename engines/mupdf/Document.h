@@ -33,12 +33,17 @@
 
 namespace velko::engines::mupdf {
 
+namespace text {
+struct CachedText;
+}
+
 class Document final : public pdf::PDFDoc,
                        public pdf::ILinkSource,
                        public pdf::IDocumentFacts,
                        public pdf::IPageExtents,
                        public pdf::IRepair,
                        public pdf::ITextSource,
+                       public pdf::ISetTextSource,
                        public pdf::IAnnotEditor,
                        public std::enable_shared_from_this<Document> {
 public:
@@ -70,6 +75,8 @@ public:
 
     std::shared_ptr<const pdf::PageText> TextOf(std::int32_t nPageIndex) override;
     std::shared_ptr<pdf::ITextReader> NewReader(AbortFlag pAbort) override;
+    std::uint64_t SetNumber() const override;
+    std::shared_ptr<const pdf::PageText> SetTextOf(std::int32_t nPageIndex) override;
 
     std::vector<pdf::ListedAnnot> ListAnnots(std::int32_t nPageIndex) override;
     pdf::AnnotId AddAnnot(std::int32_t nPageIndex, const pdf::AnnotRecord& record) override;
@@ -129,6 +136,8 @@ private:
     void ReadSizesAhead();
     static void ReadSizesInTurn(const std::weak_ptr<Document>& wkSelf, Loaded& loaded);
     float PageTop(OpenedFile& file, Loaded& loaded, std::int32_t nPage);
+
+    std::shared_ptr<const text::CachedText> OwnText(std::int32_t nPage, const PageFacts& facts);
 
     void CarryOut(AnnotEdit edit);
     void Keep(AnnotEdit edit, bool bIsOriginal);

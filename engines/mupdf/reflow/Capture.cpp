@@ -54,8 +54,12 @@ public:
         m_toUpright = m_line.ToUpright();
         m_bVertical = line.wmode != 0;
         m_places.clear();
-        for (const fz_stext_char* p : m_line.Characters()) {
+        for (const auto& [p, nNumber] : m_line.Characters()) {
+            const std::size_t nBefore = result.glyphs.size();
             Append(result, *p);
+            for (std::size_t i = nBefore; i < result.glyphs.size(); ++i) {
+                result.glyphs[i].nSource = nNumber;
+            }
         }
         if (!result.glyphs.empty() && IsSpace(result.glyphs.back().nUnicode)) {
             result.glyphs.pop_back();

@@ -105,7 +105,7 @@ LineBox LineCharacters::Read(const fz_stext_line& line) {
     }
     Measure(result);
     result.bRightToLeft = ToLogicalOrder(m_order);
-    std::vector<const fz_stext_char*> inOrder;
+    std::vector<NumberedChar> inOrder;
     inOrder.reserve(m_order.size());
     for (const PlacedCharacter& placed : m_order) {
         inOrder.push_back(m_characters[placed.nIndex]);
@@ -118,11 +118,12 @@ void LineCharacters::Collect(const fz_stext_line& line) {
     m_characters.clear();
     m_order.clear();
     for (const fz_stext_char* p = line.first_char; p != nullptr; p = p->next) {
+        const std::uint32_t nNumber = m_nRead++;
         if (IsOnPage(*p)) {
             const fz_rect rc = fz_rect_from_quad(fz_transform_quad(p->quad, m_toUpright));
             m_order.push_back(
                 {static_cast<char32_t>(p->c), (rc.x0 + rc.x1) / 2.0F, m_characters.size()});
-            m_characters.push_back(p);
+            m_characters.push_back({p, nNumber});
         }
     }
 }
@@ -142,7 +143,7 @@ void LineCharacters::Measure(LineBox& line) const {
     float fNarrowest = INFINITY;
     float fWidest = 0.0F;
     bool bOnePitch = true; // as their fonts say, which may be wrong
-    for (const fz_stext_char* p : m_characters) {
+    for (const auto& [p, nNumber] : m_characters) {
         line.rcOnPage = fz_union_rect(line.rcOnPage, fz_rect_from_quad(p->quad));
         if (IsSpace(static_cast<char32_t>(p->c))) {
             continue;

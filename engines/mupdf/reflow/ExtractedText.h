@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <initializer_list>
 #include <span>
 #include <utility>
@@ -86,15 +87,22 @@ struct LineBox {
     bool bFixedPitch = false; // its letters are all as wide
 };
 
+// A character of the extraction, and which one it is of all of them: what a page's
+// content draws has the same numbers whether annotations come behind it or not.
+struct NumberedChar {
+    const fz_stext_char* pChar = nullptr;
+    std::uint32_t nNumber = 0;
+};
+
 // The characters of one line that stand on the page, in the order in which they are
 // read, whatever the order of the content.
 class LineCharacters {
 public:
     explicit LineCharacters(const fz_rect& rcPage) : m_rcPage(rcPage) {}
 
-    // The characters are the extraction's, until the next line.
+    // Line by line, none left out. The characters are the extraction's, until the next line.
     LineBox Read(const fz_stext_line& line);
-    std::span<const fz_stext_char* const> Characters() const { return m_characters; }
+    std::span<const NumberedChar> Characters() const { return m_characters; }
     const fz_matrix& ToUpright() const { return m_toUpright; }
 
 private:
@@ -104,7 +112,8 @@ private:
 
     fz_rect m_rcPage;
     fz_matrix m_toUpright = fz_identity;
-    std::vector<const fz_stext_char*> m_characters;
+    std::uint32_t m_nRead = 0; // characters of all lines so far
+    std::vector<NumberedChar> m_characters;
     std::vector<PlacedCharacter> m_order;
 };
 

@@ -34,8 +34,9 @@ float QuarterPixel(float f) {
 
 class Setter {
 public:
-    Setter(Layout& layout, const SetParameters& parameters)
+    Setter(Layout& layout, const SetParameters& parameters, std::vector<SetPlace>* pPlaces)
         : m_layout(layout),
+          m_pPlaces(pPlaces),
           m_model(*layout.pModel),
           m_nMeasure(Whole(parameters.fScreenWidth)),
           m_fScreenHeight(parameters.fScreenHeight),
@@ -130,6 +131,7 @@ private:
         }
         const std::int32_t nBaseline = m_nTop + Whole(kAscent * fSize);
         SetLine set{m_layout.glyphs.size(), 0, nBaseline, nBaseline};
+        const std::int32_t nBottom = m_nTop + std::max(Whole(kLineHeight * fSize), 1);
         float x = StartOf(paragraph, line, fIndent);
         for (const std::size_t i : VisualOrder(line, levels)) {
             const Glyph& glyph = paragraph.glyphs[i];
@@ -141,7 +143,14 @@ private:
                 set.nInkTop = std::min(set.nInkTop, y + Whole(room.fInkTop) - 2);
                 set.nInkBottom = std::max(set.nInkBottom, y + Whole(room.fInkBottom) + 2);
             }
-            x += AdvanceOf(glyph);
+            const float fAdvance = AdvanceOf(glyph);
+            if (m_pPlaces != nullptr && glyph.nSource != Glyph::kNoSource) {
+                const bool bRunsLeft = !levels.empty() && (levels[i] & 1U) != 0;
+                m_pPlaces->push_back({glyph.nSource,
+                                      static_cast<std::int32_t>(m_layout.lines.size()), x,
+                                      x + fAdvance, m_nTop, nBottom, bRunsLeft});
+            }
+            x += fAdvance;
         }
         set.nEnd = m_layout.glyphs.size();
         m_layout.lines.push_back(set);
@@ -169,6 +178,7 @@ private:
     }
 
     Layout& m_layout;
+    std::vector<SetPlace>* m_pPlaces; // empty: nobody asks for them
     const PageModel& m_model;
     std::int32_t m_nMeasure;
     float m_fScreenHeight;
@@ -192,11 +202,12 @@ std::size_t BytesOf(const Layout& layout) {
 }
 
 std::shared_ptr<const Layout> SetModel(std::shared_ptr<const PageModel> pModel,
-                                       const SetParameters& parameters) {
+                                       const SetParameters& parameters,
+                                       std::vector<SetPlace>* pPlaces) {
     auto pLayout = std::make_shared<Layout>();
     pLayout->bCutShort = pModel->bCutShort;
     pLayout->pModel = std::move(pModel);
-    Setter(*pLayout, parameters).Set();
+    Setter(*pLayout, parameters, pPlaces).Set();
     pLayout->nBytes = BytesOf(*pLayout);
     return pLayout;
 }

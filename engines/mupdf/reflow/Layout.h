@@ -39,6 +39,17 @@ struct SetFigure {
     fz_rect rcRegion = fz_empty_rect; // of the page
 };
 
+// The room of a character on its line, in the order of the setting.
+struct SetPlace {
+    std::uint32_t nSource = 0; // `Glyph::nSource`
+    std::int32_t nLine = 0;    // from the top down
+    float fLeft = 0.0F;
+    float fRight = 0.0F;
+    std::int32_t nTop = 0; // of the line
+    std::int32_t nBottom = 0;
+    bool bRunsLeft = false;
+};
+
 // Its bytes are its own; the model's are not among them.
 struct Layout : CacheItem {
     static constexpr std::int32_t kMaxWidth = SetParameters::kMostSide;
@@ -54,7 +65,9 @@ struct Layout : CacheItem {
 };
 
 // The parameters are bounded ones; sizes of letters are brought within what can be read.
+// Appends the places of the characters of the page where they are wanted.
 std::shared_ptr<const Layout> SetModel(std::shared_ptr<const PageModel> pModel,
-                                       const SetParameters& parameters);
+                                       const SetParameters& parameters,
+                                       std::vector<SetPlace>* pPlaces = nullptr);
 
 }

@@ -31,6 +31,13 @@ std::uint64_t MeasuredSizes::NumberOf(const SetParameters& parameters) {
     return m_shelves.front().nNumber;
 }
 
+std::optional<MeasuredSizes::Numbered> MeasuredSizes::Latest() const {
+    const Lock lock(m_lock);
+    return m_shelves.empty()
+               ? std::nullopt
+               : std::optional(Numbered{m_shelves.front().nNumber, m_shelves.front().parameters});
+}
+
 MeasuredSizes::Shelf* MeasuredSizes::FindShelf(std::uint64_t nNumber) {
     const auto it = std::find_if(m_shelves.begin(), m_shelves.end(),
                                  [&](const Shelf& shelf) { return shelf.nNumber == nNumber; });

@@ -36,6 +36,13 @@ public:
     // used for others, nor for these after `Clear`.
     std::uint64_t NumberOf(const SetParameters& parameters);
 
+    // Those asked for last, with their number; empty when none are remembered.
+    struct Numbered {
+        std::uint64_t nNumber = 0;
+        SetParameters parameters;
+    };
+    std::optional<Numbered> Latest() const;
+
     std::optional<MeasuredSize> Find(std::uint64_t nNumber, std::int32_t nPage);
 
     // Does nothing for a number that is not remembered any more.

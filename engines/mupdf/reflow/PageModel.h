@@ -39,6 +39,7 @@ struct Style {
 struct Glyph {
     static constexpr std::int32_t kNone = -1; // takes its room without a drawing
     static constexpr std::int16_t kOwnRoom = INT16_MIN;
+    static constexpr std::uint32_t kNoSource = UINT32_MAX;
 
     char32_t nUnicode = 0;
     std::int32_t nGlyph = kNone; // in the font of its style
@@ -47,6 +48,7 @@ struct Glyph {
     // To what stands to its right, in thousandths of its size: as on the page, where
     // glyphs of a word reach over each other; else what its font says.
     std::int16_t nRoom = kOwnRoom;
+    std::uint32_t nSource = kNoSource; // the character's number in the extraction
 };
 
 using Glyphs = std::vector<Glyph>;

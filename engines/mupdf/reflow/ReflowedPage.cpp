@@ -43,7 +43,7 @@ void ReflowedPage::TouchModel() const {
     cache.Touch(KeyOf(PageCache::Kind::Annots, m_pPage->AnnotGeneration()));
 }
 
-std::shared_ptr<const PageModel> ReflowedPage::MakeModel() const {
+std::shared_ptr<const PageModel> ReflowedPage::Model() const {
     const PageCache::Key key =
         KeyWithAnnots(PageCache::Kind::Model, m_pPage->Owner().Sizes().Generation());
     if (auto pModel = PageCache::Instance().Find<PageModel>(key)) {
@@ -70,7 +70,7 @@ std::shared_ptr<const Layout> ReflowedPage::FindLayout(std::uint64_t nNumber) co
 std::shared_ptr<const Layout> ReflowedPage::MakeLayout(const Parsed& parsed) const {
     const std::uint64_t nAnnots = m_pPage->AnnotGeneration(); // an edit may come meanwhile
     const PageCache::Key key = KeyWithAnnots(PageCache::Kind::Layout, parsed.nNumber);
-    auto pLayout = SetModel(MakeModel(), parsed.parameters);
+    auto pLayout = SetModel(Model(), parsed.parameters);
     m_pPage->Owner().Sizes().Put(parsed.nNumber, m_pPage->GetIndex(),
                                  {pLayout->nWidth, pLayout->nHeight, pLayout->bCutShort, nAnnots});
     PageCache::Instance().Put(key, pLayout);

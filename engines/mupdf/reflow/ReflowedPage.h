@@ -40,6 +40,9 @@ public:
     // first. Raises as `StartParse`.
     std::shared_ptr<const Layout> Result() const;
 
+    // The page's text, whatever it is set for. Raises as `StartParse`.
+    std::shared_ptr<const PageModel> Model() const;
+
 private:
     struct Parsed {
         SetParameters parameters;
@@ -55,7 +58,6 @@ private:
     void TouchModel() const;
     std::shared_ptr<const Layout> FindLayout(std::uint64_t nNumber) const;
     std::shared_ptr<const Layout> MakeLayout(const Parsed& parsed) const;
-    std::shared_ptr<const PageModel> MakeModel() const;
 
     const std::shared_ptr<Page> m_pPage;
     SetParameters m_parameters; // of the next parse

@@ -23,6 +23,7 @@ constexpr std::size_t kMostOrdered = 8'000; // lines; more stay in the content's
 struct ReadLine {
     reflow::LineBox box;
     std::vector<pdf::TextChar> chars;
+    std::vector<std::uint32_t> sources; // of the characters
     PointF ptDirection;
     std::size_t nBlock = 0; // the library's
 };
@@ -38,13 +39,15 @@ public:
         line.box = m_line.Read(extracted);
         line.nBlock = nBlock;
         line.ptDirection = DirectionOnPage(extracted.dir, line.box.bRightToLeft);
-        for (const fz_stext_char* p : m_line.Characters()) {
+        for (const auto& [p, nNumber] : m_line.Characters()) {
             if (m_nRoom > line.chars.size()) {
                 Append(line, *p);
+                line.sources.resize(line.chars.size(), nNumber);
             }
         }
         if (!line.chars.empty() && line.chars.back().nCode == U' ') {
             line.chars.pop_back();
+            line.sources.pop_back();
         }
         m_nRoom -= std::min(m_nRoom, line.chars.size());
         return line;
@@ -154,8 +157,9 @@ bool GoesOnIn(const ReadLine& line, const ReadLine& next) {
 }
 
 // Lines that follow each other and that the library took for one block stay one.
-void Join(pdf::PageText& text, const std::vector<ReadLine>& lines,
+void Join(CachedText& result, const std::vector<ReadLine>& lines,
           const std::vector<std::size_t>& order) {
+    pdf::PageText& text = result.text;
     for (std::size_t i = 0; i < order.size(); ++i) {
         const ReadLine& line = lines[order[i]];
         const auto nLine = static_cast<std::int32_t>(text.lines.size());
@@ -166,6 +170,7 @@ void Join(pdf::PageText& text, const std::vector<ReadLine>& lines,
         pdf::TextLine joined;
         joined.nFirst = static_cast<std::int32_t>(text.chars.size());
         text.chars.insert(text.chars.end(), line.chars.begin(), line.chars.end());
+        result.sources.insert(result.sources.end(), line.sources.begin(), line.sources.end());
         joined.nEnd = static_cast<std::int32_t>(text.chars.size());
         joined.ptDirection = line.ptDirection;
         joined.bHyphenated = i + 1 < order.size() && GoesOnIn(line, lines[order[i + 1]]);
@@ -173,8 +178,10 @@ void Join(pdf::PageText& text, const std::vector<ReadLine>& lines,
     }
 }
 
-std::size_t BytesOf(const pdf::PageText& text) {
-    return sizeof(CachedText) + text.chars.capacity() * sizeof(pdf::TextChar) +
+std::size_t BytesOf(const CachedText& result) {
+    const pdf::PageText& text = result.text;
+    return sizeof(CachedText) + result.sources.capacity() * sizeof(std::uint32_t) +
+           text.chars.capacity() * sizeof(pdf::TextChar) +
            text.lines.capacity() * sizeof(pdf::TextLine) +
            text.blocks.capacity() * sizeof(pdf::TextBlock);
 }
@@ -199,14 +206,14 @@ CachedText BuildPageText(const Drawing& content, const PageFacts& facts, Operati
                 lines.push_back(std::move(line));
             }
         });
-        Join(result.text, lines, OrderOf(lines, rcPage));
+        Join(result, lines, OrderOf(lines, rcPage));
     }
     result.bCutShort = result.bCutShort || operation.IsTimedOut();
     if (watch.WasRefused() && !operation.IsTimedOut()) {
         throw common::EngineException(common::ErrorCode::e_ErrOutOfMemory,
                                       "no memory for the page's text");
     }
-    result.nBytes = BytesOf(result.text);
+    result.nBytes = BytesOf(result);
     return result;
 }
 

@@ -7,6 +7,9 @@
 // Threads: pure function; no lock of the document is needed.
 #pragma once
 
+#include <cstdint>
+#include <vector>
+
 #include "document/engine/PageText.h"
 #include "engines/mupdf/Drawing.h"
 #include "engines/mupdf/Operation.h"
@@ -16,6 +19,7 @@ namespace velko::engines::mupdf::text {
 
 struct CachedText : CacheItem {
     pdf::PageText text;
+    std::vector<std::uint32_t> sources; // of each character, its number in the extraction
 };
 
 // Raises `EngineException` for want of memory, `task_canceled` when the operation is
