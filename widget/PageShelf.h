@@ -1,12 +1,15 @@
 // What is known of single pages of the shown document, read on the task pool when
-// it is first asked for, and kept.
+// it is first asked for, and kept: the pages asked for last, as many as have room, and
+// whatever was asked for just now, so that no number of pages in sight is read in rounds.
 //
 // Threads: UI thread only; `fnRead` runs on the pool.
 // Errors: a page of which it cannot be read has a value of nothing.
 #pragma once
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -35,6 +38,7 @@ public:
             Begin(nPage);
             return nullptr;
         }
+        it->second.nAskedMs = m_clock.elapsed();
         return it->second.pValue;
     }
 
@@ -61,17 +65,21 @@ public:
 protected:
     // `szWhat` names it in the debug output.
     PageShelf(PDFViewCtrl& control, const char* szWhat, Reader fnRead)
-        : m_control(control), m_strWhat(szWhat), m_fnRead(std::move(fnRead)) {}
+        : m_control(control), m_strWhat(szWhat), m_fnRead(std::move(fnRead)) {
+        m_clock.start();
+    }
 
     PDFViewCtrl& Control() const { return m_control; }
     virtual void OnRead(std::int32_t nPage) = 0;
 
 private:
     static constexpr std::size_t kMostPages = 64;
+    static constexpr qint64 kJustNowMs = 2'000;
 
     struct Entry {
         std::shared_ptr<const T> pValue; // empty while it is read for the first time
         std::uint64_t nReading = 0;      // the one that counts
+        qint64 nAskedMs = 0;             // when it was last asked for
     };
 
     void Begin(std::int32_t nPage) {
@@ -80,10 +88,12 @@ private:
             return;
         }
         if (m_entries.size() >= kMostPages && m_entries.find(nPage) == m_entries.end()) {
-            m_entries.clear();
+            MakeRoom();
         }
         const std::uint64_t nReading = ++m_nReadings;
-        m_entries[nPage].nReading = nReading;
+        Entry& entry = m_entries[nPage];
+        entry.nReading = nReading;
+        entry.nAskedMs = m_clock.elapsed();
         const auto fnRead = [pDocument, nPage, fnRead = m_fnRead, strWhat = m_strWhat]() -> T {
             try {
                 return fnRead(pDocument, nPage);
@@ -101,6 +111,15 @@ private:
         });
     }
 
+    void MakeRoom() {
+        const auto oldest = std::min_element(
+            m_entries.begin(), m_entries.end(),
+            [](const auto& a, const auto& b) { return a.second.nAskedMs < b.second.nAskedMs; });
+        if (m_clock.elapsed() - oldest->second.nAskedMs > kJustNowMs) {
+            m_entries.erase(oldest);
+        }
+    }
+
     void Take(std::int32_t nPage, std::uint64_t nReading, T value) {
         const auto it = m_entries.find(nPage);
         if (it != m_entries.end() && it->second.nReading == nReading) {
@@ -115,6 +134,7 @@ private:
     std::weak_ptr<Doc> m_wkDocument; // whose pages these are
     std::map<std::int32_t, Entry> m_entries;
     std::uint64_t m_nReadings = 0; // begun, of whatever document
+    QElapsedTimer m_clock;
 };
 
 }

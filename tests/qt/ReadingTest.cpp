@@ -114,7 +114,10 @@ TEST_F(ReadingTest, PagesOfTextAreSteppedByScreensAndFoundByNumber) {
     ASSERT_TRUE(OpenUntilSharp(*pView, WriteBook(9)));
     pView->SetReading(true);
     pView->ZoomTo(1.0);
-    ASSERT_TRUE(Settles(*pView));
+    for (const int nPage : {8, 7, 6, 5, 3, 2, 1, 0}) { // however busy the machine, all are
+        pView->GotoPage(nPage);                        // measured from here on
+        ASSERT_TRUE(Settles(*pView));
+    }
     const auto fnTopOf = [&](int nPage) {
         return pView->Control()->GetPageScreenRect(nPage)->dbOffsetY;
     };

@@ -1,27 +1,51 @@
-// The text with its places of the shown document's pages.
+// The text with its places of the shown document's pages, as the pages are shown: on the
+// pages themselves or set anew. A page's characters have the same indexes in both.
 //
 // Threads: UI thread only. Errors: a page whose text cannot be read has none.
 #pragma once
+
+#include <memory>
 
 #include "document/engine/PageText.h"
 #include "widget/PageShelf.h"
 
 namespace velko::vkit {
 
-class PageTexts : public PageShelf<std::shared_ptr<const velko::pdf::PageText>> {
+// A page's text in one of its two forms.
+struct PlacedText {
+    std::shared_ptr<const velko::pdf::PageText> pText; // empty for a page without
+    std::uint64_t nSet = 0;                            // what it is set for; 0 on its page
+};
+
+class PageTexts : public PageShelf<PlacedText> {
     Q_OBJECT
 
 public:
-    explicit PageTexts(PDFViewCtrl& control);
+    using TextPtr = std::shared_ptr<const velko::pdf::PageText>;
 
-    // Empty while it is read.
-    std::shared_ptr<const velko::pdf::PageText> TextOf(std::int32_t nPage);
+    explicit PageTexts(PDFViewCtrl& control);
+    ~PageTexts() override;
+
+    // With the places at which the page is shown now; empty while it is read. While text
+    // is set for another size, the places from before stand in.
+    TextPtr TextOf(std::int32_t nPage);
+
+    // As it stands on the page itself, with its lines and hyphens, whatever is shown.
+    TextPtr OwnTextOf(std::int32_t nPage);
+
+    // As `PageShelf`, of both forms.
+    bool IsSameDocument();
 
 signals:
-    void Read(int nPage);
+    void Read(int nPage); // one of its forms
 
 protected:
     void OnRead(std::int32_t nPage) override { emit Read(nPage); }
+
+private:
+    class SetTexts;
+
+    const std::unique_ptr<SetTexts> m_pSet;
 };
 
 }
