@@ -8,7 +8,7 @@
 
 namespace velko::vkit {
 
-using velko::pdf::LinkRecord;
+using velko::pdf::LinkGoal;
 
 namespace {
 
@@ -71,23 +71,23 @@ QString LeadsNowhere() {
     return "This link leads nowhere: the place that it names is not in the document.";
 }
 
-LinkTarget TargetOf(const LinkRecord& link) {
-    if (link.pAction) {
-        return LinkToPage{link.pAction, {}, -1};
+LinkTarget TargetOf(const LinkGoal& goal) {
+    if (goal.pAction) {
+        return LinkToPage{goal.pAction, {}, -1};
     }
-    if (!link.strUri.empty()) {
-        return TargetOfUri(QString::fromStdString(link.strUri));
+    if (!goal.strUri.empty()) {
+        return TargetOfUri(QString::fromStdString(goal.strUri));
     }
-    return TargetOfOther(QString::fromStdString(link.strOtherKind),
-                         QString::fromStdString(link.strOtherValue));
+    return TargetOfOther(QString::fromStdString(goal.strOtherKind),
+                         QString::fromStdString(goal.strOtherValue));
 }
 
-QString TextOf(const LinkRecord& link, velko::pdf::PDFDoc& document) {
-    const auto pDestination = link.pAction ? link.pAction->GetDestination() : nullptr;
+QString TextOf(const LinkGoal& goal, velko::pdf::PDFDoc& document) {
+    const auto pDestination = goal.pAction ? goal.pAction->GetDestination() : nullptr;
     if (pDestination) {
         return QStringLiteral("Page %1").arg(pDestination->GetPageIndex(document) + 1);
     }
-    for (const std::string& strText : {link.strUri, link.strOtherValue, link.strOtherKind}) {
+    for (const std::string& strText : {goal.strUri, goal.strOtherValue, goal.strOtherKind}) {
         if (!strText.empty()) {
             return QString::fromStdString(strText);
         }

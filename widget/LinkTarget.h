@@ -37,9 +37,9 @@ using LinkTarget = std::variant<LinkToPage, LinkStep, LinkToAddress, RefusedLink
 // The sentence for whoever follows a link to a place that does not exist.
 QString LeadsNowhere();
 
-LinkTarget TargetOf(const velko::pdf::LinkRecord& link);
+LinkTarget TargetOf(const velko::pdf::LinkGoal& goal);
 
 // The target in a few words, for whoever points at the link.
-QString TextOf(const velko::pdf::LinkRecord& link, velko::pdf::PDFDoc& document);
+QString TextOf(const velko::pdf::LinkGoal& goal, velko::pdf::PDFDoc& document);
 
 }

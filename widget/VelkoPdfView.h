@@ -147,6 +147,9 @@ public:
     void GotoFirstPage();
     void GotoLastPage();
     void JumpToName(const QString& strName); // a named destination; else `LinkRefused`
+    // As a click on a link that leads there does: `WebLinkWanted` and `LinkRefused` tell
+    // of what is not a place in the document.
+    void FollowGoal(const velko::pdf::LinkGoal& goal);
     bool CanGoBack() const { return m_history.CanGoBack(); }
     bool CanGoForward() const { return m_history.CanGoForward(); }
     void GoBack();
@@ -338,7 +341,6 @@ private:
     bool HandleZoomKey(int nKey);
 
     // Links.
-    void FollowLink(const velko::pdf::LinkRecord& link);
     void FollowAction(const std::shared_ptr<velko::pdf::IAction>& pAction);
     void FollowPage(const LinkToPage& target);
     bool IsShownHere(const velko::pdf::IDestination& target);

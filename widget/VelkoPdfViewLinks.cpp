@@ -19,6 +19,7 @@ namespace velko::vkit {
 using velko::pdf::IAction;
 using velko::pdf::IDestination;
 using velko::pdf::ILinkSource;
+using velko::pdf::LinkGoal;
 using velko::pdf::LinkRecord;
 using velko::pdf::PDFDoc;
 using Windows::Foundation::Point;
@@ -57,10 +58,10 @@ Cases(Ts...) -> Cases<Ts...>;
 }
 
 void VelkoPdfView::ConnectLinks() {
-    m_pLinks->OnFollow = [this](const LinkRecord& link) { FollowLink(link); };
+    m_pLinks->OnFollow = [this](const LinkRecord& link) { FollowGoal(link); };
     m_pLinks->OnHover = [this] { TellLinkTarget(); };
     LinkFocus::Hands hands;
-    hands.fnFollow = [this](const LinkRecord& link) { FollowLink(link); };
+    hands.fnFollow = [this](const LinkRecord& link) { FollowGoal(link); };
     hands.fnGotoPage = [this](int nPage) { GotoPage(nPage); };
     hands.fnScroll = [this](double dbX, double dbY) { ScrollBy(dbX, dbY); };
     hands.fnChanged = [this] { TellLinkTarget(); };
@@ -87,12 +88,12 @@ void VelkoPdfView::TellLinkTarget() {
         this, [this, strTarget] { emit LinkHovered(strTarget); }, Qt::QueuedConnection);
 }
 
-void VelkoPdfView::FollowLink(const LinkRecord& link) {
+void VelkoPdfView::FollowGoal(const LinkGoal& goal) {
     std::visit(Cases{[this](const LinkToPage& page) { FollowPage(page); },
                      [this](LinkStep eStep) { FollowStep(eStep); },
                      [this](const LinkToAddress& to) { emit WebLinkWanted(to.address); },
                      [this](const RefusedLink& to) { emit LinkRefused(to.strReason); }},
-               TargetOf(link));
+               TargetOf(goal));
 }
 
 void VelkoPdfView::FollowPage(const LinkToPage& target) {

@@ -53,6 +53,7 @@ CommandBar::CommandBar(VelkoPdfView& view, vkit::DocFacts& facts, const Commands
     m_pLayout->setSpacing(2);
     m_pMenuButton = new GlyphButton(Glyph::Menu, commands[Command::Menu], this);
     Add(m_pMenuButton, kStays);
+    AddButton(Glyph::SidePanel, Command::SidePanel, kTools);
     AddButton(Glyph::Open, Command::Open, kViews);
     m_pLayout->addStretch(1);
     MakePageParts();

@@ -151,6 +151,8 @@ const std::vector<Entry>& Entries() {
          [](View& view) { view.SetNightMode(!view.NightMode()); },
          [](const View& view) { return view.NightMode(); }},
         {Command::FullScreen, "&Full screen", "F11", Needs::Nothing},
+        {Command::SidePanel, "&Side panel", "F9"},
+        {Command::SwapKeys, "Between the panel and the pages", "F6 Ctrl+F6"},
         {Command::Menu, "Menu", "F10", Needs::Nothing},
         {Command::PageMenu, "Menu of the page", "Shift+F10", Needs::Nothing},
         {Command::Keys, "&Keys", "F1", Needs::Nothing},
@@ -167,6 +169,11 @@ QList<QKeySequence> KeysOf(const Entry& entry) {
     return keys;
 }
 
+// What is shown as in force by the window's word.
+bool IsTheWindows(Command eCommand) {
+    return eCommand == Command::FullScreen || eCommand == Command::SidePanel;
+}
+
 // Of those of which one holds at most, so that menus show them so.
 QActionGroup* GroupOf(QObject* pParent) {
     auto* const pGroup = new QActionGroup(pParent);
@@ -180,7 +187,7 @@ Commands::Commands(VelkoPdfView& view, QWidget* pWindow) : QObject(pWindow), m_v
     for (const Entry& entry : Entries()) {
         auto* const pAction = new QAction(QString::fromUtf8(entry.szText), this);
         pAction->setShortcuts(KeysOf(entry));
-        pAction->setCheckable(entry.fnChecked != nullptr || entry.eCommand == Command::FullScreen);
+        pAction->setCheckable(entry.fnChecked != nullptr || IsTheWindows(entry.eCommand));
         m_actions[static_cast<std::size_t>(entry.eCommand)] = pAction;
         pWindow->addAction(pAction);
         connect(pAction, &QAction::triggered, this, [this, &entry] {
@@ -226,6 +233,10 @@ void Commands::NameSteps() {
     };
     fnName(Command::Undo, QStringLiteral("&Undo"), m_view.Edits().UndoName());
     fnName(Command::Redo, QStringLiteral("&Redo"), m_view.Edits().RedoName());
+}
+
+void Commands::SetSidePanel(bool bShown) {
+    (*this)[Command::SidePanel]->setChecked(bShown);
 }
 
 void Commands::SetFullScreen(bool bFull) {

@@ -47,6 +47,8 @@ enum class Command {
     TextPictures,
     Night,
     FullScreen,
+    SidePanel,
+    SwapKeys,
     Menu,
     PageMenu,
     Keys,
@@ -67,6 +69,7 @@ public:
 
     // Whether the window fills the screen, which only it knows.
     void SetFullScreen(bool bFull);
+    void SetSidePanel(bool bShown); // likewise
 
 signals:
     void Done(); // a command of the view's

@@ -153,6 +153,50 @@ QPainterPath Close() {
     return path;
 }
 
+// A window with a panel at its left.
+QPainterPath SidePanel() {
+    QPainterPath path;
+    Page(path, {2.5, 3.5, 15.0, 13.0});
+    Line(path, {{7.5, 3.5}, {7.5, 16.5}});
+    Line(path, {{4.5, 7.0}, {5.5, 7.0}});
+    Line(path, {{4.5, 10.0}, {5.5, 10.0}});
+    return path;
+}
+
+// Lines, some of them set in.
+QPainterPath Outline() {
+    QPainterPath path;
+    Line(path, {{3.0, 4.5}, {15.0, 4.5}});
+    Line(path, {{6.5, 8.2}, {17.0, 8.2}});
+    Line(path, {{6.5, 11.8}, {14.0, 11.8}});
+    Line(path, {{3.0, 15.5}, {13.0, 15.5}});
+    return path;
+}
+
+// Four small pages.
+QPainterPath Pages() {
+    QPainterPath path;
+    for (const double dbLeft : {3.5, 11.5}) {
+        Page(path, {dbLeft, 2.5, 5.0, 6.5});
+        Page(path, {dbLeft, 11.0, 5.0, 6.5});
+    }
+    return path;
+}
+
+// A paper clip.
+QPainterPath Attachment() {
+    QPainterPath path;
+    path.moveTo(14.5, 7.5);
+    path.lineTo(8.7, 13.3);
+    path.cubicTo(7.7, 14.3, 6.1, 12.7, 7.1, 11.7);
+    path.lineTo(13.2, 5.6);
+    path.cubicTo(15.3, 3.5, 18.3, 6.7, 16.4, 8.7);
+    path.lineTo(10.0, 15.2);
+    path.cubicTo(6.8, 18.2, 1.9, 13.3, 4.9, 10.2);
+    path.lineTo(11.0, 4.0);
+    return path;
+}
+
 }
 
 QPainterPath OutlineOf(Glyph eGlyph) {
@@ -193,6 +237,14 @@ QPainterPath OutlineOf(Glyph eGlyph) {
             return Close();
         case Glyph::Down:
             return Down();
+        case Glyph::SidePanel:
+            return SidePanel();
+        case Glyph::Outline:
+            return Outline();
+        case Glyph::Pages:
+            return Pages();
+        case Glyph::Attachment:
+            return Attachment();
     }
     return {};
 }

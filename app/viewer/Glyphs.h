@@ -27,7 +27,11 @@ enum class Glyph {
     Night,
     FullScreen,
     Close,
-    Down
+    Down,
+    SidePanel,
+    Outline,
+    Pages,
+    Attachment
 };
 
 QPainterPath OutlineOf(Glyph eGlyph);

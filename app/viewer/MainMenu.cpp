@@ -29,7 +29,7 @@ MainMenu::MainMenu(vkit::VelkoPdfView& view, const Commands& commands, QWidget* 
              {Command::Continuous, Command::SinglePage, Command::Reading, Command::TextPictures,
               Command::RotateRight, Command::RotateLeft});
     addMenu(new ColorMenu(view, commands[Command::Night], this));
-    addAction(commands[Command::FullScreen]);
+    addActions({commands[Command::SidePanel], commands[Command::FullScreen]});
     addSeparator();
     addActions({commands[Command::Keys], commands[Command::About]});
     addSeparator();

@@ -24,6 +24,7 @@
 #include "app/viewer/StartPane.h"
 #include "app/viewer/TopEdge.h"
 #include "app/viewer/ViewerSettings.h"
+#include "app/viewer/side/SideDock.h"
 #include "platform/qt/QtElementWindow.h"
 #include "widget/VelkoRuntime.h"
 #include "widget/edit/ViewEdits.h"
@@ -55,7 +56,8 @@ MainWindow::MainWindow(std::shared_ptr<vkit::PDFViewCtrl> pControl, QSize size)
     : m_pView(new VelkoPdfView(std::move(pControl), this)),
       m_parts(*this, *m_pView),
       m_pTopEdge(new TopEdge(m_pView->Window(), CommandBar::kHeight, this)),
-      m_pSaveFlow(new SaveFlow(*m_pView, this)) {
+      m_pSaveFlow(new SaveFlow(*m_pView, this)),
+      m_pSide(new SideDock(*m_pView, m_parts, this)) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAcceptDrops(true);
     setFocusProxy(m_pView);
@@ -134,6 +136,7 @@ void MainWindow::Begin(const FilePath& path, VelkoPdfView::Opening opening) {
         OnState(m_pView->ViewState());
         return;
     }
+    m_pSide->SetDocument(true);
     // A document that is open by now is laid out at the window's size and begins
     // to render while the display still makes the window.
     m_pView->ArrangeBeforeShow();
@@ -220,6 +223,7 @@ void MainWindow::CompleteBar() {
     connect(&recent, &RecentMenu::Wanted, this, &MainWindow::OpenFile);
     connect(&recent, &RecentMenu::ClearWanted, this, &MainWindow::AskToClear);
     m_pCommands->SetFullScreen(isFullScreen());
+    CompleteSide();
     PlaceParts();
 }
 
@@ -255,6 +259,12 @@ void MainWindow::CarryOut(Command eCommand) {
             break;
         case Command::FullScreen:
             ToggleFullScreen();
+            break;
+        case Command::SidePanel:
+            m_pSide->Toggle();
+            break;
+        case Command::SwapKeys:
+            m_pSide->SwapKeys();
             break;
         case Command::EnterPage:
             m_pTopEdge->Call();
@@ -333,6 +343,9 @@ void MainWindow::OpenFile(const FilePath& path) {
 bool MainWindow::LeaveWhatIsOpen() {
     if (!Notice().isEmpty()) {
         m_pNotice->Dismiss();
+        return true;
+    }
+    if (m_pSide->Leave()) {
         return true;
     }
     if (isFullScreen()) {

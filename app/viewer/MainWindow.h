@@ -29,6 +29,7 @@ class CommandBar;
 class Hint;
 class NoticeBar;
 class SaveFlow;
+class SideDock;
 class StartPane;
 class TopEdge;
 
@@ -84,6 +85,7 @@ private:
     void ConnectView();
     void ConnectLinks();
     void ConnectEdits();
+    void CompleteSide();
     void CarryOut(Command eCommand);
     void AskForFile(bool bOwnWindow);
     void CloseDocument();
@@ -118,6 +120,7 @@ private:
     WindowParts m_parts;
     TopEdge* const m_pTopEdge;
     SaveFlow* const m_pSaveFlow;        // a child
+    SideDock* const m_pSide;            // this too
     bool m_bMayClose = false;           // nothing is unsaved, or the reader lets it go
     vkit::DocFacts* m_pFacts = nullptr; // the view's; with the bar
     Commands* m_pCommands = nullptr;    // this too

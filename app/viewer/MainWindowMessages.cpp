@@ -9,6 +9,7 @@
 #include "app/viewer/NoticeBar.h"
 #include "app/viewer/RecentFiles.h"
 #include "app/viewer/StartPane.h"
+#include "app/viewer/side/SideDock.h"
 #include "platform/qt/QtElementWindow.h"
 #include "platform/storage/ApplicationData.h"
 #include "widget/StoreNotice.h"
@@ -149,6 +150,8 @@ QString MainWindow::Notice() const {
 
 void MainWindow::OnState(VelkoPdfView::State eState) {
     UpdateTitle();
+    m_pSide->SetDocument(eState != VelkoPdfView::State::Empty &&
+                         eState != VelkoPdfView::State::Failed);
     if (eState == VelkoPdfView::State::Empty) {
         HideMessages();
         ShowMessage("No document", "Press Ctrl+O to open a PDF document, or drop one here.");

@@ -17,6 +17,10 @@ constexpr const char* kWidth = "WindowWidth";
 constexpr const char* kHeight = "WindowHeight";
 constexpr const char* kMaximized = "WindowMaximized";
 constexpr const char* kOwnWindows = "OwnWindows";
+constexpr const char* kSideWidth = "SideWidth";
+constexpr const char* kSideTab = "SideTab";
+constexpr const char* kSideShown = "SideShown";
+constexpr std::int32_t kUsualSide = 250;
 constexpr std::int32_t kSmallestEdge = 100;
 constexpr std::int32_t kLargestEdge = 16384;
 
@@ -63,6 +67,31 @@ bool ViewerSettings::OpensOwnWindows() {
 
 void ViewerSettings::OpensOwnWindows(bool bOwn) {
     Values()->Insert(kOwnWindows, PropertyValue::Create<bool>(bOwn));
+}
+
+int ViewerSettings::SideWidth() {
+    const auto nWidth = Read<std::int32_t>(kSideWidth, kUsualSide);
+    return IsEdge(nWidth) ? nWidth : kUsualSide;
+}
+
+void ViewerSettings::KeepSideWidth(int nWidth) {
+    Values()->Insert(kSideWidth, PropertyValue::Create<std::int32_t>(nWidth));
+}
+
+int ViewerSettings::KeptSideTab() {
+    return Read<std::int32_t>(kSideTab, 0);
+}
+
+void ViewerSettings::KeepSideTab(int nTab) {
+    Values()->Insert(kSideTab, PropertyValue::Create<std::int32_t>(nTab));
+}
+
+bool ViewerSettings::ShowsSide() {
+    return Read<bool>(kSideShown, false);
+}
+
+void ViewerSettings::KeepSideShown(bool bShown) {
+    Values()->Insert(kSideShown, PropertyValue::Create<bool>(bShown));
 }
 
 }

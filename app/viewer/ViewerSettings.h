@@ -1,5 +1,5 @@
 // What the viewer keeps in the settings for itself, besides what the component
-// keeps there: its windows.
+// keeps there: its windows and their side panel.
 //
 // A value is in force when its setter returns and is stored behind; see
 // `ApplicationData`. Threads: the UI thread.
@@ -22,6 +22,14 @@ public:
     // Whether a document gets a window of its own while another one is shown.
     static bool OpensOwnWindows();
     static void OpensOwnWindows(bool bOwn);
+
+    // The side panel: its width in Qt's units, its tab, and whether it is beside the pages.
+    static int SideWidth();
+    static void KeepSideWidth(int nWidth);
+    static int KeptSideTab();
+    static void KeepSideTab(int nTab);
+    static bool ShowsSide();
+    static void KeepSideShown(bool bShown);
 };
 
 }
