@@ -7,17 +7,19 @@
 #include <cstdint>
 #include <memory>
 
+#include "document/RenderBlockRequest.h"
 #include "document/engine/Bitmap.h"
 #include "document/engine/PDFPage.h"
 #include "platform/concurrency/Cancellation.h"
 
 namespace velko::vkit {
 
-// The page with its annotations on white paper, unturned; the size in pixels, above 0.
+// The page with its annotations on paper of those colours, unturned; the size in pixels,
+// above 0.
 // Empty when the engine's time ran out before all of it was drawn. Raises what the
 // engine does, and `task_canceled` once the token is cancelled.
 std::shared_ptr<velko::common::Bitmap> DrawPagePicture(
     const std::shared_ptr<velko::pdf::PDFPage>& pPage, std::int32_t nWidth, std::int32_t nHeight,
-    const concurrency::cancellation_token& token);
+    const RenderColors& colors, const concurrency::cancellation_token& token);
 
 }

@@ -83,9 +83,10 @@ Matrix2D Reverse(const Matrix2D& matrix) {
 }
 
 std::shared_ptr<Bitmap> DrawPagePicture(const std::shared_ptr<PDFPage>& pPage, std::int32_t nWidth,
-                                        std::int32_t nHeight,
+                                        std::int32_t nHeight, const RenderColors& colors,
                                         const concurrency::cancellation_token& token) {
     RenderBlockRequest request;
+    static_cast<RenderColors&>(request) = colors;
     request.pPage = pPage;
     request.nBitmapWidth = nWidth;
     request.nBitmapHeight = nHeight;

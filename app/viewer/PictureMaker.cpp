@@ -103,7 +103,7 @@ task<void> PictureMaker::MakeIfNew(Self pThis, Token token) {
         co_return;
     }
     const auto drawing =
-        vkit::DrawPage(*pThis->m_view.Control(), 0, RecentPictures::kPixels, token);
+        vkit::DrawPage(*pThis->m_view.Control(), 0, {.largest = RecentPictures::kPixels}, token);
     const vkit::PagePicture picture = co_await drawing;
     token.throw_if_canceled();
     if (picture.bProtected) {

@@ -152,7 +152,7 @@ TEST_F(RecentPicturesTest, APictureThatTakesLongGivesWay) {
     ASSERT_TRUE(ShowUntilSharp(WritePages("heavy.pdf", 1, 1'000)));
     const concurrency::cancellation_token_source source;
     const auto drawing =
-        vkit::DrawPage(*TheView().Control(), 0, {4'000, 4'000}, source.get_token());
+        vkit::DrawPage(*TheView().Control(), 0, {.largest = {4'000, 4'000}}, source.get_token());
     QTimer::singleShot(5, [&] { source.cancel(); }); // while it is being drawn
     ASSERT_TRUE(RunUntil([&] { return drawing.is_done(); }));
     EXPECT_TRUE(drawing.is_canceled());
