@@ -33,9 +33,11 @@ public:
     // Empty while it is read, which begins here at the latest; `OnRead` tells of the end.
     // What it gives stays as it is, whatever is forgotten here.
     std::shared_ptr<const T> Find(std::int32_t nPage) {
+        if (m_entries.find(nPage) == m_entries.end()) {
+            Begin(nPage); // the reading may have ended before anybody listens
+        }
         const auto it = m_entries.find(nPage);
         if (it == m_entries.end()) {
-            Begin(nPage);
             return nullptr;
         }
         it->second.nAskedMs = m_clock.elapsed();

@@ -22,6 +22,7 @@
 #include "widget/WheelReader.h"
 #include "widget/edit/DocSaver.h"
 #include "widget/edit/ViewEdits.h"
+#include "widget/search/ViewSearch.h"
 #include "widget/text/PageTexts.h"
 
 namespace velko::vkit {
@@ -69,6 +70,7 @@ VelkoPdfView::~VelkoPdfView() {
     }
     m_pSaver.reset();
     m_pEdits.reset();
+    m_pSearch.reset();
     m_pTexts.reset();
     m_pLinkFocus.reset();
     m_pLinks.reset();
@@ -149,6 +151,19 @@ void VelkoPdfView::MakeEdits() {
     connect(m_pSaver.get(), &DocSaver::Saved, this, &VelkoPdfView::OnSaved);
     connect(m_pSaver.get(), &DocSaver::Started, this, &VelkoPdfView::ViewChanged);
     connect(m_pSaver.get(), &DocSaver::Ended, this, &VelkoPdfView::ViewChanged);
+}
+
+ViewSearch& VelkoPdfView::Search() {
+    if (!m_pSearch) {
+        ViewSearch::Parts parts{m_pControl,
+                                *m_pWindow,
+                                *m_pTexts,
+                                [this](int nPage) { GotoPage(nPage); },
+                                [this](double dbX, double dbY) { ScrollBy(dbX, dbY); },
+                                [this] { Command([this] { LeavePlace(); }); }};
+        m_pSearch = std::make_unique<ViewSearch>(std::move(parts));
+    }
+    return *m_pSearch;
 }
 
 bool VelkoPdfView::IsModified() const {

@@ -69,6 +69,7 @@ class PointerShape;
 class SlowPages;
 class StoreNotice;
 class ViewEdits;
+class ViewSearch;
 class WheelReader;
 enum class LinkStep;
 struct KeptView;
@@ -207,6 +208,8 @@ public:
     DocSaver& Saver() const { return *m_pSaver; }
     bool IsModified() const;
 
+    // Hits in the text, marked on the pages. Made by the first call.
+    ViewSearch& Search();
     // The text of the shown document's pages, read when it is asked for.
     PageTexts& Texts() const { return *m_pTexts; }
 
@@ -367,6 +370,7 @@ private:
     std::unique_ptr<MiddleDrag> m_pMiddleDrag;
     std::unique_ptr<PageTexts> m_pTexts;
     std::unique_ptr<ViewEdits> m_pEdits;
+    std::unique_ptr<ViewSearch> m_pSearch; // when first needed
     std::unique_ptr<DocSaver> m_pSaver;
     std::unique_ptr<PageFrames> m_pFrames;
     std::unique_ptr<PageNotices> m_pNotices;
