@@ -18,6 +18,7 @@ enum class Command {
     NewWindow,
     Save,
     SaveAs,
+    Properties,
     Close,
     Quit,
     Undo,

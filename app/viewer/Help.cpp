@@ -3,12 +3,12 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QPushButton>
-#include <QShortcut>
 #include <QTextBrowser>
 #include <QVBoxLayout>
 #include <utility>
 
 #include "app/viewer/Commands.h"
+#include "app/viewer/WindowKeys.h"
 
 namespace velko::viewer {
 
@@ -56,14 +56,6 @@ QString KeysText(const Commands& commands) {
         .arg(strPages, strRows);
 }
 
-// The keys that close a window and end the program do so here as well.
-void AddKeys(QDialog& dialog, const Commands& commands) {
-    dialog.addAction(commands[Command::Quit]);
-    for (const QKeySequence& key : commands[Command::Close]->shortcuts()) {
-        new QShortcut(key, &dialog, &dialog, &QDialog::reject);
-    }
-}
-
 void Show(const QString& strTitle, const QString& strText, QSize size, const Commands& commands,
           QWidget* pParent) {
     if (auto* const pOpen = pParent->findChild<QDialog*>(strTitle)) {
@@ -83,7 +75,7 @@ void Show(const QString& strTitle, const QString& strText, QSize size, const Com
     auto* const pLayout = new QVBoxLayout(pDialog);
     pLayout->addWidget(pText);
     pLayout->addWidget(pButtons);
-    AddKeys(*pDialog, commands);
+    AddWindowKeys(*pDialog, commands);
     pDialog->resize(size.boundedTo(pParent->size().expandedTo({300, 200})));
     pDialog->show(); // the pages can be read meanwhile
     pText->setFocus();

@@ -14,7 +14,8 @@ MainMenu::MainMenu(vkit::VelkoPdfView& view, const Commands& commands, QWidget* 
     addMenu(m_pRecent);
     addAction(commands[Command::NewWindow]);
     AddOwnWindows();
-    addActions({commands[Command::Save], commands[Command::SaveAs], commands[Command::Close]});
+    addActions({commands[Command::Save], commands[Command::SaveAs]});
+    addActions({commands[Command::Properties], commands[Command::Close]});
     addSeparator();
     AddGroup("&Edit", commands,
              {Command::Undo, Command::Redo, Command::Highlight, Command::Note, Command::WriteMark,

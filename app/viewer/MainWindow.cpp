@@ -24,6 +24,7 @@
 #include "app/viewer/StartPane.h"
 #include "app/viewer/TopEdge.h"
 #include "app/viewer/ViewerSettings.h"
+#include "app/viewer/properties/PropertiesDialog.h"
 #include "app/viewer/side/SideDock.h"
 #include "platform/qt/QtElementWindow.h"
 #include "widget/VelkoRuntime.h"
@@ -250,6 +251,9 @@ void MainWindow::CarryOut(Command eCommand) {
             break;
         case Command::SaveAs:
             m_pSaveFlow->SaveAs();
+            break;
+        case Command::Properties:
+            PropertiesDialog::Show(*m_pView, *m_pFacts, *m_pCommands, this);
             break;
         case Command::Close:
             CloseDocument();
