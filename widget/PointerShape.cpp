@@ -10,7 +10,9 @@ void PointerShape::Set(Reason eReason, bool bHolds) {
     if (std::exchange(m_nReasons, nNow) == nNow) {
         return;
     }
-    if ((nNow & (LeftDrag | MiddleDrag)) != 0) {
+    if ((nNow & Hidden) != 0) {
+        m_window.setCursor(Qt::BlankCursor);
+    } else if ((nNow & (LeftDrag | MiddleDrag)) != 0) {
         m_window.setCursor(Qt::ClosedHandCursor);
     } else if ((nNow & Marks) != 0) {
         m_window.setCursor(Qt::IBeamCursor);

@@ -11,7 +11,7 @@ namespace velko::vkit {
 
 class PointerShape {
 public:
-    enum Reason : unsigned { OverLink = 1, LeftDrag = 2, MiddleDrag = 4, Marks = 8, PutsNote = 16 };
+    enum Reason : unsigned { OverLink = 1, LeftDrag = 2, MiddleDrag = 4, Marks = 8, PutsNote = 16, Hidden = 32 };
 
     explicit PointerShape(QWidget& window) : m_window(window) {}
 

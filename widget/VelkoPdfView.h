@@ -196,6 +196,10 @@ public:
     void SetNightMode(bool bOn);
     // Also around light pages, as in a window that fills the screen.
     void SetDarkSurround(bool bDark);
+    // In its place, whatever the pages' colours are; empty: as above.
+    void SetSurround(const std::optional<QColor>& color);
+    // Whatever the pointer is over.
+    void HidePointer(bool bHide);
     // What becomes of scans in colours other than black on white; kept likewise.
     velko::common::ScanColors ScanColors() const { return m_facts.eScanColors; }
     void SetScanColors(velko::common::ScanColors eColors);
@@ -322,6 +326,7 @@ private:
     void AfterArrange();
     void ShowAround();
     void ShowAround(const PageColors& colors);
+    void RedrawAround();
 
     // The place.
     std::optional<KeptView> PlaceNow(bool bLeft);
@@ -390,6 +395,7 @@ private:
     velko::common::ScanColors m_eScanColors; // as last drawn
     bool m_bKeepsZoom = false;               // within `ResizeAtTheZoom`
     bool m_bRefreshQueued = false;
+    std::optional<QColor> m_surround; // a host's
     bool m_bDarkSurround = false;
     bool m_bSeen = false;               // the reader has seen a page of this document
     bool m_bPlaceWaits = false;         // for the viewer of a document that is told of already

@@ -11,6 +11,7 @@
 #include "settings/SavedView.h"
 #include "viewers/core/Modes.h"
 #include "widget/PlaceKeeper.h"
+#include "widget/PointerShape.h"
 #include "widget/VelkoPdfView.h"
 #include "widget/edit/ViewEdits.h"
 #include "widget/text/PageTexts.h"
@@ -172,18 +173,31 @@ void VelkoPdfView::ShowAround() {
 }
 
 void VelkoPdfView::ShowAround(const PageColors& colors) {
-    const QColor around = colors.Around(m_bDarkSurround);
+    const QColor around = m_surround.value_or(colors.Around(m_bDarkSurround));
     m_pControl->SetSurround(ToColor(around));
     m_pWindow->SetBackground(around);
 }
 
 void VelkoPdfView::SetDarkSurround(bool bDark) {
     if (std::exchange(m_bDarkSurround, bDark) != bDark) {
-        ShowAround();
-        if (HasDocument()) {
-            Guard([this] { m_pControl->UpdateViewer(); });
-        }
+        RedrawAround();
     }
+}
+
+void VelkoPdfView::SetSurround(const std::optional<QColor>& color) {
+    m_surround = color;
+    RedrawAround();
+}
+
+void VelkoPdfView::RedrawAround() {
+    ShowAround();
+    if (HasDocument()) {
+        Guard([this] { m_pControl->UpdateViewer(); });
+    }
+}
+
+void VelkoPdfView::HidePointer(bool bHide) {
+    m_pPointer->Set(PointerShape::Hidden, bHide);
 }
 
 // --- changes of size -------------------------------------------------------

@@ -1,8 +1,10 @@
 #include "app/viewer/Commands.h"
 
 #include <QActionGroup>
+#include <algorithm>
 #include <vector>
 
+#include "app/viewer/keys/OwnKeys.h"
 #include "widget/edit/DocSaver.h"
 #include "widget/edit/ViewEdits.h"
 
@@ -152,11 +154,12 @@ const std::vector<Entry>& Entries() {
          [](View& view) { view.SetNightMode(!view.NightMode()); },
          [](const View& view) { return view.NightMode(); }},
         {Command::FullScreen, "&Full screen", "F11", Needs::Nothing},
+        {Command::Present, "P&resentation", "F5"},
         {Command::SidePanel, "&Side panel", "F9"},
         {Command::SwapKeys, "Between the panel and the pages", "F6 Ctrl+F6"},
         {Command::Menu, "Menu", "F10", Needs::Nothing},
         {Command::PageMenu, "Menu of the page", "Shift+F10", Needs::Nothing},
-        {Command::Keys, "&Keys", "F1", Needs::Nothing},
+        {Command::Keys, "&Keys", "F1 Ctrl+?", Needs::Nothing},
         {Command::About, "&About Velko Viewer", "", Needs::Nothing},
     };
     return s_entries;
@@ -168,6 +171,11 @@ QList<QKeySequence> KeysOf(const Entry& entry) {
         keys << QKeySequence(strKey);
     }
     return keys;
+}
+
+const Entry& EntryOf(Command eCommand) {
+    return *std::find_if(Entries().begin(), Entries().end(),
+                         [eCommand](const Entry& entry) { return entry.eCommand == eCommand; });
 }
 
 // What is shown as in force by the window's word.
@@ -187,7 +195,6 @@ QActionGroup* GroupOf(QObject* pParent) {
 Commands::Commands(VelkoPdfView& view, QWidget* pWindow) : QObject(pWindow), m_view(view) {
     for (const Entry& entry : Entries()) {
         auto* const pAction = new QAction(QString::fromUtf8(entry.szText), this);
-        pAction->setShortcuts(KeysOf(entry));
         pAction->setCheckable(entry.fnChecked != nullptr || IsTheWindows(entry.eCommand));
         m_actions[static_cast<std::size_t>(entry.eCommand)] = pAction;
         pWindow->addAction(pAction);
@@ -209,6 +216,7 @@ Commands::Commands(VelkoPdfView& view, QWidget* pWindow) : QObject(pWindow), m_v
             pGroup->addAction((*this)[eCommand]);
         }
     }
+    ReadKeys();
     connect(&m_view, &VelkoPdfView::ViewChanged, this, &Commands::FollowView);
     connect(&m_view, &VelkoPdfView::StateChanged, this, &Commands::FollowView);
     FollowView();
@@ -242,6 +250,60 @@ void Commands::SetSidePanel(bool bShown) {
 
 void Commands::SetFullScreen(bool bFull) {
     (*this)[Command::FullScreen]->setChecked(bFull);
+}
+
+// --- keys ------------------------------------------------------------------
+
+QString Commands::NameOf(Command eCommand) {
+    return QString::fromUtf8(EntryOf(eCommand).szText).remove('&').remove("…");
+}
+
+Commands::Keys Commands::FirstKeys(Command eCommand) {
+    return viewer::KeysOf(EntryOf(eCommand));
+}
+
+std::optional<Command> Commands::HolderOf(const QKeySequence& key) const {
+    for (const Entry& entry : Entries()) {
+        if (KeysOf(entry.eCommand).contains(key)) {
+            return entry.eCommand;
+        }
+    }
+    return std::nullopt;
+}
+
+void Commands::KeepKeys(Command eCommand, const Keys& keys) {
+    if (keys == FirstKeys(eCommand)) {
+        OwnKeys::Forget(eCommand);
+    } else {
+        OwnKeys::Keep(eCommand, keys);
+    }
+}
+
+void Commands::SetKeys(Command eCommand, const Keys& keys) {
+    for (const QKeySequence& key : keys) {
+        const auto eHolder = HolderOf(key);
+        if (eHolder && *eHolder != eCommand) {
+            Keys left = KeysOf(*eHolder);
+            left.removeAll(key);
+            KeepKeys(*eHolder, left);
+        }
+    }
+    KeepKeys(eCommand, keys);
+    ReadKeys();
+    emit KeysChanged();
+}
+
+void Commands::ResetKeys() {
+    OwnKeys::ForgetAll();
+    ReadKeys();
+    emit KeysChanged();
+}
+
+void Commands::ReadKeys() {
+    for (const Entry& entry : Entries()) {
+        (*this)[entry.eCommand]->setShortcuts(
+            OwnKeys::Of(entry.eCommand).value_or(viewer::KeysOf(entry)));
+    }
 }
 
 }

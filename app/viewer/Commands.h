@@ -5,8 +5,11 @@
 #pragma once
 
 #include <QAction>
+#include <QKeySequence>
+#include <QList>
 #include <QObject>
 #include <array>
+#include <optional>
 
 #include "widget/VelkoPdfView.h"
 
@@ -48,6 +51,7 @@ enum class Command {
     TextPictures,
     Night,
     FullScreen,
+    Present,
     SidePanel,
     SwapKeys,
     Menu,
@@ -56,11 +60,15 @@ enum class Command {
     About,
     kCount
 };
+Q_NAMESPACE // for the names of the commands
+Q_ENUM_NS(Command)
 
 class Commands : public QObject {
     Q_OBJECT
 
 public:
+    using Keys = QList<QKeySequence>;
+
     // The actions are in force in `pWindow`, also where no menu shows them.
     Commands(vkit::VelkoPdfView& view, QWidget* pWindow);
 
@@ -72,14 +80,26 @@ public:
     void SetFullScreen(bool bFull);
     void SetSidePanel(bool bShown); // likewise
 
+    // --- keys: the reader's own, else those that the command comes with ---
+    static QString NameOf(Command eCommand); // as a reader calls it
+    static Keys FirstKeys(Command eCommand);
+    Keys KeysOf(Command eCommand) const { return (*this)[eCommand]->shortcuts(); }
+    std::optional<Command> HolderOf(const QKeySequence& key) const;
+    // Takes the keys away from whatever command has them.
+    void SetKeys(Command eCommand, const Keys& keys);
+    void ResetKeys(); // of all commands
+    void ReadKeys();  // another window has changed them
+
 signals:
     void Done(); // a command of the view's
+    void KeysChanged();
     // A command that is the window's to carry out.
     void Wanted(velko::viewer::Command eCommand);
 
 private:
     void FollowView();
     void NameSteps();
+    void KeepKeys(Command eCommand, const Keys& keys);
 
     vkit::VelkoPdfView& m_view;
     std::array<QAction*, static_cast<std::size_t>(Command::kCount)> m_actions{};

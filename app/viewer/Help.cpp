@@ -14,47 +14,7 @@ namespace velko::viewer {
 
 namespace {
 
-constexpr QSize kKeysSize{520, 640}; // Qt's units
-constexpr QSize kAboutSize{460, 300};
-
-// Those of the pages, which are no commands of the window.
-const std::pair<const char*, const char*> kPageKeys[] = {
-    {"A screen on, or back", "Space, Page Down, Return; Shift+Space, Page Up, Backspace"},
-    {"A line on, or back", "Down or J; Up or K"},
-    {"To the side", "Left, Right, or Shift and the wheel"},
-    {"Next page, previous page", "N; P"},
-    {"Start and end of the document", "Home; End"},
-    {"Zoom, or the size of text for reading", "+ and −, or Ctrl and the wheel"},
-    {"Next link, previous link; follow it, leave it", "Tab, Shift+Tab; Return, Esc"},
-    {"Leave a field, a notice or the full screen", "Esc"},
-};
-
-QString Row(const QString& strWhat, const QString& strKeys) {
-    return QStringLiteral("<tr><td style=\"padding-right: 16px\">%1</td><td>%2</td></tr>")
-        .arg(strWhat.toHtmlEscaped(), strKeys.toHtmlEscaped());
-}
-
-QString KeysText(const Commands& commands) {
-    QString strRows;
-    for (int n = 0; n < static_cast<int>(Command::kCount); ++n) {
-        const QAction& action = *commands[static_cast<Command>(n)];
-        QStringList keys;
-        for (const QKeySequence& key : action.shortcuts()) {
-            keys << key.toString(QKeySequence::NativeText);
-        }
-        if (!keys.isEmpty()) {
-            strRows += Row(action.text().remove('&').remove("…"), keys.join(", "));
-        }
-    }
-    QString strPages;
-    for (const auto& [szWhat, szKeys] : kPageKeys) {
-        strPages += Row(QString::fromUtf8(szWhat), QString::fromUtf8(szKeys));
-    }
-    return QStringLiteral(
-               "<h3>On the pages</h3><table>%1</table><h3>Commands</h3>"
-               "<table>%2</table>")
-        .arg(strPages, strRows);
-}
+constexpr QSize kAboutSize{460, 300}; // Qt's units
 
 void Show(const QString& strTitle, const QString& strText, QSize size, const Commands& commands,
           QWidget* pParent) {
@@ -81,10 +41,6 @@ void Show(const QString& strTitle, const QString& strText, QSize size, const Com
     pText->setFocus();
 }
 
-}
-
-void ShowKeys(const Commands& commands, QWidget* pParent) {
-    Show("Keys", KeysText(commands), kKeysSize, commands, pParent);
 }
 
 void ShowAbout(const Commands& commands, QWidget* pParent) {

@@ -1,5 +1,5 @@
-// What the reader may want to know of the program: its keys, its version and its
-// licence, each in a window that can stay beside the pages.
+// What the reader may want to know of the program: its version and its licence, in a
+// window that can stay beside the pages.
 //
 // Threads: UI thread only.
 #pragma once
@@ -10,7 +10,6 @@ namespace velko::viewer {
 
 class Commands;
 
-void ShowKeys(const Commands& commands, QWidget* pParent);
 void ShowAbout(const Commands& commands, QWidget* pParent);
 
 }

@@ -30,7 +30,8 @@ MainMenu::MainMenu(vkit::VelkoPdfView& view, const Commands& commands, QWidget* 
              {Command::Continuous, Command::SinglePage, Command::Reading, Command::TextPictures,
               Command::RotateRight, Command::RotateLeft});
     addMenu(new ColorMenu(view, commands[Command::Night], this));
-    addActions({commands[Command::SidePanel], commands[Command::FullScreen]});
+    addActions(
+        {commands[Command::SidePanel], commands[Command::FullScreen], commands[Command::Present]});
     addSeparator();
     addActions({commands[Command::Keys], commands[Command::About]});
     addSeparator();

@@ -24,6 +24,7 @@
 #include "app/viewer/StartPane.h"
 #include "app/viewer/TopEdge.h"
 #include "app/viewer/ViewerSettings.h"
+#include "app/viewer/keys/KeysDialog.h"
 #include "app/viewer/properties/PropertiesDialog.h"
 #include "app/viewer/side/SideDock.h"
 #include "platform/qt/QtElementWindow.h"
@@ -191,7 +192,7 @@ void MainWindow::resizeEvent(QResizeEvent* /*pEvent*/) {
 
 void MainWindow::changeEvent(QEvent* pEvent) {
     if (pEvent->type() == QEvent::WindowStateChange) {
-        m_pTopEdge->SetWatching(isFullScreen());
+        m_pTopEdge->SetWatching(isFullScreen() && !IsPresenting());
         PlaceParts();
         SayHowToLeave();
         m_pView->SetDarkSurround(isFullScreen());
@@ -214,6 +215,7 @@ void MainWindow::CompleteBar() {
     m_pCommands = new Commands(*m_pView, this);
     connect(m_pCommands, &Commands::Wanted, this, &MainWindow::CarryOut);
     connect(m_pCommands, &Commands::Done, this, &MainWindow::OnDone);
+    connect(m_pCommands, &Commands::KeysChanged, this, &MainWindow::KeysChanged);
     m_pFacts = new vkit::DocFacts(*m_pView);
     m_pBar = new CommandBar(*m_pView, *m_pFacts, *m_pCommands, this);
     connect(m_pBar, &CommandBar::Done, this, &MainWindow::OnDone);
@@ -263,6 +265,9 @@ void MainWindow::CarryOut(Command eCommand) {
             break;
         case Command::FullScreen:
             ToggleFullScreen();
+            break;
+        case Command::Present:
+            TogglePresentation();
             break;
         case Command::SidePanel:
             m_pSide->Toggle();
@@ -443,6 +448,9 @@ void MainWindow::closeEvent(QCloseEvent* pEvent) {
             close();
         });
         return;
+    }
+    if (IsPresenting()) {
+        TogglePresentation();
     }
     ViewerSettings::KeepWindow(OrdinarySize(), windowState().testFlag(Qt::WindowMaximized));
     hide(); // the place is stored while nobody waits for the window to go

@@ -28,6 +28,7 @@ namespace velko::viewer {
 class CommandBar;
 class Hint;
 class NoticeBar;
+class Presentation;
 class SaveFlow;
 class SideDock;
 class StartPane;
@@ -64,12 +65,16 @@ public:
     // What is told or asked above the pages; empty when nothing is.
     QString Notice() const;
 
+    // Another window has changed the keys of the commands.
+    void ReadKeys();
+
     // Fills the bar now.
     void CompleteBar();
 
 signals:
     void WindowWanted(const velko::vkit::FilePath& path); // of its own; empty: the start
     void EndWanted();                                     // of the program
+    void KeysChanged();                                   // of the commands
 
 protected:
     bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
@@ -94,6 +99,9 @@ private:
     void AskToBrowse(const QUrl& address);
     void Browse(const QUrl& address);
     void ToggleFullScreen();
+    void TogglePresentation();
+    void OnPresentation(); // it has begun, or ended
+    bool IsPresenting() const;
     bool LeaveWhatIsOpen(); // notice, then full screen; false when there is neither
     int BarHeight() const;  // what it takes of the pages' room
     void SayHowToLeave();   // the full screen
@@ -128,6 +136,7 @@ private:
     StartPane* m_pMessage = nullptr;    // these are made when first needed
     NoticeBar* m_pNotice = nullptr;
     Hint* m_pHint = nullptr;
+    Presentation* m_pPresentation = nullptr;
     QString m_strTarget;         // of the link under the pointer
     QLabel* m_pTarget = nullptr; // of the link under the pointer
     QSet<QString> m_sites;       // that the reader has agreed to go to

@@ -225,7 +225,7 @@ void MainWindow::SayHowToLeave() {
     static bool s_bSaid = false;
     if (m_pHint != nullptr && !isFullScreen()) {
         m_pHint->hide();
-    } else if (isFullScreen() && !std::exchange(s_bSaid, true)) {
+    } else if (isFullScreen() && !IsPresenting() && !std::exchange(s_bSaid, true)) {
         m_pHint = new Hint(this);
         m_pHint->Say({"Esc leaves the full screen.", "The bar is at the top edge."});
     }

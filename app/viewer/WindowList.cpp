@@ -45,6 +45,11 @@ MainWindow& WindowList::Add(std::shared_ptr<vkit::PDFViewCtrl> pControl,
     connect(pWindow, &MainWindow::EndWanted, this, &WindowList::CloseAll);
     connect(&pWindow->View(), &VelkoPdfView::ViewChanged, this,
             [this, pWindow] { ShareColors(*pWindow); });
+    connect(pWindow, &MainWindow::KeysChanged, this, [this] {
+        for (MainWindow* const pEach : m_windows) {
+            pEach->ReadKeys();
+        }
+    });
     m_windows.push_back(pWindow);
     return *pWindow;
 }

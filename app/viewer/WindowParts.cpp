@@ -27,7 +27,7 @@ int WindowParts::PlaceStrips() {
         if (row.bWidget && !row.pWidget) {
             continue;
         }
-        const int nHeight = row.fnHeight(m_window.width());
+        const int nHeight = m_bPagesOnly ? 0 : row.fnHeight(m_window.width());
         if (row.pWidget) {
             row.pWidget->setGeometry(0, nTop, m_window.width(), nHeight);
         }
@@ -37,12 +37,20 @@ int WindowParts::PlaceStrips() {
 }
 
 QRect WindowParts::PlaceSide(const QRect& rcRoom) {
-    const Side side = m_pSide ? m_fnSide(m_window.size()) : Side();
+    const Side side = m_pSide && !m_bPagesOnly ? m_fnSide(m_window.size()) : Side();
     if (side.nWidth <= 0) {
+        if (m_pSide && m_bPagesOnly) {
+            m_pSide->move(-m_pSide->width(), 0);
+        }
         return rcRoom;
     }
     m_pSide->setGeometry(rcRoom.x(), rcRoom.y(), side.nWidth, rcRoom.height());
     return side.bOver ? rcRoom : rcRoom.adjusted(side.nWidth, 0, 0, 0);
+}
+
+void WindowParts::SetPagesOnly(bool bOnly) {
+    m_bPagesOnly = bOnly;
+    Place();
 }
 
 void WindowParts::Place() {

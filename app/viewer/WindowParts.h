@@ -34,6 +34,9 @@ public:
     // Called after the pages have got their place.
     void AddOver(std::function<void(const QRect& rcPages)> fnPlace);
 
+    // The pages have all of the window; what is over them still lies there.
+    void SetPagesOnly(bool bOnly);
+
     void Place();
 
 private:
@@ -53,6 +56,7 @@ private:
     QPointer<QWidget> m_pSide;
     std::function<Side(QSize)> m_fnSide;
     std::vector<std::function<void(const QRect&)>> m_over;
+    bool m_bPagesOnly = false;
 };
 
 }
