@@ -58,11 +58,17 @@ bool IsUpright(const QPolygonF& quad) {
 }
 
 // White between the dashes, so that they are seen on any page.
-void PaintFrame(QPainter& painter, const QRectF& rc, const QColor& color, double dbLine) {
+void PaintFrame(QPainter& painter, const QRectF& rc, const ShapeOverlay::Shape& shape,
+                double dbLine) {
     const QRectF rcFrame = rc.adjusted(-dbLine / 2.0, -dbLine / 2.0, dbLine / 2.0, dbLine / 2.0);
+    if (shape.bUnbroken) {
+        painter.setPen(QPen(shape.color, dbLine / 2.0));
+        painter.drawRect(rcFrame);
+        return;
+    }
     painter.setPen(QPen(Qt::white, dbLine));
     painter.drawRect(rcFrame);
-    QPen dashes(color, dbLine);
+    QPen dashes(shape.color, dbLine);
     dashes.setDashPattern({3.0, 2.0});
     painter.setPen(dashes);
     painter.drawRect(rcFrame);
@@ -140,7 +146,7 @@ void ShapeOverlay::DrawAsPicture(const RenderCanvasEventArgs& args, const Shape&
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(-rc.topLeft());
     if (shape.bFrame) {
-        PaintFrame(painter, path.boundingRect(), shape.color, dbLine);
+        PaintFrame(painter, path.boundingRect(), shape, dbLine);
     } else {
         painter.fillPath(path, shape.color);
     }

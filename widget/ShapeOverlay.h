@@ -25,6 +25,7 @@ public:
         std::vector<velko::pdf::TextQuad> quads; // page space
         QColor color;                            // of an area; one that is let through
         bool bFrame = false;                     // around the quads instead
+        bool bUnbroken = false;                  // a thin line, without dashes
     };
     using Shapes = std::function<std::vector<Shape>(std::int32_t nPage)>;
 

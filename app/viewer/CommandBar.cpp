@@ -137,6 +137,7 @@ QMenu* CommandBar::MakeChoices() {
 }
 
 void CommandBar::MakeViewParts() {
+    AddButton(Glyph::Find, Command::Find, kZoomButtons);
     AddButton(Glyph::Highlight, Command::Highlight, kTools);
     AddButton(Glyph::Note, Command::Note, kTools);
     m_pLayout->addSpacing(10);

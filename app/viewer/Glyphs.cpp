@@ -146,6 +146,57 @@ QPainterPath Down() {
     return path;
 }
 
+QPainterPath Up() {
+    QPainterPath path;
+    Line(path, {{6.5, 11.5}, {10.0, 8.0}, {13.5, 11.5}});
+    return path;
+}
+
+// A looking glass.
+QPainterPath Find() {
+    QPainterPath path;
+    path.addEllipse(QPointF(8.5, 8.5), 5.0, 5.0);
+    Line(path, {{12.2, 12.2}, {16.5, 16.5}});
+    return path;
+}
+
+// A large letter and a small one.
+QPainterPath MatchCase() {
+    QPainterPath path;
+    Line(path, {{2.0, 15.0}, {6.0, 5.0}, {10.0, 15.0}});
+    Line(path, {{3.4, 11.5}, {8.6, 11.5}});
+    path.addEllipse(QPointF(14.3, 12.2), 2.8, 2.8);
+    Line(path, {{17.1, 9.2}, {17.1, 15.0}});
+    return path;
+}
+
+// A word between its ends.
+QPainterPath WholeWords() {
+    QPainterPath path;
+    Line(path, {{2.5, 4.5}, {2.5, 15.5}});
+    Line(path, {{17.5, 4.5}, {17.5, 15.5}});
+    Line(path, {{6.0, 12.0}, {14.0, 12.0}});
+    Line(path, {{6.0, 8.5}, {11.5, 8.5}});
+    return path;
+}
+
+QPainterPath List() {
+    QPainterPath path;
+    for (const double dbY : {5.5, 10.0, 14.5}) {
+        Line(path, {{3.5, dbY}, {4.0, dbY}});
+        Line(path, {{7.5, dbY}, {16.5, dbY}});
+    }
+    return path;
+}
+
+QPainterPath More() {
+    QPainterPath path;
+    for (const double dbX : {5.0, 10.0, 15.0}) {
+        path.addEllipse(QPointF(dbX, 10.0), 0.7, 0.7);
+    }
+    return path;
+}
+
 QPainterPath Close() {
     QPainterPath path;
     Line(path, {{5.5, 5.5}, {14.5, 14.5}});
@@ -237,6 +288,18 @@ QPainterPath OutlineOf(Glyph eGlyph) {
             return Close();
         case Glyph::Down:
             return Down();
+        case Glyph::Up:
+            return Up();
+        case Glyph::Find:
+            return Find();
+        case Glyph::MatchCase:
+            return MatchCase();
+        case Glyph::WholeWords:
+            return WholeWords();
+        case Glyph::List:
+            return List();
+        case Glyph::More:
+            return More();
         case Glyph::SidePanel:
             return SidePanel();
         case Glyph::Outline:

@@ -20,9 +20,11 @@ MainMenu::MainMenu(vkit::VelkoPdfView& view, const Commands& commands, QWidget* 
     AddGroup("&Edit", commands,
              {Command::Undo, Command::Redo, Command::Highlight, Command::Note, Command::WriteMark,
               Command::DeleteMark});
+    addAction(commands[Command::Find]);
     AddGroup("&Go", commands,
-             {Command::PreviousPage, Command::NextPage, Command::FirstPage, Command::LastPage,
-              Command::EnterPage, Command::Back, Command::Forward});
+             {Command::FindNext, Command::FindPrevious, Command::PreviousPage, Command::NextPage,
+              Command::FirstPage, Command::LastPage, Command::EnterPage, Command::Back,
+              Command::Forward});
     AddGroup("&Zoom", commands,
              {Command::ZoomIn, Command::ZoomOut, Command::ActualSize, Command::FitPage,
               Command::FitWidth, Command::FitHeight});

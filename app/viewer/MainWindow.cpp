@@ -24,6 +24,7 @@
 #include "app/viewer/StartPane.h"
 #include "app/viewer/TopEdge.h"
 #include "app/viewer/ViewerSettings.h"
+#include "app/viewer/find/FindFlow.h"
 #include "app/viewer/keys/KeysDialog.h"
 #include "app/viewer/properties/PropertiesDialog.h"
 #include "app/viewer/side/SideDock.h"
@@ -222,12 +223,18 @@ void MainWindow::CompleteBar() {
     connect(m_pBar, &CommandBar::Refused, this,
             [this](const QString& strReason) { NoticeLine().Tell(strReason); });
     m_pTopEdge->SetBar(m_pBar);
+    m_pFind = new FindFlow(*m_pView, *m_pCommands, m_parts, this);
     RecentMenu& recent = m_pBar->Menu().Recent();
     connect(&recent, &RecentMenu::Wanted, this, &MainWindow::OpenFile);
     connect(&recent, &RecentMenu::ClearWanted, this, &MainWindow::AskToClear);
     m_pCommands->SetFullScreen(isFullScreen());
     CompleteSide();
     PlaceParts();
+}
+
+void MainWindow::Find(const QString& strText) {
+    CompleteBar();
+    m_pFind->Find(strText);
 }
 
 // The bar and what belongs to it go with the pages into the dark.
@@ -274,6 +281,15 @@ void MainWindow::CarryOut(Command eCommand) {
             break;
         case Command::SwapKeys:
             m_pSide->SwapKeys();
+            break;
+        case Command::Find:
+            m_pFind->Open();
+            break;
+        case Command::FindNext:
+            m_pFind->Step(false);
+            break;
+        case Command::FindPrevious:
+            m_pFind->Step(true);
             break;
         case Command::EnterPage:
             m_pTopEdge->Call();
@@ -354,7 +370,7 @@ bool MainWindow::LeaveWhatIsOpen() {
         m_pNotice->Dismiss();
         return true;
     }
-    if (m_pSide->Leave()) {
+    if (m_pSide->Leave() || (m_pFind != nullptr && m_pFind->Close())) {
         return true;
     }
     if (isFullScreen()) {

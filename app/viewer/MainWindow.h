@@ -26,6 +26,7 @@ class DocFacts;
 namespace velko::viewer {
 
 class CommandBar;
+class FindFlow;
 class Hint;
 class NoticeBar;
 class Presentation;
@@ -59,6 +60,9 @@ public:
     QSize OrdinarySize() const;
 
     vkit::VelkoPdfView& View() const { return *m_pView; }
+
+    // Looks for the text in the document that is shown, or comes next.
+    void Find(const QString& strText);
 
     // What stands in place of the pages; empty while pages are shown.
     QString Message() const;
@@ -132,6 +136,7 @@ private:
     bool m_bMayClose = false;           // nothing is unsaved, or the reader lets it go
     vkit::DocFacts* m_pFacts = nullptr; // the view's; with the bar
     Commands* m_pCommands = nullptr;    // this too
+    FindFlow* m_pFind = nullptr;        // this too
     CommandBar* m_pBar = nullptr;       // after the first paint
     StartPane* m_pMessage = nullptr;    // these are made when first needed
     NoticeBar* m_pNotice = nullptr;

@@ -119,6 +119,7 @@ void ViewSearch::OnDocument(bool bShown) {
         return;
     }
     if (!bShown) {
+        m_bShowFirst = false;
         const auto hit = m_current ? m_search.At(*m_current) : std::nullopt;
         if (hit) {
             m_before = SearchStart{m_current->nPage, {}, hit->nFirst};
@@ -130,7 +131,6 @@ void ViewSearch::OnDocument(bool bShown) {
         m_search.Forget();
         emit Changed();
     } else if (m_search.PageCount() == 0) {
-        m_bShowFirst = false;
         Begin(m_before.value_or(StartFromSight()));
     }
 }
@@ -150,9 +150,12 @@ void ViewSearch::OnProgressed() {
 }
 
 void ViewSearch::Step(bool bBack) {
-    m_step = bBack;
-    m_bShowFirst = true;
-    TakeStep();
+    if (m_current) {
+        m_step = bBack;
+        TakeStep();
+    } else {
+        m_bShowFirst = true; // the first one comes
+    }
 }
 
 void ViewSearch::TakeStep() {
@@ -286,18 +289,18 @@ ViewSearch::Shapes ViewSearch::ShapesOn(std::int32_t nPage) {
     if (pMarks == nullptr) {
         return {};
     }
-    const QColor all(255, 213, 0, 110);
-    const QColor current(255, 110, 0, 130);
-    const QColor frame(214, 78, 0);
+    const QColor all(255, 213, 0, 96);
+    const QColor current(255, 120, 0, 110);
+    const QColor frame(230, 90, 0);
     const std::int32_t nCurrent = m_current && m_current->nPage == nPage ? m_current->nIndex : -1;
-    ShapeOverlay::Shape others{{}, all, false};
+    ShapeOverlay::Shape others{{}, all};
     Shapes shapes;
     for (std::int32_t n = 0; n < static_cast<std::int32_t>(pMarks->quads.size()); ++n) {
         const auto& quads = pMarks->quads[static_cast<std::size_t>(n)];
         if (n == nCurrent) {
-            shapes.push_back({quads, current, false});
+            shapes.push_back({quads, current});
             for (const TextQuad& quad : quads) {
-                shapes.push_back({{quad}, frame, true});
+                shapes.push_back({{quad}, frame, true, true});
             }
         } else if (n < kMostMarked) {
             others.quads.insert(others.quads.end(), quads.begin(), quads.end());

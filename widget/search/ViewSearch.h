@@ -8,7 +8,7 @@
 // The zoom and its fit stay. The view's history gets the place where the reader was
 // before the first hit out of sight, and no other. When another document is shown, or the
 // same one anew, it is searched again: the hit nearest to the one before is the reader's
-// then, and nothing moves.
+// then, and nothing moves. What is asked for before there is a document is shown in the first.
 //
 // Lifetime: goes before the view's control, window and what else it is given.
 // Threads: UI thread only. Errors: nothing is raised.
