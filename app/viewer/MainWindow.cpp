@@ -223,7 +223,7 @@ void MainWindow::CompleteBar() {
     connect(m_pBar, &CommandBar::Refused, this,
             [this](const QString& strReason) { NoticeLine().Tell(strReason); });
     m_pTopEdge->SetBar(m_pBar);
-    m_pFind = new FindFlow(*m_pView, *m_pCommands, m_parts, this);
+    CompleteSearch();
     RecentMenu& recent = m_pBar->Menu().Recent();
     connect(&recent, &RecentMenu::Wanted, this, &MainWindow::OpenFile);
     connect(&recent, &RecentMenu::ClearWanted, this, &MainWindow::AskToClear);

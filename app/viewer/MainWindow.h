@@ -21,6 +21,7 @@ class QLabel;
 
 namespace velko::vkit {
 class DocFacts;
+class ViewScroll;
 }
 
 namespace velko::viewer {
@@ -95,6 +96,8 @@ private:
     void ConnectLinks();
     void ConnectEdits();
     void CompleteSide();
+    void CompleteSearch();
+    void ToggleHits();
     void CarryOut(Command eCommand);
     void AskForFile(bool bOwnWindow);
     void CloseDocument();
@@ -131,14 +134,15 @@ private:
     vkit::VelkoPdfView* const m_pView;
     WindowParts m_parts;
     TopEdge* const m_pTopEdge;
-    SaveFlow* const m_pSaveFlow;        // a child
-    SideDock* const m_pSide;            // this too
-    bool m_bMayClose = false;           // nothing is unsaved, or the reader lets it go
-    vkit::DocFacts* m_pFacts = nullptr; // the view's; with the bar
-    Commands* m_pCommands = nullptr;    // this too
-    FindFlow* m_pFind = nullptr;        // this too
-    CommandBar* m_pBar = nullptr;       // after the first paint
-    StartPane* m_pMessage = nullptr;    // these are made when first needed
+    SaveFlow* const m_pSaveFlow;           // a child
+    SideDock* const m_pSide;               // this too
+    bool m_bMayClose = false;              // nothing is unsaved, or the reader lets it go
+    vkit::DocFacts* m_pFacts = nullptr;    // the view's; with the bar
+    Commands* m_pCommands = nullptr;       // this too
+    vkit::ViewScroll* m_pScroll = nullptr; // the view's; with the bar
+    FindFlow* m_pFind = nullptr;           // this too
+    CommandBar* m_pBar = nullptr;          // after the first paint
+    StartPane* m_pMessage = nullptr;       // these are made when first needed
     NoticeBar* m_pNotice = nullptr;
     Hint* m_pHint = nullptr;
     Presentation* m_pPresentation = nullptr;

@@ -5,6 +5,7 @@
 #include "app/viewer/MainWindow.h"
 #include "app/viewer/TopEdge.h"
 #include "app/viewer/present/Presentation.h"
+#include "widget/scroll/ViewScroll.h"
 
 namespace velko::viewer {
 
@@ -31,6 +32,7 @@ void MainWindow::TogglePresentation() {
 void MainWindow::OnPresentation() {
     static bool s_bSaid = false;
     m_pTopEdge->SetWatching(isFullScreen() && !IsPresenting());
+    m_pScroll->SetAllowed(!IsPresenting());
     PlaceParts();
     if (m_pHint != nullptr) {
         m_pHint->hide();

@@ -37,6 +37,13 @@ void FindFlow::MakeBar() {
         m_strRound = bBack ? QStringLiteral("from the end") : QStringLiteral("from the start");
         TellCount();
     });
+    emit Made();
+}
+
+void FindFlow::ShowList(bool bShown) {
+    if (m_pBar != nullptr) {
+        m_pBar->SetListShown(bShown);
+    }
 }
 
 // The coming of the bar moves no page.

@@ -35,7 +35,10 @@ public:
 
     FindBar* Bar() const { return m_pBar; } // null until it is first called
 
+    void ShowList(bool bShown); // whether the list of hits is in sight
+
 signals:
+    void Made();       // its bar, and with it the view's search
     void ListWanted(); // the list of hits, to come or to go
     void Closed();
 
