@@ -44,6 +44,12 @@ public:
         return it->second.pValue;
     }
 
+    // The same of what is there by now; nothing is read for it.
+    std::shared_ptr<const T> Peek(std::int32_t nPage) const {
+        const auto it = m_entries.find(nPage);
+        return it == m_entries.end() ? nullptr : it->second.pValue;
+    }
+
     // The page has changed: what is known of it holds until it is read anew.
     void Renew(std::int32_t nPage) {
         if (m_entries.find(nPage) != m_entries.end()) {

@@ -14,12 +14,14 @@ void PointerShape::Set(Reason eReason, bool bHolds) {
         m_window.setCursor(Qt::BlankCursor);
     } else if ((nNow & (LeftDrag | MiddleDrag)) != 0) {
         m_window.setCursor(Qt::ClosedHandCursor);
-    } else if ((nNow & Marks) != 0) {
+    } else if ((nNow & (Selects | Marks)) != 0) {
         m_window.setCursor(Qt::IBeamCursor);
     } else if ((nNow & PutsNote) != 0) {
         m_window.setCursor(Qt::CrossCursor);
     } else if ((nNow & OverLink) != 0) {
         m_window.setCursor(Qt::PointingHandCursor);
+    } else if ((nNow & OverText) != 0) {
+        m_window.setCursor(Qt::IBeamCursor);
     } else {
         m_window.unsetCursor();
     }

@@ -1,6 +1,6 @@
 // The shape of the pointer over the pages. Whoever has a say in it tells what
-// holds; a drag weighs more than a tool,
-// and a tool more than a link that it passes.
+// holds; a drag weighs more than a tool, a tool more than a link that it passes, and a
+// link more than the text that it is.
 //
 // Lifetime: goes before the window. Threads: UI thread only.
 #pragma once
@@ -11,7 +11,16 @@ namespace velko::vkit {
 
 class PointerShape {
 public:
-    enum Reason : unsigned { OverLink = 1, LeftDrag = 2, MiddleDrag = 4, Marks = 8, PutsNote = 16, Hidden = 32 };
+    enum Reason : unsigned {
+        OverLink = 1,
+        LeftDrag = 2,
+        MiddleDrag = 4,
+        Marks = 8,
+        PutsNote = 16,
+        OverText = 32,
+        Selects = 64,
+        Hidden = 128
+    };
 
     explicit PointerShape(QWidget& window) : m_window(window) {}
 

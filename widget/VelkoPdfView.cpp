@@ -24,6 +24,7 @@
 #include "widget/edit/ViewEdits.h"
 #include "widget/search/ViewSearch.h"
 #include "widget/text/PageTexts.h"
+#include "widget/text/ViewSelection.h"
 
 namespace velko::vkit {
 
@@ -58,6 +59,7 @@ VelkoPdfView::VelkoPdfView(std::shared_ptr<PDFViewCtrl> pControl, QWidget* pPare
     m_pFrames = std::make_unique<PageFrames>(*m_pControl, fnPixelRatio);
     m_pNotices = std::make_unique<PageNotices>(*m_pControl, fnPixelRatio);
     m_pSlowPages = std::make_unique<SlowPages>(*m_pControl, fnPixelRatio);
+    MakeSelection();
     MakeEdits();
     m_facts = ReadFacts();
     ShowAround();
@@ -71,6 +73,7 @@ VelkoPdfView::~VelkoPdfView() {
     m_pSaver.reset();
     m_pEdits.reset();
     m_pSearch.reset();
+    m_pSelection.reset();
     m_pTexts.reset();
     m_pLinkFocus.reset();
     m_pLinks.reset();
@@ -137,9 +140,28 @@ void VelkoPdfView::ConnectWheel() {
         });
 }
 
+// Before links and drags: a drag over text is the selection's.
+void VelkoPdfView::MakeSelection() {
+    m_pTexts = std::make_unique<PageTexts>(*m_pControl);
+    m_pSelection = std::make_unique<ViewSelection>(
+        ViewSelection::Parts{m_pControl, *m_pWindow, *m_pPointer, *m_pTexts,
+                             [this](double dbX, double dbY) { ScrollBy(dbX, dbY); },
+                             [this](int nPage) { GotoPage(nPage); }});
+    connect(m_pSelection.get(), &ViewSelection::EmptyChanged, this, &VelkoPdfView::ViewChanged,
+            Qt::QueuedConnection);
+}
+
+void VelkoPdfView::HighlightSelection() {
+    m_pSelection->TakeMarks([this](const ViewSelection::Marks& marks) {
+        m_pEdits->Highlight(marks);
+        if (m_pEdits->IsPossible()) {
+            m_pSelection->Clear();
+        }
+    });
+}
+
 // After whatever else listens to the window: tools are asked first.
 void VelkoPdfView::MakeEdits() {
-    m_pTexts = std::make_unique<PageTexts>(*m_pControl);
     ViewEdits::Parts parts{m_pControl,  *m_pWindow,
                            *m_pPointer, *m_pPageLinks,
                            *m_pTexts,   [this](double dbX, double dbY) { ScrollBy(dbX, dbY); }};

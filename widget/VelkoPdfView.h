@@ -70,6 +70,7 @@ class SlowPages;
 class StoreNotice;
 class ViewEdits;
 class ViewSearch;
+class ViewSelection;
 class WheelReader;
 enum class LinkStep;
 struct KeptView;
@@ -216,6 +217,9 @@ public:
     ViewSearch& Search();
     // The text of the shown document's pages, read when it is asked for.
     PageTexts& Texts() const { return *m_pTexts; }
+    // What of it is selected; lives as long as the view.
+    ViewSelection& Selection() const { return *m_pSelection; }
+    void HighlightSelection(); // and nothing is selected any more
 
     // True when every part of a page on the screen shows its final pixels.
     bool IsSharp() const;
@@ -280,6 +284,7 @@ private:
     void ConnectLinks();
     void UpdateLinks();
     void TellLinkTarget();
+    void MakeSelection();
     void MakeEdits();
     void OnSaved();
     void ConnectWheel();
@@ -374,6 +379,7 @@ private:
     std::unique_ptr<DragHand> m_pDragHand;
     std::unique_ptr<MiddleDrag> m_pMiddleDrag;
     std::unique_ptr<PageTexts> m_pTexts;
+    std::unique_ptr<ViewSelection> m_pSelection;
     std::unique_ptr<ViewEdits> m_pEdits;
     std::unique_ptr<ViewSearch> m_pSearch; // when first needed
     std::unique_ptr<DocSaver> m_pSaver;

@@ -15,6 +15,7 @@
 #include "widget/VelkoPdfView.h"
 #include "widget/edit/ViewEdits.h"
 #include "widget/text/PageTexts.h"
+#include "widget/text/ViewSelection.h"
 
 namespace velko::vkit {
 
@@ -105,6 +106,7 @@ bool VelkoPdfView::Refresh() {
         m_reading.NoteScale();
         UpdateLinks();
         m_pTexts->IsSameDocument();
+        m_pSelection->Update();
         m_pEdits->Update();
         if (m_pPlace) {
             m_pPlace->Changed();

@@ -7,6 +7,7 @@
 #include "app/viewer/keys/OwnKeys.h"
 #include "widget/edit/DocSaver.h"
 #include "widget/edit/ViewEdits.h"
+#include "widget/text/ViewSelection.h"
 
 namespace velko::viewer {
 
@@ -63,6 +64,15 @@ bool HasTool(const VelkoPdfView& view) {
     return view.Edits().CurrentTool() == eTool;
 }
 
+// What is selected, or with the tool what is dragged over.
+void Highlight(VelkoPdfView& view) {
+    if (view.Selection().IsEmpty()) {
+        TakeTool<Tool::Highlight>(view);
+    } else {
+        view.HighlightSelection();
+    }
+}
+
 bool CanSave(const VelkoPdfView& view) {
     return view.IsModified() && !view.Saver().IsSaving();
 }
@@ -105,7 +115,12 @@ const std::vector<Entry>& Entries() {
         {Command::Redo, "&Redo", "Ctrl+Shift+Z Ctrl+Y", Needs::Document,
          [](View& view) { view.Edits().Redo(); }, nullptr,
          [](const View& view) { return view.Edits().CanRedo(); }},
-        {Command::Highlight, "&Highlight text", "H", Needs::Document, TakeTool<Tool::Highlight>,
+        {Command::Copy, "&Copy", "Ctrl+C Ctrl+Ins", Needs::Document,
+         [](View& view) { view.Selection().Copy(); }, nullptr,
+         [](const View& view) { return !view.Selection().IsEmpty(); }},
+        {Command::SelectAll, "Select &all", "Ctrl+A", Needs::Document,
+         [](View& view) { view.Selection().SelectAll(); }},
+        {Command::Highlight, "&Highlight text", "H", Needs::Document, Highlight,
          HasTool<Tool::Highlight>, ShowsPages},
         {Command::Note, "Put a &note", "M", Needs::Document, TakeTool<Tool::Note>,
          HasTool<Tool::Note>, ShowsPages},

@@ -26,6 +26,8 @@ enum class Command {
     Quit,
     Undo,
     Redo,
+    Copy,
+    SelectAll,
     Highlight,
     Note,
     WriteMark,

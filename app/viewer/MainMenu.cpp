@@ -18,8 +18,8 @@ MainMenu::MainMenu(vkit::VelkoPdfView& view, const Commands& commands, QWidget* 
     addActions({commands[Command::Properties], commands[Command::Close]});
     addSeparator();
     AddGroup("&Edit", commands,
-             {Command::Undo, Command::Redo, Command::Highlight, Command::Note, Command::WriteMark,
-              Command::DeleteMark});
+             {Command::Undo, Command::Redo, Command::Copy, Command::SelectAll, Command::Highlight,
+              Command::Note, Command::WriteMark, Command::DeleteMark});
     addAction(commands[Command::Find]);
     AddGroup("&Go", commands,
              {Command::FindNext, Command::FindPrevious, Command::PreviousPage, Command::NextPage,

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "app/viewer/CommandBar.h"
+#include "app/viewer/CopyNotice.h"
 #include "app/viewer/DarkPalette.h"
 #include "app/viewer/Help.h"
 #include "app/viewer/Hint.h"
@@ -31,6 +32,7 @@
 #include "platform/qt/QtElementWindow.h"
 #include "widget/VelkoRuntime.h"
 #include "widget/edit/ViewEdits.h"
+#include "widget/text/ViewSelection.h"
 
 namespace velko::viewer {
 
@@ -71,6 +73,7 @@ MainWindow::MainWindow(std::shared_ptr<vkit::PDFViewCtrl> pControl, QSize size)
     ConnectView();
     ConnectLinks();
     ConnectEdits();
+    ConnectSelection();
     FollowColors();
     UpdateTitle();
 }
@@ -127,6 +130,13 @@ void MainWindow::ConnectEdits() {
     });
     connect(&m_pView->Edits(), &vkit::ViewEdits::Refused, this,
             [this](const QString& strReason) { NoticeLine().Tell(strReason); });
+}
+
+void MainWindow::ConnectSelection() {
+    connect(&m_pView->Selection(), &vkit::ViewSelection::Refused, this,
+            [this](const QString& strReason) { NoticeLine().Tell(strReason); });
+    new CopyNotice(
+        m_pView->Selection(), [this]() -> NoticeBar& { return NoticeLine(); }, this);
 }
 
 void MainWindow::KeepPlaces() {

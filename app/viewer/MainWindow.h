@@ -98,6 +98,7 @@ private:
     void CompleteSide();
     void CompleteSearch();
     void ToggleHits();
+    void ConnectSelection();
     void CarryOut(Command eCommand);
     void AskForFile(bool bOwnWindow);
     void CloseDocument();

@@ -8,6 +8,7 @@
 
 #include "app/viewer/MenuStyle.h"
 #include "widget/edit/ViewEdits.h"
+#include "widget/text/ViewSelection.h"
 
 namespace velko::viewer {
 
@@ -33,6 +34,7 @@ PageMenu::PageMenu(vkit::VelkoPdfView& view, const Commands& commands, const QSt
     : QMenu(pParent) {
     AddLink(strTarget);
     AddChosen(view, commands);
+    const bool bSelected = AddSelected(view, commands);
     addActions({commands[Command::Back], commands[Command::Forward]});
     addSeparator();
     addActions({commands[Command::PreviousPage], commands[Command::NextPage],
@@ -45,10 +47,23 @@ PageMenu::PageMenu(vkit::VelkoPdfView& view, const Commands& commands, const QSt
     addActions({commands[Command::Continuous], commands[Command::SinglePage],
                 commands[Command::Reading], commands[Command::RotateRight]});
     addSeparator();
-    addActions({commands[Command::Highlight], commands[Command::Note]});
+    addAction(commands[Command::Note]);
+    if (!bSelected) {
+        addActions({commands[Command::Highlight], commands[Command::SelectAll]});
+    }
     addSeparator();
     addActions({commands[Command::Night], commands[Command::FullScreen]});
     StyleMenu(*this);
+}
+
+bool PageMenu::AddSelected(const vkit::VelkoPdfView& view, const Commands& commands) {
+    if (view.Selection().IsEmpty()) {
+        return false;
+    }
+    addActions(
+        {commands[Command::Copy], commands[Command::Highlight], commands[Command::SelectAll]});
+    addSeparator();
+    return true;
 }
 
 void PageMenu::AddChosen(vkit::VelkoPdfView& view, const Commands& commands) {

@@ -16,7 +16,8 @@ class PageMenu : public QMenu {
 
 public:
     // `strTarget` is what the link there leads to; empty without one.
-    // What the view has chosen, a note say, has its own commands first.
+    // What the view has chosen, a note say, has its own commands first, then what is
+    // selected of the text.
     PageMenu(vkit::VelkoPdfView& view, const Commands& commands, const QString& strTarget,
              QWidget* pParent);
 
@@ -25,6 +26,8 @@ signals:
 
 private:
     void AddLink(const QString& strTarget);
+    // Whether anything is selected.
+    bool AddSelected(const vkit::VelkoPdfView& view, const Commands& commands);
     void AddChosen(vkit::VelkoPdfView& view, const Commands& commands);
     void AddColors(vkit::VelkoPdfView& view);
 };

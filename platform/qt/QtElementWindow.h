@@ -68,6 +68,12 @@ public:
     void StopInertia() { m_pInput->Recogniser().StopInertia(); }
     bool IsInertiaRunning() const { return m_pInput->Recogniser().IsInertiaRunning(); }
 
+    // What touches the panel is somebody else's from now on: its gesture is over, and
+    // nothing more comes of it until it is up.
+    void TakePointers() {
+        m_pInput->Recogniser().LosePointers(Gestures::PanelInput::Loss::Capture);
+    }
+
     // From now on the paint shows the frame of this moment, whatever is
     // presented, until it is released; for changes that the reader is to see
     // in one step.

@@ -3,13 +3,12 @@
 
 #include <QMessageBox>
 #include <QPlainTextEdit>
-#include <QTest>
 #include <algorithm>
 #include <set>
 
 #include "document/engine/AnnotEditor.h"
 #include "document/engine/PDFDoc.h"
-#include "tests/qt/WindowFixture.h"
+#include "tests/qt/PointerFixture.h"
 #include "widget/edit/DocEdits.h"
 #include "widget/edit/NoteBox.h"
 #include "widget/edit/ViewEdits.h"
@@ -23,9 +22,8 @@ using vkit::DocEdits;
 using View = vkit::VelkoPdfView;
 using Tool = vkit::ViewEdits::Tool;
 
-class EditingTest : public testing::WindowFixture {
+class EditingTest : public testing::PointerFixture {
 protected:
-    View& TheView() { return m_pWindow->View(); }
     vkit::ViewEdits& Edits() { return TheView().Edits(); }
 
     // Three pages with a line at the top and one at the foot.
@@ -34,31 +32,6 @@ protected:
         page.strContent =
             "BT /F1 20 Tf 100 700 Td (upper line) Tj ET BT /F1 20 Tf 100 60 Td (lower line) Tj ET";
         return Write("lines.pdf", testing::MakePdf(std::vector(3, page)));
-    }
-
-    QPoint At(int nPage, float fX, float fY) {
-        const auto pt = TheView().Control()->PagePointToDevicePoint(nPage, {fX, fY});
-        const double dbRatio = TheView().devicePixelRatioF();
-        return QPointF(pt.X / dbRatio, pt.Y / dbRatio).toPoint();
-    }
-    void Press(QPoint pt) {
-        QTest::mousePress(&TheView().Window(), Qt::LeftButton, Qt::NoModifier, pt);
-    }
-    void Release(QPoint pt) {
-        QTest::mouseRelease(&TheView().Window(), Qt::LeftButton, Qt::NoModifier, pt);
-    }
-    void MoveTo(QPoint pt) { testing::SendMouse(TheView().Window(), QEvent::MouseMove, pt, true); }
-    void Drag(QPoint from, QPoint to) {
-        Press(from);
-        MoveTo((from + to) / 2);
-        MoveTo(to);
-        Release(to);
-    }
-    void Click(QPoint pt) {
-        QTest::mouseClick(&TheView().Window(), Qt::LeftButton, Qt::NoModifier, pt);
-    }
-    void Key(int nKey, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        QTest::keyClick(&TheView().Window(), static_cast<Qt::Key>(nKey), modifiers);
     }
 
     std::vector<pdf::ListedAnnot> Annots(int nPage) {

@@ -4,63 +4,15 @@
 #include <cmath>
 #include <string>
 
+#include "tests/qt/MadeText.h"
 #include "widget/text/TextRange.h"
 
 namespace velko::vkit {
 namespace {
 
-using velko::common::vxbase::PointF;
+using testing::MadeText;
 using velko::pdf::PageText;
 using velko::pdf::TextQuad;
-
-// Letters of 10 by 10 points, a line as a block of its own or with the one before.
-class Text {
-public:
-    // `ptStart` is the first letter's lower start, `dir` the way in which it is read;
-    // letters stand upright to `upright`, which right-to-left letters run against.
-    Text& Line(const std::string& strText, PointF ptStart, PointF dir = {1, 0},
-               bool bSameBlock = false, bool bBackwards = false) {
-        const auto nLine = static_cast<int>(m_text.lines.size());
-        if (!bSameBlock) {
-            m_text.blocks.push_back({nLine, nLine});
-        }
-        m_text.blocks.back().nEndLine = nLine + 1;
-        const auto nFirst = static_cast<int>(m_text.chars.size());
-        const PointF along = bBackwards ? PointF{-dir.X, -dir.Y} : dir;
-        const PointF up{-along.Y, along.X};
-        for (std::size_t i = 0; i < strText.size(); ++i) {
-            const float f = 10.0F * (static_cast<float>(i) + (bBackwards ? 1.0F : 0.0F));
-            const PointF pt{ptStart.X + f * dir.X, ptStart.Y + f * dir.Y};
-            const auto fnAt = [&](float fAlong, float fUp) {
-                return PointF{pt.X + fAlong * along.X + fUp * up.X,
-                              pt.Y + fAlong * along.Y + fUp * up.Y};
-            };
-            m_text.chars.push_back({static_cast<char32_t>(strText[i]),
-                                    {fnAt(0, 10), fnAt(10, 10), fnAt(0, 0), fnAt(10, 0)},
-                                    10.0F});
-        }
-        m_text.lines.push_back({nFirst, static_cast<int>(m_text.chars.size()), dir, false});
-        return *this;
-    }
-
-    std::string Between(PointF one, PointF other) const {
-        const auto from = CharPlaceAt(m_text, one);
-        const auto to = CharPlaceAt(m_text, other);
-        return from && to ? Of(RangeOn(0, Count(), {0, *from}, {0, *to})) : "nothing";
-    }
-    std::string Of(CharRange range) const {
-        std::string str;
-        for (int i = range.nFirst; i < range.nEnd; ++i) {
-            str += static_cast<char>(m_text.chars[static_cast<std::size_t>(i)].nCode);
-        }
-        return str;
-    }
-    int Count() const { return static_cast<int>(m_text.chars.size()); }
-    const PageText& Get() const { return m_text; }
-
-private:
-    PageText m_text;
-};
 
 void ExpectBox(const TextQuad& quad, double dbLeft, double dbBottom, double dbRight, double dbTop) {
     EXPECT_NEAR(std::min({quad.ptTopLeft.X, quad.ptTopRight.X, quad.ptBottomLeft.X}), dbLeft, 0.1);
@@ -75,7 +27,7 @@ void ExpectBox(const TextQuad& quad, double dbLeft, double dbBottom, double dbRi
 // Two columns: a line that ends short has what is beside it in its column, and what lies
 // in the other column is not between two points of one.
 TEST(TextRangeTest, APointMeansTheLineOfItsColumn) {
-    Text text;
+    MadeText text;
     text.Line("Title", {20, 200});
     text.Line("left one two", {20, 150}).Line("end", {20, 135}, {1, 0}, true);
     text.Line("the last", {20, 120}, {1, 0}, true);
@@ -83,19 +35,20 @@ TEST(TextRangeTest, APointMeansTheLineOfItsColumn) {
     EXPECT_EQ(text.Between({42, 155}, {138, 140}), "ft one twoend") << "beside the short line";
     EXPECT_EQ(text.Between({138, 140}, {42, 155}), "ft one twoend") << "backwards";
     EXPECT_EQ(text.Between({20, 155}, {100, 122}), "left one twoendthe last");
+    EXPECT_EQ(text.Between({20, 155}, {150, 140}), "left one twoend") << "and beside the block";
     EXPECT_EQ(text.Between({198, 154}, {238, 137}), "rightcolu");
     EXPECT_EQ(text.Between({0, 300}, {500, 0}), "Titleleft one twoendthe lastrightcolumn");
     EXPECT_EQ(text.Between({44, 155}, {41, 155}), "") << "the near sides of one letter";
-    EXPECT_EQ(Text().Between({0, 0}, {9, 9}), "nothing");
+    EXPECT_EQ(MadeText().Between({0, 0}, {9, 9}), "nothing");
     EXPECT_TRUE(IsOverText(text.Get(), {25, 155}));
     EXPECT_FALSE(IsOverText(text.Get(), {170, 155}));
 }
 
 TEST(TextRangeTest, LinesOfAnyWayAreReadAlongIt) {
-    Text down;
+    MadeText down;
     down.Line("down", {100, 100}, {0, -1});
     EXPECT_EQ(down.Between({105, 88}, {105, 71}), "ow");
-    Text slanted;
+    MadeText slanted;
     slanted.Line("slant", {0, 0}, {std::sqrt(0.5F), std::sqrt(0.5F)});
     EXPECT_EQ(slanted.Between({6, 9}, {20, 22}), "la");
     const auto quads = QuadsOf(slanted.Get(), {1, 3});
@@ -104,7 +57,7 @@ TEST(TextRangeTest, LinesOfAnyWayAreReadAlongIt) {
                            quads[0].ptTopRight.Y - quads[0].ptTopLeft.Y),
                 20.0, 0.1)
         << "along the line, not the box around it";
-    Text left;
+    MadeText left;
     left.Line("abcd", {100, 50}, {-1, 0}, false, true);
     EXPECT_EQ(left.Between({88, 55}, {71, 55}), "bc");
     EXPECT_EQ(left.Between({150, 55}, {0, 55}), "abcd");
@@ -115,7 +68,7 @@ TEST(TextRangeTest, LinesOfAnyWayAreReadAlongIt) {
 }
 
 TEST(TextRangeTest, AMarkIsAQuadALineWithoutGapsAndOverlaps) {
-    Text text;
+    MadeText text;
     text.Line("one two ", {0, 100}).Line("three", {0, 94}, {1, 0}, true); // close lines
     auto quads = QuadsOf(text.Get(), {3, 13});
     ASSERT_EQ(quads.size(), 2U);
@@ -123,7 +76,7 @@ TEST(TextRangeTest, AMarkIsAQuadALineWithoutGapsAndOverlaps) {
     ExpectBox(quads[1], 0, 94, 50, 102);
 
     // What was picked of a line of both ways may lie apart.
-    PageText mixed = Text().Line("abcdef", {0, 0}).Get();
+    PageText mixed = MadeText().Line("abcdef", {0, 0}).Get();
     std::swap(mixed.chars[1].quad, mixed.chars[4].quad);
     quads = QuadsOf(mixed, {0, 2});
     ASSERT_EQ(quads.size(), 2U);
@@ -141,7 +94,7 @@ TEST(TextRangeTest, PagesBetweenAreTakenWholeAndWordsByTheirEnds) {
     EXPECT_TRUE(RangeOn(6, 10, from, to).IsEmpty());
     EXPECT_EQ(RangeOn(5, 1, from, to), (CharRange{0, 1})) << "a text that came shorter";
 
-    Text text;
+    MadeText text;
     text.Line("it's well-known", {0, 0}).Line("x", {0, 20});
     EXPECT_EQ(text.Of(WordAt(text.Get(), 1)), "it's");
     EXPECT_EQ(text.Of(WordAt(text.Get(), 6)), "well");

@@ -135,6 +135,15 @@ void ViewEdits::TakeTool(Tool eTool) {
     m_pTools->Take(eTool);
 }
 
+void ViewEdits::Highlight(const std::map<std::int32_t, MarkDrag::Quads>& pages) {
+    if (const QString strWhyNot = WhyNot(); !strWhyNot.isEmpty()) {
+        emit Refused(strWhyNot);
+    } else if (!pages.empty()) {
+        FinishWriting();
+        Mark({pages, true, true});
+    }
+}
+
 void ViewEdits::Mark(const MarkDrag::Marks& marks) {
     EditStep step;
     step.strName = "highlight";

@@ -54,6 +54,8 @@ public:
     Tool CurrentTool() const { return m_pTools->Current(); }
     void TakeTool(Tool eTool); // None where no tool is possible, which `Refused` tells
     QColor MarkColor() const { return m_markColor; }
+    // As the tool does, of places that are known.
+    void Highlight(const std::map<std::int32_t, MarkDrag::Quads>& pages);
 
     // --- what is chosen, by a tap or here ---
     bool ChooseAt(QPointF ptWindow); // false: nothing there; what was chosen is left

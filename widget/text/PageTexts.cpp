@@ -50,6 +50,8 @@ public:
         return OrNone(pRead);
     }
 
+    TextPtr Known(std::int32_t nPage) const { return OrNone(Peek(nPage)); }
+
     bool IsSame() {
         const bool bSame = IsSameDocument();
         if (!bSame) {
@@ -75,6 +77,11 @@ PageTexts::~PageTexts() = default;
 PageTexts::TextPtr PageTexts::TextOf(std::int32_t nPage) {
     return Control().GetPageLayoutMode() == LayoutMode::kReflow ? m_pSet->TextOf(nPage)
                                                                 : OwnTextOf(nPage);
+}
+
+PageTexts::TextPtr PageTexts::Known(std::int32_t nPage) const {
+    return Control().GetPageLayoutMode() == LayoutMode::kReflow ? m_pSet->Known(nPage)
+                                                                : OrNone(Peek(nPage));
 }
 
 PageTexts::TextPtr PageTexts::OwnTextOf(std::int32_t nPage) {

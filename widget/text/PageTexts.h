@@ -29,6 +29,8 @@ public:
     // With the places at which the page is shown now; empty while it is read. While text
     // is set for another size, the places from before stand in.
     TextPtr TextOf(std::int32_t nPage);
+    // The same of what is there by now; nothing is read for it.
+    TextPtr Known(std::int32_t nPage) const;
 
     // As it stands on the page itself, with its lines and hyphens, whatever is shown.
     TextPtr OwnTextOf(std::int32_t nPage);

@@ -24,20 +24,20 @@ constexpr float kStretchGap = 0.75F; // of a letter's size; a wider gap ends a s
 constexpr float kMostOver = 0.9F;    // of a letter's size do lines reach over each other
 constexpr float kBeside = 0.02F;     // how much a way along a line counts within a block
 
-bool Contains(const PageText& text, const TextBlock& block, PointF pt) {
+// From the box around it; a block without lines is nowhere.
+float DistanceTo(const PageText& text, const TextBlock& block, PointF pt) {
     if (block.nFirstLine >= block.nEndLine) {
-        return false;
+        return std::numeric_limits<float>::max();
     }
-    const TextAxes axes = AxesOf(text, text.lines[static_cast<std::size_t>(block.nFirstLine)]);
+    const TextAxes axes = AxesOf(text, LineOf(text, block.nFirstLine));
     TextBox box;
     for (std::int32_t n = block.nFirstLine; n < block.nEndLine; ++n) {
-        const TextLine& line = text.lines[static_cast<std::size_t>(n)];
+        const TextLine& line = LineOf(text, n);
         for (std::int32_t i = line.nFirst; i < line.nEnd; ++i) {
             box.Add(axes, CharOf(text, i).quad);
         }
     }
-    return box.along.DistanceTo(axes.Along(pt)) == 0.0F &&
-           box.across.DistanceTo(axes.Across(pt)) == 0.0F;
+    return std::hypot(box.along.DistanceTo(axes.Along(pt)), box.across.DistanceTo(axes.Across(pt)));
 }
 
 struct Nearest {
@@ -180,13 +180,19 @@ void PartLines(Stretch& above, Stretch& below) {
 
 }
 
-// Of the block around the point the line at its height, be it shorter; elsewhere the
-// nearest one.
+// Of the block around the point, or the nearest one, the line at its height, be it
+// shorter; unless another line lies right there.
 std::int32_t LineAt(const PageText& text, PointF pt) {
-    Nearest nearest;
+    std::vector<float> distances;
+    float fNearest = std::numeric_limits<float>::max();
     for (const TextBlock& block : text.blocks) {
-        if (Contains(text, block, pt)) {
-            Look(nearest, text, block, pt, kBeside);
+        distances.push_back(DistanceTo(text, block, pt));
+        fNearest = std::min(fNearest, distances.back());
+    }
+    Nearest nearest;
+    for (std::size_t i = 0; i < distances.size(); ++i) {
+        if (distances[i] == fNearest) {
+            Look(nearest, text, text.blocks[i], pt, kBeside);
         }
     }
     for (const TextBlock& block : text.blocks) {

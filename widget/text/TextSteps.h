@@ -1,0 +1,40 @@
+// Where a step of the keyboard comes to from a place in the text.
+//
+// Threads: pure functions. Units: page space; indexes of `PageText::chars`.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "document/engine/PageText.h"
+
+namespace velko::vkit {
+
+enum class TextStep { Char, Word, Line, LineEdge };
+
+// The line that a place between characters stands on, for one that ends what lies before
+// it or begins what lies behind; -1 for a page without text.
+std::int32_t LineOfPlace(const velko::pdf::PageText& text, std::int32_t nPlace, bool bEnds);
+
+// Whether the line is read to the left of its letters.
+bool RunsBack(const velko::pdf::PageText& text, std::int32_t nLine);
+
+// On in the order of reading (`nDirection` 1) or back (-1). `ptGoal` is where a step to
+// another line aims. Empty where the page has no such place.
+struct StepStart {
+    std::int32_t nPlace = 0;
+    bool bEnds = false;
+    velko::common::vxbase::PointF ptGoal;
+};
+std::optional<std::int32_t> PlaceAfter(const velko::pdf::PageText& text, const StepStart& start,
+                                       TextStep eStep, int nDirection);
+
+// Where such a step enters a page from the one before (1) or behind (-1) it.
+std::int32_t PlaceOnEntering(const velko::pdf::PageText& text, TextStep eStep, int nDirection,
+                             velko::common::vxbase::PointF ptGoal);
+
+// The middle of the place's edge.
+velko::common::vxbase::PointF PointOf(const velko::pdf::PageText& text, std::int32_t nPlace,
+                                      bool bEnds);
+
+}
