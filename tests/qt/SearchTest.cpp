@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "tests/qt/ViewFixture.h"
+#include "widget/search/HitModel.h"
 #include "widget/search/ViewSearch.h"
 #include "widget/text/PagePlaces.h"
 #include "widget/text/PageTexts.h"
@@ -179,6 +180,38 @@ TEST_F(SearchTest, WhatIsUnderWayEndsAtOnce) {
     pOther->Search().Find("page", {});
     pOther.reset();
     QCoreApplication::processEvents();
+}
+
+// Pages come in the order of the search, and rows stand in that of the document.
+TEST_F(SearchTest, TheListHasEachHitInItsPlaceWithItsLine) {
+    Show(WriteText("a.pdf", 40, {{3, {700, 300}}, {20, {500}}, {39, {100}}}));
+    m_view.GotoPage(10);
+    HitModel model(Search(), m_view.Texts(), [](int nPage) { return QString::number(nPage + 1); });
+    QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+    Search().Find("needle", {});
+    ASSERT_TRUE(Ends());
+    ASSERT_EQ(model.rowCount(), 4);
+    EXPECT_TRUE(model.IsWhole());
+    EXPECT_EQ(inserted.size(), 3) << "as they are found";
+    const std::vector<HitPlace> places{{3, 0}, {3, 1}, {20, 0}, {39, 0}};
+    for (int nRow = 0; nRow < 4; ++nRow) {
+        const HitPlace place = places[static_cast<std::size_t>(nRow)];
+        EXPECT_EQ(model.PlaceOf(nRow), place);
+        EXPECT_EQ(model.RowOf(place), nRow);
+        const QModelIndex index = model.index(nRow);
+        EXPECT_EQ(index.data(HitModel::PageRole).toString(), QString::number(place.nPage + 1));
+        EXPECT_EQ(index.data()
+                      .toString()
+                      .mid(index.data(HitModel::FirstRole).toInt(),
+                           index.data(HitModel::LengthRole).toInt())
+                      .toStdString(),
+                  "Needle");
+        EXPECT_TRUE(index.data().toString().contains("a Needle here"));
+    }
+    HitModel late(Search(), m_view.Texts(), [](int) { return QString(); });
+    EXPECT_EQ(late.rowCount(), 4) << "one that comes after the hits";
+    Search().End();
+    EXPECT_EQ(model.rowCount(), 0);
 }
 
 TEST_F(SearchTest, WhatDoesNotFitIsReadAnewAndNeverTakesMore) {

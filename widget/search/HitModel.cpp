@@ -1,5 +1,6 @@
 #include "widget/search/HitModel.h"
 
+#include <algorithm>
 #include <numeric>
 #include <utility>
 
@@ -15,27 +16,30 @@ HitModel::HitModel(ViewSearch& search, PageTexts& texts, std::function<QString(i
 
 void HitModel::Reset() {
     beginResetModel();
-    const DocSearch& hits = m_search.Hits();
-    m_rows.assign(static_cast<std::size_t>(hits.PageCount()), 0);
-    for (std::int32_t nPage = 0; nPage < hits.PageCount(); ++nPage) {
-        m_rows[static_cast<std::size_t>(nPage)] = static_cast<int>(hits.On(nPage).size());
-    }
-    m_nRows = static_cast<int>(hits.Count());
+    m_rows.clear();
+    m_nRows = 0;
     endResetModel();
+    for (std::int32_t nPage = 0; nPage < m_search.Hits().PageCount(); ++nPage) {
+        InsertPage(nPage);
+    }
 }
 
-// Pages that follow each other come together.
 void HitModel::Insert(const QList<int>& pages) {
+    std::for_each(pages.begin(), pages.end(), [this](int nPage) { InsertPage(nPage); });
+}
+
+void HitModel::InsertPage(int nPage) {
     const DocSearch& hits = m_search.Hits();
+    const int nNew = static_cast<int>(hits.On(nPage).size());
     m_rows.resize(static_cast<std::size_t>(hits.PageCount()), 0);
-    for (const int nPage : pages) {
-        const int nRow = RowsBefore(nPage);
-        const int nNew = static_cast<int>(hits.On(nPage).size());
-        beginInsertRows({}, nRow, nRow + nNew - 1);
-        m_rows[static_cast<std::size_t>(nPage)] = nNew;
-        m_nRows += nNew;
-        endInsertRows();
+    if (nNew == 0 || m_nRows >= kMostRows) {
+        return;
     }
+    const int nRow = RowsBefore(nPage);
+    beginInsertRows({}, nRow, nRow + nNew - 1);
+    m_rows[static_cast<std::size_t>(nPage)] = nNew;
+    m_nRows += nNew;
+    endInsertRows();
 }
 
 int HitModel::RowsBefore(std::int32_t nPage) const {
@@ -56,7 +60,10 @@ HitPlace HitModel::PlaceOf(int nRow) const {
 }
 
 int HitModel::RowOf(HitPlace place) const {
-    return RowsBefore(place.nPage) + place.nIndex;
+    const auto nPage = static_cast<std::size_t>(place.nPage);
+    return nPage < m_rows.size() && place.nIndex < m_rows[nPage]
+               ? RowsBefore(place.nPage) + place.nIndex
+               : -1;
 }
 
 // What the search did not keep is read once more.

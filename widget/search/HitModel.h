@@ -1,7 +1,8 @@
 // The hits of a search as a list: for each the line that it stands in, and the name of
 // its page.
 //
-// A line is read when it is first shown.
+// A line is read when it is first shown. Of very many hits those of the pages that were
+// searched first are listed.
 // Lifetime: goes before the view's search and texts. Threads: UI thread only.
 #pragma once
 
@@ -17,6 +18,8 @@ class HitModel : public QAbstractListModel {
     Q_OBJECT
 
 public:
+    static constexpr int kMostRows = 20'000; // and what else is on the page with the last one
+
     enum Role {
         PageRole = Qt::UserRole, // its name
         FirstRole,               // where in the line the hit is
@@ -30,11 +33,13 @@ public:
     QVariant data(const QModelIndex& index, int nRole) const override;
 
     HitPlace PlaceOf(int nRow) const;
-    int RowOf(HitPlace place) const;
+    int RowOf(HitPlace place) const; // -1: it is not listed
+    bool IsWhole() const { return m_nRows == m_search.Hits().Count(); }
 
 private:
     void Reset();
     void Insert(const QList<int>& pages);
+    void InsertPage(int nPage);
     void OnRead(int nPage);
     int RowsBefore(std::int32_t nPage) const;
     SearchText::Excerpt LineOf(HitPlace place) const;

@@ -26,8 +26,11 @@ void Lay(QTextLayout& layout, const QModelIndex& index) {
     constexpr int kMostBefore = 14; // letters
     QString strText = index.data().toString();
     int nFirst = index.data(HitModel::FirstRole).toInt();
-    const int nCut = nFirst - kMostBefore;
+    int nCut = nFirst - kMostBefore;
     if (nCut > 0) {
+        while (nCut < nFirst && strText[nCut].isSpace()) {
+            ++nCut;
+        }
         strText = QStringLiteral("…") + strText.mid(nCut);
         nFirst -= nCut - 1;
     }
@@ -102,7 +105,8 @@ HitPane::HitPane(ViewSearch& search, vkit::PageTexts& texts, std::function<QStri
       m_search(search),
       m_model(search, texts, std::move(fnPageName)),
       m_pList(new QListView(this)),
-      m_pNothing(new QLabel("Press Ctrl+F to search the document.", this)) {
+      m_pNothing(new QLabel(this)),
+      m_pRest(new QLabel("There are more hits than are listed.", this)) {
     m_pList->setModel(&m_model);
     m_pList->setItemDelegate(new Rows(*this));
     m_pList->setUniformItemSizes(true);
@@ -112,6 +116,8 @@ HitPane::HitPane(ViewSearch& search, vkit::PageTexts& texts, std::function<QStri
     m_pNothing->setWordWrap(true);
     m_pNothing->setMargin(12);
     m_pNothing->setAlignment(Qt::AlignTop | Qt::AlignHCenter);
+    m_pRest->setWordWrap(true);
+    m_pRest->setMargin(kMargin);
     setFocusProxy(m_pList);
     new SideKeys(*m_pList,
                  [this](const QModelIndex& index) { m_search.Show(m_model.PlaceOf(index.row())); });
@@ -120,7 +126,13 @@ HitPane::HitPane(ViewSearch& search, vkit::PageTexts& texts, std::function<QStri
 }
 
 void HitPane::resizeEvent(QResizeEvent* /*pEvent*/) {
-    m_pList->setGeometry(rect());
+    PlaceParts();
+}
+
+void HitPane::PlaceParts() {
+    const int nRest = m_pRest->isHidden() ? 0 : m_pRest->heightForWidth(width());
+    m_pList->setGeometry(0, 0, width(), height() - nRest);
+    m_pRest->setGeometry(0, height() - nRest, width(), nRest);
     m_pNothing->setGeometry(rect());
 }
 
@@ -131,14 +143,19 @@ void HitPane::Follow() {
                                                         : "Nothing is found.");
     m_pNothing->setVisible(m_model.rowCount() == 0);
     m_pList->setVisible(m_model.rowCount() > 0);
-    const auto current = m_search.Current();
-    if (current && !m_pList->hasFocus()) {
-        const QModelIndex index = m_model.index(m_model.RowOf(*current));
-        if (m_pList->currentIndex() != index) {
-            m_pList->setCurrentIndex(index);
-        }
-    }
+    m_pRest->setVisible(m_model.rowCount() > 0 && !m_model.IsWhole());
+    PlaceParts();
+    FollowCurrent();
     m_pList->viewport()->update();
+}
+
+// While the list has not the keys.
+void HitPane::FollowCurrent() {
+    const auto current = m_search.Current();
+    const QModelIndex index = current ? m_model.index(m_model.RowOf(*current)) : QModelIndex();
+    if (index.isValid() && !m_pList->hasFocus() && m_pList->currentIndex() != index) {
+        m_pList->setCurrentIndex(index);
+    }
 }
 
 }

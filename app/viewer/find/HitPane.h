@@ -27,12 +27,15 @@ protected:
 private:
     class Rows;
 
+    void PlaceParts();
     void Follow();
+    void FollowCurrent();
 
     vkit::ViewSearch& m_search;
     vkit::HitModel m_model;
     QListView* m_pList;
     QLabel* m_pNothing; // in place of the list
+    QLabel* m_pRest;    // below it, when it does not hold all
 };
 
 }
