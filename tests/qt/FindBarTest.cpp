@@ -6,6 +6,8 @@
 #include "app/viewer/find/FindFlow.h"
 #include "tests/qt/WindowFixture.h"
 #include "widget/search/ViewSearch.h"
+#include "widget/text/PageTexts.h"
+#include "widget/text/ViewSelection.h"
 
 namespace velko::viewer {
 namespace {
@@ -73,6 +75,22 @@ TEST_F(FindBarTest, WhyNothingIsFoundIsSaid) {
     EXPECT_TRUE(Tells("This document has no text"));
     m_pWindow->View().CloseDocument();
     EXPECT_TRUE(Tells(""));
+}
+
+TEST_F(FindBarTest, AFewSelectedWordsAreLookedFor) {
+    Show({"one two", "two", "and one  two"});
+    vkit::VelkoPdfView& view = m_pWindow->View();
+    ASSERT_TRUE(RunUntil([&] { return view.Texts().OwnTextOf(0) != nullptr; }));
+    view.Selection().Restore({{0, 0}, {0, 7}});
+    ASSERT_TRUE(RunUntil([&] { return !view.Selection().IsEmpty(); }));
+    Press(Qt::Key_F, Qt::ControlModifier);
+    EXPECT_EQ(Bar()->Text(), "one two");
+    EXPECT_TRUE(Tells("1 of 2"));
+    Press(Qt::Key_Escape);
+    view.Selection().SelectAll();
+    ASSERT_TRUE(RunUntil([&] { return !view.Selection().IsEmpty(); }));
+    Press(Qt::Key_F, Qt::ControlModifier);
+    EXPECT_EQ(Bar()->Text(), "one two") << "not whole pages";
 }
 
 TEST_F(FindBarTest, WhatIsAskedForBeforeADocumentIsShownInIt) {

@@ -6,6 +6,9 @@
 
 #include "app/viewer/find/FindBar.h"
 #include "widget/search/ViewSearch.h"
+#include "widget/text/PageTexts.h"
+#include "widget/text/PlainText.h"
+#include "widget/text/ViewSelection.h"
 
 namespace velko::viewer {
 
@@ -58,7 +61,20 @@ void FindFlow::Call() {
     }
 }
 
-void FindFlow::Open(const QString& strSelected) {
+// A few words of a page; nobody looks for whole paragraphs.
+QString FindFlow::Selected() const {
+    constexpr std::int32_t kMostChars = 200;
+    const vkit::TextSpan span = m_view.Selection().Span();
+    const std::int32_t nChars = span.last.nChar - span.first.nChar;
+    const bool bFew = span.first.nPage == span.last.nPage && nChars > 0 && nChars <= kMostChars;
+    const auto pText = bFew ? m_view.Texts().OwnTextOf(span.first.nPage) : nullptr;
+    return pText && span.last.nChar <= static_cast<std::int32_t>(pText->chars.size())
+               ? vkit::PlainTextOf(*pText, {span.first.nChar, span.last.nChar}).simplified()
+               : QString();
+}
+
+void FindFlow::Open() {
+    const QString strSelected = Selected();
     Call();
     if (!strSelected.isEmpty()) {
         m_pBar->SetText(strSelected);

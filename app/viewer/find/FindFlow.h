@@ -26,7 +26,7 @@ public:
              QWidget* pWindow);
 
     // The bar comes, with the keys in its field; what is selected is looked for.
-    void Open(const QString& strSelected = {});
+    void Open();
     // The same for a text from elsewhere, without the keys.
     void Find(const QString& strText);
     void Step(bool bBack); // opens the bar where it is closed
@@ -44,6 +44,7 @@ signals:
 
 private:
     void Call();
+    QString Selected() const; // what is looked for by it; else empty
     void MakeBar();
     void Search();
     void TellCount();
