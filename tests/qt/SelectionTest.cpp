@@ -137,6 +137,25 @@ TEST_F(SelectionTest, WhatIsNoDragOverTextDoesWhatItDid) {
     EXPECT_EQ(TheView().Window().cursor().shape(), Qt::ArrowCursor);
 }
 
+// Where a press finds a text that is not known yet, the drag is kept until it is.
+TEST_F(SelectionTest, ADragBeforeTheTextIsReadIsOneOrTheOther) {
+    for (const bool bText : {true, false}) {
+        SCOPED_TRACE(bText);
+        ASSERT_TRUE(ShowUntilSharp(WriteLines(bText ? 2 : 3)));
+        TheView().FitWidth();
+        ASSERT_TRUE(Settles(TheView()));
+        const double dbTop = TheView().Control()->GetPageScreenRect(0)->dbOffsetY;
+        Press(At(0, 101, bText ? 705.0F : 500.0F));
+        MoveTo(At(0, 170, bText ? 705.0F : 600.0F));
+        EXPECT_TRUE(RunUntil([&] {
+            return bText ? !Selection().IsEmpty()
+                         : TheView().Control()->GetPageScreenRect(0)->dbOffsetY < dbTop - 50.0;
+        }));
+        Release(At(0, 170, bText ? 705.0F : 600.0F));
+        EXPECT_EQ(Copied(), bText ? "first line" : "nothing");
+    }
+}
+
 // At the window's edge the pages move on under a drag, to pages whose text is not known.
 TEST_F(SelectionTest, ADragGoesOnOverThePagesAndEndsWhateverBecomesOfIt) {
     ASSERT_TRUE(ShowRead(WriteLines()));

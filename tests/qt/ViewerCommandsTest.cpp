@@ -26,6 +26,7 @@
 #include "platform/qt/QtElementWindow.h"
 #include "surface/PDFViewCanvas.h"
 #include "tests/qt/WindowFixture.h"
+#include "widget/text/PageTexts.h"
 
 namespace velko {
 namespace {
@@ -268,6 +269,7 @@ TEST_F(LinkTest, AClickFollowsADragDoesNotAndBackReturns) {
                     "/A << /S /Launch /F (calc.exe) >>", "/A << /S /Named /N /LastPage >>",
                     "/Dest (nowhere)", "/A << /S /URI /URI (#page=99) >>"})));
     auto& window = TheView().Window();
+    ASSERT_TRUE(RunUntil([&] { return TheView().Texts().TextOf(0) != nullptr; }));
     const QPoint ptLink = OnPage(100.0F, 590.0F);
     EXPECT_TRUE(RunUntil([&] { // a window that just came up may tell of a leave meanwhile
         Mouse(QEvent::MouseMove, ptLink, false);
@@ -356,6 +358,7 @@ TEST_F(LinkTest, BackBringsTheFitThatWasInForceAlsoInAWindowOfAnotherSize) {
 TEST_F(LinkTest, TheMenuAtAWebLinkCopiesItsAddress) {
     ASSERT_TRUE(ShowUntilSharp(WriteLinks({"/A << /S /URI /URI (https://example.org/a) >>"})));
     auto& window = TheView().Window();
+    ASSERT_TRUE(RunUntil([&] { return TheView().Texts().TextOf(0) != nullptr; }));
     const QPoint ptLink = OnPage(100.0F, 590.0F);
     QString strTarget;
     QObject::connect(&TheView(), &View::LinkHovered, &TheView(),

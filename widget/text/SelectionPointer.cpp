@@ -69,7 +69,9 @@ bool SelectionPointer::eventFilter(QObject* /*pWatched*/, QEvent* pEvent) {
 }
 
 bool SelectionPointer::OnMouse(const QMouseEvent& event, QEvent::Type eType) {
+    m_bPen = false;
     if (eType == QEvent::MouseMove) {
+        m_nMovedAt = event.timestamp();
         m_hover = event.buttons() == Qt::NoButton ? std::optional(event.position()) : std::nullopt;
         return OnMove(event.position(), event.buttons().testFlag(Qt::LeftButton));
     }
@@ -88,6 +90,7 @@ bool SelectionPointer::OnMouse(const QMouseEvent& event, QEvent::Type eType) {
 
 bool SelectionPointer::OnPen(QTabletEvent& event) {
     bool bTaken = false;
+    m_bPen = true;
     if (event.type() == QEvent::TabletMove) {
         bTaken = OnMove(event.position(), event.buttons().testFlag(Qt::LeftButton));
     } else if (event.button() != Qt::LeftButton) {
@@ -172,22 +175,31 @@ bool SelectionPointer::OnRelease(QPointF pt) {
         MoveTo(pt);
         Finish();
     } else if (eGrip == Grip::Waits) {
-        m_window.TakePointers();
+        PassOn();
     }
     m_eGrip = Grip::None;
-    return eGrip != Grip::None && eGrip != Grip::Pressed;
+    return eGrip == Grip::Selects || eGrip == Grip::Spent;
 }
 
 void SelectionPointer::Select() {
     if (!m_texts.TextOf(m_pressed.nPage)) {
-        m_eGrip = Grip::Waits;
+        m_eGrip = m_bPen ? Grip::None : Grip::Waits;
     } else if (IsTextAt(m_pressed)) {
         m_window.TakePointers();
         m_eGrip = Grip::Selects;
         m_drag.Begin(m_pressed, TextUnit::Char);
-    } else {
-        m_eGrip = Grip::None; // it moves the pages
+    } else if (std::exchange(m_eGrip, Grip::None) == Grip::Waits) {
+        PassOn();
     }
+}
+
+// It moves the pages after all, at once.
+void SelectionPointer::PassOn() {
+    m_eGrip = Grip::None;
+    QMouseEvent move(QEvent::MouseMove, m_pointer, m_window.mapToGlobal(m_pointer), Qt::NoButton,
+                     Qt::LeftButton, Qt::NoModifier);
+    move.setTimestamp(m_nMovedAt);
+    QCoreApplication::sendEvent(&m_window, &move);
 }
 
 void SelectionPointer::MoveTo(QPointF pt) {

@@ -78,6 +78,7 @@ private:
     bool OnMove(QPointF pt, bool bDown);
     bool OnRelease(QPointF pt);
     void Select(); // from where the press was
+    void PassOn();
     void MoveTo(QPointF pt);
     void Finish();
     void Lose();
@@ -98,6 +99,8 @@ private:
     QPointF m_pointer;              // of a drag that is under way
     std::optional<QPointF> m_hover; // over the window, no button down
     QTimer m_rest;                  // of the pointer over a page whose text is not known
+    bool m_bPen = false;            // of the pen, not the mouse
+    quint64 m_nMovedAt = 0;         // the mouse, as its events tell
     QPointF m_ptClicked;
     quint64 m_nClickedAt = 0;
     int m_nClicks = 0;
