@@ -160,9 +160,10 @@ void MainWindow::Begin(const FilePath& path, VelkoPdfView::Opening opening) {
 // --- places ----------------------------------------------------------------
 
 // In the full screen the bar, when it is called, lies over the pages; only with a
-// notice below it, it takes room.
+// notice or the search below it, it takes room.
 int MainWindow::BarHeight() const {
-    const bool bOver = isFullScreen() && (!m_pTopEdge->IsCalled() || Notice().isEmpty());
+    const bool bStrip = !Notice().isEmpty() || (m_pFind != nullptr && m_pFind->IsOpen());
+    const bool bOver = isFullScreen() && (!m_pTopEdge->IsCalled() || !bStrip);
     return bOver ? 0 : CommandBar::kHeight;
 }
 

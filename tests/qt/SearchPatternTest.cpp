@@ -107,6 +107,8 @@ TEST(SearchPatternTest, LineEndsAndHyphensAreReadThrough) {
     EXPECT_EQ(Found(page, "inter", kWords), "");
     EXPECT_EQ(Found({"inter\u00AD~", "national"}, "international"), "inter\u00ADnational");
     EXPECT_EQ(Found({"日本", "語の"}, "日本語"), "日本語");
+    EXPECT_EQ(Found({"关 于 红 军", "作战"}, "于红军作 战"), "于 红 军作战");
+    EXPECT_EQ(Found({"A 级 B"}, "A级"), "") << "a space beside a word is one";
     EXPECT_EQ(Found({"ไทย", "นี้"}, "ไทยนี้"), "ไทยนี้");
 }
 

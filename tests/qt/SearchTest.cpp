@@ -1,7 +1,9 @@
 // Searching the document of a view: what is found, what is shown, what is waited for.
 #include <QElapsedTimer>
 #include <QSignalSpy>
+#include <QTimer>
 #include <algorithm>
+#include <ctime>
 
 #include "tests/qt/ViewFixture.h"
 #include "widget/search/HitModel.h"
@@ -212,6 +214,35 @@ TEST_F(SearchTest, TheListHasEachHitInItsPlaceWithItsLine) {
     EXPECT_EQ(late.rowCount(), 4) << "one that comes after the hits";
     Search().End();
     EXPECT_EQ(model.rowCount(), 0);
+}
+
+// Its own time counts, whatever else the machine does.
+TEST_F(SearchTest, TheUiThreadStaysFreeWhileHitsComeIn) {
+    PdfPage page;
+    for (int nLine = 0; nLine < 50; ++nLine) {
+        page.strContent += "BT /F1 8 Tf 40 " + std::to_string(770 - nLine * 15) +
+                           " Td (a banana and a cabbage at a bazaar) Tj ET ";
+    }
+    Show(Write("a.pdf", testing::MakePdf(std::vector<PdfPage>(200, page))));
+    HitModel model(Search(), m_view.Texts(), [](int) { return QString(); });
+    const auto fnOwnMs = [] {
+        timespec time{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+    };
+    double dbLongest = 0.0;
+    double dbLast = fnOwnMs();
+    QTimer beat;
+    beat.callOnTimeout([&] {
+        dbLongest = std::max(dbLongest, fnOwnMs() - dbLast);
+        dbLast = fnOwnMs();
+    });
+    beat.start(0);
+    Search().Find("a", {});
+    ASSERT_TRUE(Ends());
+    EXPECT_EQ(Search().Hits().Count(), 200 * 50 * 13);
+    EXPECT_GT(model.rowCount(), 0);
+    EXPECT_LT(dbLongest, 16.0);
 }
 
 TEST_F(SearchTest, WhatDoesNotFitIsReadAnewAndNeverTakesMore) {

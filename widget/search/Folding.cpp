@@ -3,7 +3,6 @@
 #include <QChar>
 #include <QList>
 #include <QString>
-#include <algorithm>
 
 namespace velko::vkit {
 
@@ -104,7 +103,8 @@ bool IsAccentMark(char32_t nCode) {
 }
 
 bool IsWithoutSpaces(char32_t nCode) {
-    const bool bSign = (nCode >= 0x3000 && nCode <= 0x303F) || (nCode >= 0xFF00 && nCode <= 0xFF65);
+    const bool bWide = nCode >= 0xFF00 && nCode <= 0xFF65 && !QChar::isLetterOrNumber(nCode);
+    const bool bSign = bWide || (nCode >= 0x3000 && nCode <= 0x303F);
     switch (QChar::script(nCode)) {
         case QChar::Script_Han:
         case QChar::Script_Hiragana:
@@ -169,8 +169,6 @@ std::u16string_view Folding::Of(char32_t nCode) {
 
 namespace {
 
-enum class Gap { None, Line, Space };
-
 // Puts the pieces of a page together.
 class Writer {
 public:
@@ -179,13 +177,13 @@ public:
         m_chars.clear();
     }
 
-    void Leave(Gap eGap) { m_eGap = std::max(m_eGap, eGap); }
+    void LeaveGap() { m_bGap = true; }
 
     void Append(std::u16string_view piece, std::int32_t nChar, char32_t nCode) {
-        if (m_eGap != Gap::None && NeedsSpace(nCode)) {
+        if (m_bGap && NeedsSpace(nCode)) {
             Put(kSpace, nChar);
         }
-        m_eGap = Gap::None;
+        m_bGap = false;
         for (const char16_t unit : piece) {
             Put(unit, nChar);
         }
@@ -201,13 +199,14 @@ public:
     }
 
 private:
-    // None after a hyphen that a word ends with: a line may end there.
+    // None after a hyphen that a word ends with, as a line may end there; and none where no
+    // spaces are set: ideographs that stand wide may look as if there were some.
     bool NeedsSpace(char32_t nNext) const {
         const std::size_t n = m_units.size();
         if (n == 0 || (n > 1 && m_units[n - 1] == kHyphen && m_units[n - 2] != kSpace)) {
             return false;
         }
-        return m_eGap == Gap::Space || !IsWithoutSpaces(m_nLast) || !IsWithoutSpaces(nNext);
+        return !IsWithoutSpaces(m_nLast) || !IsWithoutSpaces(nNext);
     }
 
     void Put(char16_t unit, std::int32_t nChar) {
@@ -217,7 +216,7 @@ private:
 
     std::u16string& m_units;
     std::vector<std::int32_t>& m_chars;
-    Gap m_eGap = Gap::None;
+    bool m_bGap = false; // before what comes next
     char32_t m_nLast = 0;
 };
 
@@ -236,14 +235,14 @@ void Folding::Fold(const SearchText& text, LineHyphens eHyphens, FoldedText& fol
             i += bPair ? 2 : 1;
             const std::u16string_view piece = Of(nCode);
             if (piece == u" ") {
-                writer.Leave(Gap::Space);
+                writer.LeaveGap();
             } else if (!piece.empty()) {
                 writer.Append(piece, nChar, nCode);
             }
             ++nChar;
         }
         if (!line.bGoesOn) {
-            writer.Leave(Gap::Line);
+            writer.LeaveGap();
         } else if (eHyphens == LineHyphens::GoAway) {
             writer.TakeBack();
         }

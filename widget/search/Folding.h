@@ -60,7 +60,7 @@ private:
 // Signs that stand over or under the letter before them and belong to it.
 bool IsAccentMark(char32_t nCode);
 
-// Of scripts that set no spaces between words: a line's end is none either.
+// Of scripts that set no spaces between words: neither a line's end nor a gap is one.
 bool IsWithoutSpaces(char32_t nCode);
 
 }
