@@ -19,12 +19,15 @@
 // Threads: a value.
 #pragma once
 
+#include <memory>
 #include <optional>
 
 #include "platform/foundation/SecretText.h"
 #include "widget/FilePath.h"
 
 namespace velko::vkit {
+
+class OpenedFile;
 
 class OpeningQueue {
 public:
@@ -33,6 +36,7 @@ public:
     struct Request {
         FilePath path;
         Platform::SecretText password;
+        std::shared_ptr<OpenedFile> pFile{}; // that was looked at; empty: by the path
     };
 
     // What becomes of an open that has ended.

@@ -57,7 +57,7 @@ PageNotices::~PageNotices() {
 void PageNotices::Draw(const RenderCanvasEventArgs& args) {
     const auto failure = Control().PageFailureOf(args.nPageIndex);
     const auto place = failure ? Control().GetPageScreenRect(args.nPageIndex) : std::nullopt;
-    if (!place) {
+    if (!place || (m_fnHides && m_fnHides(*failure))) {
         return;
     }
     m_sign.Show(ReasonOf(*failure), kWarning, PixelRatio());

@@ -6,6 +6,7 @@
 
 #include <QString>
 #include <functional>
+#include <utility>
 
 #include "document/PageFailure.h"
 #include "widget/PageOverlay.h"
@@ -21,12 +22,18 @@ public:
     PageNotices(PDFViewCtrl& control, std::function<double()> fnPixelRatio);
     ~PageNotices() override;
 
+    // What is true of a failure that is not to be said now.
+    void HideWhile(std::function<bool(const PageFailure&)> fnHides) {
+        m_fnHides = std::move(fnHides);
+    }
+
 protected:
     void Draw(const RenderCanvasEventArgs& args) override;
 
 private:
     Windows::Foundation::EventRegistrationToken m_changeToken;
     PageSign m_sign;
+    std::function<bool(const PageFailure&)> m_fnHides; // empty: nothing
 };
 
 }

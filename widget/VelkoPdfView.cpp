@@ -23,6 +23,7 @@
 #include "widget/edit/DocSaver.h"
 #include "widget/edit/ViewEdits.h"
 #include "widget/search/ViewSearch.h"
+#include "widget/reload/DocReloader.h"
 #include "widget/text/PageTexts.h"
 #include "widget/text/ViewSelection.h"
 
@@ -50,6 +51,8 @@ VelkoPdfView::VelkoPdfView(std::shared_ptr<PDFViewCtrl> pControl, QWidget* pPare
       m_pStoreNotice(std::make_unique<StoreNotice>(
           [this](const auto& failure) { emit Failed(StoreNotice::TextOf(failure)); })),
       m_eScanColors(velko::common::ToScanColors(AppConfig::PageScanColors())) {
+    m_hold.setSingleShot(true);
+    m_hold.callOnTimeout(this, [this] { m_pWindow->ReleaseFrame(); });
     m_pWindow->ShowBusyMark(false);
     setFocusProxy(m_pWindow);
     ConnectWindow();
@@ -70,6 +73,7 @@ VelkoPdfView::~VelkoPdfView() {
         m_pPlace->End();
         m_pPlace.reset();
     }
+    m_pReloader.reset();
     m_pSaver.reset();
     m_pEdits.reset();
     m_pSearch.reset();
@@ -114,7 +118,7 @@ void VelkoPdfView::ConnectWindow() {
     m_pControl->CloseDocEvent.add([pView](const auto&, const auto&) {
         if (pView) {
             if (!pView->m_queue.IsIdle()) {
-                pView->Hold(); // until the next one is there
+                pView->HoldFor(pView->m_bReloading ? kLongestReloadMs : kLongestHoldMs);
             }
             pView->m_shown.reset();
             pView->m_bPlaceWaits = false;
@@ -204,6 +208,7 @@ void VelkoPdfView::OnSaved() {
         if (m_pPlace) {
             m_pPlace->Begin();
         }
+        FollowShownFile();
     }
 }
 

@@ -27,6 +27,7 @@
 
 #include <QPointer>
 #include <QString>
+#include <QTimer>
 #include <QUrl>
 #include <QWidget>
 #include <cstdint>
@@ -54,6 +55,7 @@ class QtElementWindow;
 
 namespace velko::vkit {
 
+class DocReloader;
 class DocSaver;
 class DragHand;
 class FlingLimit;
@@ -119,6 +121,16 @@ public:
     // Whether places are stored and brought back; off at first. Stored on
     // the task pool, the last one before the view goes.
     void KeepPlace(bool bKeep);
+
+    // Whether a document is shown anew, at its place, when its file has changed; off at
+    // first. The reloader tells what keeps it from being so, and lives as long as the view
+    // follows files; empty otherwise.
+    void FollowFile(bool bFollow);
+    DocReloader* Reloader() const { return m_pReloader.get(); }
+    // The document that goes, or comes, is another version of one that stays open for
+    // the reader: true from before `CloseDocEvent` until after `Opened`. The state is
+    // `Shown` all the while.
+    bool IsReloading() const { return m_bReloading; }
 
     // A document that the password, or none, does not open is asked for by a dialog over
     // the view, meanwhile in the state `PasswordNeeded`; a reader who gives up leaves
@@ -232,6 +244,7 @@ public:
 signals:
     void StateChanged(velko::vkit::VelkoPdfView::State eState);
     void Opened(int nPageCount);
+    void Reloaded(); // after `Opened`
     void OpenFailed(const QString& strFile, const QString& strReason);
     void PageChanged(int nPage);
     void PageCountChanged(int nPageCount);
@@ -255,6 +268,10 @@ protected:
     void keyPressEvent(QKeyEvent* pEvent) override;
 
 private:
+    // How long the old frame is held while the new one renders.
+    static constexpr int kLongestHoldMs = 300;
+    static constexpr int kLongestReloadMs = 2'000;
+
     // A file that was not opened, and the reader's reason; empty when it is the
     // reader who gave up.
     struct Refused {
@@ -291,6 +308,12 @@ private:
     void Begin(const OpeningQueue::Request& request);
     bool Expect(const OpeningQueue::Request& request);
     void RememberShown();
+    void BeginOpening(const OpeningQueue::Request& request);
+    void Reload(std::shared_ptr<OpenedFile> pFile);
+    void OnReloadFailed();
+    void EndReload();
+    bool IsInTheMiddle() const;
+    void FollowShownFile();
     void Await(Opening opening);
     void OnControlOpened(velko::common::ErrorCode eCode);
     void OnPasswordGivenUp();
@@ -326,6 +349,7 @@ private:
     int PageInSight();
     void OnPainted();
     void Hold();
+    void HoldFor(int nMs);
     void FollowFit();
     void BeforeArrange();
     void AfterArrange();
@@ -336,6 +360,7 @@ private:
     // The place.
     std::optional<KeptView> PlaceNow(bool bLeft);
     void ShowKeptPlace();
+    void ShowLayoutOf(const KeptView& kept);
     void ShowPlace(const KeptView& kept);
     void ShowTextPlace(const Windows::Foundation::Collections::PropertySet& values, int nPage);
     void PutPage(int nPage, double dbLeft, double dbTop);
@@ -386,7 +411,8 @@ private:
     std::unique_ptr<PageFrames> m_pFrames;
     std::unique_ptr<PageNotices> m_pNotices;
     std::unique_ptr<SlowPages> m_pSlowPages;
-    std::unique_ptr<PlaceKeeper> m_pPlace; // empty: places are not kept
+    std::unique_ptr<PlaceKeeper> m_pPlace;    // empty: places are not kept
+    std::unique_ptr<DocReloader> m_pReloader; // empty: files are not followed
     std::unique_ptr<StoreNotice> m_pStoreNotice;
     State m_eState = State::Empty;
     OpeningQueue m_queue;
@@ -403,8 +429,12 @@ private:
     bool m_bRefreshQueued = false;
     std::optional<QColor> m_surround; // a host's
     bool m_bDarkSurround = false;
-    bool m_bSeen = false;               // the reader has seen a page of this document
-    bool m_bPlaceWaits = false;         // for the viewer of a document that is told of already
+    bool m_bSeen = false;       // the reader has seen a page of this document
+    bool m_bPlaceWaits = false; // for the viewer of a document that is told of already
+    bool m_bReloading = false;
+    bool m_bLost = false; // what was shown is, without a document, until there is one again
+    Platform::SecretText m_password;    // that opened what is shown, as far as it is known
+    QTimer m_hold;                      // of a frame
     std::optional<ViewKeeper> m_keeper; // during a change of size
 };
 

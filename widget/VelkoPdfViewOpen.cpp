@@ -7,6 +7,8 @@
 #include "widget/OpenFailure.h"
 #include "widget/PlaceKeeper.h"
 #include "widget/VelkoPdfView.h"
+#include "widget/reload/DocReloader.h"
+#include "widget/reload/OpenedFile.h"
 
 namespace velko::vkit {
 
@@ -65,7 +67,8 @@ bool ForgetPlaceIn(const FilePath& path) {
 
 VelkoPdfView::Opening VelkoPdfView::BeginOpen(PDFViewCtrl& control, const FilePath& path,
                                               const Platform::SecretText& password) {
-    return control.OpenPdfDocument(path.Absolute().Bytes(), password.Text());
+    return control.OpenPdfDocument(std::make_shared<OpenedFile>(path.Absolute().Bytes()),
+                                   password.Text());
 }
 
 void VelkoPdfView::KeepPlace(bool bKeep) {
@@ -96,11 +99,15 @@ void VelkoPdfView::Open(const FilePath& path, Platform::SecretText password) {
 }
 
 void VelkoPdfView::Begin(const OpeningQueue::Request& request) {
-    if (!Expect(request)) { // first: a quick open raises the control's events within the call
-        return;
+    if (Expect(request)) { // first: a quick open raises the control's events within the call
+        BeginOpening(request);
     }
+}
+
+void VelkoPdfView::BeginOpening(const OpeningQueue::Request& request) {
     try {
-        Await(BeginOpen(*m_pControl, request.path, request.password));
+        Await(request.pFile ? m_pControl->OpenPdfDocument(request.pFile, request.password.Text())
+                            : BeginOpen(*m_pControl, request.path, request.password));
     } catch (...) {
         const std::exception_ptr pError = std::current_exception();
         Await(
@@ -121,6 +128,7 @@ void VelkoPdfView::Follow(const FilePath& path, Opening opening) {
 
 // False when a handler has taken this view away.
 bool VelkoPdfView::Expect(const OpeningQueue::Request& request) {
+    EndReload();
     if (HasDocument()) { // it goes as soon as the outcome is there
         RememberShown();
         if (m_pPlace) {
@@ -187,8 +195,10 @@ void VelkoPdfView::OnPasswordGivenUp() {
 }
 
 void VelkoPdfView::BeginShowing() {
-    m_history.Clear();
-    m_bSeen = false;
+    if (!m_bReloading) {
+        m_history.Clear();
+        m_bSeen = false;
+    }
     m_zoom.SetFitMode(ZoomMode::kFitPage);
     m_zoom.NoteFit();
     ShowAround();
@@ -242,7 +252,10 @@ void VelkoPdfView::TakeOutcome(const OpeningQueue::Ended& ended, const Opening& 
         return;
     }
     if (eCode == ErrorCode::e_ErrPassword && ended.eState != Arrival::Arrived) {
+        m_password = {};
         OnPasswordNeeded();
+    } else if (m_bReloading && eCode != ErrorCode::e_ErrSuccess) {
+        OnReloadFailed();
     } else if (eCode != ErrorCode::e_ErrSuccess && eCode != ErrorCode::e_ErrPassword) {
         ShowWhatIsLeft(strTrouble.isEmpty() ? ReasonOf(eCode) : strTrouble);
     } else if (m_pControl->GetPageCount() == 0) {
@@ -251,6 +264,7 @@ void VelkoPdfView::TakeOutcome(const OpeningQueue::Ended& ended, const Opening& 
             QStringLiteral("The document has no pages. Ask for it anew where it came "
                            "from."));
     } else {
+        m_password = ended.request.password;
         OnShown();
     }
 }
@@ -258,6 +272,9 @@ void VelkoPdfView::TakeOutcome(const OpeningQueue::Ended& ended, const Opening& 
 void VelkoPdfView::OnShown() {
     m_path = m_shown.value_or(FilePath());
     m_before.reset();
+    if (std::exchange(m_bLost, false)) {
+        HoldFor(kLongestReloadMs);
+    }
     const auto refused = std::exchange(m_return, std::nullopt);
     if (!SetState(State::Shown) || !Refresh()) {
         return;
@@ -265,8 +282,12 @@ void VelkoPdfView::OnShown() {
     if (m_pPlace) {
         m_pPlace->Begin();
     }
+    FollowShownFile();
     const QPointer<VelkoPdfView> pThis(this);
     emit Opened(PageCount());
+    if (pThis && std::exchange(m_bReloading, false)) {
+        emit Reloaded();
+    }
     if (pThis && refused && !refused->strReason.isEmpty()) {
         emit OpenFailed(refused->path.Text(), refused->strReason);
     }
@@ -295,6 +316,8 @@ void VelkoPdfView::OnOpenBroken(const OpeningQueue::Ended& ended, const std::exc
     if (ended.eState == Arrival::Arrived && HasDocument()) {
         TellLater(ReasonOf(pError));
         OnShown();
+    } else if (m_bReloading) {
+        OnReloadFailed();
     } else if (IsUnreadablePlace(pError) && ForgetPlaceIn(ended.request.path)) {
         Open(ended.request.path, ended.request.password);
     } else {
@@ -335,6 +358,10 @@ void VelkoPdfView::CloseDocument() {
                           m_before->strPath != m_path.Bytes(); // which would ask again
     m_queue.Drop();
     m_pWindow->ShowBusyMark(false);
+    EndReload();
+    if (m_pReloader) {
+        m_pReloader->End();
+    }
     if (m_pPlace && HasDocument()) {
         m_pPlace->End();
     }

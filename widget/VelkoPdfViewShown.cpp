@@ -25,7 +25,6 @@ using Windows::Foundation::Collections::PropertySet;
 namespace {
 
 constexpr double kLeastFit = 0.1;
-constexpr int kLongestHoldMs = 300; // of the old frame while the new one renders
 
 // How the zoom follows the window, besides what the control keeps itself.
 constexpr const char* kFitKey = "Widget.Fit";
@@ -97,9 +96,13 @@ int VelkoPdfView::PageInSight() {
 }
 
 bool VelkoPdfView::Refresh() {
+    if (m_bLost) {
+        return true; // what is told holds of the picture that stays
+    }
     const Facts before = m_facts;
     Guard([this] {
         if (m_pWindow->IsFrameHeld() && IsSharp()) {
+            m_hold.stop();
             m_pWindow->ReleaseFrame();
         }
         FollowFit();
@@ -220,9 +223,17 @@ void VelkoPdfView::ArrangeBeforeShow() {
 }
 
 void VelkoPdfView::Hold() {
-    if (!m_pWindow->IsFrameHeld()) {
+    HoldFor(kLongestHoldMs);
+}
+
+// Holds that follow each other are one, which lasts no longer than the longest of them.
+void VelkoPdfView::HoldFor(int nMs) {
+    if (m_bLost) {
+        return; // until there is a document again
+    }
+    if (!m_hold.isActive() || nMs > m_hold.interval()) {
         m_pWindow->HoldFrame();
-        QTimer::singleShot(kLongestHoldMs, this, [this] { m_pWindow->ReleaseFrame(); });
+        m_hold.start(nMs);
     }
 }
 
@@ -278,7 +289,8 @@ std::optional<KeptView> VelkoPdfView::PlaceNow(bool bLeft) {
 
 void VelkoPdfView::ShowKeptPlace() {
     m_reading.Forget();
-    if (m_return && m_before) {
+    if ((m_return || m_bReloading) && m_before) {
+        ShowLayoutOf(*m_before);
         ShowPlace(*m_before);
         m_zoom.NoteFit();
         return;
@@ -295,6 +307,15 @@ void VelkoPdfView::ShowKeptPlace() {
     m_zoom.NoteFit();
 }
 
+// The control takes it from what is stored, which is nothing where no places are kept.
+void VelkoPdfView::ShowLayoutOf(const KeptView& kept) {
+    const std::int32_t nMode =
+        PDFViewerState::ReadFrom(*kept.pValues, WasSavedWide(*kept.pValues)).ViewState;
+    if (nMode != LayoutMode::kNone && nMode != m_pControl->GetPageLayoutMode()) {
+        m_pControl->SetPageLayoutMode(nMode);
+    }
+}
+
 // Zoom and offsets mean something only on a screen that lies the same way.
 void VelkoPdfView::ShowPlace(const KeptView& kept) {
     const PropertySet& values = *kept.pValues;
@@ -302,7 +323,8 @@ void VelkoPdfView::ShowPlace(const KeptView& kept) {
     const bool bWide = size.Width > size.Height;
     const bool bSameWay = WasSavedWide(values) == bWide;
     const PDFViewerState state = PDFViewerState::ReadFrom(values, bWide);
-    const int nPage = state.CurrentPageIndex;
+    const int nPage = std::min(state.CurrentPageIndex, m_pControl->GetPageCount() - 1);
+    const bool bShorter = nPage < state.CurrentPageIndex;
     const double dbScale = state.Scale;
     if (m_reading.IsOn()) {
         ShowTextPlace(values, nPage);
@@ -311,8 +333,8 @@ void VelkoPdfView::ShowPlace(const KeptView& kept) {
     if (m_pControl->GetRotate() != state.Rotate) {
         m_pControl->RotateViewer(state.Rotate);
     }
-    if (nPage < 0 || nPage >= m_pControl->GetPageCount()) {
-        m_zoom.ZoomToFit(); // the document has become shorter
+    if (nPage < 0) {
+        m_zoom.ZoomToFit();
         return;
     }
     if (!bSameWay || !(dbScale > 0.0) || !std::isfinite(dbScale)) {
@@ -322,7 +344,7 @@ void VelkoPdfView::ShowPlace(const KeptView& kept) {
     m_zoom.SetFitMode(std::clamp(ValueOr<std::int32_t>(values, kFitKey, 0), 0, 3));
     m_zoom.ZoomTo(m_zoom.FitOr(dbScale));
     const double dbGrown = m_pControl->GetScale() / dbScale;
-    PutPage(nPage, state.OffsetX * dbGrown, state.OffsetY * dbGrown);
+    PutPage(nPage, state.OffsetX * dbGrown, bShorter ? 0.0 : state.OffsetY * dbGrown);
 }
 
 // The fit waits for the pages.

@@ -108,6 +108,7 @@ const std::vector<Entry>& Entries() {
         {Command::SaveAs, "Save &as…", "Ctrl+Shift+S", Needs::Document, nullptr, nullptr,
          [](const View& view) { return !view.Saver().IsSaving(); }},
         {Command::Properties, "P&roperties…", "Alt+Return"},
+        {Command::Reload, "Re&load", "Ctrl+F5 Refresh"},
         {Command::Close, "&Close", "Ctrl+W", Needs::Nothing},
         {Command::Quit, "&Quit", "Ctrl+Q", Needs::Nothing},
         {Command::Undo, "&Undo", "Ctrl+Z", Needs::Document, [](View& view) { view.Edits().Undo(); },

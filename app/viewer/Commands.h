@@ -22,6 +22,7 @@ enum class Command {
     Save,
     SaveAs,
     Properties,
+    Reload,
     Close,
     Quit,
     Undo,

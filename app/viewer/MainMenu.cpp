@@ -3,6 +3,7 @@
 #include "app/viewer/ColorMenu.h"
 #include "app/viewer/MenuStyle.h"
 #include "app/viewer/RecentMenu.h"
+#include "app/viewer/ReloadNotices.h"
 #include "app/viewer/ViewerSettings.h"
 
 namespace velko::viewer {
@@ -14,7 +15,8 @@ MainMenu::MainMenu(vkit::VelkoPdfView& view, const Commands& commands, QWidget* 
     addMenu(m_pRecent);
     addAction(commands[Command::NewWindow]);
     AddOwnWindows();
-    addActions({commands[Command::Save], commands[Command::SaveAs]});
+    addActions({commands[Command::Save], commands[Command::SaveAs], commands[Command::Reload]});
+    AddReloads();
     addActions({commands[Command::Properties], commands[Command::Close]});
     addSeparator();
     AddGroup("&Edit", commands,
@@ -48,6 +50,14 @@ void MainMenu::AddOwnWindows() {
             [](bool bOwn) { ViewerSettings::OpensOwnWindows(bOwn); });
     connect(this, &QMenu::aboutToShow, pAction,
             [pAction] { pAction->setChecked(ViewerSettings::OpensOwnWindows()); });
+}
+
+void MainMenu::AddReloads() {
+    QAction* const pAction = addAction("Reload &by itself when the file changes");
+    pAction->setCheckable(true);
+    connect(pAction, &QAction::triggered, this, &ReloadNotices::SetAutomatic);
+    connect(this, &QMenu::aboutToShow, pAction,
+            [pAction] { pAction->setChecked(ViewerSettings::ReloadsChanged()); });
 }
 
 QMenu* MainMenu::AddGroup(const QString& strName, const Commands& commands,

@@ -19,6 +19,7 @@ public:
 
 private:
     void AddOwnWindows();
+    void AddReloads();
     QMenu* AddGroup(const QString& strName, const Commands& commands,
                     std::initializer_list<Command> group);
 

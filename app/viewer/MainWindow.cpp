@@ -21,6 +21,7 @@
 #include "app/viewer/PageMenu.h"
 #include "app/viewer/PictureMaker.h"
 #include "app/viewer/RecentMenu.h"
+#include "app/viewer/ReloadNotices.h"
 #include "app/viewer/SaveFlow.h"
 #include "app/viewer/StartPane.h"
 #include "app/viewer/TopEdge.h"
@@ -142,6 +143,8 @@ void MainWindow::ConnectSelection() {
 void MainWindow::KeepPlaces() {
     m_pView->KeepPlace(true);
     new PictureMaker(*m_pView);
+    new ReloadNotices(
+        *m_pView, [this]() -> NoticeBar& { return NoticeLine(); }, this);
 }
 
 void MainWindow::Begin(const FilePath& path, VelkoPdfView::Opening opening) {
@@ -274,6 +277,9 @@ void MainWindow::CarryOut(Command eCommand) {
             break;
         case Command::Properties:
             PropertiesDialog::Show(*m_pView, *m_pFacts, *m_pCommands, this);
+            break;
+        case Command::Reload:
+            m_pSaveFlow->BeforeLeaving([this] { m_pSaveFlow->Reload(); });
             break;
         case Command::Close:
             CloseDocument();

@@ -43,7 +43,7 @@ public:
     MainWindow(std::shared_ptr<vkit::PDFViewCtrl> pControl, QSize size);
 
     // From now on the reader's places, with a picture of each document for the list of
-    // recent files.
+    // recent files; and follows the files.
     void KeepPlaces();
 
     // Shows the document whose open was begun, or without one the start.

@@ -67,13 +67,19 @@ void NoticeBar::Tell(const QString& strText) {
     Show(Kind::Told, strText, {});
 }
 
-void NoticeBar::TellWhile(const QString& strText, std::function<bool()> fnHolds) {
+void NoticeBar::TellWhile(const QString& strText, std::function<bool()> fnHolds, Offer offer) {
     m_strStanding = strText;
+    m_standingOffer = std::move(offer);
     m_fnHolds = std::move(fnHolds);
     m_watch.start();
     if (isHidden() || m_eKind == Kind::Standing) {
-        Show(Kind::Standing, strText, {});
+        ShowStanding();
     }
+}
+
+void NoticeBar::ShowStanding() {
+    Show(Kind::Standing, m_strStanding, m_standingOffer.strYes);
+    m_fnYes = m_standingOffer.fnYes;
 }
 
 void NoticeBar::CheckStanding() {
@@ -109,7 +115,7 @@ void NoticeBar::Withdraw() {
         return;
     }
     if (m_fnHolds && m_eKind != Kind::Standing) {
-        Show(Kind::Standing, m_strStanding, {});
+        ShowStanding();
         return;
     }
     const bool bHadKeys = isAncestorOf(QApplication::focusWidget());

@@ -27,8 +27,14 @@ public:
 
     void Tell(const QString& strText);
 
-    // `fnHolds` is asked from time to time.
-    void TellWhile(const QString& strText, std::function<bool()> fnHolds);
+    // What the reader may do about what is told.
+    struct Offer {
+        QString strYes;
+        std::function<void()> fnYes;
+    };
+
+    // `fnHolds` is asked from time to time. Unlike a question an offer takes no keys.
+    void TellWhile(const QString& strText, std::function<bool()> fnHolds, Offer offer = {});
     void CheckStanding(); // at once
 
     // `fnYes` runs when the reader agrees; nothing does otherwise.
@@ -59,6 +65,7 @@ protected:
 private:
     enum class Kind { Told, Standing };
 
+    void ShowStanding();
     void Show(Kind eKind, const QString& strText, const QString& strYes);
     void Withdraw(); // a question stays without an answer
     bool IsPassing() const { return !isHidden() && m_eKind == Kind::Told; }
@@ -70,6 +77,7 @@ private:
     QElapsedTimer m_since; // this notice came
     std::function<void()> m_fnYes;
     QString m_strStanding;
+    Offer m_standingOffer;
     std::function<bool()> m_fnHolds; // empty: nothing stands
     QTimer m_watch;
 };

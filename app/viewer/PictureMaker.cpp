@@ -23,6 +23,7 @@ PictureMaker::PictureMaker(VelkoPdfView& view) : QObject(&view), m_view(view) {
     m_rest.setInterval(kRestMs);
     m_rest.callOnTimeout(this, &PictureMaker::OnRest);
     connect(&view, &VelkoPdfView::StateChanged, this, &PictureMaker::OnState);
+    connect(&view, &VelkoPdfView::Reloaded, this, [this] { OnState(VelkoPdfView::State::Shown); });
     connect(&view, &VelkoPdfView::Painted, this, &PictureMaker::OnPainted);
 }
 

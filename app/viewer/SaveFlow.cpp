@@ -11,6 +11,7 @@
 
 #include "widget/edit/DocSaver.h"
 #include "widget/edit/ViewEdits.h"
+#include "widget/reload/DocReloader.h"
 
 namespace velko::viewer {
 
@@ -179,23 +180,34 @@ QMessageBox* SaveFlow::MakeQuestion(const QString& strText, const QString& strMo
 void SaveFlow::AskAboutChanges() {
     QMessageBox* const pBox = MakeQuestion(
         QStringLiteral("“%1” was changed by another program or window.").arg(Name()),
-        QStringLiteral("Overwriting it loses what was written there. Saving to another file keeps "
-                       "both."));
+        QStringLiteral("Overwriting it loses what was written there, reloading it what was changed "
+                       "here. Saving to another file keeps both."));
     QPushButton* const pOther = pBox->addButton("Save &as…", QMessageBox::AcceptRole);
     QPushButton* const pOver = pBox->addButton("&Overwrite", QMessageBox::DestructiveRole);
+    QPushButton* const pTheirs = pBox->addButton("&Reload", QMessageBox::ResetRole);
+    pTheirs->setVisible(m_view.Reloader() != nullptr);
     pBox->setEscapeButton(pBox->addButton(QMessageBox::Cancel));
     pBox->setDefaultButton(pOther);
-    connect(pBox, &QMessageBox::finished, this, [this, pBox, pOther, pOver] {
+    connect(pBox, &QMessageBox::finished, this, [this, pBox, pOther, pOver, pTheirs] {
         m_pQuestion.clear();
         if (pBox->clickedButton() == pOther) {
             AskForName(QStringLiteral("Save as"));
         } else if (pBox->clickedButton() == pOver) {
             m_view.Saver().SaveOverChanges();
+        } else if (pBox->clickedButton() == pTheirs) {
+            m_fnGo = nullptr;
+            Reload();
         } else {
             m_fnGo = nullptr;
         }
     });
     pBox->open();
+}
+
+void SaveFlow::Reload() {
+    if (m_view.Reloader() != nullptr) {
+        m_view.Reloader()->ReloadNow();
+    }
 }
 
 void SaveFlow::BeforeLeaving(std::function<void()> fnGo) {

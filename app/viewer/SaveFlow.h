@@ -35,6 +35,8 @@ public:
     // `fnGo` runs at once when there is nothing to lose, or when a save or the reader has
     // seen to it; never when the reader cancels. Of several only the last.
     void BeforeLeaving(std::function<void()> fnGo);
+    // Shows the file as it is now, whatever is not saved.
+    void Reload();
     // A save is under way, or a question is open: the document is not left now.
     bool IsBusy() const;
 

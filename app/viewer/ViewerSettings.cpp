@@ -21,6 +21,7 @@ constexpr const char* kSideWidth = "SideWidth";
 constexpr const char* kSideTab = "SideTab";
 constexpr const char* kSideShown = "SideShown";
 constexpr std::int32_t kUsualSide = 250;
+constexpr const char* kReloads = "ReloadChanged";
 constexpr std::int32_t kSmallestEdge = 100;
 constexpr std::int32_t kLargestEdge = 16384;
 
@@ -92,6 +93,14 @@ bool ViewerSettings::ShowsSide() {
 
 void ViewerSettings::KeepSideShown(bool bShown) {
     Values()->Insert(kSideShown, PropertyValue::Create<bool>(bShown));
+}
+
+bool ViewerSettings::ReloadsChanged() {
+    return Read<bool>(kReloads, true);
+}
+
+void ViewerSettings::ReloadsChanged(bool bReload) {
+    Values()->Insert(kReloads, PropertyValue::Create<bool>(bReload));
 }
 
 }

@@ -30,6 +30,10 @@ public:
     static void KeepSideTab(int nTab);
     static bool ShowsSide();
     static void KeepSideShown(bool bShown);
+
+    // Whether a document is shown anew by itself when its file has changed.
+    static bool ReloadsChanged();
+    static void ReloadsChanged(bool bReload);
 };
 
 }

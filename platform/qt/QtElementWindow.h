@@ -67,6 +67,7 @@ public:
     // content anew.
     void StopInertia() { m_pInput->Recogniser().StopInertia(); }
     bool IsInertiaRunning() const { return m_pInput->Recogniser().IsInertiaRunning(); }
+    bool IsTouched() const { return m_pInput->Recogniser().IsAnyDown(); }
 
     // What touches the panel is somebody else's from now on: its gesture is over, and
     // nothing more comes of it until it is up.
