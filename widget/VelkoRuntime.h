@@ -20,12 +20,12 @@ public:
     struct Options {
         // Registers the engine that opens the documents, such as
         // `velko::engines::mupdf::RegisterEngine`. Empty: the program has done so.
-        std::function<void()> fnRegisterEngine;
+        std::function<void()> fnRegisterEngine{};
         // Settings and the recently used list; empty: a folder of this
         // component in the user's data folder. Where it cannot be used, settings
         // last as long as the runtime (see `ApplicationData::StoreFailed`).
-        QString strDataFolder;
-        Platform::Qt::QtEnvironment::Options environment;
+        QString strDataFolder{};
+        Platform::Qt::QtEnvironment::Options environment{};
         bool bDebugOutput = false; // the debug output goes to standard error
     };
 
