@@ -165,6 +165,11 @@ TEST_F(SearchTest, AnotherDocumentIsSearchedAndNothingMoves) {
 // Cancelled at any moment: by other text, by the end, by the view's.
 TEST_F(SearchTest, WhatIsUnderWayEndsAtOnce) {
     Show(WriteText("a.pdf", 400, {{399, {400}}}));
+    m_view.GotoPage(200);
+    Search().Find("page", {});
+    ASSERT_TRUE(RunUntil([&] { return Search().Current().has_value(); }));
+    EXPECT_TRUE(Search().CurrentNumber() == 0 || Search().CurrentNumber() > 199)
+        << "no number before those before it are counted";
     for (const char* szText : {"page", "needle", "p", "is", "needle"}) {
         Search().Find(szText, {});
         QCoreApplication::processEvents();

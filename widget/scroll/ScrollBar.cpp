@@ -13,9 +13,9 @@ namespace {
 
 constexpr int kSlim = 5; // of the handle at rest
 constexpr int kEdge = 2; // between the handle and the window's edge
-constexpr int kRestAlpha = 105;
-constexpr int kNearAlpha = 150;
-constexpr int kHeldAlpha = 200;
+constexpr int kRestAlpha = 160;
+constexpr int kNearAlpha = 200;
+constexpr int kHeldAlpha = 235;
 constexpr int kTrackAlpha = 28;
 
 QColor WithAlpha(QColor color, int nAlpha) {

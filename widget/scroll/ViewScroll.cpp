@@ -90,7 +90,8 @@ void ViewScroll::Follow() {
 // In the layout of single pages a page that fits leaves others to scroll to all the same.
 void ViewScroll::Place() {
     const bool bDark = m_view.Colors().IsDark();
-    const QColor color = bDark ? QColor(190, 190, 190) : QColor(70, 70, 70);
+    // Light pages may have a dark surround.
+    const QColor color = bDark ? QColor(175, 175, 175) : QColor(115, 115, 115);
     const QRect rc = m_view.rect();
     const int nWidth = ScrollBar::kWidth;
     const bool bAcross = m_across && !m_across->Fits();

@@ -159,10 +159,14 @@ const DocSearch::Hits& DocSearch::On(std::int32_t nPage) const {
                                              : s_none;
 }
 
-std::int64_t DocSearch::CountBefore(std::int32_t nPage) const {
+std::optional<std::int64_t> DocSearch::CountBefore(std::int32_t nPage) const {
     std::int64_t nCount = 0;
     for (std::int32_t n = 0; n < std::min(nPage, PageCount()); ++n) {
-        nCount += static_cast<std::int64_t>(On(n).size());
+        const Page& page = m_pages[static_cast<std::size_t>(n)];
+        if (!page.bSearched) {
+            return std::nullopt;
+        }
+        nCount += static_cast<std::int64_t>(page.hits.size());
     }
     return nCount;
 }

@@ -47,7 +47,8 @@ public:
 
     std::int64_t Count() const { return m_nCount; }
     const Hits& On(std::int32_t nPage) const; // none on a page that is not searched yet
-    std::int64_t CountBefore(std::int32_t nPage) const;
+    // Empty while pages before that one are not searched yet.
+    std::optional<std::int64_t> CountBefore(std::int32_t nPage) const;
     std::int32_t PageCount() const { return std::int32_t(m_pages.size()); }
     std::optional<CharRange> At(HitPlace place) const;
     HitPlace PlaceOf(std::int64_t n) const; // of all of them the n-th, which there is

@@ -189,7 +189,8 @@ void ViewSearch::MakeCurrent(std::optional<HitPlace> place) {
 }
 
 std::int64_t ViewSearch::CurrentNumber() const {
-    return m_current ? m_search.CountBefore(m_current->nPage) + m_current->nIndex + 1 : 0;
+    const auto before = m_current ? m_search.CountBefore(m_current->nPage) : std::nullopt;
+    return before ? *before + m_current->nIndex + 1 : 0;
 }
 
 // --- into sight --------------------------------------------------------------

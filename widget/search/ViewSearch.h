@@ -61,7 +61,8 @@ public:
     const DocSearch& Hits() const { return m_search; }
     DocSearch& Hits() { return m_search; }
     std::optional<HitPlace> Current() const { return m_current; }
-    std::int64_t CurrentNumber() const; // from 1; 0 for none
+    // From 1; 0 for none, and while nobody knows how many come before it.
+    std::int64_t CurrentNumber() const;
 
 signals:
     void Changed();                  // the hits, or which one is the reader's
