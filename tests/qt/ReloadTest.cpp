@@ -1,6 +1,7 @@
 // A document whose file changes while it is read.
 #include <gtest/gtest.h>
 
+#include <QDeadlineTimer>
 #include <QSignalSpy>
 #include <QTest>
 #include <filesystem>
@@ -51,6 +52,16 @@ protected:
     }
     bool Tells(Why eWhy) {
         return RunUntil([&] { return m_view.Reloader()->WhyNot() == eWhy; });
+    }
+    // That somebody else has replaced the edited document.
+    bool IsToldOf(const std::string& strBytes) {
+        constexpr int kPatienceMs = 5'000;
+        Replace(strBytes);
+        const QDeadlineTimer deadline(kPatienceMs);
+        return RunUntil([&] {
+                   return m_view.Reloader()->WhyNot() == Why::Edited || deadline.hasExpired();
+               }) &&
+               m_view.Reloader()->WhyNot() == Why::Edited;
     }
     void AddNote() {
         pdf::AnnotRecord record;
@@ -167,8 +178,8 @@ TEST_F(ReloadTest, UnsavedChangesStayUntilTheReaderDecides) {
     m_view.Saver().Save();
     ASSERT_TRUE(RunUntil([&] { return !m_view.Saver().IsSaving() && !m_view.IsModified(); }));
     AddNote();
-    Replace(Pages(2, kBlue));
-    ASSERT_TRUE(Tells(Why::Edited));
+    // One in the very moment of a save counts as a part of it; the next does not.
+    ASSERT_TRUE(IsToldOf(Pages(2, kBlue)) || IsToldOf(Pages(2, kBlue)));
     EXPECT_TRUE(m_view.IsModified());
     EXPECT_EQ(m_reloads.count(), 0) << "what was saved from here is no change either";
     m_view.Edits().Undo();
