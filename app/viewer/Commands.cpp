@@ -219,8 +219,8 @@ Commands::Commands(VelkoPdfView& view, QWidget* pWindow) : QObject(pWindow), m_v
         pWindow->addAction(pAction);
         connect(pAction, &QAction::triggered, this, [this, &entry] {
             if (entry.fnRun != nullptr) {
+                emit Done(); // before: what the command says itself stays
                 entry.fnRun(m_view);
-                emit Done();
             } else {
                 emit Wanted(entry.eCommand);
             }

@@ -97,7 +97,7 @@ public:
     void ReadKeys();  // another window has changed them
 
 signals:
-    void Done(); // a command of the view's
+    void Done(); // a command of the view's is carried out
     void KeysChanged();
     // A command that is the window's to carry out.
     void Wanted(velko::viewer::Command eCommand);

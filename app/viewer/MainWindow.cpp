@@ -23,6 +23,7 @@
 #include "app/viewer/RecentMenu.h"
 #include "app/viewer/ReloadNotices.h"
 #include "app/viewer/SaveFlow.h"
+#include "app/viewer/SelectionBubble.h"
 #include "app/viewer/StartPane.h"
 #include "app/viewer/TopEdge.h"
 #include "app/viewer/ViewerSettings.h"
@@ -136,6 +137,13 @@ void MainWindow::ConnectEdits() {
 void MainWindow::ConnectSelection() {
     connect(&m_pView->Selection(), &vkit::ViewSelection::Refused, this,
             [this](const QString& strReason) { NoticeLine().Tell(strReason); });
+    connect(&m_pView->Selection(), &vkit::ViewSelection::Touched, this, [this] {
+        CompleteBar();
+        if (m_pBubble == nullptr) {
+            m_pBubble = new SelectionBubble(*m_pView, *m_pCommands);
+        }
+        m_pBubble->ShowBeside();
+    });
     new CopyNotice(
         m_pView->Selection(), [this]() -> NoticeBar& { return NoticeLine(); }, this);
 }

@@ -32,6 +32,7 @@ class Hint;
 class NoticeBar;
 class Presentation;
 class SaveFlow;
+class SelectionBubble;
 class SideDock;
 class StartPane;
 class TopEdge;
@@ -146,6 +147,7 @@ private:
     StartPane* m_pMessage = nullptr;       // these are made when first needed
     NoticeBar* m_pNotice = nullptr;
     Hint* m_pHint = nullptr;
+    SelectionBubble* m_pBubble = nullptr;
     Presentation* m_pPresentation = nullptr;
     QString m_strTarget;         // of the link under the pointer
     QLabel* m_pTarget = nullptr; // of the link under the pointer

@@ -1,9 +1,12 @@
 // Text selected and copied by real pointers and keys.
 #include <gtest/gtest.h>
 
+#include <QAction>
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QPointingDevice>
 #include <algorithm>
+#include <memory>
 #include <string>
 
 #include "document/engine/AnnotEditor.h"
@@ -12,6 +15,7 @@
 #include "widget/edit/DocEdits.h"
 #include "widget/edit/ViewEdits.h"
 #include "widget/text/PageTexts.h"
+#include "widget/text/SelectionHandle.h"
 #include "widget/text/ViewSelection.h"
 
 namespace velko {
@@ -243,11 +247,70 @@ TEST_F(SelectionTest, WhatIsSelectedIsHighlightedAndCopiedWhereThatIsAllowed) {
     EXPECT_FALSE(Selection().IsEmpty());
     EXPECT_EQ(Copied(), "nothing");
     EXPECT_TRUE(m_pWindow->Notice().contains("does not allow copying"));
+    Key(Qt::Key_Escape); // the selection, then the notice
+    Key(Qt::Key_Escape);
+    Selection().SelectAll();
+    const auto actions = m_pWindow->actions();
+    const auto copy = std::find_if(actions.begin(), actions.end(),
+                                   [](const QAction* p) { return p->text() == "&Copy"; });
+    ASSERT_TRUE(copy != actions.end() && RunUntil([&] { return (*copy)->isEnabled(); }));
+    (*copy)->trigger();
+    EXPECT_TRUE(m_pWindow->Notice().contains("does not allow copying")) << "and it stays";
 
     ASSERT_TRUE(ShowUntilSharp(WritePages("pictures.pdf", 2)));
     Key(Qt::Key_A, Qt::ControlModifier);
     EXPECT_EQ(Copied(), "nothing");
     EXPECT_TRUE(m_pWindow->Notice().contains("no text"));
+}
+
+// A finger that holds selects, one that moves at once pans; the handles of the ends may be
+// dragged past each other.
+TEST_F(SelectionTest, AFingerSelectsByHoldingAndDragsTheEnds) {
+    const std::unique_ptr<QPointingDevice> pScreen(QTest::createTouchDevice());
+    auto& window = TheView().Window();
+    ASSERT_TRUE(ShowRead(WriteLines()));
+    TheView().FitWidth();
+    ASSERT_TRUE(Settles(TheView()));
+    const double dbTop = TheView().Control()->GetPageScreenRect(0)->dbOffsetY;
+    QTest::touchEvent(&window, pScreen.get()).press(0, At(0, 150, 705), &window);
+    QTest::touchEvent(&window, pScreen.get()).move(0, At(0, 150, 750), &window);
+    EXPECT_LT(TheView().Control()->GetPageScreenRect(0)->dbOffsetY, dbTop - 20.0) << "a pan";
+    QTest::touchEvent(&window, pScreen.get()).release(0, At(0, 150, 750), &window);
+    window.StopInertia();
+    TheView().GotoPage(0);
+    ASSERT_TRUE(Settles(TheView()));
+    EXPECT_TRUE(Selection().IsEmpty());
+
+    const QPoint word = At(0, 150, 705);
+    QTest::touchEvent(&window, pScreen.get()).press(0, word, &window);
+    ASSERT_TRUE(RunUntil([&] { return !Selection().IsEmpty(); }));
+    EXPECT_EQ(Copied(), "line");
+    QTest::touchEvent(&window, pScreen.get()).move(0, At(0, 200, 705), &window);
+    QTest::touchEvent(&window, pScreen.get()).release(0, At(0, 200, 705), &window);
+    const auto fnBubble = [&] { return TheView().findChild<QWidget*>("selection"); };
+    EXPECT_TRUE(fnBubble() != nullptr && fnBubble()->isVisible());
+    EXPECT_EQ(Copied(), "line here");
+
+    auto handles = window.findChildren<vkit::SelectionHandle*>();
+    ASSERT_EQ(handles.size(), 2);
+    std::sort(handles.begin(), handles.end(),
+              [](const auto* p, const auto* q) { return p->x() < q->x(); });
+    EXPECT_TRUE(handles[0]->isVisible() && handles[1]->isVisible());
+    EXPECT_TRUE(handles[0]->width() >= 44 && handles[0]->height() >= 44);
+    const auto fnDrag = [&](QWidget* pHandle, QPoint way) {
+        const QPoint from = pHandle->rect().center();
+        QTest::touchEvent(pHandle, pScreen.get()).press(0, from, pHandle);
+        QTest::touchEvent(pHandle, pScreen.get()).move(0, from + way, pHandle);
+        QTest::touchEvent(pHandle, pScreen.get()).release(0, from + way, pHandle);
+    };
+    fnDrag(handles[0], At(0, 101, 705) - At(0, 138, 705));
+    EXPECT_EQ(Copied(), "first line here");
+    fnDrag(handles[0], At(0, 300, 680) - At(0, 101, 705));
+    EXPECT_EQ(Copied(), "second line") << "past the other end";
+    QTest::touchEvent(&window, pScreen.get()).press(0, At(0, 300, 500), &window);
+    QTest::touchEvent(&window, pScreen.get()).release(0, At(0, 300, 500), &window);
+    EXPECT_TRUE(Selection().IsEmpty());
+    EXPECT_FALSE(handles[0]->isVisible() || handles[1]->isVisible());
 }
 
 // A copy of many pages is made behind, and can be stopped.

@@ -44,11 +44,15 @@ ViewSelection::ViewSelection(Parts parts)
       m_texts(parts.texts),
       m_places(*m_pControl, m_window),
       m_pointer({m_window, m_places, m_texts, m_selection, parts.shape, parts.fnScroll}),
+      m_touch({m_window, m_places, m_texts, m_selection,
+               [this](Windows::Foundation::Point pt) { return InWindow(pt); }, parts.fnScroll}),
       m_keys({*m_pControl, m_window, m_places, m_texts, m_selection, std::move(parts.fnGotoPage),
               parts.fnScroll}) {
     m_window.installEventFilter(this);
     connect(&m_selection, &TextSelection::Changed, this, &ViewSelection::OnChanged);
     connect(&m_pointer, &SelectionPointer::Selected, this, &ViewSelection::OfferForPaste);
+    connect(&m_touch, &SelectionTouch::Selected, this, &ViewSelection::OfferForPaste);
+    connect(&m_touch, &SelectionTouch::Selected, this, &ViewSelection::Touched);
     connect(&m_copier, &TextCopier::Gathered, this, &ViewSelection::OnGathered);
     connect(&m_copier, &TextCopier::Ended, this, &ViewSelection::CopyingChanged);
     connect(&m_texts, &PageTexts::Read, this, [this] {
@@ -100,6 +104,13 @@ void ViewSelection::OnChanged() {
 void ViewSelection::Update() {
     FollowDocument();
     m_pointer.Update();
+    m_touch.Update();
+}
+
+QPointF ViewSelection::InWindow(Windows::Foundation::Point ptCanvas) const {
+    const double dbRatio = m_window.devicePixelRatioF();
+    return {ptCanvas.X * m_pControl->CompositionScaleX() / dbRatio,
+            ptCanvas.Y * m_pControl->CompositionScaleY() / dbRatio};
 }
 
 void ViewSelection::FollowDocument() {

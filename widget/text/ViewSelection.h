@@ -24,6 +24,7 @@
 #include "widget/text/PagePlaces.h"
 #include "widget/text/SelectionKeys.h"
 #include "widget/text/SelectionPointer.h"
+#include "widget/text/SelectionTouch.h"
 #include "widget/text/TextCopier.h"
 #include "widget/text/TextSelection.h"
 
@@ -75,6 +76,7 @@ public:
 signals:
     void Changed();
     void EmptyChanged(); // whether anything is selected
+    void Touched();      // a finger has selected it, and let go
     void Copied();
     void CopyingChanged(); // whether it is under way
     void Refused(const QString& strReason);
@@ -89,6 +91,7 @@ private:
         Quads quads;
     };
 
+    QPointF InWindow(Windows::Foundation::Point ptCanvas) const;
     void FollowDocument();
     void OnChanged();
     void OnGathered(const QString& strText, int nUnreadPages);
@@ -106,6 +109,7 @@ private:
     TextSelection m_selection;
     std::weak_ptr<velko::pdf::PDFDoc> m_wkDocument; // of which it is
     SelectionPointer m_pointer;
+    SelectionTouch m_touch;
     SelectionKeys m_keys;
     TextCopier m_copier;
     std::unique_ptr<ShapeOverlay> m_pOverlay;
