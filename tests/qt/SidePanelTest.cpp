@@ -117,11 +117,13 @@ TEST_F(SidePanelTest, ItStandsBesideOrOverThePagesAndIsKept) {
     EXPECT_TRUE(RunUntil([&] { return Panel().isVisible(); })) << "there is room for both again";
     TheView().CloseDocument();
     EXPECT_TRUE(RunUntil([&] { return !Panel().isVisible(); })) << "nothing to show";
-    m_pWindow = std::make_unique<viewer::MainWindow>(View::CreateControl(),
-                                                     viewer::CommandLine::kDefaultSize);
-    m_pWindow->Begin({}, {});
+    // It is there before it is filled.
+    const auto pControl = View::CreateControl();
+    auto opening = View::BeginOpen(*pControl, strFile);
+    m_pWindow = std::make_unique<viewer::MainWindow>(pControl, viewer::CommandLine::kDefaultSize);
+    m_pWindow->Begin(strFile, std::move(opening));
+    EXPECT_TRUE(TheView().x() > 0 && Outline() == nullptr);
     m_pWindow->show();
-    ASSERT_TRUE(ShowUntilSharp(strFile));
     EXPECT_TRUE(RunUntil([&] { return Outline() != nullptr; })) << "as it was left";
 }
 

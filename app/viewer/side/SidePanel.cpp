@@ -94,9 +94,9 @@ void SidePanel::SetThere(SideTab eTab, bool bThere) {
 
 void SidePanel::ShowTab(SideTab eTab) {
     Part* pPart = PartOf(eTab);
-    if (pPart == nullptr || pPart->pButton->isHidden()) {
+    if (pPart == nullptr || !pPart->bThere) {
         const auto there = std::find_if(m_parts.begin(), m_parts.end(),
-                                        [](const Part& part) { return !part.pButton->isHidden(); });
+                                        [](const Part& part) { return part.bThere; });
         pPart = there == m_parts.end() ? nullptr : &*there;
     }
     if (pPart == nullptr) {
