@@ -97,6 +97,7 @@ private:
     void ConnectLinks();
     void ConnectEdits();
     void CompleteSide();
+    void AddAttachments();
     void CompleteSearch();
     void ToggleHits();
     void ConnectSelection();

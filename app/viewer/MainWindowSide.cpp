@@ -2,6 +2,7 @@
 #include "app/viewer/MainWindow.h"
 #include "app/viewer/find/FindFlow.h"
 #include "app/viewer/find/HitPane.h"
+#include "app/viewer/side/AttachmentPane.h"
 #include "app/viewer/side/OutlinePane.h"
 #include "app/viewer/side/SideDock.h"
 #include "app/viewer/side/ThumbPane.h"
@@ -23,9 +24,25 @@ void MainWindow::CompleteSide() {
                              m_pView->Search(), m_pView->Texts(),
                              [this](int nPage) { return m_pFacts->LabelOf(nPage); }, pParent);
                      }});
+    AddAttachments();
     connect(m_pSide, &SideDock::Changed, this,
             [this] { m_pCommands->SetSidePanel(m_pSide->IsShown()); });
     m_pSide->Complete();
+}
+
+// Whether there are any is found out once the panel is shown.
+void MainWindow::AddAttachments() {
+    m_pSide->AddTab(
+        {SideTab::Attachments, "Attachments", Glyph::Attachment,
+         [this](QWidget* pParent) { return new AttachmentPane(*m_pView, *m_pFacts, pParent); }});
+    const auto fnFollow = [this] {
+        const auto pFiles = m_pSide->IsShown() ? m_pFacts->FindFiles() : nullptr;
+        m_pSide->Panel().SetThere(SideTab::Attachments, pFiles && !pFiles->empty());
+    };
+    connect(m_pSide, &SideDock::Changed, this, fnFollow);
+    connect(m_pFacts, &vkit::DocFacts::FilesRead, this, fnFollow);
+    connect(m_pFacts, &vkit::DocFacts::Forgotten, this, fnFollow);
+    fnFollow();
 }
 
 // With the hits marked on the bar beside the pages, and listed in the panel.

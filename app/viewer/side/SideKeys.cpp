@@ -16,11 +16,14 @@ bool IsForList(const QKeyEvent& event) {
 
 }
 
-SideKeys::SideKeys(QAbstractItemView& list, std::function<void(const QModelIndex&)> fnTake)
+SideKeys::SideKeys(QAbstractItemView& list, std::function<void(const QModelIndex&)> fnTake,
+                   Takes eTakes)
     : QObject(&list), m_list(list), m_fnTake(std::move(fnTake)) {
     m_list.installEventFilter(this);
-    connect(&m_list, &QAbstractItemView::clicked, this,
-            [this](const QModelIndex& index) { m_fnTake(index); });
+    if (eTakes == Takes::ByClick) {
+        connect(&m_list, &QAbstractItemView::clicked, this,
+                [this](const QModelIndex& index) { m_fnTake(index); });
+    }
 }
 
 bool SideKeys::eventFilter(QObject* /*pWatched*/, QEvent* pEvent) {

@@ -15,7 +15,10 @@ namespace velko::viewer {
 
 class SideKeys : public QObject {
 public:
-    SideKeys(QAbstractItemView& list, std::function<void(const QModelIndex& index)> fnTake);
+    enum class Takes { ByClick, ByReturn }; // a click takes as Return does, or chooses only
+
+    SideKeys(QAbstractItemView& list, std::function<void(const QModelIndex& index)> fnTake,
+             Takes eTakes = Takes::ByClick);
 
 protected:
     bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
