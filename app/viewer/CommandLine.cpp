@@ -108,6 +108,10 @@ private:
             m_result.strScreenshot = Value(strArgument);
         } else if (strArgument == "--page") {
             TakePage(Value(strArgument));
+        } else if (strArgument == "--find") {
+            m_result.strFind = Value(strArgument);
+        } else if (strArgument == "--new-window") {
+            m_result.bNewWindow = true;
         } else if (strArgument == "--password-fd") {
             TakePasswordFd(Value(strArgument));
         } else if (strArgument == "--family") {
@@ -184,10 +188,13 @@ QString UsageText() {
     return QStringLiteral(
         "Usage: velko-viewer [options] [FILE.pdf ...]\n"
         "\n"
-        "Each file has a window of its own.\n"
+        "Each file has a window of its own. One that is open already comes to the front\n"
+        "instead.\n"
         "\n"
         "  --screenshot OUT.png  write a picture of the window and end\n"
         "  --page N              begin at page N of the first file\n"
+        "  --find TEXT           look for TEXT in the first file\n"
+        "  --new-window          show the file here also when it is open already\n"
         "  --size WxH            size of the first window; else as it was left\n"
         "  --password-fd N       read the first file's password from descriptor N\n"
         "  --version             print the version\n"

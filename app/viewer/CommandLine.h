@@ -25,11 +25,13 @@ struct CommandLine {
     QStringList foreign;               // addresses of what is no file of this machine
     QString strScreenshot;
     std::optional<int> nPage;       // as the reader counts; else where the document was left
+    QString strFind;                // text to look for; empty: none
     std::optional<QSize> size;      // of the window; else the one that was kept
     std::optional<int> nPasswordFd; // from which the first file's password is read
     QString strFamily;              // of the device, to see the others' dialogs; empty: a desktop
     bool bHelp = false;
     bool bVersion = false;
+    bool bNewWindow = false;                // also of a file that a viewer shows already
     bool bTimeToInk = false;                // print how long the start took, then end
     std::optional<std::int64_t> nStartedAt; // nanoseconds of the wall clock, for `bTimeToInk`
 };

@@ -174,6 +174,7 @@ const std::vector<Entry>& Entries() {
          [](const View& view) { return view.NightMode(); }},
         {Command::FullScreen, "&Full screen", "F11", Needs::Nothing},
         {Command::Present, "P&resentation", "F5"},
+        {Command::Bookmark, "Add or remove a &bookmark", "Ctrl+B"},
         {Command::SidePanel, "&Side panel", "F9"},
         {Command::SwapKeys, "Between the panel and the pages", "F6 Ctrl+F6"},
         {Command::Menu, "Menu", "F10", Needs::Nothing},

@@ -58,6 +58,7 @@ enum class Command {
     Night,
     FullScreen,
     Present,
+    Bookmark,
     SidePanel,
     SwapKeys,
     Menu,

@@ -250,6 +250,17 @@ QPainterPath Attachment() {
 
 }
 
+// A ribbon.
+QPainterPath Bookmark() {
+    QPainterPath path({5.5, 3.0});
+    path.lineTo(14.5, 3.0);
+    path.lineTo(14.5, 17.0);
+    path.lineTo(10.0, 13.0);
+    path.lineTo(5.5, 17.0);
+    path.closeSubpath();
+    return path;
+}
+
 QPainterPath OutlineOf(Glyph eGlyph) {
     switch (eGlyph) {
         case Glyph::Menu:
@@ -306,6 +317,8 @@ QPainterPath OutlineOf(Glyph eGlyph) {
             return Outline();
         case Glyph::Pages:
             return Pages();
+        case Glyph::Bookmark:
+            return Bookmark();
         case Glyph::Attachment:
             return Attachment();
     }

@@ -37,6 +37,7 @@ enum class Glyph {
     SidePanel,
     Outline,
     Pages,
+    Bookmark,
     Attachment
 };
 

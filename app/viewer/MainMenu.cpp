@@ -26,7 +26,7 @@ MainMenu::MainMenu(vkit::VelkoPdfView& view, const Commands& commands, QWidget* 
     AddGroup("&Go", commands,
              {Command::FindNext, Command::FindPrevious, Command::PreviousPage, Command::NextPage,
               Command::FirstPage, Command::LastPage, Command::EnterPage, Command::Back,
-              Command::Forward});
+              Command::Forward, Command::Bookmark});
     AddGroup("&Zoom", commands,
              {Command::ZoomIn, Command::ZoomOut, Command::ActualSize, Command::FitPage,
               Command::FitWidth, Command::FitHeight});

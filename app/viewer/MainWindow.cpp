@@ -34,6 +34,7 @@
 #include "platform/qt/QtElementWindow.h"
 #include "widget/VelkoRuntime.h"
 #include "widget/edit/ViewEdits.h"
+#include "widget/places/ViewBookmarks.h"
 #include "widget/text/ViewSelection.h"
 
 namespace velko::viewer {
@@ -254,6 +255,27 @@ void MainWindow::CompleteBar() {
     PlaceParts();
 }
 
+void MainWindow::ShowPlace(std::optional<int> nPage, const QString& strFind) {
+    if (nPage) {
+        m_pView->GotoPage(*nPage - 1);
+    }
+    if (!strFind.isEmpty()) {
+        Find(strFind);
+    }
+}
+
+// The desktop decides; what it needs for that is found in the environment by Qt.
+void MainWindow::ComeToFront(const std::string& strActivation) {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    if (!strActivation.empty()) {
+        qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(strActivation));
+    }
+    activateWindow();
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+}
+
 void MainWindow::Find(const QString& strText) {
     CompleteBar();
     m_pFind->Find(strText);
@@ -300,6 +322,9 @@ void MainWindow::CarryOut(Command eCommand) {
             break;
         case Command::Present:
             TogglePresentation();
+            break;
+        case Command::Bookmark:
+            Bookmarks().Toggle();
             break;
         case Command::SidePanel:
             m_pSide->Toggle();

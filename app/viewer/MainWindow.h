@@ -21,6 +21,7 @@ class QLabel;
 
 namespace velko::vkit {
 class DocFacts;
+class ViewBookmarks;
 class ViewScroll;
 }
 
@@ -57,6 +58,11 @@ public:
     bool IsFree() const;
     // Says that this is the address of no file.
     void RefuseAddress(const QString& strAddress);
+
+    // As a reader asks for it who has come from elsewhere: a page, as the reader counts,
+    // and a text to look for. `strActivation` is the desktop's leave to take the keys.
+    void ShowPlace(std::optional<int> nPage, const QString& strFind);
+    void ComeToFront(const std::string& strActivation);
 
     // The size that the window has when it does not fill the screen; Qt's units.
     QSize OrdinarySize() const;
@@ -98,6 +104,7 @@ private:
     void ConnectEdits();
     void CompleteSide();
     void AddAttachments();
+    vkit::ViewBookmarks& Bookmarks();
     void CompleteSearch();
     void ToggleHits();
     void ConnectSelection();
@@ -137,15 +144,16 @@ private:
     vkit::VelkoPdfView* const m_pView;
     WindowParts m_parts;
     TopEdge* const m_pTopEdge;
-    SaveFlow* const m_pSaveFlow;           // a child
-    SideDock* const m_pSide;               // this too
-    bool m_bMayClose = false;              // nothing is unsaved, or the reader lets it go
-    vkit::DocFacts* m_pFacts = nullptr;    // the view's; with the bar
-    Commands* m_pCommands = nullptr;       // this too
-    vkit::ViewScroll* m_pScroll = nullptr; // the view's; with the bar
-    FindFlow* m_pFind = nullptr;           // this too
-    CommandBar* m_pBar = nullptr;          // after the first paint
-    StartPane* m_pMessage = nullptr;       // these are made when first needed
+    SaveFlow* const m_pSaveFlow;                 // a child
+    SideDock* const m_pSide;                     // this too
+    bool m_bMayClose = false;                    // nothing is unsaved, or the reader lets it go
+    vkit::ViewBookmarks* m_pBookmarks = nullptr; // the view's; when first needed
+    vkit::DocFacts* m_pFacts = nullptr;          // the view's; with the bar
+    Commands* m_pCommands = nullptr;             // this too
+    vkit::ViewScroll* m_pScroll = nullptr;       // the view's; with the bar
+    FindFlow* m_pFind = nullptr;                 // this too
+    CommandBar* m_pBar = nullptr;                // after the first paint
+    StartPane* m_pMessage = nullptr;             // these are made when first needed
     NoticeBar* m_pNotice = nullptr;
     Hint* m_pHint = nullptr;
     SelectionBubble* m_pBubble = nullptr;

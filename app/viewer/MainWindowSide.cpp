@@ -1,8 +1,10 @@
 // The window's side panel: what its tabs are.
 #include "app/viewer/MainWindow.h"
+#include "app/viewer/NoticeBar.h"
 #include "app/viewer/find/FindFlow.h"
 #include "app/viewer/find/HitPane.h"
 #include "app/viewer/side/AttachmentPane.h"
+#include "app/viewer/side/BookmarkPane.h"
 #include "app/viewer/side/OutlinePane.h"
 #include "app/viewer/side/SideDock.h"
 #include "app/viewer/side/ThumbPane.h"
@@ -12,12 +14,24 @@
 
 namespace velko::viewer {
 
+vkit::ViewBookmarks& MainWindow::Bookmarks() {
+    if (m_pBookmarks == nullptr) {
+        m_pBookmarks = new vkit::ViewBookmarks(*m_pView);
+        connect(m_pBookmarks, &vkit::ViewBookmarks::Told, this,
+                [this](const QString& strText) { NoticeLine().Tell(strText); });
+    }
+    return *m_pBookmarks;
+}
+
 void MainWindow::CompleteSide() {
     m_pSide->AddTab({SideTab::Outline, "Outline", Glyph::Outline, [this](QWidget* pParent) {
                          return new OutlinePane(*m_pView, *m_pFacts, pParent);
                      }});
     m_pSide->AddTab({SideTab::Pages, "Pages", Glyph::Pages, [this](QWidget* pParent) {
                          return new ThumbPane(*m_pView, *m_pFacts, pParent);
+                     }});
+    m_pSide->AddTab({SideTab::Bookmarks, "Bookmarks", Glyph::Bookmark, [this](QWidget* pParent) {
+                         return new BookmarkPane(Bookmarks(), *m_pFacts, pParent);
                      }});
     m_pSide->AddTab({SideTab::Hits, "Hits", Glyph::Find, [this](QWidget* pParent) {
                          return new HitPane(

@@ -7,6 +7,7 @@
 #include "app/viewer/CommandLine.h"
 #include "app/viewer/MainWindow.h"
 #include "app/viewer/ViewerSettings.h"
+#include "app/viewer/instance/InstanceServer.h"
 
 namespace velko::viewer {
 
@@ -25,7 +26,10 @@ QSize OnScreen(QSize size) {
 
 }
 
+WindowList::WindowList() = default;
+
 WindowList::~WindowList() {
+    m_pServer.reset();
     for (MainWindow* const pWindow : std::exchange(m_windows, {})) {
         pWindow->disconnect(this);
         delete pWindow;
@@ -65,6 +69,48 @@ MainWindow& WindowList::Open(const FilePath& path) {
     window.Begin(path, std::move(opening));
     window.show();
     return window;
+}
+
+// --- calls of later starts -------------------------------------------------
+
+void WindowList::Serve() {
+    InstanceServer::Hands hands;
+    hands.fnShown = [this] { return Shown(); };
+    hands.fnShow = [this](const std::string& strPath, const InstanceCall& call) {
+        return Show(strPath, call);
+    };
+    m_pServer = std::make_unique<InstanceServer>(std::move(hands), nullptr);
+}
+
+std::vector<std::string> WindowList::Shown() const {
+    std::vector<std::string> shown;
+    for (const MainWindow* const pWindow : m_windows) {
+        if (!pWindow->IsFree() && !pWindow->View().File().IsEmpty()) {
+            shown.push_back(pWindow->View().File().Bytes());
+        }
+    }
+    return shown;
+}
+
+// The window that was used last, where several show it.
+MainWindow* WindowList::Showing(const std::string& strPath) const {
+    MainWindow* pFound = nullptr;
+    for (MainWindow* const pWindow : m_windows) {
+        const bool bShows = !pWindow->IsFree() && pWindow->View().File().Bytes() == strPath;
+        if (bShows && (pFound == nullptr || pWindow->isActiveWindow())) {
+            pFound = pWindow;
+        }
+    }
+    return pFound;
+}
+
+bool WindowList::Show(const std::string& strPath, const InstanceCall& call) {
+    MainWindow* const pWindow = Showing(strPath);
+    if (pWindow != nullptr) {
+        pWindow->ComeToFront(call.strActivation);
+        pWindow->ShowPlace(call.nPage, call.strFind);
+    }
+    return pWindow != nullptr;
 }
 
 void WindowList::CloseAll() {

@@ -21,12 +21,15 @@ class PDFViewCtrl;
 
 namespace velko::viewer {
 
+class InstanceServer;
 class MainWindow;
+struct InstanceCall;
 
 class WindowList : public QObject {
     Q_OBJECT
 
 public:
+    WindowList();
     ~WindowList() override;
 
     // A hidden window around a control of `VelkoPdfView::CreateControl`. Without
@@ -36,13 +39,20 @@ public:
     // Shows a window of its own with the file; with an empty name the start.
     MainWindow& Open(const vkit::FilePath& path);
 
+    // Viewers that are started later find the files that are shown here.
+    void Serve();
+
     // Closes them one by one, as the reader does.
     void CloseAll();
 
 private:
+    MainWindow* Showing(const std::string& strPath) const;
+    std::vector<std::string> Shown() const;
+    bool Show(const std::string& strPath, const InstanceCall& call);
     QSize SizeOfNext() const;
     void ShareColors(const MainWindow& from);
 
+    std::unique_ptr<InstanceServer> m_pServer;
     std::vector<MainWindow*> m_windows; // in the order of their opening
 };
 

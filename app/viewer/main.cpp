@@ -14,6 +14,7 @@
 #include "app/viewer/Screenshot.h"
 #include "app/viewer/StartClock.h"
 #include "app/viewer/WindowList.h"
+#include "app/viewer/instance/InstanceAsker.h"
 #include "engines/mupdf/Register.h"
 #include "widget/VelkoRuntime.h"
 
@@ -39,14 +40,29 @@ void ReportTimeToInk(const vkit::VelkoPdfView& view, const CommandLine& options)
         Qt::QueuedConnection); // after the paint has been flushed
 }
 
-// Brings the page that the command line asks for, once, wherever the document was
-// left; as the reader counts.
-void ShowFirst(vkit::VelkoPdfView& view, std::optional<int> nPage) {
-    if (nPage) {
+// What the command line asks for, once, wherever the document was left.
+void ShowFirst(MainWindow& window, const CommandLine& options) {
+    if (options.nPage || !options.strFind.isEmpty()) {
         QObject::connect(
-            &view, &vkit::VelkoPdfView::Opened, &view,
-            [&view, nPage] { view.GotoPage(*nPage - 1); }, Qt::SingleShotConnection);
+            &window.View(), &vkit::VelkoPdfView::Opened, &window,
+            [&window, nPage = options.nPage, strFind = options.strFind] {
+                window.ShowPlace(nPage, strFind);
+            },
+            Qt::SingleShotConnection);
     }
+}
+
+// Asks the viewers that run already to show the one file; empty where that is not wanted.
+std::optional<InstanceAsker> AskOthers(const CommandLine& options) {
+    if (options.files.size() != 1 || !options.foreign.isEmpty() || options.bNewWindow ||
+        options.bTimeToInk || options.nPasswordFd || !options.strScreenshot.isEmpty() ||
+        !options.strFamily.isEmpty()) {
+        return std::nullopt;
+    }
+    InstanceCall call = InstanceCall::Of(options.files[0].Absolute().Bytes());
+    call.nPage = options.nPage;
+    call.strFind = options.strFind;
+    return std::optional<InstanceAsker>(std::in_place, call);
 }
 
 // A picture shows the document as it is when it is opened for the first time,
@@ -85,6 +101,7 @@ int RunViewer(int argc, char** argv, const CommandLine& options, Platform::Secre
     if (!options.strScreenshot.isEmpty()) {
         fresh.emplace();
     }
+    std::optional<InstanceAsker> others = AskOthers(options);
     const vkit::VelkoRuntime runtime(RuntimeOptions(options, fresh ? fresh->path() : QString()));
     auto pControl = vkit::VelkoPdfView::CreateControl();
     vkit::VelkoPdfView::Opening opening;
@@ -96,6 +113,9 @@ int RunViewer(int argc, char** argv, const CommandLine& options, Platform::Secre
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     QApplication app(argc, argv);
+    if (others && others->IsTaken()) {
+        return 0;
+    }
     QApplication::setApplicationName("velko-viewer");
     QApplication::setDesktopFileName("velko-viewer");
     WindowList windows;
@@ -110,11 +130,14 @@ int RunViewer(int argc, char** argv, const CommandLine& options, Platform::Secre
         new Screenshot(window, options, &window);
     } else {
         window.KeepPlaces();
-        ShowFirst(window.View(), options.nPage);
+        ShowFirst(window, options);
     }
     window.Begin(options.files.empty() ? vkit::FilePath() : options.files[0], std::move(opening));
     window.show();
     OpenOthers(windows, window, options);
+    if (!bPicture && !options.bTimeToInk) {
+        windows.Serve();
+    }
     return QApplication::exec();
 }
 
