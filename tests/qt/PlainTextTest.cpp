@@ -32,6 +32,10 @@ MadeText Block(const std::vector<std::u32string>& lines) {
 TEST(PlainTextTest, LinesOfAParagraphAreJoinedAndOthersAreNot) {
     EXPECT_EQ(Plain(Block({U"these lines are", U"broken by width", U"alone."})),
               "these lines are broken by width alone.");
+    EXPECT_EQ(
+        Plain(Block({U"the lines", U"of a text", U"of which one", U"is longer", U"than most"})),
+        "the lines of a text of which one is longer than most")
+        << "a line beyond the margin";
     EXPECT_EQ(Plain(Block({U"one", U"two", U"a line as long as this"})),
               "one\ntwo\na line as long as this");
     EXPECT_EQ(Plain(Block({U"中文字符", U"没有空格", U"ab"})), "中文字符没有空格 ab");

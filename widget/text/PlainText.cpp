@@ -3,9 +3,10 @@
 #include <QChar>
 #include <algorithm>
 #include <cmath>
-#include <limits>
+#include <cstddef>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "widget/text/TextGeometry.h"
 
@@ -18,6 +19,7 @@ using velko::pdf::TextLine;
 namespace {
 
 constexpr float kSpace = 0.2F;   // of a letter's size; a narrow one between two words
+constexpr int kOverfull = 5;     // of so many lines one may reach beyond the margin
 constexpr float kSameRow = 0.5F; // of a letter's size
 
 bool IsSetWithoutSpaces(char32_t c) {
@@ -53,9 +55,13 @@ public:
         if (bBack) {
             m_axes.along = {-m_axes.along.X, -m_axes.along.Y};
         }
+        std::vector<float> ends;
         for (std::int32_t n = block.nFirstLine; n < block.nEndLine; ++n) {
-            m_fEnd = std::max(m_fEnd, ShapeOf(n).along.fEnd);
+            ends.push_back(ShapeOf(n).along.fEnd);
         }
+        const auto end = ends.end() - 1 - static_cast<std::ptrdiff_t>(ends.size()) / kOverfull;
+        std::nth_element(ends.begin(), end, ends.end());
+        m_fEnd = *end;
     }
 
     // Whether a line break stands between a line and the next one of the block.
@@ -95,7 +101,7 @@ private:
 
     const PageText& m_text;
     TextAxes m_axes;
-    float m_fEnd = std::numeric_limits<float>::lowest();
+    float m_fEnd = 0.0F;    // the margin
     bool m_bBeside = false; // the line stands beside the one before
 };
 
