@@ -36,7 +36,10 @@ private:
 };
 
 ViewScroll::ViewScroll(VelkoPdfView& view, std::function<QString(int)> fnPageName)
-    : QObject(&view), m_view(view), m_fnPageName(std::move(fnPageName)) {
+    : QObject(&view),
+      m_view(view),
+      m_pControl(view.Control()),
+      m_fnPageName(std::move(fnPageName)) {
     ScrollBar::Hands down{[this](double dbStart) { Drag(dbStart); },
                           [this](double dbStart) { ScrollTo(dbStart); },
                           [this](int nScreens) { m_view.ScrollByScreen(nScreens); },
@@ -50,7 +53,7 @@ ViewScroll::ViewScroll(VelkoPdfView& view, std::function<QString(int)> fnPageNam
         [](bool /*bHeld*/) {}};
     m_pDown = std::make_unique<ScrollBar>(Qt::Vertical, m_view, std::move(down));
     m_pAcross = std::make_unique<ScrollBar>(Qt::Horizontal, m_view, std::move(across));
-    m_pFrames = std::make_unique<Frames>(*m_view.Control(), [this] { Follow(); });
+    m_pFrames = std::make_unique<Frames>(*m_pControl, [this] { Follow(); });
     m_view.Window().installEventFilter(this);
     m_view.installEventFilter(this);
     connect(&m_view, &VelkoPdfView::StateChanged, this, &ViewScroll::Follow);

@@ -19,6 +19,7 @@ class QLabel;
 
 namespace velko::vkit {
 
+class PDFViewCtrl;
 class VelkoPdfView;
 class ViewSearch;
 
@@ -58,6 +59,7 @@ private:
     void CollectMarks();
 
     VelkoPdfView& m_view;
+    const std::shared_ptr<PDFViewCtrl> m_pControl; // which the view lets go of before this goes
     const std::function<QString(int)> m_fnPageName;
     std::unique_ptr<ScrollBar> m_pDown;
     std::unique_ptr<ScrollBar> m_pAcross;
