@@ -9,6 +9,7 @@
 #include <variant>
 
 #include "document/engine/HostServices.h"
+#include "widget/FilePath.h"
 
 namespace velko::vkit {
 
@@ -22,9 +23,15 @@ struct LinkToPage {
 // A step from where the reader is.
 enum class LinkStep { NextPage, PreviousPage, FirstPage, LastPage, Back, Forward };
 
-// An address for a browser or a mail program.
+// An address for a browser or a mail program: without a name and password for the site,
+// and of a letter what is written alone, no files.
 struct LinkToAddress {
     QUrl address;
+};
+
+// Another PDF document, by its name or where it is found from the document's folder.
+struct LinkToFile {
+    FilePath path; // absolute
 };
 
 // What is not done from a document.
@@ -32,14 +39,19 @@ struct RefusedLink {
     QString strReason; // a sentence for the reader
 };
 
-using LinkTarget = std::variant<LinkToPage, LinkStep, LinkToAddress, RefusedLink>;
+using LinkTarget = std::variant<LinkToPage, LinkStep, LinkToAddress, LinkToFile, RefusedLink>;
 
 // The sentence for whoever follows a link to a place that does not exist.
 QString LeadsNowhere();
 
-LinkTarget TargetOf(const velko::pdf::LinkGoal& goal);
+// Of a link in the document of that file, which may be empty.
+LinkTarget TargetOf(const velko::pdf::LinkGoal& goal, const FilePath& document);
 
-// The target in a few words, for whoever points at the link.
+// Whether it is one that `LinkToAddress` may have.
+bool IsWebAddress(const QUrl& address);
+
+// The target in a few words, for whoever points at the link; nothing in it is hidden. An
+// address is that of `LinkToAddress`, as it goes out.
 QString TextOf(const velko::pdf::LinkGoal& goal, velko::pdf::PDFDoc& document);
 
 }

@@ -161,8 +161,8 @@ public:
     void GotoFirstPage();
     void GotoLastPage();
     void JumpToName(const QString& strName); // a named destination; else `LinkRefused`
-    // As a click on a link that leads there does: `WebLinkWanted` and `LinkRefused` tell
-    // of what is not a place in the document.
+    // As a click on a link that leads there does: `WebLinkWanted`, `FileLinkWanted` and
+    // `LinkRefused` tell of what is not a place in the document.
     void FollowGoal(const velko::pdf::LinkGoal& goal);
     bool CanGoBack() const { return m_history.CanGoBack(); }
     bool CanGoForward() const { return m_history.CanGoForward(); }
@@ -255,8 +255,10 @@ signals:
     // After each paint of the pages, and within it: the view may not go there.
     void Painted();
 
-    // A link that leads out of the document; the host decides.
+    // A link that leads out of the document, to the web or to another PDF document on this
+    // machine, which need not exist; the host decides, and asks the reader first.
     void WebLinkWanted(const QUrl& address);
+    void FileLinkWanted(const velko::vkit::FilePath& path);
     // A link that is not followed, with the reason.
     void LinkRefused(const QString& strReason);
     // What the link under the pointer leads to, or else the one that has the

@@ -92,8 +92,9 @@ void VelkoPdfView::FollowGoal(const LinkGoal& goal) {
     std::visit(Cases{[this](const LinkToPage& page) { FollowPage(page); },
                      [this](LinkStep eStep) { FollowStep(eStep); },
                      [this](const LinkToAddress& to) { emit WebLinkWanted(to.address); },
+                     [this](const LinkToFile& to) { emit FileLinkWanted(to.path); },
                      [this](const RefusedLink& to) { emit LinkRefused(to.strReason); }},
-               TargetOf(goal));
+               TargetOf(goal, File()));
 }
 
 void VelkoPdfView::FollowPage(const LinkToPage& target) {

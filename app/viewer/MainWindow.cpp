@@ -117,6 +117,7 @@ void MainWindow::ConnectView() {
 
 void MainWindow::ConnectLinks() {
     connect(m_pView, &VelkoPdfView::WebLinkWanted, this, &MainWindow::AskToBrowse);
+    connect(m_pView, &VelkoPdfView::FileLinkWanted, this, &MainWindow::AskToOpen);
     connect(m_pView, &VelkoPdfView::LinkRefused, this,
             [this](const QString& strReason) { NoticeLine().Tell(strReason); });
     connect(m_pView, &VelkoPdfView::LinkHovered, this, &MainWindow::ShowTarget);

@@ -114,6 +114,7 @@ private:
     void OpenPageMenu(QPoint ptGlobal, std::optional<QPoint> ptView);
     void AskToClear(); // the recent files
     void AskToBrowse(const QUrl& address);
+    void AskToOpen(const vkit::FilePath& path); // that a link leads to
     void Browse(const QUrl& address);
     void ToggleFullScreen();
     void TogglePresentation();

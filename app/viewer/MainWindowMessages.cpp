@@ -12,6 +12,7 @@
 #include "app/viewer/side/SideDock.h"
 #include "platform/qt/QtElementWindow.h"
 #include "platform/storage/ApplicationData.h"
+#include "widget/ShownText.h"
 #include "widget/StoreNotice.h"
 
 namespace velko::viewer {
@@ -22,6 +23,16 @@ using vkit::VelkoPdfView;
 namespace {
 
 const QString kProgramName = QStringLiteral("Velko Viewer");
+
+// As it goes to the browser, so that no letter of it looks like another one; of a very long
+// one the site and the end.
+QString AddressText(const QUrl& address) {
+    constexpr qsizetype kMost = 240;
+    const QString strText = address.toString(QUrl::FullyEncoded);
+    return strText.size() <= kMost
+               ? strText
+               : strText.left(kMost * 2 / 3) + QStringLiteral(" … ") + strText.right(kMost / 3);
+}
 
 }
 
@@ -205,19 +216,25 @@ void MainWindow::AskToBrowse(const QUrl& address) {
         Browse(address);
         return;
     }
-    NoticeLine().Ask(
-        QStringLiteral("Open %1 outside of the viewer?").arg(address.toDisplayString()), "Open",
-        [this, address, strSite] {
-            m_sites.insert(strSite);
-            Browse(address);
-        });
+    NoticeLine().Ask(QStringLiteral("Open %1 outside of the viewer?").arg(AddressText(address)),
+                     "Open", [this, address, strSite] {
+                         m_sites.insert(strSite);
+                         Browse(address);
+                     });
 }
 
 void MainWindow::Browse(const QUrl& address) {
     if (!QDesktopServices::openUrl(address)) {
         NoticeLine().Tell(
-            QStringLiteral("No program was found that opens %1.").arg(address.toDisplayString()));
+            QStringLiteral("No program was found that opens %1.").arg(AddressText(address)));
     }
+}
+
+// Each time: it is the document that names the file.
+void MainWindow::AskToOpen(const FilePath& path) {
+    NoticeLine().Ask(
+        QStringLiteral("Open “%1” in another window?").arg(vkit::ShownText(path.Text())), "Open",
+        [this, path] { emit WindowWanted(path); });
 }
 
 // Of the full screen, which the desktop may have made: once in a program's life.

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "app/viewer/MenuStyle.h"
+#include "widget/LinkTarget.h"
 #include "widget/edit/ViewEdits.h"
 #include "widget/text/ViewSelection.h"
 
@@ -22,10 +23,6 @@ constexpr std::pair<const char*, QRgb> kMarkColors[] = {{"&Yellow", 0xFFFFE83C},
                                                         {"&Blue", 0xFF9AD3FF},
                                                         {"&Pink", 0xFFFFB3D1},
                                                         {"&Orange", 0xFFFFC978}};
-
-bool IsOfTheWeb(const QUrl& address) {
-    return QStringList{"http", "https", "ftp", "mailto"}.contains(address.scheme());
-}
 
 }
 
@@ -90,7 +87,7 @@ void PageMenu::AddColors(vkit::VelkoPdfView& view) {
 
 void PageMenu::AddLink(const QString& strTarget) {
     const QUrl address(strTarget);
-    if (!IsOfTheWeb(address)) {
+    if (!vkit::IsWebAddress(address)) {
         return;
     }
     addAction("&Open the link…", this, [this, address] { emit BrowseWanted(address); });

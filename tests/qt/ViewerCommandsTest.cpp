@@ -6,8 +6,10 @@
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QDialog>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 #include <QToolButton>
 #include <cmath>
@@ -26,6 +28,8 @@
 #include "platform/qt/QtElementWindow.h"
 #include "surface/PDFViewCanvas.h"
 #include "tests/qt/WindowFixture.h"
+#include "widget/LinkTarget.h"
+#include "widget/ShownText.h"
 #include "widget/text/PageTexts.h"
 
 namespace velko {
@@ -306,6 +310,66 @@ TEST_F(LinkTest, AClickFollowsADragDoesNotAndBackReturns) {
     }
     Click(3);
     EXPECT_TRUE(RunUntil([&] { return TheView().CurrentPage() == 5; }));
+}
+
+TEST_F(LinkTest, WhatADocumentNamesIsOpenedOnlyWhereItIsHarmlessAndSaidBefore) {
+    using namespace vkit;
+    const FilePath document("/books/one.pdf");
+    const auto fnUri = [&](const char* szUri) {
+        velko::pdf::LinkGoal goal;
+        goal.strUri = szUri;
+        return TargetOf(goal, document);
+    };
+    const auto fnOther = [&](const char* szKind, const char* szValue) {
+        velko::pdf::LinkGoal goal;
+        goal.strOtherKind = szKind;
+        goal.strOtherValue = szValue;
+        return TargetOf(goal, document);
+    };
+    const std::vector<std::pair<LinkTarget, const char*>> harmless{
+        {fnUri("https://good.example@evil.example/x"), "https://evil.example/x"},
+        {fnUri("mailto:a@b.example?attach=/etc/passwd&subject=x%26y"),
+         "mailto:a@b.example?subject=x%26y"},
+        {fnUri("mailto:a@b.example?attachment=/etc/passwd"), "mailto:a@b.example"},
+        {fnUri("WWW.example.org"), "http://www.example.org"},
+        {fnUri("file:///tmp/a%20b.pdf"), "/tmp/a b.pdf"},
+        {fnUri("../two.PDF"), "/two.PDF"},
+        {fnOther("GoToR", "part\\three.pdf"), "/books/part/three.pdf"},
+        {fnOther("GoToR", "/far/four.pdf"), "/far/four.pdf"}};
+    for (const auto& [target, szText] : harmless) {
+        const auto* const pAddress = std::get_if<LinkToAddress>(&target);
+        const auto* const pFile = std::get_if<LinkToFile>(&target);
+        ASSERT_TRUE(pAddress != nullptr || pFile != nullptr) << szText;
+        EXPECT_EQ(
+            pFile != nullptr ? pFile->path.Text() : pAddress->address.toString(QUrl::FullyEncoded),
+            szText);
+    }
+    for (const char* szUri :
+         {"javascript:alert(1)", "data:text/html,x", "ftp://a.example/b.pdf", "smb://far/b.pdf",
+          "file://far/share/b.pdf", "file:///bin/sh", "file:///tmp/a.pdf%00.sh", "http:///x",
+          "vnd.other:x", "calc.exe", "file:///tmp/a.desktop"}) {
+        EXPECT_TRUE(std::holds_alternative<RefusedLink>(fnUri(szUri))) << szUri;
+    }
+    for (const char* szKind : {"Launch", "JavaScript", "SubmitForm", "ImportData", "Rendition",
+                               "GoToE", "Movie", "Sound", "Hide", "ResetForm", "Trans"}) {
+        EXPECT_TRUE(std::holds_alternative<RefusedLink>(fnOther(szKind, "b.pdf"))) << szKind;
+    }
+    EXPECT_TRUE(std::holds_alternative<RefusedLink>(fnOther("GoToR", "run.sh")));
+    EXPECT_EQ(ShownText(QString("a.example/") + QChar(0x202E) + "fdp.exe\r\n"),
+              QString("a.example/") + QChar(0xFFFD) + "fdp.exe")
+        << "letters that are turned around";
+}
+
+TEST_F(LinkTest, AnotherDocumentIsOpenedInAWindowOnceTheReaderAgrees) {
+    ASSERT_TRUE(ShowUntilSharp(WriteLinks({"/A << /S /GoToR /F (other.pdf) /D [0 /Fit] >>"})));
+    QSignalSpy wanted(m_pWindow.get(), &viewer::MainWindow::WindowWanted);
+    Click(0);
+    const QString strOther = QFileInfo(m_folder.filePath("other.pdf")).absoluteFilePath();
+    ASSERT_TRUE(RunUntil([&] { return m_pWindow->Notice().contains(strOther); }));
+    EXPECT_EQ(wanted.count(), 0);
+    m_pWindow->findChild<viewer::NoticeBar*>()->findChild<QPushButton*>()->click();
+    ASSERT_EQ(wanted.count(), 1);
+    EXPECT_EQ(wanted[0][0].value<vkit::FilePath>().Text(), strOther);
 }
 
 TEST_F(LinkTest, AFitThatALinkAsksForStaysInForceAndAPlaceAloneLeavesTheZoom) {
