@@ -77,7 +77,7 @@ void WindowList::Serve() {
     InstanceServer::Hands hands;
     hands.fnShown = [this] { return Shown(); };
     hands.fnShow = [this](const std::string& strPath, const InstanceCall& call) {
-        return Show(strPath, call);
+        Show(strPath, call);
     };
     m_pServer = std::make_unique<InstanceServer>(std::move(hands), nullptr);
 }
@@ -104,13 +104,12 @@ MainWindow* WindowList::Showing(const std::string& strPath) const {
     return pFound;
 }
 
-bool WindowList::Show(const std::string& strPath, const InstanceCall& call) {
+void WindowList::Show(const std::string& strPath, const InstanceCall& call) {
     MainWindow* const pWindow = Showing(strPath);
     if (pWindow != nullptr) {
         pWindow->ComeToFront(call.strActivation);
         pWindow->ShowPlace(call.nPage, call.strFind);
     }
-    return pWindow != nullptr;
 }
 
 void WindowList::CloseAll() {

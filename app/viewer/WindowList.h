@@ -48,7 +48,7 @@ public:
 private:
     MainWindow* Showing(const std::string& strPath) const;
     std::vector<std::string> Shown() const;
-    bool Show(const std::string& strPath, const InstanceCall& call);
+    void Show(const std::string& strPath, const InstanceCall& call);
     QSize SizeOfNext() const;
     void ShareColors(const MainWindow& from);
 

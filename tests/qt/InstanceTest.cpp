@@ -34,8 +34,8 @@ protected:
         InstanceServer::Hands hands;
         hands.fnShown = [this] { return std::vector{m_strShown}; };
         hands.fnShow = [this](const std::string& strPath, const InstanceCall& call) {
+            EXPECT_EQ(strPath, m_strShown);
             m_calls.push_back(call);
-            return strPath == m_strShown;
         };
         return std::make_unique<InstanceServer>(std::move(hands), nullptr);
     }

@@ -54,10 +54,17 @@ public:
         const ssize_t nPeeked = ::recv(m_socket.Get(), &chAny, 1, MSG_PEEK);
         return nPeeked < 0 && (errno == EAGAIN || errno == EWOULDBLOCK);
     }
-    void End(bool bShown) {
+    // False when it has gone meanwhile.
+    bool End(bool bShown) {
         const char chAnswer = bShown ? 'y' : 'n';
-        ::send(m_socket.Get(), &chAnswer, 1, MSG_NOSIGNAL);
         deleteLater();
+        return ::send(m_socket.Get(), &chAnswer, 1, MSG_NOSIGNAL) == 1;
+    }
+    // The answer goes first: the pages may take their time.
+    void Take(const std::string& strPath, const InstanceCall& call) {
+        if (End(true)) {
+            m_server.m_hands.fnShow(strPath, call);
+        }
     }
 
 private:
@@ -112,7 +119,7 @@ void InstanceServer::Answer(Caller& caller, const InstanceCall& call) {
     if (!caller.IsThere() || call.strDisplay != InstanceCall::Of({}).strDisplay || shown.empty()) {
         caller.End(false);
     } else if (std::find(shown.begin(), shown.end(), call.strPath) != shown.end()) {
-        caller.End(m_hands.fnShow(call.strPath, call));
+        caller.Take(call.strPath, call);
     } else {
         AnswerAside(&caller, call, shown);
     }
@@ -124,8 +131,7 @@ concurrency::task<void> InstanceServer::AnswerAside(QPointer<Caller> pCaller, In
     const auto looking = concurrency::create_task([shown, call] { return SameFile(shown, call); });
     const std::string strPath = co_await looking;
     if (pCaller && pCaller->IsThere()) {
-        const Hands& hands = pCaller->Server().m_hands;
-        pCaller->End(!strPath.empty() && hands.fnShow(strPath, call));
+        strPath.empty() ? static_cast<void>(pCaller->End(false)) : pCaller->Take(strPath, call);
     }
 }
 

@@ -22,8 +22,8 @@ public:
     struct Hands {
         // The files that are shown, absolute.
         std::function<std::vector<std::string>()> fnShown;
-        // Brings the window with that one to the front; false when it has gone.
-        std::function<bool(const std::string& strPath, const InstanceCall& call)> fnShow;
+        // Brings the window with that one, if it is there yet, to the front.
+        std::function<void(const std::string& strPath, const InstanceCall& call)> fnShow;
     };
 
     InstanceServer(Hands hands, QObject* pParent);
