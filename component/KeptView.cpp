@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "component/DocIdentity.h"
 #include "control/PDFViewCtrl.h"
 #include "platform/storage/ApplicationData.h"
 #include "settings/SavedView.h"
@@ -46,6 +47,25 @@ void StoreView(const KeptView& view) {
 std::optional<KeptView> FindView(const std::string& strPath) {
     const auto pValues = FindSavedView(strPath);
     return pValues ? std::optional(KeptView{strPath, pValues}) : std::nullopt;
+}
+
+std::optional<KeptView> FindMovedView(
+    const DocIdentity& document, const std::function<bool(const std::string& strPath)>& fnIsGone) {
+    std::optional<KeptView> like;
+    for (const std::string& strPath : RecentFiles()) {
+        const auto pValues = FindSavedView(strPath);
+        if (!pValues || strPath == document.strPath) {
+            continue;
+        }
+        const DocIdentity identity = ReadIdentity(*pValues);
+        if (IsSameFile(identity, document)) {
+            return KeptView{strPath, pValues};
+        }
+        if (!like && HaveSameBytes(identity, document) && fnIsGone(strPath)) {
+            like = KeptView{strPath, pValues};
+        }
+    }
+    return like;
 }
 
 bool ForgetUnreadableView(const std::string& strPath) {

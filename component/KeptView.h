@@ -6,6 +6,7 @@
 // Errors: failures of the control are raised; the store raises none.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,6 +17,7 @@
 namespace velko::vkit {
 
 class PDFViewCtrl;
+struct DocIdentity;
 
 struct KeptView {
     std::string strPath;
@@ -33,6 +35,12 @@ void StoreView(const KeptView& view);
 
 // What is stored for the file; empty when nothing is. Threads: any.
 std::optional<KeptView> FindView(const std::string& strPath);
+
+// What is stored for the document under another path, where a set says by `WriteIdentity`
+// whose it is: of the same file, else of the same bytes, if `fnIsGone` says that the path
+// leads nowhere any more. Threads: any.
+std::optional<KeptView> FindMovedView(
+    const DocIdentity& document, const std::function<bool(const std::string& strPath)>& fnIsGone);
 
 // For an open that failed although the document is good: when the file's view cannot
 // be read, for a value of another type, forgets it and gives true; the document

@@ -22,8 +22,9 @@
 #include "widget/WheelReader.h"
 #include "widget/edit/DocSaver.h"
 #include "widget/edit/ViewEdits.h"
-#include "widget/search/ViewSearch.h"
+#include "widget/places/MovedPlaces.h"
 #include "widget/reload/DocReloader.h"
+#include "widget/search/ViewSearch.h"
 #include "widget/text/PageTexts.h"
 #include "widget/text/ViewSelection.h"
 
@@ -73,6 +74,7 @@ VelkoPdfView::~VelkoPdfView() {
         m_pPlace->End();
         m_pPlace.reset();
     }
+    m_pMoved.reset();
     m_pReloader.reset();
     m_pSaver.reset();
     m_pEdits.reset();

@@ -63,6 +63,7 @@ class LinkFocus;
 class LinkFollower;
 class PageLinks;
 class MiddleDrag;
+class MovedPlaces;
 class PageFrames;
 class PageNotices;
 class PageTexts;
@@ -362,6 +363,8 @@ private:
     // The place.
     std::optional<KeptView> PlaceNow(bool bLeft);
     void ShowKeptPlace();
+    std::optional<KeptView> FindPlace();
+    void OnPlaceFound(const KeptView& kept);
     void ShowLayoutOf(const KeptView& kept);
     void ShowPlace(const KeptView& kept);
     void ShowTextPlace(const Windows::Foundation::Collections::PropertySet& values, int nPage);
@@ -414,6 +417,7 @@ private:
     std::unique_ptr<PageNotices> m_pNotices;
     std::unique_ptr<SlowPages> m_pSlowPages;
     std::unique_ptr<PlaceKeeper> m_pPlace;    // empty: places are not kept
+    std::unique_ptr<MovedPlaces> m_pMoved;    // with it
     std::unique_ptr<DocReloader> m_pReloader; // empty: files are not followed
     std::unique_ptr<StoreNotice> m_pStoreNotice;
     State m_eState = State::Empty;
@@ -434,7 +438,8 @@ private:
     bool m_bSeen = false;       // the reader has seen a page of this document
     bool m_bPlaceWaits = false; // for the viewer of a document that is told of already
     bool m_bReloading = false;
-    bool m_bLost = false; // what was shown is, without a document, until there is one again
+    bool m_bPlaceKnown = false; // one was kept for what is shown
+    bool m_bLost = false;       // what was shown is, without a document, until there is one again
     Platform::SecretText m_password;    // that opened what is shown, as far as it is known
     QTimer m_hold;                      // of a frame
     std::optional<ViewKeeper> m_keeper; // during a change of size

@@ -7,6 +7,7 @@
 #include "widget/OpenFailure.h"
 #include "widget/PlaceKeeper.h"
 #include "widget/VelkoPdfView.h"
+#include "widget/places/MovedPlaces.h"
 #include "widget/reload/DocReloader.h"
 #include "widget/reload/OpenedFile.h"
 
@@ -73,9 +74,12 @@ VelkoPdfView::Opening VelkoPdfView::BeginOpen(PDFViewCtrl& control, const FilePa
 
 void VelkoPdfView::KeepPlace(bool bKeep) {
     m_pPlace.reset();
+    m_pMoved.reset();
     if (!bKeep) {
         return;
     }
+    m_pMoved = std::make_unique<MovedPlaces>(m_pControl,
+                                             [this](const KeptView& kept) { OnPlaceFound(kept); });
     m_pPlace = std::make_unique<PlaceKeeper>([this](bool bLeft) { return PlaceNow(bLeft); });
     m_pPlace->OnFailure = [this](const std::exception_ptr& pError) {
         TellLater(QStringLiteral("Your place in the document could not be kept. ") +
@@ -281,6 +285,7 @@ void VelkoPdfView::OnShown() {
     }
     if (m_pPlace) {
         m_pPlace->Begin();
+        m_pMoved->Follow(!m_bPlaceKnown);
     }
     FollowShownFile();
     const QPointer<VelkoPdfView> pThis(this);

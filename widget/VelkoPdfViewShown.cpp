@@ -5,6 +5,7 @@
 #include <cmath>
 #include <utility>
 
+#include "component/DocIdentity.h"
 #include "component/KeptView.h"
 #include "document/engine/PDFDoc.h"
 #include "platform/qt/QtElementWindow.h"
@@ -14,6 +15,7 @@
 #include "widget/PointerShape.h"
 #include "widget/VelkoPdfView.h"
 #include "widget/edit/ViewEdits.h"
+#include "widget/places/MovedPlaces.h"
 #include "widget/text/PageTexts.h"
 #include "widget/text/ViewSelection.h"
 
@@ -273,6 +275,9 @@ std::optional<KeptView> VelkoPdfView::PlaceNow(bool bLeft) {
     m_zoom.NoteFitLeft();
     PropertySet values;
     values.Insert(kFitKey, PropertyValue::Create(m_zoom.FitMode()));
+    if (m_pMoved) {
+        WriteIdentity(values, m_pMoved->Identity());
+    }
     auto view = TakeView(*m_pControl, values);
     const int nPage = m_pControl->GetCurrentPageIndex();
     if (const auto place = m_pControl->GetPageScreenRect(nPage); place && view) {
@@ -289,14 +294,19 @@ std::optional<KeptView> VelkoPdfView::PlaceNow(bool bLeft) {
 
 void VelkoPdfView::ShowKeptPlace() {
     m_reading.Forget();
+    if (m_pMoved) {
+        m_pMoved->Begin();
+    }
+    m_bPlaceKnown = true;
     if ((m_return || m_bReloading) && m_before) {
         ShowLayoutOf(*m_before);
         ShowPlace(*m_before);
         m_zoom.NoteFit();
         return;
     }
-    const auto pFile = m_pPlace ? m_pControl->GetDocumentFile() : nullptr;
-    if (const auto kept = pFile ? FindView(pFile->Path()) : std::nullopt) {
+    const auto kept = FindPlace();
+    m_bPlaceKnown = kept.has_value();
+    if (kept) {
         ShowPlace(*kept);
     } else if (m_reading.IsOn()) {
         m_zoom.ZoomTo(m_reading.FirstScale(devicePixelRatioF()));
@@ -305,6 +315,34 @@ void VelkoPdfView::ShowKeptPlace() {
         m_zoom.ZoomToFit();
     }
     m_zoom.NoteFit();
+}
+
+// By the file's path, as the control has found the layout, else as the same file.
+std::optional<KeptView> VelkoPdfView::FindPlace() {
+    const auto pFile = m_pPlace ? m_pControl->GetDocumentFile() : nullptr;
+    if (auto kept = pFile ? FindView(pFile->Path()) : std::nullopt) {
+        return kept;
+    }
+    auto moved = pFile ? m_pMoved->FindAtOnce() : std::nullopt;
+    if (moved) {
+        ShowLayoutOf(*moved);
+    }
+    return moved;
+}
+
+// It comes late: a reader who has gone on is left alone.
+void VelkoPdfView::OnPlaceFound(const KeptView& kept) {
+    const bool bAtStart = m_eState == State::Shown && !m_history.CanGoBack() && m_zoom.HasFit() &&
+                          CurrentPage() == 0 && Rotation() == 0;
+    const auto place = bAtStart ? m_pControl->GetPageScreenRect(0) : std::nullopt;
+    if (place && place->dbOffsetY >= 0.0) {
+        Command([&] {
+            Hold();
+            ShowLayoutOf(kept);
+            ShowPlace(kept);
+            m_zoom.NoteFit();
+        });
+    }
 }
 
 // The control takes it from what is stored, which is nothing where no places are kept.

@@ -4,7 +4,9 @@
 #include <QDir>
 #include <QProcess>
 #include <cmath>
+#include <filesystem>
 
+#include "component/DocIdentity.h"
 #include "component/KeptView.h"
 #include "control/ControlParts.h"
 #include "control/IJudgePasswordHelper.h"
@@ -129,6 +131,50 @@ TEST_F(KeptPlaceTest, AFitComesBackAsAFitAndAnotherDocumentDoesNotTakeThePlace) 
     WritePages("pages.pdf", 3); // the document has become shorter
     ASSERT_TRUE(OpenUntilSharp(*pView, strFile));
     EXPECT_EQ(pView->PageCount(), 3);
+}
+
+TEST_F(KeptPlaceTest, APlaceHoldsOverARenameAndAMove) {
+    const std::string strFile = WritePages("pages.pdf", 20).toStdString();
+    const std::string strOther = m_folder.filePath("other.pdf").toStdString();
+    const auto fnOpen = [&](const std::string& strPath) {
+        auto pView = MakeView({500, 600});
+        EXPECT_TRUE(OpenUntilSharp(*pView, QString::fromStdString(strPath)));
+        return pView;
+    };
+    const auto fnIsKnown = [](const std::string& strPath) { // by its bytes, with its place
+        return RunUntil([&] {
+            const auto kept = vkit::FindView(strPath);
+            return kept && vkit::ReadIdentity(*kept->pValues).nFingerprint != 0;
+        });
+    };
+    std::vector<double> left;
+    {
+        const auto pView = fnOpen(strFile);
+        pView->SetLayoutMode(View::Layout::SinglePage);
+        pView->ZoomTo(1.6);
+        pView->GotoPage(7);
+        ASSERT_TRUE(Settles(*pView));
+        left = PlaceOf(*pView);
+        ASSERT_TRUE(fnIsKnown(strFile));
+    }
+    std::filesystem::rename(strFile, strOther);
+    {
+        const auto pView = fnOpen(strOther);
+        EXPECT_EQ(PlaceOf(*pView), left) << "at once";
+        EXPECT_EQ(pView->LayoutMode(), View::Layout::SinglePage);
+        EXPECT_TRUE(RunUntil([&] { return vkit::RecentFiles() == std::vector{strOther}; }))
+            << "the list names it once";
+        ASSERT_TRUE(fnIsKnown(strOther));
+    }
+    std::filesystem::copy_file(strOther, strFile);
+    std::filesystem::remove(strOther); // as a move to another disk does
+    const auto pView = fnOpen(strFile);
+    EXPECT_TRUE(RunUntil([&] { return PlaceOf(*pView) == left; }));
+    const std::string strCopy = m_folder.filePath("copy.pdf").toStdString();
+    std::filesystem::copy_file(strFile, strCopy);
+    const auto pCopy = fnOpen(strCopy);
+    ASSERT_TRUE(fnIsKnown(strCopy));
+    EXPECT_EQ(pCopy->CurrentPage(), 0) << "of a file that is there";
 }
 
 TEST_F(KeptPlaceTest, AStoreThatCannotBeWrittenIsToldOnceAndTheReadingGoesOn) {

@@ -22,6 +22,14 @@ OpenedFile::FilePtr OpenedFile::Pinned() const {
     return m_wkPinned.lock();
 }
 
+std::optional<FileVersion> OpenedFile::Version() const {
+    const std::lock_guard lock(m_lock);
+    if (m_version) {
+        m_version->mark_observed();
+    }
+    return m_version && m_version->is_value() ? std::optional(m_version->get()) : std::nullopt;
+}
+
 OpenedFile::FilePtr OpenedFile::Source() const {
     const std::lock_guard lock(m_lock);
     return m_pJudged ? m_pJudged : m_pFile;
@@ -29,9 +37,11 @@ OpenedFile::FilePtr OpenedFile::Source() const {
 
 OpenedFile::FilePtr OpenedFile::PinForReading() {
     const FilePtr pPinned = Source()->PinForReading();
+    const auto version = pPinned->GetVersionAsync().AsTask();
     const std::lock_guard lock(m_lock);
     m_pJudged.reset();
     m_wkPinned = pPinned;
+    m_version = version;
     return pPinned;
 }
 

@@ -6,8 +6,10 @@
 
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 
+#include "platform/concurrency/Task.h"
 #include "platform/storage/StorageFile.h"
 
 namespace velko::vkit {
@@ -24,6 +26,8 @@ public:
 
     // What the document reads; empty before it is opened, and after it has gone.
     FilePtr Pinned() const;
+    // Of what was pinned; empty until it is known, which is before the first bytes are read.
+    std::optional<Windows::Storage::FileVersion> Version() const;
 
     std::string Path() const override { return m_pFile->Path(); }
     std::string Name() const override { return m_pFile->Name(); }
@@ -50,6 +54,7 @@ private:
     mutable std::mutex m_lock;
     FilePtr m_pJudged; // held until it is pinned
     std::weak_ptr<StorageFile> m_wkPinned;
+    std::optional<concurrency::task<Windows::Storage::FileVersion>> m_version;
 };
 
 }
