@@ -6,12 +6,14 @@
 #include <QRegularExpression>
 #include <utility>
 
+#include "widget/ShownText.h"
+
 namespace velko::vkit {
 
 namespace {
 
 // Without what is not seen, or changes how the rest is seen, such as marks that turn the
-// letters after them around.
+// letters after them around: a file is better without them than with signs in their place.
 QString OnlyVisible(const QString& strText) {
     QString strVisible;
     for (const QChar c : strText) {
@@ -65,15 +67,14 @@ QString AttachmentModel::DetailsOf(int nFile) const {
     const velko::pdf::AttachedFile& file = (*m_pFiles)[static_cast<std::size_t>(nFile)];
     const QLocale locale;
     QStringList facts;
-    if (file.nSize >= 0) {
+    if (file.nSize > 0) { // none at all is what careless programs write
         facts << locale.formattedDataSize(file.nSize);
     }
     if (const auto nTime = file.nModified != 0 ? file.nModified : file.nCreated; nTime != 0) {
         facts << locale.toString(QDateTime::fromSecsSinceEpoch(nTime).date(), QLocale::ShortFormat);
     }
     for (const std::string& strText : {file.strMimeType, file.strDescription}) {
-        const QString strShown =
-            OnlyVisible(QString::fromStdString(strText).left(kLongest).simplified());
+        const QString strShown = ShownText(QString::fromStdString(strText).left(kLongest));
         if (!strShown.isEmpty()) {
             facts << strShown;
         }

@@ -86,6 +86,7 @@ void SidePanel::SetThere(SideTab eTab, bool bThere) {
     if (Part* const pPart = PartOf(eTab)) {
         pPart->bThere = bThere;
         pPart->pButton->setVisible(bThere);
+        ShowName();
         if (!bThere && m_current == eTab) {
             ShowTab(eTab);
         }
@@ -108,8 +109,17 @@ void SidePanel::ShowTab(SideTab eTab) {
     }
     m_current = pPart->tab.eTab;
     pPart->pButton->setChecked(true);
-    m_pName->setText(pPart->tab.strName);
+    ShowName();
     m_pPanes->setCurrentWidget(pPart->pPane);
+}
+
+// Of the tab that is shown, where the tabs leave room for all of it.
+void SidePanel::ShowName() {
+    const Part* const pPart = m_current ? PartOf(*m_current) : nullptr;
+    const QString strName = pPart != nullptr ? pPart->tab.strName : QString();
+    layout()->activate();
+    const bool bFits = m_pName->fontMetrics().horizontalAdvance(strName) <= m_pName->width();
+    m_pName->setText(bFits ? strName : QString());
 }
 
 QWidget* SidePanel::PaneOf(SideTab eTab) const {
@@ -144,6 +154,7 @@ void SidePanel::resizeEvent(QResizeEvent* /*pEvent*/) {
     if (m_pHandle != nullptr) {
         m_pHandle->setGeometry(width() - SideHandle::kWidth, 0, SideHandle::kWidth, height());
         m_pHandle->raise();
+        ShowName();
     }
 }
 

@@ -69,6 +69,7 @@ private:
 
     Part* PartOf(SideTab eTab);
     void MakeHead();
+    void ShowName();
 
     QHBoxLayout* m_pHead = nullptr; // these are made with the first tab
     QLabel* m_pName = nullptr;
