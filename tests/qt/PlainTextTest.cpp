@@ -77,8 +77,9 @@ TEST(TextStepsTest, StepsGoByCharactersWordsAndLines) {
     text.Line("left cell", {0, 100}).Line("right cell", {200, 100});
     text.Line("under left", {0, 80}).Line("under right", {200, 80});
     const auto fnStep = [&](int nPlace, TextStep eStep, int nDirection) {
-        const Point goal = PointOf(text.Get(), nPlace, false);
-        return PlaceAfter(text.Get(), {nPlace, false, goal}, eStep, nDirection).value_or(-1);
+        const Point goal = PointOf(text.Get(), {nPlace, false});
+        const auto spot = SpotAfter(text.Get(), {nPlace, false}, goal, eStep, nDirection);
+        return spot ? spot->nPlace : -1;
     };
     EXPECT_EQ(fnStep(12, TextStep::Line, 1), 32) << "from the right cell to the one below";
     EXPECT_EQ(fnStep(32, TextStep::Line, -1), 12);
@@ -90,9 +91,9 @@ TEST(TextStepsTest, StepsGoByCharactersWordsAndLines) {
     EXPECT_EQ(fnStep(12, TextStep::LineEdge, -1), 9);
     EXPECT_EQ(fnStep(12, TextStep::LineEdge, 1), 19);
     EXPECT_EQ(fnStep(text.Count(), TextStep::Char, 1), -1);
-    EXPECT_EQ(PlaceOnEntering(text.Get(), TextStep::Line, -1, {230, 0}), 32);
-    EXPECT_EQ(PlaceOnEntering(text.Get(), TextStep::Word, 1, {}), 4);
-    EXPECT_EQ(PlaceOnEntering(MadeText().Get(), TextStep::Line, 1, {}), 0);
+    EXPECT_EQ(SpotOnEntering(text.Get(), TextStep::Line, -1, {230, 0}).nPlace, 32);
+    EXPECT_EQ(SpotOnEntering(text.Get(), TextStep::Word, 1, {}).nPlace, 4);
+    EXPECT_EQ(SpotOnEntering(MadeText().Get(), TextStep::Line, 1, {}).nPlace, 0);
 }
 
 }

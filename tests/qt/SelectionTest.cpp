@@ -220,6 +220,11 @@ TEST_F(SelectionTest, TheKeyboardBeginsInSightAndGoesOverThePages) {
     EXPECT_EQ(CountOf("lower line", Copied()), 3);
     Key(Qt::Key_Home, Qt::ShiftModifier | Qt::ControlModifier);
     EXPECT_TRUE(Selection().IsEmpty());
+    Key(Qt::Key_Down, Qt::ShiftModifier); // along the left edge, from line to line
+    Key(Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ(Copied(), "first line here second line");
+    Key(Qt::Key_End, Qt::ShiftModifier);
+    EXPECT_EQ(Copied(), "first line here second line\nlower line") << "of the line it stands on";
     Key(Qt::Key_A, Qt::ControlModifier);
     EXPECT_EQ(CountOf("first line here second line\nlower line", Copied()), 3);
 }

@@ -89,14 +89,19 @@ SelectionKeys::Outcome SelectionKeys::Carry(const Move& move) {
 }
 
 SelectionKeys::Outcome SelectionKeys::Step(const Move& move, TextSelection::Places places) {
-    const Found found =
-        move.bDocument ? Found{EdgeOfDocument(move.nDirection), false} : PlaceFrom(move, places);
+    const Found found = move.bDocument
+                            ? Found{EdgeOfDocument(move.nDirection), false, move.nDirection > 0}
+                            : PlaceFrom(move, places);
     if (found.bWaits) {
         return Outcome::Waits;
     }
     if (found.place) {
         places.head = *found.place;
         m_last = places;
+        m_bEnds = found.bEnds;
+        if (move.eStep != TextStep::Line) {
+            m_goal.reset();
+        }
         m_parts.selection.Set(places);
         Show(places.head);
     }
@@ -115,16 +120,17 @@ SelectionKeys::Found SelectionKeys::PlaceFrom(Move move, const TextSelection::Pl
     }
     const std::int32_t nHead =
         std::min(places.head.nChar, static_cast<std::int32_t>(pText->chars.size()));
-    const bool bEnds = places.head > places.anchor;
-    const std::int32_t nLine = LineOfPlace(*pText, nHead, bEnds);
+    const TextSpot spot{nHead, m_last == places ? m_bEnds : places.head > places.anchor};
+    const std::int32_t nLine = LineOfSpot(*pText, spot);
     if (move.bVisual && nLine >= 0 && RunsBack(*pText, nLine)) {
         move.nDirection = -move.nDirection;
     }
-    if (!m_goal || m_last != places || move.eStep != TextStep::Line) {
-        m_goal = PointOf(*pText, nHead, bEnds);
+    if (!m_goal || m_last != places) {
+        m_goal = PointOf(*pText, spot);
     }
-    const auto on = PlaceAfter(*pText, {nHead, bEnds, *m_goal}, move.eStep, move.nDirection);
-    return on ? Found{TextPlace{places.head.nPage, *on}, false} : Enter(move, places.head.nPage);
+    const auto on = SpotAfter(*pText, spot, *m_goal, move.eStep, move.nDirection);
+    return on ? Found{TextPlace{places.head.nPage, on->nPlace}, false, on->bEnds}
+              : Enter(move, places.head.nPage);
 }
 
 // The next page that has text.
@@ -140,9 +146,8 @@ SelectionKeys::Found SelectionKeys::Enter(const Move& move, std::int32_t nFrom) 
             return {std::nullopt, true};
         }
         if (!pText->chars.empty()) {
-            const std::int32_t nPlace =
-                PlaceOnEntering(*pText, move.eStep, move.nDirection, *m_goal);
-            return {TextPlace{nPage, nPlace}, false};
+            const TextSpot spot = SpotOnEntering(*pText, move.eStep, move.nDirection, *m_goal);
+            return {TextPlace{nPage, spot.nPlace}, false, spot.bEnds};
         }
     }
     return {};

@@ -51,6 +51,7 @@ private:
     struct Found {
         std::optional<TextPlace> place;
         bool bWaits = false; // for a text
+        bool bEnds = false;  // the place belongs to the line that it ends
     };
 
     static std::optional<Move> MoveOf(const QKeyEvent& event);
@@ -66,6 +67,7 @@ private:
     const Parts m_parts;
     std::optional<Move> m_waiting;
     std::optional<TextSelection::Places> m_last;         // that a key came to
+    bool m_bEnds = false;                                // its head, the line before it
     std::optional<velko::common::vxbase::PointF> m_goal; // of steps from line to line
 };
 

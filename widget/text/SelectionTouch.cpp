@@ -151,7 +151,7 @@ void SelectionTouch::TakeHandle(int nHandle, QPointF pt) {
     m_bDragged = true;
     const auto pText = m_parts.texts.TextOf(head.nPage);
     const auto point =
-        pText ? std::optional(PointOf(*pText, head.nChar, head > anchor)) : std::nullopt;
+        pText ? std::optional(PointOf(*pText, {head.nChar, head > anchor})) : std::nullopt;
     const auto place =
         point ? m_parts.places.InWindow(head.nPage, RectF{point->X, point->Y, point->X, point->Y})
               : std::nullopt;
@@ -173,7 +173,7 @@ std::optional<QPointF> SelectionTouch::TipOf(TextPlace place) const {
     const std::int32_t nPlace = std::min(place.nChar, nChars);
     const std::int32_t nChar = std::clamp(nPlace - (bEnds ? 1 : 0), 0, nChars - 1);
     const TextBox box = BoxOf(*pText, {{1.0F, 0.0F}, {0.0F, 1.0F}}, nChar, nChar + 1);
-    const auto pt = PointOf(*pText, nPlace, bEnds);
+    const auto pt = PointOf(*pText, {nPlace, bEnds});
     const auto letter = m_parts.places.InWindow(
         place.nPage, {box.along.fStart, box.across.fStart, box.along.fEnd, box.across.fEnd});
     const auto at = m_parts.places.InWindow(place.nPage, RectF{pt.X, pt.Y, pt.X, pt.Y});

@@ -65,14 +65,19 @@ std::int32_t NearestInRow(const PageText& text, std::int32_t nLine, int nDirecti
     return nNearest;
 }
 
-std::optional<std::int32_t> LineAfter(const PageText& text, std::int32_t nLine, int nDirection,
-                                      PointF ptGoal) {
+TextSpot SpotIn(const PageText& text, std::int32_t nLine, PointF ptGoal) {
+    const std::int32_t nPlace = CharPlaceIn(text, nLine, ptGoal);
+    return {nPlace, nPlace == LineOf(text, nLine).nEnd};
+}
+
+std::optional<TextSpot> LineAfter(const PageText& text, std::int32_t nLine, int nDirection,
+                                  PointF ptGoal) {
     const TextAxes axes = AxesOf(text, LineOf(text, nLine));
     const TextExtent row = BoxOfLine(text, axes, nLine).across;
     const auto nLines = static_cast<std::int32_t>(text.lines.size());
     for (std::int32_t n = nLine + nDirection; n >= 0 && n < nLines; n += nDirection) {
         if (!AreBeside(row, BoxOfLine(text, axes, n).across)) {
-            return CharPlaceIn(text, NearestInRow(text, n, nDirection, ptGoal), ptGoal);
+            return SpotIn(text, NearestInRow(text, n, nDirection, ptGoal), ptGoal);
         }
     }
     return std::nullopt;
@@ -80,8 +85,8 @@ std::optional<std::int32_t> LineAfter(const PageText& text, std::int32_t nLine, 
 
 }
 
-std::int32_t LineOfPlace(const PageText& text, std::int32_t nPlace, bool bEnds) {
-    const std::int32_t nChar = bEnds ? nPlace - 1 : nPlace;
+std::int32_t LineOfSpot(const PageText& text, TextSpot spot) {
+    const std::int32_t nChar = spot.bEnds ? spot.nPlace - 1 : spot.nPlace;
     return LineOfChar(text, std::clamp(nChar, 0, std::max(0, CountOf(text) - 1)));
 }
 
@@ -91,51 +96,54 @@ bool RunsBack(const PageText& text, std::int32_t nLine) {
     return line.ptDirection.X * along.X + line.ptDirection.Y * along.Y < 0.0F;
 }
 
-std::optional<std::int32_t> PlaceAfter(const PageText& text, const StepStart& start, TextStep eStep,
-                                       int nDirection) {
-    const std::int32_t nLine = LineOfPlace(text, start.nPlace, start.bEnds);
+std::optional<TextSpot> SpotAfter(const PageText& text, TextSpot spot, PointF ptGoal,
+                                  TextStep eStep, int nDirection) {
+    const std::int32_t nLine = LineOfSpot(text, spot);
     if (nLine < 0) {
         return std::nullopt;
     }
-    const std::int32_t nNext = start.nPlace + nDirection;
+    const bool bOn = nDirection > 0;
+    const std::int32_t nNext = spot.nPlace + nDirection;
     switch (eStep) {
         case TextStep::Char:
-            return nNext < 0 || nNext > CountOf(text) ? std::nullopt : std::optional(nNext);
-        case TextStep::Word:
-            return WordAfter(text, start.nPlace, nDirection);
+            return nNext < 0 || nNext > CountOf(text) ? std::nullopt
+                                                      : std::optional(TextSpot{nNext, bOn});
+        case TextStep::Word: {
+            const auto place = WordAfter(text, spot.nPlace, nDirection);
+            return place ? std::optional(TextSpot{*place, bOn}) : std::nullopt;
+        }
         case TextStep::Line:
-            return LineAfter(text, nLine, nDirection, start.ptGoal);
+            return LineAfter(text, nLine, nDirection, ptGoal);
         case TextStep::LineEdge:
-            return nDirection > 0 ? LineOf(text, nLine).nEnd : LineOf(text, nLine).nFirst;
+            return TextSpot{bOn ? LineOf(text, nLine).nEnd : LineOf(text, nLine).nFirst, bOn};
     }
     return std::nullopt;
 }
 
-std::int32_t PlaceOnEntering(const PageText& text, TextStep eStep, int nDirection, PointF ptGoal) {
-    if (text.chars.empty()) {
-        return 0;
-    }
-    const std::int32_t nEdge = nDirection > 0 ? 0 : CountOf(text);
-    if (eStep == TextStep::Word) {
-        return WordAfter(text, nEdge, nDirection).value_or(nEdge);
-    }
-    if (eStep == TextStep::Line) {
-        const std::int32_t nLine =
-            nDirection > 0 ? 0 : static_cast<std::int32_t>(text.lines.size()) - 1;
-        return CharPlaceIn(text, NearestInRow(text, nLine, nDirection, ptGoal), ptGoal);
-    }
-    return nEdge;
-}
-
-PointF PointOf(const PageText& text, std::int32_t nPlace, bool bEnds) {
+TextSpot SpotOnEntering(const PageText& text, TextStep eStep, int nDirection, PointF ptGoal) {
     if (text.chars.empty()) {
         return {};
     }
-    const std::int32_t nLine = LineOfPlace(text, nPlace, bEnds);
+    const std::int32_t nEdge = nDirection > 0 ? 0 : CountOf(text);
+    if (eStep == TextStep::Line) {
+        const std::int32_t nLine =
+            nDirection > 0 ? 0 : static_cast<std::int32_t>(text.lines.size()) - 1;
+        return SpotIn(text, NearestInRow(text, nLine, nDirection, ptGoal), ptGoal);
+    }
+    const auto word = eStep == TextStep::Word ? WordAfter(text, nEdge, nDirection) : std::nullopt;
+    return {word.value_or(nEdge), word ? nDirection > 0 : nDirection < 0};
+}
+
+PointF PointOf(const PageText& text, TextSpot spot) {
+    if (text.chars.empty()) {
+        return {};
+    }
+    const std::int32_t nLine = LineOfSpot(text, spot);
     const TextAxes axes = AxesOf(text, LineOf(text, nLine));
-    const std::int32_t nChar = std::clamp(bEnds ? nPlace - 1 : nPlace, 0, CountOf(text) - 1);
+    const std::int32_t nChar =
+        std::clamp(spot.bEnds ? spot.nPlace - 1 : spot.nPlace, 0, CountOf(text) - 1);
     const TextBox box = BoxOf(text, axes, nChar, nChar + 1);
-    const bool bFar = bEnds != RunsBack(text, nLine);
+    const bool bFar = spot.bEnds != RunsBack(text, nLine);
     return axes.Point(bFar ? box.along.fEnd : box.along.fStart, box.across.Middle());
 }
 

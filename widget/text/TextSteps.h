@@ -12,29 +12,29 @@ namespace velko::vkit {
 
 enum class TextStep { Char, Word, Line, LineEdge };
 
-// The line that a place between characters stands on, for one that ends what lies before
-// it or begins what lies behind; -1 for a page without text.
-std::int32_t LineOfPlace(const velko::pdf::PageText& text, std::int32_t nPlace, bool bEnds);
+// A place between characters, of the line that it ends or of the one that it begins.
+struct TextSpot {
+    std::int32_t nPlace = 0;
+    bool bEnds = false; // belongs to what lies before it
+};
+
+// The line that it stands on; -1 for a page without text.
+std::int32_t LineOfSpot(const velko::pdf::PageText& text, TextSpot spot);
 
 // Whether the line is read to the left of its letters.
 bool RunsBack(const velko::pdf::PageText& text, std::int32_t nLine);
 
 // On in the order of reading (`nDirection` 1) or back (-1). `ptGoal` is where a step to
 // another line aims. Empty where the page has no such place.
-struct StepStart {
-    std::int32_t nPlace = 0;
-    bool bEnds = false;
-    velko::common::vxbase::PointF ptGoal;
-};
-std::optional<std::int32_t> PlaceAfter(const velko::pdf::PageText& text, const StepStart& start,
-                                       TextStep eStep, int nDirection);
+std::optional<TextSpot> SpotAfter(const velko::pdf::PageText& text, TextSpot spot,
+                                  velko::common::vxbase::PointF ptGoal, TextStep eStep,
+                                  int nDirection);
 
 // Where such a step enters a page from the one before (1) or behind (-1) it.
-std::int32_t PlaceOnEntering(const velko::pdf::PageText& text, TextStep eStep, int nDirection,
-                             velko::common::vxbase::PointF ptGoal);
+TextSpot SpotOnEntering(const velko::pdf::PageText& text, TextStep eStep, int nDirection,
+                        velko::common::vxbase::PointF ptGoal);
 
 // The middle of the place's edge.
-velko::common::vxbase::PointF PointOf(const velko::pdf::PageText& text, std::int32_t nPlace,
-                                      bool bEnds);
+velko::common::vxbase::PointF PointOf(const velko::pdf::PageText& text, TextSpot spot);
 
 }
