@@ -25,6 +25,7 @@
 #include "widget/places/MovedPlaces.h"
 #include "widget/reload/DocReloader.h"
 #include "widget/search/ViewSearch.h"
+#include "widget/text/KeptSelection.h"
 #include "widget/text/PageTexts.h"
 #include "widget/text/ViewSelection.h"
 
@@ -79,6 +80,7 @@ VelkoPdfView::~VelkoPdfView() {
     m_pSaver.reset();
     m_pEdits.reset();
     m_pSearch.reset();
+    m_pKeptSelection.reset();
     m_pSelection.reset();
     m_pTexts.reset();
     m_pLinkFocus.reset();
@@ -153,6 +155,7 @@ void VelkoPdfView::MakeSelection() {
         ViewSelection::Parts{m_pControl, *m_pWindow, *m_pPointer, *m_pTexts,
                              [this](double dbX, double dbY) { ScrollBy(dbX, dbY); },
                              [this](int nPage) { GotoPage(nPage); }});
+    m_pKeptSelection = std::make_unique<KeptSelection>(*m_pSelection, *m_pTexts);
     connect(m_pSelection.get(), &ViewSelection::EmptyChanged, this, &VelkoPdfView::ViewChanged,
             Qt::QueuedConnection);
 }

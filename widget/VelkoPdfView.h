@@ -59,6 +59,7 @@ class DocReloader;
 class DocSaver;
 class DragHand;
 class FlingLimit;
+class KeptSelection;
 class LinkFocus;
 class LinkFollower;
 class PageLinks;
@@ -122,6 +123,8 @@ public:
     // Whether places are stored and brought back; off at first. Stored on
     // the task pool, the last one before the view goes.
     void KeepPlace(bool bKeep);
+    // While the view shows the document in a way that is not to be kept.
+    void HoldPlace(bool bHold) { m_bPlaceHeld = bHold; }
 
     // Whether a document is shown anew, at its place, when its file has changed; off at
     // first. The reloader tells what keeps it from being so, and lives as long as the view
@@ -410,6 +413,7 @@ private:
     std::unique_ptr<MiddleDrag> m_pMiddleDrag;
     std::unique_ptr<PageTexts> m_pTexts;
     std::unique_ptr<ViewSelection> m_pSelection;
+    std::unique_ptr<KeptSelection> m_pKeptSelection;
     std::unique_ptr<ViewEdits> m_pEdits;
     std::unique_ptr<ViewSearch> m_pSearch; // when first needed
     std::unique_ptr<DocSaver> m_pSaver;
@@ -434,6 +438,7 @@ private:
     bool m_bKeepsZoom = false;               // within `ResizeAtTheZoom`
     bool m_bRefreshQueued = false;
     std::optional<QColor> m_surround; // a host's
+    bool m_bPlaceHeld = false;
     bool m_bDarkSurround = false;
     bool m_bSeen = false;       // the reader has seen a page of this document
     bool m_bPlaceWaits = false; // for the viewer of a document that is told of already

@@ -10,6 +10,7 @@
 #include "widget/places/MovedPlaces.h"
 #include "widget/reload/DocReloader.h"
 #include "widget/reload/OpenedFile.h"
+#include "widget/text/KeptSelection.h"
 
 namespace velko::vkit {
 
@@ -291,6 +292,7 @@ void VelkoPdfView::OnShown() {
     const QPointer<VelkoPdfView> pThis(this);
     emit Opened(PageCount());
     if (pThis && std::exchange(m_bReloading, false)) {
+        m_pKeptSelection->BringBack();
         emit Reloaded();
     }
     if (pThis && refused && !refused->strReason.isEmpty()) {

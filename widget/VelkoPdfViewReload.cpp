@@ -12,6 +12,7 @@
 #include "widget/edit/ViewEdits.h"
 #include "widget/reload/DocReloader.h"
 #include "widget/reload/OpenedFile.h"
+#include "widget/text/KeptSelection.h"
 
 namespace velko::vkit {
 
@@ -62,6 +63,7 @@ bool VelkoPdfView::IsInTheMiddle() const {
 // The state stays what it is: for the reader it is one document.
 void VelkoPdfView::Reload(std::shared_ptr<OpenedFile> pFile) {
     if (!m_bLost) {
+        m_pKeptSelection->Take();
         RememberShown();
         if (m_pPlace) {
             m_pPlace->End();

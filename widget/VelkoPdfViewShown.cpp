@@ -269,7 +269,7 @@ void VelkoPdfView::AfterArrange() {
 std::optional<KeptView> VelkoPdfView::PlaceNow(bool bLeft) {
     const bool bTurning =
         LayoutMode() == Layout::SinglePage && m_pControl->GetVisiblePages().size() > 1;
-    if (!HasDocument() || (bTurning && !bLeft)) {
+    if (!HasDocument() || m_bPlaceHeld || (bTurning && !bLeft)) {
         return std::nullopt;
     }
     m_zoom.NoteFitLeft();

@@ -373,6 +373,7 @@ void MainWindow::ToggleFullScreen() {
 // The document goes, and with it its window; the last window stays for the next
 // document, until it is asked to go while it is empty.
 void MainWindow::CloseDocument() {
+    EndPresentation();
     const auto windows = QApplication::topLevelWidgets();
     const auto bOthers = std::any_of(windows.begin(), windows.end(), [this](QWidget* pWidget) {
         return pWidget != this && pWidget->isVisible() &&
@@ -409,6 +410,7 @@ bool MainWindow::IsFree() const {
 }
 
 void MainWindow::OpenFile(const FilePath& path) {
+    EndPresentation();
     if (ViewerSettings::OpensOwnWindows() && !IsFree()) {
         emit WindowWanted(path);
     } else {
@@ -516,9 +518,7 @@ void MainWindow::closeEvent(QCloseEvent* pEvent) {
         });
         return;
     }
-    if (IsPresenting()) {
-        TogglePresentation();
-    }
+    EndPresentation();
     ViewerSettings::KeepWindow(OrdinarySize(), windowState().testFlag(Qt::WindowMaximized));
     hide(); // the place is stored while nobody waits for the window to go
     m_pView->CloseDocument();

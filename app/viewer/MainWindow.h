@@ -118,7 +118,8 @@ private:
     void Browse(const QUrl& address);
     void ToggleFullScreen();
     void TogglePresentation();
-    void OnPresentation(); // it has begun, or ended
+    void EndPresentation(); // before its document goes
+    void OnPresentation();  // it has begun, or ended
     bool IsPresenting() const;
     bool LeaveWhatIsOpen(); // notice, then full screen; false when there is neither
     int BarHeight() const;  // what it takes of the pages' room

@@ -21,11 +21,23 @@ bool MainWindow::IsPresenting() const {
 
 void MainWindow::TogglePresentation() {
     if (m_pPresentation == nullptr) {
-        m_pPresentation = new Presentation(*m_pView, m_parts, this);
+        m_pPresentation =
+            new Presentation(*m_pView, m_parts, this, [this](const QKeySequence& key) {
+                const auto eCommand = m_pCommands->HolderOf(key);
+                return eCommand == Command::Present || eCommand == Command::FullScreen ||
+                       eCommand == Command::Close || eCommand == Command::Quit;
+            });
         connect(m_pPresentation, &Presentation::Changed, this, &MainWindow::OnPresentation);
     }
+    CompleteBar();
     OnDone();
     IsPresenting() ? m_pPresentation->End() : m_pPresentation->Begin();
+}
+
+void MainWindow::EndPresentation() {
+    if (IsPresenting()) {
+        m_pPresentation->End();
+    }
 }
 
 // How to end it is said once in a program's life.

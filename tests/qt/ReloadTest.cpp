@@ -12,6 +12,8 @@
 #include "widget/edit/ViewEdits.h"
 #include "widget/reload/DocReloader.h"
 #include "widget/reload/Settling.h"
+#include "widget/text/PageTexts.h"
+#include "widget/text/ViewSelection.h"
 
 namespace velko {
 namespace {
@@ -146,6 +148,25 @@ TEST_F(ReloadTest, AReplacedFileIsShownAtThePlaceWithoutABlankFrame) {
     EXPECT_TRUE(Comes(Qt::red));
     EXPECT_EQ(m_view.CurrentPage(), 2);
     EXPECT_EQ(m_view.LayoutMode(), View::Layout::SinglePage);
+}
+
+TEST_F(ReloadTest, ASelectionStaysWhereItsTextDoes) {
+    const auto fnText = [](const std::string& strWords) {
+        testing::PdfPage page;
+        page.strContent = "BT /F1 24 Tf 72 700 Td (" + strWords + ") Tj ET";
+        return testing::MakePdf({page, page});
+    };
+    ASSERT_TRUE(Show(fnText("words that stay as they are")));
+    ASSERT_TRUE(RunUntil([&] { return m_view.Texts().OwnTextOf(1) != nullptr; }));
+    const vkit::ViewSelection::Places places{{1, 2}, {1, 9}};
+    m_view.Selection().Restore(places);
+    Replace(fnText("words that stay as they are") + "\n");
+    ASSERT_TRUE(RunUntil([&] { return m_reloads.count() == 1; }));
+    EXPECT_TRUE(RunUntil([&] { return m_view.Selection().Now() == places; }));
+    Replace(fnText("other words"));
+    ASSERT_TRUE(RunUntil([&] { return m_reloads.count() == 2; }));
+    ASSERT_TRUE(RunUntil([&] { return m_view.Texts().OwnTextOf(1) != nullptr; }));
+    EXPECT_TRUE(m_view.Selection().IsEmpty());
 }
 
 TEST_F(ReloadTest, WhatIsBeingWrittenOrCannotBeShownLeavesThePicture) {

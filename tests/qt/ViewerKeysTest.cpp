@@ -126,6 +126,13 @@ TEST_F(ViewerKeysTest, APresentationShowsPageByPageAndComesBackToWhatWas) {
     QTest::mouseClick(&TheView().Window(), Qt::LeftButton, {}, {5, 5});
     ASSERT_TRUE(Settles());
     EXPECT_EQ(TheView().CurrentPage(), 4);
+    for (const int nKey : {Qt::Key_R, Qt::Key_T, Qt::Key_W, Qt::Key_W, Qt::Key_F6}) {
+        Press(nKey); // commands of the window elsewhere
+    }
+    EXPECT_EQ(TheView().Rotation(), 0);
+    EXPECT_EQ(TheView().LayoutMode(), View::Layout::SinglePage);
+    EXPECT_EQ(TheView().FitMode(), View::Fit::Page);
+    EXPECT_TRUE(TheView().Window().hasFocus());
     Press(Qt::Key_B);
     Press(Qt::Key_Space); // the page comes back first
     Press(Qt::Key_7);

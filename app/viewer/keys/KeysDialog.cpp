@@ -211,6 +211,9 @@ std::optional<Command> KeysDialog::Chosen() const {
 }
 
 void KeysDialog::FollowRow() {
+    if (m_fnYes) {
+        EndAsking(); // it was asked for another row
+    }
     const auto eCommand = Chosen();
     m_pChange->setEnabled(eCommand.has_value());
     m_pAdd->setEnabled(eCommand.has_value());
@@ -267,8 +270,8 @@ void KeysDialog::TakeKey(const QKeySequence& key) {
         SetKey(*eCommand, key);
         return;
     }
-    EndAsking(
-        QStringLiteral("%1 is the key of “%2”.").arg(TextOf(key), Commands::NameOf(*eHolder)));
+    EndAsking(QStringLiteral("%1 is the key of “%2”. Use it for “%3”?")
+                  .arg(TextOf(key), Commands::NameOf(*eHolder), Commands::NameOf(*eCommand)));
     m_fnYes = [this, eCommand = *eCommand, key] {
         EndAsking();
         SetKey(eCommand, key);
@@ -288,7 +291,11 @@ void KeysDialog::SetKey(Command eCommand, const QKeySequence& key) {
 // --- input -----------------------------------------------------------------
 
 void KeysDialog::keyPressEvent(QKeyEvent* pEvent) {
-    if (pEvent->key() == Qt::Key_Escape && m_fnYes) {
+    const bool bReturn = pEvent->key() == Qt::Key_Return || pEvent->key() == Qt::Key_Enter;
+    auto* const pButton = bReturn ? qobject_cast<QPushButton*>(focusWidget()) : nullptr;
+    if (pButton != nullptr) {
+        pButton->click();
+    } else if (pEvent->key() == Qt::Key_Escape && m_fnYes) {
         EndAsking();
     } else {
         QDialog::keyPressEvent(pEvent);

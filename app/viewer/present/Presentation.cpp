@@ -1,5 +1,6 @@
 #include "app/viewer/present/Presentation.h"
 
+#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QWheelEvent>
@@ -9,6 +10,7 @@
 #include "app/viewer/WindowParts.h"
 #include "app/viewer/present/StayAwake.h"
 #include "platform/qt/QtElementWindow.h"
+#include "widget/text/ViewSelection.h"
 
 namespace velko::viewer {
 
@@ -22,8 +24,13 @@ constexpr int kMostTyped = 6;
 
 }
 
-Presentation::Presentation(VelkoPdfView& view, WindowParts& parts, QWidget* pWindow)
-    : QObject(pWindow), m_view(view), m_parts(parts), m_pWindow(pWindow) {
+Presentation::Presentation(VelkoPdfView& view, WindowParts& parts, QWidget* pWindow,
+                           std::function<bool(const QKeySequence&)> fnIsCommand)
+    : QObject(pWindow),
+      m_view(view),
+      m_parts(parts),
+      m_pWindow(pWindow),
+      m_fnIsCommand(std::move(fnIsCommand)) {
     m_pointerTimer.setSingleShot(true);
     m_pointerTimer.setInterval(kPointerMs);
     m_pointerTimer.callOnTimeout(this, [this] { m_view.HidePointer(true); });
@@ -47,6 +54,10 @@ void Presentation::Begin() {
     m_pAwake = std::make_unique<StayAwake>(QStringLiteral("A presentation"));
     m_strTyped.clear();
     m_nWheel = 0;
+    QEvent lost(QEvent::UngrabMouse); // a drag that is under way ends here
+    QCoreApplication::sendEvent(&m_view.Window(), &lost);
+    m_view.Selection().Clear();
+    m_view.HoldPlace(true);
     m_view.SetSurround(Qt::black);
     m_view.SetLayoutMode(VelkoPdfView::Layout::SinglePage);
     m_view.SetFit(VelkoPdfView::Fit::Page);
@@ -78,6 +89,7 @@ void Presentation::End() {
     if (m_view.ViewState() == VelkoPdfView::State::Shown) {
         ShowBefore(before);
     }
+    m_view.HoldPlace(false);
     emit Changed();
 }
 
@@ -103,6 +115,11 @@ bool Presentation::eventFilter(QObject* pWatched, QEvent* pEvent) {
         return false;
     }
     switch (pEvent->type()) {
+        case QEvent::ShortcutOverride: // else commands of the window would take the keys
+            if (!m_fnIsCommand(QKeySequence(static_cast<QKeyEvent*>(pEvent)->keyCombination()))) {
+                pEvent->accept();
+            }
+            return true;
         case QEvent::KeyPress:
             return OnKey(*static_cast<QKeyEvent*>(pEvent));
         case QEvent::MouseMove:
@@ -150,24 +167,25 @@ bool Presentation::OnKey(const QKeyEvent& event) {
         default:
             break;
     }
-    return OnStepKey(event);
+    OnStepKey(event);
+    return true; // what else the pages would do is nothing for now
 }
 
-bool Presentation::OnStepKey(const QKeyEvent& event) {
+void Presentation::OnStepKey(const QKeyEvent& event) {
     const bool bShift = event.modifiers().testFlag(Qt::ShiftModifier);
     switch (event.key()) {
         case Qt::Key_Space:
         case Qt::Key_Return:
         case Qt::Key_Enter:
             Step(bShift ? -1 : 1);
-            return true;
+            break;
         case Qt::Key_PageDown:
         case Qt::Key_Right:
         case Qt::Key_Down:
         case Qt::Key_N:
         case Qt::Key_J:
             Step(1);
-            return true;
+            break;
         case Qt::Key_PageUp:
         case Qt::Key_Left:
         case Qt::Key_Up:
@@ -175,9 +193,14 @@ bool Presentation::OnStepKey(const QKeyEvent& event) {
         case Qt::Key_K:
         case Qt::Key_Backspace:
             Step(-1);
-            return true;
+            break;
+        case Qt::Key_Home:
+        case Qt::Key_End:
+            Cover({});
+            event.key() == Qt::Key_Home ? m_view.GotoFirstPage() : m_view.GotoLastPage();
+            break;
         default:
-            return false;
+            break;
     }
 }
 

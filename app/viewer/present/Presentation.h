@@ -6,10 +6,12 @@
 // goes before the view and the window. Threads: UI thread only.
 #pragma once
 
+#include <QKeySequence>
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
 #include <QWidget>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -28,7 +30,9 @@ class Presentation : public QObject {
     Q_OBJECT
 
 public:
-    Presentation(vkit::VelkoPdfView& view, WindowParts& parts, QWidget* pWindow);
+    // `fnIsCommand` tells keys that go on being the window's; no others do.
+    Presentation(vkit::VelkoPdfView& view, WindowParts& parts, QWidget* pWindow,
+                 std::function<bool(const QKeySequence&)> fnIsCommand);
     ~Presentation() override;
 
     bool IsOn() const { return m_before.has_value(); }
@@ -52,7 +56,7 @@ private:
 
     void ShowBefore(const Before& before);
     bool OnKey(const QKeyEvent& event);
-    bool OnStepKey(const QKeyEvent& event);
+    void OnStepKey(const QKeyEvent& event);
     bool OnMouse(const QMouseEvent& event);
     bool OnWheel(const QWheelEvent& event);
     void Step(int nPages);
@@ -62,6 +66,7 @@ private:
     vkit::VelkoPdfView& m_view;
     WindowParts& m_parts;
     QWidget* const m_pWindow;
+    const std::function<bool(const QKeySequence&)> m_fnIsCommand;
     std::optional<Before> m_before; // empty: none is under way
     std::unique_ptr<StayAwake> m_pAwake;
     QTimer m_pointerTimer;
