@@ -168,7 +168,7 @@ bool Presentation::OnKey(const QKeyEvent& event) {
             break;
     }
     OnStepKey(event);
-    return true; // what else the pages would do is nothing for now
+    return true; // nothing else is done meanwhile
 }
 
 void Presentation::OnStepKey(const QKeyEvent& event) {
