@@ -203,6 +203,26 @@ bool IsTheWindows(Command eCommand) {
     return eCommand == Command::FullScreen || eCommand == Command::SidePanel;
 }
 
+// What goes on while its key is held; all else happens once for each press, since a key
+// that is held a little long would undo it, or do it to the next document.
+bool IsStep(Command eCommand) {
+    switch (eCommand) {
+        case Command::PreviousPage:
+        case Command::NextPage:
+        case Command::ZoomIn:
+        case Command::ZoomOut:
+        case Command::FindNext:
+        case Command::FindPrevious:
+        case Command::Undo:
+        case Command::Redo:
+        case Command::Back:
+        case Command::Forward:
+            return true;
+        default:
+            return false;
+    }
+}
+
 // Of those of which one holds at most, so that menus show them so.
 QActionGroup* GroupOf(QObject* pParent) {
     auto* const pGroup = new QActionGroup(pParent);
@@ -216,6 +236,7 @@ Commands::Commands(VelkoPdfView& view, QWidget* pWindow) : QObject(pWindow), m_v
     for (const Entry& entry : Entries()) {
         auto* const pAction = new QAction(QString::fromUtf8(entry.szText), this);
         pAction->setCheckable(entry.fnChecked != nullptr || IsTheWindows(entry.eCommand));
+        pAction->setAutoRepeat(IsStep(entry.eCommand));
         m_actions[static_cast<std::size_t>(entry.eCommand)] = pAction;
         pWindow->addAction(pAction);
         connect(pAction, &QAction::triggered, this, [this, &entry] {

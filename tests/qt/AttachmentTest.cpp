@@ -3,10 +3,12 @@
 
 #include <QDir>
 #include <QFileDialog>
+#include <QLabel>
 #include <QListView>
 #include <QPushButton>
 #include <QTest>
 #include <QToolButton>
+#include <algorithm>
 
 #include "app/viewer/side/AttachmentPane.h"
 #include "tests/qt/WindowFixture.h"
@@ -90,7 +92,19 @@ TEST_F(AttachmentTest, TheTabIsThereWhereThereAreFilesAndSavesWhereTheReaderSays
     const QString strTarget = m_folder.filePath("saved.txt");
     emit pDialog->fileSelected(strTarget);
     EXPECT_TRUE(RunUntil([&] { return BytesOf(strTarget) == "hello"; }));
+    const QString strOwn = m_pWindow->View().File().Text();
+    const QByteArray own = BytesOf(strOwn);
+    emit pDialog->fileSelected(strOwn);
+    const auto labels = Pane()->findChildren<QLabel*>();
+    EXPECT_TRUE(std::any_of(labels.begin(), labels.end(), [](const QLabel* pLabel) {
+        return pLabel->text().contains("open document");
+    }));
+    EXPECT_EQ(BytesOf(strOwn), own);
     pDialog->close();
+    ASSERT_TRUE(ShowUntilSharp(m_folder.filePath("plain.pdf")));
+    ASSERT_TRUE(RunUntil([&] { return !TabButton()->isVisible(); }));
+    ASSERT_TRUE(ShowUntilSharp(strOwn));
+    EXPECT_TRUE(RunUntil([&] { return Pane()->isVisible(); })) << "the tab that was chosen";
     m_pWindow->View().CloseDocument();
     EXPECT_TRUE(RunUntil([&] { return !TabButton()->isVisible(); }));
 }

@@ -127,5 +127,18 @@ TEST_F(SidePanelTest, ItStandsBesideOrOverThePagesAndIsKept) {
     EXPECT_TRUE(RunUntil([&] { return Outline() != nullptr; })) << "as it was left";
 }
 
+TEST_F(SidePanelTest, OnlyStepsGoOnWhileTheirKeyIsHeld) {
+    ASSERT_TRUE(ShowUntilSharp(WriteOutlined()));
+    const auto fnHold = [&](Qt::Key eKey, Qt::KeyboardModifiers modifiers) {
+        for (const bool bAgain : {false, true}) {
+            qt_sendShortcutOverrideEvent(m_pWindow->focusWidget(), 0, eKey, modifiers, {}, bAgain);
+        }
+    };
+    fnHold(Qt::Key_F9, Qt::NoModifier);
+    EXPECT_TRUE(Panel().isVisible()) << "and not gone again";
+    fnHold(Qt::Key_PageDown, Qt::ControlModifier);
+    EXPECT_TRUE(RunUntil([&] { return TheView().CurrentPage() == 2; }));
+}
+
 }
 }

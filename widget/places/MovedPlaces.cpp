@@ -25,7 +25,7 @@ MovedPlaces::MovedPlaces(std::shared_ptr<PDFViewCtrl> pControl,
     : m_pControl(std::move(pControl)), m_fnFound(std::move(fnFound)) {
     m_delay.setSingleShot(true);
     m_delay.setInterval(kDelayMs);
-    m_delay.callOnTimeout(this, [this] { Read(this, m_bSeek, m_nDocument); });
+    m_delay.callOnTimeout(this, [this] { Read(this); });
 }
 
 void MovedPlaces::Begin() {
@@ -56,7 +56,9 @@ void MovedPlaces::End() {
     m_identity = {};
 }
 
-concurrency::task<void> MovedPlaces::Read(QPointer<MovedPlaces> pSelf, bool bSeek, int nDocument) {
+concurrency::task<void> MovedPlaces::Read(QPointer<MovedPlaces> pSelf) {
+    const bool bSeek = pSelf->m_bSeek;
+    const int nDocument = pSelf->m_nDocument;
     const auto identifying = ReadIdentityOf(*pSelf->m_pControl);
     const DocIdentity identity = co_await identifying;
     if (!pSelf || pSelf->m_nDocument != nDocument) {

@@ -35,7 +35,7 @@ public:
     const DocIdentity& Identity() const { return m_identity; }
 
 private:
-    static concurrency::task<void> Read(QPointer<MovedPlaces> pSelf, bool bSeek, int nDocument);
+    static concurrency::task<void> Read(QPointer<MovedPlaces> pSelf);
     static void ForgetWhenGone(const std::string& strPath);
 
     const std::shared_ptr<PDFViewCtrl> m_pControl;

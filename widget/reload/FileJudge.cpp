@@ -14,7 +14,6 @@
 namespace velko::vkit {
 
 using velko::common::ErrorCode;
-using Windows::Storage::FileVersion;
 using Windows::Storage::StorageFile;
 using Kind = JudgedFile::Kind;
 using FilePtr = std::shared_ptr<StorageFile>;

@@ -13,7 +13,6 @@ namespace velko::vkit {
 using velko::common::vxbase::PointF;
 using velko::pdf::PageText;
 using velko::pdf::TextBlock;
-using velko::pdf::TextChar;
 using velko::pdf::TextLine;
 using velko::pdf::TextQuad;
 

@@ -15,7 +15,6 @@
 
 namespace velko::vkit {
 
-using velko::common::vxbase::PointF;
 using velko::common::vxbase::RectF;
 using velko::pdf::TextQuad;
 

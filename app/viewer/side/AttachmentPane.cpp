@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QLabel>
 #include <QListView>
 #include <QVBoxLayout>
@@ -88,10 +89,20 @@ void AttachmentPane::AskForPlace() {
     pDialog->selectFile(m_model.NameOf(index.row()));
     connect(pDialog, &QFileDialog::fileSelected, this,
             [this, pDocument, nFile = index.row()](const QString& strFile) {
-                Say({});
-                m_saver.Save(pDocument, nFile, FilePath(strFile));
+                SaveTo(strFile, pDocument, nFile);
             });
     pDialog->open();
+}
+
+// Over the file that is read nothing else is written, whatever the reader has agreed to.
+void AttachmentPane::SaveTo(const QString& strFile,
+                            const std::shared_ptr<velko::pdf::PDFDoc>& pDocument, int nFile) {
+    Say({});
+    if (QFileInfo(strFile) == QFileInfo(m_view.File().Text())) {
+        Say(QStringLiteral("This is the file of the open document: choose another name."));
+    } else {
+        m_saver.Save(pDocument, nFile, FilePath(strFile));
+    }
 }
 
 void AttachmentPane::Say(const QString& strText) {

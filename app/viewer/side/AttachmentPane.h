@@ -32,6 +32,8 @@ private:
     void Fill();
     void Follow(); // what can be done now
     void AskForPlace();
+    void SaveTo(const QString& strFile, const std::shared_ptr<velko::pdf::PDFDoc>& pDocument,
+                int nFile);
     void Say(const QString& strText);
 
     vkit::VelkoPdfView& m_view;

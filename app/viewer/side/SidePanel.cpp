@@ -87,13 +87,14 @@ void SidePanel::SetThere(SideTab eTab, bool bThere) {
         pPart->bThere = bThere;
         pPart->pButton->setVisible(bThere);
         ShowName();
-        if (!bThere && m_current == eTab) {
-            ShowTab(eTab);
+        if ((bThere ? m_wanted : m_current) == eTab) {
+            ShowTab(m_wanted.value_or(eTab));
         }
     }
 }
 
 void SidePanel::ShowTab(SideTab eTab) {
+    m_wanted = eTab;
     Part* pPart = PartOf(eTab);
     if (pPart == nullptr || !pPart->bThere) {
         const auto there = std::find_if(m_parts.begin(), m_parts.end(),

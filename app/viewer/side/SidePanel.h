@@ -40,7 +40,8 @@ public:
     explicit SidePanel(QWidget* pParent); // without tabs it is an empty ground
 
     void AddTab(Tab tab);
-    // A tab that has nothing to offer is not there; at first each one is.
+    // A tab that has nothing to offer is not there; at first each one is. The one that was
+    // asked for last comes back with what it offers.
     void SetThere(SideTab eTab, bool bThere);
 
     void ShowTab(SideTab eTab); // one that is not there: the first one that is
@@ -75,7 +76,8 @@ private:
     QLabel* m_pName = nullptr;
     QStackedLayout* m_pPanes = nullptr;
     QWidget* m_pHandle = nullptr;
-    std::vector<Part> m_parts; // in the order of the tabs
+    std::vector<Part> m_parts;       // in the order of the tabs
+    std::optional<SideTab> m_wanted; // may not be there now
     std::optional<SideTab> m_current;
 };
 
