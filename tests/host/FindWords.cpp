@@ -1,9 +1,5 @@
-// A host application by the widget alone: shows a document, marks where words stand in
-// it, selects the first place and copies it.
-//
-//   find-words FILE WORDS PICTURE
-//
-// Prints how often they stand there and what was copied, and draws the window.
+// A host application by the widget alone: `find-words FILE WORDS PICTURE` marks where words
+// stand in a document, selects and copies the first ones, and draws its window.
 #include <QApplication>
 #include <QClipboard>
 #include <QTimer>
@@ -27,8 +23,9 @@ void SelectFirst(VelkoPdfView& view) {
 }
 
 // Once nothing is under way any more.
-void Report(VelkoPdfView& view, const QString& strPicture) {
-    if (view.Search().Hits().IsSearching() || view.Selection().IsCopying() || !view.IsSharp()) {
+void Report(VelkoPdfView& view, const char* szPicture) {
+    if (view.ViewState() != VelkoPdfView::State::Shown || view.Search().Hits().IsSearching() ||
+        view.Selection().IsCopying() || !view.IsSharp()) {
         return;
     }
     if (view.Selection().IsEmpty() && view.Search().Hits().Count() > 0) {
@@ -37,8 +34,7 @@ void Report(VelkoPdfView& view, const QString& strPicture) {
     }
     std::printf("%lld hits, copied: %s\n", static_cast<long long>(view.Search().Hits().Count()),
                 qUtf8Printable(QGuiApplication::clipboard()->text()));
-    const bool bDrawn = view.grab().save(strPicture);
-    QCoreApplication::exit(bDrawn ? 0 : 1);
+    QCoreApplication::exit(view.grab().save(szPicture) ? 0 : 1);
 }
 
 }
@@ -57,11 +53,7 @@ int main(int argc, char** argv) {
     QObject::connect(&view, &VelkoPdfView::Opened,
                      [&] { view.Search().Find(QString::fromLocal8Bit(argv[2]), {}); });
     QTimer poll;
-    QObject::connect(&poll, &QTimer::timeout, [&] {
-        if (view.ViewState() == VelkoPdfView::State::Shown) {
-            Report(view, QString::fromLocal8Bit(argv[3]));
-        }
-    });
+    QObject::connect(&poll, &QTimer::timeout, [&] { Report(view, argv[3]); });
     poll.start(20);
     view.Open(QString::fromLocal8Bit(argv[1]));
     return QApplication::exec();

@@ -101,6 +101,16 @@ TEST(TextRangeTest, PagesBetweenAreTakenWholeAndWordsByTheirEnds) {
     EXPECT_EQ(text.Of(WordAt(text.Get(), 9)), "-");
     EXPECT_EQ(text.Of(WordAt(text.Get(), 14)), "known");
     EXPECT_EQ(text.Of(WordAt(text.Get(), 15)), "x") << "of the next line";
+
+    MadeText japanese;
+    japanese.Line(U"日本語のテキストー2か\u3099PDF", {0, 0});
+    const auto fnWord = [&](int nChar) { return WordAt(japanese.Get(), nChar); };
+    EXPECT_EQ(fnWord(1), (CharRange{0, 3}));
+    EXPECT_EQ(fnWord(3), (CharRange{3, 4}));
+    EXPECT_EQ(fnWord(8), (CharRange{4, 9}));
+    EXPECT_EQ(fnWord(9), (CharRange{9, 10}));
+    EXPECT_EQ(fnWord(11), (CharRange{10, 12})) << "with the mark on it";
+    EXPECT_EQ(fnWord(12), (CharRange{12, 15}));
 }
 
 }

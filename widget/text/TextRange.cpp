@@ -97,6 +97,26 @@ bool IsOfWord(const PageText& text, const TextLine& line, std::int32_t nChar) {
             fnIsLetter(nChar - 1) && fnIsLetter(nChar + 1));
 }
 
+// Of the scripts that are written without spaces; a mark is of its letter's.
+QChar::Script SpacelessScriptOf(const PageText& text, const TextLine& line, std::int32_t nChar) {
+    constexpr char32_t kProlonged = 0x30FC; // counted to no script
+    while (nChar > line.nFirst && QChar::isMark(CharOf(text, nChar).nCode)) {
+        --nChar;
+    }
+    const char32_t c = CharOf(text, nChar).nCode;
+    const QChar::Script eScript = c == kProlonged ? QChar::Script_Katakana : QChar::script(c);
+    const bool bSpaceless = eScript == QChar::Script_Han || eScript == QChar::Script_Hiragana ||
+                            eScript == QChar::Script_Katakana;
+    return bSpaceless ? eScript : QChar::Script_Common;
+}
+
+// Whether a character and the one behind it are of one word: without spaces it ends where
+// the script changes, which comes near to it without a dictionary.
+bool IsOneWord(const PageText& text, const TextLine& line, std::int32_t nChar) {
+    return IsOfWord(text, line, nChar) && IsOfWord(text, line, nChar + 1) &&
+           SpacelessScriptOf(text, line, nChar) == SpacelessScriptOf(text, line, nChar + 1);
+}
+
 struct Aim {
     std::int32_t nChar = 0;
     bool bBehind = false; // the point lies nearer to its end
@@ -241,13 +261,10 @@ CharRange WordAt(const PageText& text, std::int32_t nPlace) {
     }
     const TextLine& line = LineOf(text, nLine);
     CharRange word{nChar, nChar + 1};
-    if (!IsOfWord(text, line, nChar)) {
-        return word;
-    }
-    while (IsOfWord(text, line, word.nFirst - 1)) {
+    while (IsOneWord(text, line, word.nFirst - 1)) {
         --word.nFirst;
     }
-    while (IsOfWord(text, line, word.nEnd)) {
+    while (IsOneWord(text, line, word.nEnd - 1)) {
         ++word.nEnd;
     }
     return word;
