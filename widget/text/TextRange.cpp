@@ -100,7 +100,9 @@ bool IsOfWord(const PageText& text, const TextLine& line, std::int32_t nChar) {
 // Of the scripts that are written without spaces; a mark is of its letter's.
 QChar::Script SpacelessScriptOf(const PageText& text, const TextLine& line, std::int32_t nChar) {
     constexpr char32_t kProlonged = 0x30FC; // counted to no script
-    while (nChar > line.nFirst && QChar::isMark(CharOf(text, nChar).nCode)) {
+    constexpr std::int32_t kMostMarks = 8;  // on a letter; more are no writing
+    const std::int32_t nFirst = std::max(line.nFirst, nChar - kMostMarks);
+    while (nChar > nFirst && QChar::isMark(CharOf(text, nChar).nCode)) {
         --nChar;
     }
     const char32_t c = CharOf(text, nChar).nCode;
