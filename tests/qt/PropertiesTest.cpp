@@ -10,6 +10,7 @@
 #include "app/viewer/properties/PropertiesDialog.h"
 #include "tests/qt/WindowFixture.h"
 #include "widget/facts/PaperSize.h"
+#include "widget/reload/DocReloader.h"
 
 namespace velko {
 namespace {
@@ -73,6 +74,13 @@ TEST_F(PropertiesTest, TheDialogSaysWhatIsKnownAndGoesWithTheDocument) {
     EXPECT_EQ(QGuiApplication::clipboard()->text(), strFile);
     OpenDialog();
     EXPECT_EQ(m_pWindow->findChildren<viewer::PropertiesDialog*>().size(), 1) << "one is enough";
+    m_pWindow->View().FollowFile(true);
+    Write("a<b>.pdf", testing::MakePdf({wide, wide, wide}));
+    m_pWindow->View().Reloader()->ReloadNow();
+    ASSERT_TRUE(RunUntil([&] { return m_pWindow->View().PageCount() == 3; }));
+    ASSERT_NE(Dialog(), nullptr);
+    EXPECT_TRUE(RunUntil([&] { return !Dialog()->Text().contains("several sizes"); }));
+    EXPECT_TRUE(RunUntil([&] { return Dialog()->Fonts().PagesRead() == 3; }));
     ASSERT_TRUE(ShowUntilSharp(WritePages("other.pdf", 1)));
     EXPECT_TRUE(RunUntil([&] { return Dialog() == nullptr; })) << "of a document that is gone";
 }

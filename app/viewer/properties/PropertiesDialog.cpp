@@ -15,6 +15,7 @@
 #include <QTextBrowser>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <utility>
 
 #include "app/viewer/Commands.h"
 #include "app/viewer/WindowKeys.h"
@@ -64,11 +65,7 @@ void PropertiesDialog::Show(VelkoPdfView& view, DocFacts& facts, const Commands&
 }
 
 PropertiesDialog::PropertiesDialog(VelkoPdfView& view, DocFacts& facts, QWidget* pWindow)
-    : QDialog(pWindow),
-      m_view(view),
-      m_facts(facts),
-      m_pText(new QTextBrowser(this)),
-      m_pFonts(new FontModel(facts.Document(), this)) {
+    : QDialog(pWindow), m_view(view), m_facts(facts), m_pText(new QTextBrowser(this)) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(QStringLiteral("Properties of “%1”").arg(view.File().Name()));
     m_pText->setAccessibleName(QStringLiteral("Properties"));
@@ -82,7 +79,12 @@ PropertiesDialog::PropertiesDialog(VelkoPdfView& view, DocFacts& facts, QWidget*
     MakeButtons(*pLayout);
     connect(&m_facts, &DocFacts::PropertiesRead, this, &PropertiesDialog::Fill);
     connect(&m_facts, &DocFacts::LabelsRead, this, &PropertiesDialog::Fill);
-    connect(&m_facts, &DocFacts::Forgotten, this, &QDialog::close);
+    connect(&m_facts, &DocFacts::Forgotten, this, &PropertiesDialog::OnForgotten);
+    connect(&m_view, &VelkoPdfView::StateChanged, this, [this](VelkoPdfView::State eState) {
+        if (eState == VelkoPdfView::State::Empty || eState == VelkoPdfView::State::Failed) {
+            close();
+        }
+    });
     connect(&m_view, &VelkoPdfView::PageChanged, this, &PropertiesDialog::Fill);
     ReadFile();
     ReadSizes();
@@ -92,14 +94,12 @@ PropertiesDialog::PropertiesDialog(VelkoPdfView& view, DocFacts& facts, QWidget*
 QWidget* PropertiesDialog::MakeFonts() {
     auto* const pPane = new QWidget(this);
     m_pFontTable = new QTableView(pPane);
-    m_pFontTable->setModel(m_pFonts);
     m_pFontTable->setAccessibleName(QStringLiteral("Fonts"));
     m_pFontTable->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_pFontTable->setTabKeyNavigation(false);
     m_pFontTable->setShowGrid(false);
     m_pFontTable->verticalHeader()->hide();
     m_pFontTable->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    m_pFontTable->horizontalHeader()->setSectionResizeMode(FontModel::kName, QHeaderView::Stretch);
     auto* const pCopy = new QShortcut(QKeySequence::Copy, m_pFontTable);
     pCopy->setContext(Qt::WidgetWithChildrenShortcut);
     connect(pCopy, &QShortcut::activated, this, &PropertiesDialog::CopyFonts);
@@ -107,8 +107,7 @@ QWidget* PropertiesDialog::MakeFonts() {
     auto* const pLayout = new QVBoxLayout(pPane);
     pLayout->addWidget(m_pFontTable);
     pLayout->addWidget(m_pFontCount);
-    connect(m_pFonts, &FontModel::Grown, this, &PropertiesDialog::CountFonts);
-    CountFonts();
+    ReadFonts();
     return pPane;
 }
 
@@ -123,6 +122,28 @@ void PropertiesDialog::MakeButtons(QLayout& layout) {
 }
 
 // --- what has to be read ---------------------------------------------------
+
+// A file that has changed is the same document to the reader; what was known stays in
+// sight until the new is read.
+void PropertiesDialog::OnForgotten() {
+    if (!m_view.IsReloading()) {
+        close();
+    } else if (m_facts.Document()) {
+        ReadFonts();
+        ReadFile();
+        ReadSizes();
+        Fill();
+    }
+}
+
+void PropertiesDialog::ReadFonts() {
+    auto* const pFonts = new FontModel(m_facts.Document(), this);
+    connect(pFonts, &FontModel::Grown, this, &PropertiesDialog::CountFonts);
+    m_pFontTable->setModel(pFonts);
+    m_pFontTable->horizontalHeader()->setSectionResizeMode(FontModel::kName, QHeaderView::Stretch);
+    delete std::exchange(m_pFonts, pFonts);
+    CountFonts();
+}
 
 void PropertiesDialog::ReadFile() {
     const auto fnRead = [strPath = m_view.File().Text()]() -> qint64 {
@@ -158,6 +179,10 @@ void PropertiesDialog::ReadSizes() {
 
 // The place in the text, and what is selected in it, stay while nothing changes.
 void PropertiesDialog::Fill() {
+    const bool bIsAnew = !m_strHtml.isEmpty();
+    if (!m_facts.Document() || (bIsAnew && !m_facts.FindProperties())) {
+        return;
+    }
     const QString strHtml = HtmlOf(Rows());
     if (strHtml != m_strHtml) {
         m_strHtml = strHtml;

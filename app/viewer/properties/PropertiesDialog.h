@@ -1,5 +1,6 @@
 // What is known of the shown document, in a dialog beside which the pages can be read:
-// its properties, and the fonts that it uses. It goes with the document.
+// its properties, and the fonts that it uses. It goes with the document, and stays when that
+// one's file changes.
 //
 // Lifetime: goes before the view and its facts. Threads: UI thread only; what has to be
 // read is read on the task pool.
@@ -41,6 +42,8 @@ private:
 
     QWidget* MakeFonts();
     void MakeButtons(QLayout& layout);
+    void OnForgotten();
+    void ReadFonts();
     void ReadFile();
     void ReadSizes();
     void Fill();
@@ -53,7 +56,7 @@ private:
     vkit::VelkoPdfView& m_view;
     vkit::DocFacts& m_facts;
     QTextBrowser* m_pText;
-    vkit::FontModel* m_pFonts;
+    vkit::FontModel* m_pFonts = nullptr;
     QTableView* m_pFontTable = nullptr;
     QLabel* m_pFontCount = nullptr;
     QString m_strHtml;
