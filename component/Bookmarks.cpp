@@ -78,6 +78,7 @@ Composite ToValues(const KeptBookmarks& kept) {
         pValues->Insert(NameOf(n, "Page"), PropertyValue::Create(bookmark.nPage));
         pValues->Insert(NameOf(n, "X"), PropertyValue::Create(bookmark.dbX));
         pValues->Insert(NameOf(n, "Y"), PropertyValue::Create(bookmark.dbY));
+        WriteSnippet(*pValues, NameOf(n, "Snippet."), bookmark.snippet);
     }
     return pValues;
 }
@@ -91,7 +92,8 @@ KeptBookmarks FromValues(const std::string& strKey, const PropertySet& values) {
         kept.bookmarks.push_back({ValueOf<std::string>(values, NameOf(n, "Name")),
                                   ValueOf<std::int32_t>(values, NameOf(n, "Page")),
                                   ValueOf<double>(values, NameOf(n, "X")),
-                                  ValueOf<double>(values, NameOf(n, "Y"))});
+                                  ValueOf<double>(values, NameOf(n, "Y")),
+                                  ReadSnippet(values, NameOf(n, "Snippet."))});
     }
     return kept;
 }
@@ -122,6 +124,8 @@ KeptBookmarks FindBookmarks(const DocIdentity& document,
         if (nLikeness > nBest && (!bOtherPath || fnIsGone(kept->document.strPath))) {
             nBest = nLikeness;
             best = *kept;
+            best.bOtherVersion = kept->document.version != document.version &&
+                                 !HaveSameBytes(kept->document, document);
             best.document = document;
         }
     }

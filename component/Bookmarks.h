@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "component/DocIdentity.h"
+#include "component/PlaceSnippet.h"
 
 namespace velko::vkit {
 
@@ -19,6 +20,7 @@ struct Bookmark {
     std::int32_t nPage = 0;
     double dbX = 0.0; // a point of the page, at the window's top left
     double dbY = 0.0;
+    PlaceSnippet snippet{}; // by which it is found when the document has changed
     friend bool operator==(const Bookmark&, const Bookmark&) = default;
 };
 
@@ -29,6 +31,7 @@ struct KeptBookmarks {
     std::string strKey; // of the document in the store; empty: nothing is kept of it
     DocIdentity document;
     std::vector<Bookmark> bookmarks; // in the order of the document
+    bool bOtherVersion = false;      // the pages are those of another version of it
 };
 
 // Those kept for the document; a file of another path takes part only where `fnIsGone`

@@ -23,6 +23,7 @@
 #include "widget/edit/DocSaver.h"
 #include "widget/edit/ViewEdits.h"
 #include "widget/places/MovedPlaces.h"
+#include "widget/places/PlaceFollower.h"
 #include "widget/reload/DocReloader.h"
 #include "widget/search/ViewSearch.h"
 #include "widget/text/KeptSelection.h"
@@ -77,6 +78,7 @@ VelkoPdfView::~VelkoPdfView() {
     }
     m_pMoved.reset();
     m_pReloader.reset();
+    m_pFollower.reset();
     m_pSaver.reset();
     m_pEdits.reset();
     m_pSearch.reset();
@@ -155,6 +157,7 @@ void VelkoPdfView::MakeSelection() {
         ViewSelection::Parts{m_pControl, *m_pWindow, *m_pPointer, *m_pTexts,
                              [this](double dbX, double dbY) { ScrollBy(dbX, dbY); },
                              [this](int nPage) { GotoPage(nPage); }});
+    m_pFollower = std::make_unique<PlaceFollower>(m_pControl, *m_pTexts);
     m_pKeptSelection = std::make_unique<KeptSelection>(*m_pSelection, *m_pTexts);
     connect(m_pSelection.get(), &ViewSelection::EmptyChanged, this, &VelkoPdfView::ViewChanged,
             Qt::QueuedConnection);

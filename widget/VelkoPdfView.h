@@ -68,6 +68,7 @@ class MovedPlaces;
 class PageFrames;
 class PageNotices;
 class PageTexts;
+class PlaceFollower;
 class PlaceKeeper;
 class PointerShape;
 class SlowPages;
@@ -77,6 +78,8 @@ class ViewSearch;
 class ViewSelection;
 class WheelReader;
 enum class LinkStep;
+struct FoundPlace;
+struct JudgedFile;
 struct KeptView;
 struct LinkToPage;
 
@@ -315,6 +318,7 @@ private:
     bool Expect(const OpeningQueue::Request& request);
     void RememberShown();
     void BeginOpening(const OpeningQueue::Request& request);
+    void PrepareReload(const JudgedFile& ready, std::function<void()> fnDone);
     void Reload(std::shared_ptr<OpenedFile> pFile);
     void OnReloadFailed();
     void EndReload();
@@ -369,7 +373,9 @@ private:
     std::optional<KeptView> FindPlace();
     void OnPlaceFound(const KeptView& kept);
     void ShowLayoutOf(const KeptView& kept);
-    void ShowPlace(const KeptView& kept);
+    void ShowPlace(const KeptView& kept, const FoundPlace* pFound);
+    void LookForPlace();
+    void OnWordsFound(const FoundPlace& found);
     void ShowTextPlace(const Windows::Foundation::Collections::PropertySet& values, int nPage);
     void PutPage(int nPage, double dbLeft, double dbTop);
 
@@ -420,8 +426,9 @@ private:
     std::unique_ptr<PageFrames> m_pFrames;
     std::unique_ptr<PageNotices> m_pNotices;
     std::unique_ptr<SlowPages> m_pSlowPages;
-    std::unique_ptr<PlaceKeeper> m_pPlace;    // empty: places are not kept
-    std::unique_ptr<MovedPlaces> m_pMoved;    // with it
+    std::unique_ptr<PlaceKeeper> m_pPlace; // empty: places are not kept
+    std::unique_ptr<MovedPlaces> m_pMoved; // with it
+    std::unique_ptr<PlaceFollower> m_pFollower;
     std::unique_ptr<DocReloader> m_pReloader; // empty: files are not followed
     std::unique_ptr<StoreNotice> m_pStoreNotice;
     State m_eState = State::Empty;

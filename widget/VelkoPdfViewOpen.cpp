@@ -8,6 +8,7 @@
 #include "widget/PlaceKeeper.h"
 #include "widget/VelkoPdfView.h"
 #include "widget/places/MovedPlaces.h"
+#include "widget/places/PlaceFollower.h"
 #include "widget/reload/DocReloader.h"
 #include "widget/reload/OpenedFile.h"
 #include "widget/text/KeptSelection.h"
@@ -292,7 +293,7 @@ void VelkoPdfView::OnShown() {
     const QPointer<VelkoPdfView> pThis(this);
     emit Opened(PageCount());
     if (pThis && std::exchange(m_bReloading, false)) {
-        m_pKeptSelection->BringBack();
+        m_pKeptSelection->BringBack(m_pFollower->PagesMoved());
         emit Reloaded();
     }
     if (pThis && refused && !refused->strReason.isEmpty()) {
@@ -372,6 +373,7 @@ void VelkoPdfView::CloseDocument() {
     if (m_pPlace && HasDocument()) {
         m_pPlace->End();
     }
+    m_pFollower->Forget();
     Guard([this] { m_pControl->CloseDocument(); });
     m_path = {};
     m_history.Clear();

@@ -10,6 +10,7 @@
 #include "widget/VelkoPdfView.h"
 #include "widget/edit/DocSaver.h"
 #include "widget/edit/ViewEdits.h"
+#include "widget/places/PlaceFollower.h"
 #include "widget/reload/DocReloader.h"
 #include "widget/reload/OpenedFile.h"
 #include "widget/text/KeptSelection.h"
@@ -25,6 +26,9 @@ void VelkoPdfView::FollowFile(bool bFollow) {
     hands.fnIsBusy = [this] { return IsInTheMiddle(); };
     hands.fnIsEdited = [this] { return IsModified(); };
     hands.fnWasRepaired = [this] { return IsRepaired(); };
+    hands.fnPrepare = [this](const JudgedFile& ready, std::function<void()> fnDone) {
+        PrepareReload(ready, std::move(fnDone));
+    };
     hands.fnReload = [this](auto pFile) { Reload(std::move(pFile)); };
     m_pReloader = std::make_unique<DocReloader>(std::move(hands));
     DocReloader* const pReloader = m_pReloader.get();
@@ -60,6 +64,13 @@ bool VelkoPdfView::IsInTheMiddle() const {
            m_pWindow->IsInertiaRunning() || m_pSaver->IsSaving() || m_pEdits->Edits().IsBusy();
 }
 
+void VelkoPdfView::PrepareReload(const JudgedFile& ready, std::function<void()> fnDone) {
+    const auto fnPlace = [this]() -> std::optional<KeptView> {
+        return m_bLost && m_before ? std::optional(*m_before) : PlaceNow(true);
+    };
+    m_pFollower->Prepare(ready, m_password, fnPlace, std::move(fnDone));
+}
+
 // The state stays what it is: for the reader it is one document.
 void VelkoPdfView::Reload(std::shared_ptr<OpenedFile> pFile) {
     if (!m_bLost) {
@@ -69,6 +80,7 @@ void VelkoPdfView::Reload(std::shared_ptr<OpenedFile> pFile) {
             m_pPlace->End();
         }
     }
+    m_pFollower->EndPreparing(m_before.get());
     m_bReloading = true;
     const OpeningQueue::Request request{m_path, m_password, std::move(pFile)};
     m_queue.Begin(request);

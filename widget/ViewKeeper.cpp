@@ -123,6 +123,12 @@ std::optional<ViewKeeper> ViewKeeper::Remember(PDFViewCtrl& control, Anchor eAnc
     return keeper;
 }
 
+bool ViewKeeper::IsNear(const ViewKeeper& other, double dbPoints) const {
+    return m_nPage == other.m_nPage && m_nRotate == other.m_nRotate &&
+           m_bOfText == other.m_bOfText && std::abs(m_ptPage.X - other.m_ptPage.X) <= dbPoints &&
+           std::abs(m_ptPage.Y - other.m_ptPage.Y) <= dbPoints;
+}
+
 double ViewKeeper::ZoomIn(PDFViewCtrl& control) const {
     return m_bOfText == ShowsText(control) ? m_dbZoom : control.GetScale();
 }

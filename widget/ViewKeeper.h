@@ -41,6 +41,9 @@ public:
     // has a scale of its own.
     double ZoomIn(PDFViewCtrl& control) const;
     std::int32_t Page() const { return m_nPage; }
+    // Whether both show the same page, turned alike, at points not farther apart than this;
+    // whatever the zoom.
+    bool IsNear(const ViewKeeper& other, double dbPoints) const;
 
     // True when both show the same point at the same place, zoom and rotation.
     friend bool operator==(const ViewKeeper&, const ViewKeeper&) = default;

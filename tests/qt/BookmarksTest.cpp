@@ -92,6 +92,28 @@ TEST_F(BookmarksTest, TheyHoldOverARenameAndAChangeAndACopyHasItsOwn) {
     EXPECT_EQ(fnCount(strFile), 1U) << "the same path";
 }
 
+TEST_F(BookmarksTest, TheyFollowTheirWordsIntoAnotherVersion) {
+    const QString strFile = Write("a.pdf", testing::MakePdf(TextPages(12)));
+    Bookmark before;
+    {
+        const auto pReader = Open(strFile);
+        PutAt(*pReader, 2, 0.0);
+        PutAt(*pReader, 6, 200.0);
+        before = pReader->pBookmarks->List()[1];
+    }
+    auto pages = Joined(TextPages(3, 500), TextPages(12));
+    pages[5] = {}; // where one stood, nothing is left
+    Write("a.pdf", testing::MakePdf(pages));
+    const auto pReader = Open(strFile);
+    ASSERT_TRUE(pReader->Knows(2));
+    ASSERT_TRUE(RunUntil([&] { return pReader->pBookmarks->List()[1].nPage == 9; }));
+    EXPECT_EQ(pReader->pBookmarks->List()[0].nPage, 2) << "its words are gone";
+    EXPECT_EQ(pReader->pBookmarks->List()[1].dbY, before.dbY);
+    const auto pLater = Open(strFile);
+    ASSERT_TRUE(pLater->Knows(2));
+    EXPECT_EQ(pLater->pBookmarks->List()[1].nPage, 9) << "kept so";
+}
+
 TEST_F(BookmarksTest, DocumentsUsedLongAgoGo) {
     const auto fnIdentity = [](std::size_t n) {
         vkit::DocIdentity identity;

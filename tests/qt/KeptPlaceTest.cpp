@@ -13,6 +13,7 @@
 #include "platform/storage/ApplicationData.h"
 #include "tests/qt/ViewFixture.h"
 #include "viewers/core/IPDFViewer.h"
+#include "widget/places/SnippetFinder.h"
 
 namespace velko {
 namespace {
@@ -43,6 +44,16 @@ protected:
         environment.insert("QT_QPA_PLATFORM", "offscreen");
         program.setProcessEnvironment(environment);
         program.start(VELKO_VIEWER, arguments);
+    }
+    // With its words, and so far below the page's top.
+    static bool Keeps(const QString& strFile, int nPage, double dbDown = -1.0) {
+        return RunUntil([&] {
+            const auto kept = vkit::FindView(strFile.toStdString());
+            return kept && kept->pValues->HasKey("Widget.Place.Text") &&
+                   kept->pValues->Lookup("CurrentPageIndex").Get<std::int32_t>() == nPage &&
+                   (dbDown < 0.0 ||
+                    std::abs(kept->pValues->Lookup("OffsetY").Get<double>() + dbDown) < 1.0);
+        });
     }
     // As a process sees it that starts now.
     static std::int32_t KeptPage(const std::string& strStore, const QString& strFile) {
@@ -175,6 +186,100 @@ TEST_F(KeptPlaceTest, APlaceHoldsOverARenameAndAMove) {
     const auto pCopy = fnOpen(strCopy);
     ASSERT_TRUE(fnIsKnown(strCopy));
     EXPECT_EQ(pCopy->CurrentPage(), 0) << "of a file that is there";
+}
+
+TEST_F(KeptPlaceTest, AChangedDocumentComesUpAtTheWordsThatWereRead) {
+    const QString strFile = Write("text.pdf", testing::MakePdf(TextPages(20)));
+    const auto longer = Joined(TextPages(3, 500), TextPages(20));
+    for (const auto eLayout :
+         {View::Layout::Continuous, View::Layout::SinglePage, View::Layout::Text}) {
+        SCOPED_TRACE(static_cast<int>(eLayout));
+        Write("text.pdf", testing::MakePdf(TextPages(20)));
+        std::vector<double> left;
+        {
+            const auto pView = MakeView({500, 600});
+            ASSERT_TRUE(OpenUntilSharp(*pView, strFile));
+            pView->SetLayoutMode(eLayout);
+            pView->ZoomTo(1.6);
+            pView->GotoPage(7);
+            pView->ScrollBy(0.0, 173.0);
+            ASSERT_TRUE(Settles(*pView));
+            ASSERT_TRUE(Keeps(strFile, 7));
+            left = PlaceOf(*pView);
+        }
+        Write("text.pdf", testing::MakePdf(longer));
+        {
+            const auto pView = MakeView({500, 600});
+            pView->Open(strFile);
+            ASSERT_TRUE(RunUntil([&] { return pView->ViewState() == View::State::Shown; }));
+            EXPECT_EQ(PlaceOf(*pView), left) << "at once";
+            pView->CloseDocument(); // while it is looked for
+        }
+        const auto pView = MakeView({500, 600});
+        ASSERT_TRUE(OpenUntilSharp(*pView, strFile));
+        left[0] = 10.0;
+        EXPECT_TRUE(RunUntil([&] { return PlaceOf(*pView) == left; }));
+        EXPECT_FALSE(pView->CanGoBack());
+    }
+}
+
+TEST_F(KeptPlaceTest, AReaderWhoHasGoneOnIsLeftAlone) {
+    const QString strFile = Write("text.pdf", testing::MakePdf(TextPages(20)));
+    {
+        const auto pView = MakeView({500, 600});
+        ASSERT_TRUE(OpenUntilSharp(*pView, strFile));
+        pView->GotoPage(7);
+        ASSERT_TRUE(Keeps(strFile, 7));
+    }
+    Write("text.pdf", testing::MakePdf(Joined(TextPages(3, 500), TextPages(20))));
+    const auto pView = MakeView({500, 600});
+    pView->Open(strFile);
+    ASSERT_TRUE(RunUntil([&] { return pView->ViewState() == View::State::Shown; }));
+    pView->ScrollBy(0.0, 90.0);
+    const std::vector<double> gone = PlaceOf(*pView);
+    EXPECT_TRUE(Keeps(strFile, 7, -gone[2])) << "as the place of what is shown now";
+    EXPECT_EQ(PlaceOf(*pView), gone);
+}
+
+TEST_F(KeptPlaceTest, WordsAreFoundNearestFirstAndByHalves) {
+    using vkit::SnippetFinder;
+    const auto fnPage = [](const std::string& strWords) {
+        testing::PdfPage page;
+        page.strContent = "BT /F1 12 Tf 72 700 Td (" + strWords + ") Tj ET";
+        return page;
+    };
+    const std::string strOne = "These are the words that begin ";
+    const std::string strTwo = "and others are what ends it all";
+    testing::PdfPage scan;
+    scan.strContent = "q 600 0 0 700 0 0 cm /I1 Do Q";
+    const std::vector<testing::PdfPage> pages{fnPage(strOne + strTwo),
+                                              scan,
+                                              fnPage(strOne + "but go on otherwise"),
+                                              {},
+                                              fnPage(strOne + strTwo),
+                                              fnPage("Here " + strTwo),
+                                              scan};
+    const auto pView = MakeView({500, 600});
+    testing::PdfOptions options;
+    options.images.push_back({1, 1, "abc"});
+    ASSERT_TRUE(OpenUntilSharp(*pView, Write("words.pdf", testing::MakePdf(pages, options))));
+    const auto fnFind = [&](int nPage, const std::string& strText, std::size_t nHalf, int nMost) {
+        const auto pAbort = std::make_shared<std::atomic<bool>>(false);
+        const vkit::PlaceSnippet snippet{strText, 72, 700, static_cast<int>(nHalf), 200, 700};
+        SnippetFinder finder(pView->Control()->GetPDFDoc(), {{nPage, snippet}}, pAbort,
+                             {nMost, std::chrono::seconds(60)});
+        while (finder.Run()) {
+        }
+        return finder.Found()[0] ? finder.Found()[0]->nPage : -1;
+    };
+    EXPECT_EQ(fnFind(1, strOne + strTwo, strOne.size(), 9), 0);
+    EXPECT_EQ(fnFind(3, "THESE are the w\u00F6rds that begin " + strTwo, 0, 9), 4) << "folded";
+    EXPECT_EQ(fnFind(90, strOne + strTwo, strOne.size(), 9), 4) << "the document is shorter";
+    EXPECT_EQ(fnFind(6, strOne + "with other words there", strOne.size(), 9), 4);
+    EXPECT_EQ(fnFind(3, strOne + "with other words there", strOne.size(), 9), 4);
+    EXPECT_EQ(fnFind(6, "A beginning of its own " + strTwo, 23, 9), 5);
+    EXPECT_EQ(fnFind(6, strOne + strTwo, strOne.size(), 2), 5) << "no further than two pages";
+    EXPECT_EQ(fnFind(3, "Words that stand nowhere in it any more", 21, 9), -1);
 }
 
 TEST_F(KeptPlaceTest, AStoreThatCannotBeWrittenIsToldOnceAndTheReadingGoesOn) {

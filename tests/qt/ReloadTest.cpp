@@ -169,6 +169,39 @@ TEST_F(ReloadTest, ASelectionStaysWhereItsTextDoes) {
     EXPECT_TRUE(m_view.Selection().IsEmpty());
 }
 
+TEST_F(ReloadTest, TheWordsInSightStayWherePagesComeBeforeThem) {
+    ASSERT_TRUE(Show(testing::MakePdf(TextPages(20))));
+    m_view.ZoomTo(1.3);
+    m_view.GotoPage(7);
+    m_view.ScrollBy(0.0, 263.0);
+    ASSERT_TRUE(RunUntil([&] { return m_view.Texts().OwnTextOf(7) != nullptr; }));
+    ASSERT_TRUE(Settles(m_view));
+    const QImage before = m_view.grab().toImage();
+    const auto rcBefore = m_view.Control()->GetPageScreenRect(7);
+    Replace(testing::MakePdf(Joined(TextPages(3, 500), TextPages(20))));
+    int nOthers = 0;
+    ASSERT_TRUE(RunUntil([&] {
+        nOthers += m_view.grab().toImage() == before ? 0 : 1;
+        return m_reloads.count() == 1 && Settles(m_view);
+    }));
+    EXPECT_EQ(nOthers, 0) << "frames in which anything moved";
+    EXPECT_EQ(m_view.CurrentPage(), 10);
+    const auto rcAfter = m_view.Control()->GetPageScreenRect(10);
+    ASSERT_TRUE(rcBefore && rcAfter);
+    EXPECT_NEAR(rcAfter->dbOffsetY, rcBefore->dbOffsetY, 0.01);
+    EXPECT_FALSE(m_view.CanGoBack());
+
+    ASSERT_TRUE(RunUntil([&] { return m_view.Texts().OwnTextOf(10) != nullptr; }));
+    m_view.Selection().Restore({{10, 2}, {10, 30}});
+    Replace(testing::MakePdf(TextPages(20)));
+    const vkit::ViewSelection::Places moved{{7, 2}, {7, 30}};
+    ASSERT_TRUE(RunUntil([&] { return m_reloads.count() == 2; }));
+    EXPECT_TRUE(RunUntil([&] { return m_view.Selection().Now() == moved; }));
+    Replace(testing::MakePdf(TextPages(5, 10))); // without what is read
+    ASSERT_TRUE(RunUntil([&] { return m_reloads.count() == 3; }));
+    EXPECT_EQ(m_view.CurrentPage(), 4);
+}
+
 TEST_F(ReloadTest, WhatIsBeingWrittenOrCannotBeShownLeavesThePicture) {
     const std::string strNew = Pages(4, kBlue);
     ASSERT_TRUE(Show(Pages(4, kRed)));

@@ -53,6 +53,26 @@ protected:
         return Write(strName, MakePdf(pages));
     }
 
+    // Pages of 30 lines, none of which stands anywhere else, from `nFirst` on.
+    static std::vector<PdfPage> TextPages(int nPages, int nFirst = 0) {
+        std::vector<PdfPage> pages(static_cast<std::size_t>(nPages));
+        for (int n = 0; n < nPages; ++n) {
+            std::string& strContent = pages[static_cast<std::size_t>(n)].strContent;
+            const std::string strOf = std::to_string(nFirst + n);
+            strContent = "BT /F1 14 Tf 20 TL 72 720 Td ";
+            for (int nLine = 0; nLine < 30; ++nLine) {
+                strContent += "(Line " + std::to_string(nLine) + " tells of matter " + strOf +
+                              " in words of its own) Tj T* ";
+            }
+            strContent += "ET";
+        }
+        return pages;
+    }
+    static std::vector<PdfPage> Joined(std::vector<PdfPage> one, const std::vector<PdfPage>& two) {
+        one.insert(one.end(), two.begin(), two.end());
+        return one;
+    }
+
     // A document that opens by the password "secret" alone.
     QString WriteLocked(int nPages = 1) {
         PdfOptions locked;

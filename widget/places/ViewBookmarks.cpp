@@ -7,6 +7,8 @@
 
 #include "widget/places/PlaceName.h"
 #include "widget/places/ShownIdentity.h"
+#include "widget/places/SnippetSearch.h"
+#include "widget/places/SnippetTaker.h"
 
 namespace velko::vkit {
 
@@ -67,6 +69,9 @@ ViewBookmarks::ViewBookmarks(VelkoPdfView& view) : QObject(&view), m_view(view) 
 }
 
 ViewBookmarks::~ViewBookmarks() {
+    if (m_pAbort) {
+        m_pAbort->store(true, std::memory_order_release);
+    }
     std::erase(All(), this);
 }
 
@@ -74,6 +79,9 @@ ViewBookmarks::~ViewBookmarks() {
 
 void ViewBookmarks::Forget() {
     ++m_nReading;
+    if (const auto pAbort = std::exchange(m_pAbort, nullptr)) {
+        pAbort->store(true, std::memory_order_release);
+    }
     m_bAsked = false;
     m_bRead = false;
     m_kept = {};
@@ -118,7 +126,52 @@ concurrency::task<void> ViewBookmarks::Read(QPointer<ViewBookmarks> pSelf, int n
     for (const auto& fnDo : std::exchange(pSelf->m_waiting, {})) {
         fnDo();
     }
+    if (pSelf->m_kept.bOtherVersion && !pSelf->m_kept.bookmarks.empty()) {
+        LookForAll(pSelf);
+    }
     emit pSelf->Changed();
+}
+
+concurrency::task<void> ViewBookmarks::LookForAll(QPointer<ViewBookmarks> pSelf) {
+    const int nReading = pSelf->m_nReading;
+    const std::vector<Bookmark> before = pSelf->m_kept.bookmarks;
+    std::vector<SoughtPlace> sought;
+    for (const Bookmark& bookmark : before) {
+        sought.push_back({bookmark.nPage, bookmark.snippet});
+    }
+    pSelf->m_pAbort = std::make_shared<std::atomic<bool>>(false);
+    const auto pFinder =
+        std::make_shared<SnippetFinder>(pSelf->m_view.Control()->GetPDFDoc(), std::move(sought),
+                                        pSelf->m_pAbort, SnippetFinder::Limits{});
+    const auto running = RunToEnd(pFinder);
+    co_await running;
+    if (pSelf && pSelf->m_nReading == nReading) {
+        pSelf->TakeFound(before, pFinder->Found());
+    }
+}
+
+// As they are by now: the reader may have changed some meanwhile. What is not found stays on
+// its page.
+void ViewBookmarks::TakeFound(const std::vector<Bookmark>& before,
+                              const std::vector<std::optional<FoundPlace>>& found) {
+    auto& list = m_kept.bookmarks;
+    for (std::size_t n = 0; n < before.size(); ++n) {
+        const auto it = std::find(list.begin(), list.end(), before[n]);
+        if (found[n] && it != list.end()) {
+            const double dbX = found[n]->ptNow.X - found[n]->ptThen.X;
+            const double dbY = found[n]->ptNow.Y - found[n]->ptThen.Y;
+            it->nPage = found[n]->nPage;
+            it->dbX += dbX;
+            it->dbY += dbY;
+            it->snippet.dbX += dbX;
+            it->snippet.dbY += dbY;
+            it->snippet.dbHalfX += dbX;
+            it->snippet.dbHalfY += dbY;
+        }
+    }
+    std::stable_sort(list.begin(), list.end(), IsBefore);
+    m_kept.bOtherVersion = false;
+    Keep();
 }
 
 // --- changing --------------------------------------------------------------
@@ -161,11 +214,14 @@ concurrency::task<void> ViewBookmarks::Name(QPointer<ViewBookmarks> pSelf, Bookm
     const auto naming =
         NameOfPlace(pSelf->m_view, bookmark.nPage,
                     {static_cast<float>(bookmark.dbX), static_cast<float>(bookmark.dbY)});
+    const auto taking = ReadSnippetIn(*pSelf->m_view.Control(), bookmark.nPage);
     const std::string strName = co_await naming;
+    const PlaceSnippet snippet = co_await taking;
     if (!pSelf || pSelf->m_nReading != nReading || pSelf->FindNear(bookmark) >= 0) {
         co_return;
     }
     bookmark.strName = strName;
+    bookmark.snippet = snippet;
     auto& list = pSelf->m_kept.bookmarks;
     list.insert(std::upper_bound(list.begin(), list.end(), bookmark, IsBefore), bookmark);
     pSelf->Keep();

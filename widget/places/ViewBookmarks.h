@@ -1,15 +1,18 @@
 // The reader's bookmarks in the document that a view shows.
 //
 // Known once they are asked for, read on the task pool; views of one document in one
-// process share what each changes.
+// process share what each changes. In another version of the document than they were put
+// into each is where its words are by then, soon after.
 // Lifetime: goes with the view. Threads: UI thread only. Errors: none is raised.
 #pragma once
 
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <atomic>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "component/Bookmarks.h"
@@ -17,6 +20,8 @@
 #include "widget/VelkoPdfView.h"
 
 namespace velko::vkit {
+
+struct FoundPlace;
 
 class ViewBookmarks : public QObject {
     Q_OBJECT
@@ -42,6 +47,9 @@ signals:
 
 private:
     static concurrency::task<void> Read(QPointer<ViewBookmarks> pSelf, int nReading);
+    static concurrency::task<void> LookForAll(QPointer<ViewBookmarks> pSelf);
+    void TakeFound(const std::vector<Bookmark>& before,
+                   const std::vector<std::optional<FoundPlace>>& found);
     static concurrency::task<void> Name(QPointer<ViewBookmarks> pSelf, Bookmark bookmark);
     void WhenRead(std::function<void()> fnDo);
     void Forget();
@@ -56,6 +64,7 @@ private:
     bool m_bAsked = false;
     bool m_bRead = false;
     int m_nReading = 0;
+    std::shared_ptr<std::atomic<bool>> m_pAbort; // of the looking for them
 };
 
 }

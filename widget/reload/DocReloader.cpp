@@ -13,6 +13,7 @@ namespace {
 
 constexpr int kDelayMs = 400;
 constexpr int kRetryMs = 100;
+constexpr int kPrepareMs = 150; // at the longest
 
 }
 
@@ -23,15 +24,18 @@ DocReloader::DocReloader(Hands hands) : m_hands(std::move(hands)) {
     m_retry.setSingleShot(true);
     m_retry.setInterval(kRetryMs);
     m_retry.callOnTimeout(this, [this] { m_ready ? Try() : m_watch.Look(); });
+    m_preparing.setSingleShot(true);
+    m_preparing.setInterval(kPrepareMs);
+    m_preparing.callOnTimeout(this, &DocReloader::Try);
     connect(&m_watch, &FileWatch::Known, this, [this] {
-        m_ready.reset(); // what had come is gone again
+        SetReady({}); // what had come is gone again
         m_bChanging = false;
         Tell(Why::None);
     });
     connect(&m_watch, &FileWatch::Refused, this, &DocReloader::Try);
     connect(&m_watch, &FileWatch::Settled, this, &DocReloader::OnSettled);
     connect(&m_watch, &FileWatch::Gone, this, [this] {
-        m_ready.reset();
+        SetReady({});
         Tell(Why::Gone);
     });
 }
@@ -53,7 +57,7 @@ void DocReloader::End() {
     m_retry.stop();
     m_watch.End();
     m_pOpened.reset();
-    m_ready.reset();
+    SetReady({});
     m_bForce = false;
     m_bJudging = false;
     m_bChanging = false;
@@ -87,7 +91,7 @@ void DocReloader::SetAutomatic(bool bAutomatic) {
 }
 
 void DocReloader::TakeSaved() {
-    m_ready.reset();
+    SetReady({});
     m_bForce = false;
     if (m_watch.IsRunning()) {
         m_watch.TakeNext();
@@ -143,11 +147,11 @@ void DocReloader::OnJudged(const JudgedFile& judged, bool bFinal) {
     } else if (judged.eKind == Kind::Broken) {
         m_bForce = false;
         m_bChanging = false;
-        m_ready.reset();
+        SetReady({});
         m_watch.Refuse(judged.version);
         Tell(Why::Broken);
     } else {
-        m_ready = judged;
+        SetReady(judged);
         m_watch.Refuse(judged.version); // it need not be told again
         Try();
     }
@@ -186,9 +190,35 @@ void DocReloader::Try() {
         m_retry.start();
         return;
     }
+    if (!std::exchange(m_bPrepared, true)) {
+        Prepare();
+        return;
+    }
+    if (m_preparing.isActive()) {
+        return;
+    }
     m_bForce = false;
-    const JudgedFile ready = *std::exchange(m_ready, std::nullopt);
+    const JudgedFile ready = *m_ready;
+    SetReady({});
     m_hands.fnReload(ready.pFile); // which begins with another document
+}
+
+void DocReloader::SetReady(std::optional<JudgedFile> ready) {
+    ++m_nReady;
+    m_preparing.stop();
+    m_bPrepared = false;
+    m_ready = std::move(ready);
+}
+
+void DocReloader::Prepare() {
+    m_preparing.start();
+    const auto fnDone = [pThis = QPointer<DocReloader>(this), nReady = m_nReady] {
+        if (pThis && pThis->m_nReady == nReady && pThis->m_preparing.isActive()) {
+            pThis->m_preparing.stop();
+            pThis->Try();
+        }
+    };
+    m_hands.fnPrepare(*m_ready, fnDone);
 }
 
 void DocReloader::OnFailed() {

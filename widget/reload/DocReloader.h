@@ -43,6 +43,9 @@ public:
         std::function<bool()> fnIsBusy;   // a movement, an open, an edit or a save
         std::function<bool()> fnIsEdited; // and not saved
         std::function<bool()> fnWasRepaired;
+        // Looks for the reader's place in what is ready, while the document before is
+        // shown yet, and says when that is done; nobody waits for it for long.
+        std::function<void(const JudgedFile& ready, std::function<void()> fnDone)> fnPrepare;
         // Gives a document that is shown at the place of the one before.
         std::function<void(std::shared_ptr<OpenedFile>)> fnReload;
     };
@@ -85,15 +88,20 @@ private:
                                          std::shared_ptr<OpenedFile> pFile, int nDocument);
     static concurrency::task<void> Judge(QPointer<DocReloader> pSelf, bool bFinal, int nDocument);
     Why Hindrance() const;
+    void SetReady(std::optional<JudgedFile> ready);
+    void Prepare();
 
     const Hands m_hands;
     FileWatch m_watch;
     QTimer m_delay; // of the start
     QTimer m_retry;
+    QTimer m_preparing; // runs while that is waited for
     FilePath m_path;
     std::shared_ptr<OpenedFile> m_pOpened; // until the watch begins
     Platform::MaskedText m_password;
     std::optional<JudgedFile> m_ready; // to be shown
+    bool m_bPrepared = false;          // or soon
+    int m_nReady = 0;                  // that counts
     Why m_eWhy = Why::None;
     bool m_bAutomatic = false;
     bool m_bForce = false; // what hinders is passed over

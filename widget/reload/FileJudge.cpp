@@ -3,12 +3,11 @@
 #include <limits>
 #include <utility>
 
-#include "document/VLKS_FileHandler.h"
 #include "document/engine/ErrorCode.h"
 #include "document/engine/HostServices.h"
 #include "document/engine/PDFDoc.h"
 #include "platform/storage/StorageFile.h"
-#include "platform/system/Activation.h"
+#include "widget/reload/AsideDocument.h"
 #include "widget/reload/OpenedFile.h"
 
 namespace velko::vkit {
@@ -19,15 +18,6 @@ using Kind = JudgedFile::Kind;
 using FilePtr = std::shared_ptr<StorageFile>;
 
 namespace {
-
-std::shared_ptr<VLKS_FileHandler> HandlerOf(const FilePtr& pPinned, std::int32_t nSize) {
-    auto pReadWrite = std::make_shared<VLKS_FileHandlerReadWrite>();
-    pReadWrite->SetFile(pPinned, nSize);
-    pReadWrite->PreloadFile();
-    auto pHandler = std::make_shared<VLKS_FileHandler>();
-    pHandler->SetReadWrite(std::move(pReadWrite));
-    return pHandler;
-}
 
 Kind KindOf(velko::pdf::PDFDoc& document, ErrorCode eCode) {
     if (eCode == ErrorCode::e_ErrFile || eCode == ErrorCode::e_ErrConflict) {
@@ -44,17 +34,13 @@ Kind KindOf(velko::pdf::PDFDoc& document, ErrorCode eCode) {
 }
 
 Kind Judge(const FilePtr& pPinned, std::int32_t nSize, const Platform::SecretText& password) {
-    const auto pHandler = HandlerOf(pPinned, nSize);
-    Kind eKind = Kind::Broken;
     try {
-        const auto pDocument =
-            Platform::GetActivationFactory<velko::pdf::IPDFDocFactory>(velko::pdf::kPDFDocClass)
-                ->Create(pHandler);
-        eKind = KindOf(*pDocument, pDocument->Load(password.Text()));
+        AsideDocument aside(pPinned, nSize);
+        const ErrorCode eCode = aside.Load(password);
+        return KindOf(*aside.Document(), eCode);
     } catch (...) { // what the engine cannot bear is as bad for the control
+        return Kind::Broken;
     }
-    pHandler->Dispose();
-    return eKind;
 }
 
 }

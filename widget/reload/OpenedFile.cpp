@@ -22,6 +22,11 @@ OpenedFile::FilePtr OpenedFile::Pinned() const {
     return m_wkPinned.lock();
 }
 
+OpenedFile::FilePtr OpenedFile::Judged() const {
+    const std::lock_guard lock(m_lock);
+    return m_pJudged;
+}
+
 std::optional<FileVersion> OpenedFile::Version() const {
     const std::lock_guard lock(m_lock);
     if (m_version) {

@@ -26,6 +26,8 @@ public:
 
     // What the document reads; empty before it is opened, and after it has gone.
     FilePtr Pinned() const;
+    // What its pinning will give, where that is settled already.
+    FilePtr Judged() const;
     // Of what was pinned; empty until it is known, which is before the first bytes are read.
     std::optional<Windows::Storage::FileVersion> Version() const;
 

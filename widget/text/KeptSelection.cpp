@@ -49,7 +49,8 @@ void KeptSelection::Take() {
     }
 }
 
-void KeptSelection::BringBack() {
+void KeptSelection::BringBack(std::int32_t nPagesMoved) {
+    m_nPagesMoved = nPagesMoved;
     m_bWaits = m_kept.has_value();
     if (m_bWaits) {
         Try();
@@ -58,16 +59,34 @@ void KeptSelection::BringBack() {
 
 // Unless the reader has selected something else by then.
 void KeptSelection::Try() {
-    const auto strAnchor = TextAround(m_kept->places.anchor);
-    const auto strHead = TextAround(m_kept->places.head);
+    std::optional<bool> done = m_nPagesMoved != 0 ? TryMoved(m_nPagesMoved) : false;
+    if (done == false) {
+        done = TryMoved(0);
+    }
+    if (done) {
+        m_bWaits = false;
+        m_kept.reset();
+    }
+}
+
+// Whether it is there; empty while that is not known.
+std::optional<bool> KeptSelection::TryMoved(std::int32_t nPages) {
+    ViewSelection::Places places = m_kept->places;
+    places.anchor.nPage += nPages;
+    places.head.nPage += nPages;
+    if (std::min(places.anchor.nPage, places.head.nPage) < 0) {
+        return false;
+    }
+    const auto strAnchor = TextAround(places.anchor);
+    const auto strHead = TextAround(places.head);
     if (!strAnchor || !strHead) {
-        return;
+        return std::nullopt;
     }
-    m_bWaits = false;
-    if (m_selection.IsEmpty() && *strAnchor == m_kept->strAnchor && *strHead == m_kept->strHead) {
-        m_selection.Restore(m_kept->places);
+    const bool bSame = *strAnchor == m_kept->strAnchor && *strHead == m_kept->strHead;
+    if (bSame && m_selection.IsEmpty()) {
+        m_selection.Restore(places);
     }
-    m_kept.reset();
+    return bSame;
 }
 
 }

@@ -35,6 +35,10 @@ PageTexts::TextPtr OrNone(const std::shared_ptr<const PlacedText>& pRead) {
 
 }
 
+PlacedText ReadPlacedText(const std::shared_ptr<Doc>& pDocument, std::int32_t nPage, bool bSet) {
+    return bSet ? ReadSet(pDocument, nPage) : ReadOwn(pDocument, nPage);
+}
+
 class PageTexts::SetTexts : public PageShelf<PlacedText> {
 public:
     SetTexts(PDFViewCtrl& control, std::function<void(std::int32_t)> fnRead)

@@ -17,6 +17,11 @@ struct PlacedText {
     std::uint64_t nSet = 0;                            // what it is set for; 0 on its page
 };
 
+// As it stands on the page itself, or set anew. Any thread but the UI thread; raises what
+// the engine's document raises.
+PlacedText ReadPlacedText(const std::shared_ptr<velko::pdf::PDFDoc>& pDocument, std::int32_t nPage,
+                          bool bSet);
+
 class PageTexts : public PageShelf<PlacedText> {
     Q_OBJECT
 
